@@ -1,0 +1,14 @@
+# What every target of the house is compiled with. Warnings are errors.
+add_library(coffrelune_compiler INTERFACE)
+target_compile_options(coffrelune_compiler INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # GCC 12 warns of overlapping copies inside std::string that cannot happen:
+  # https://gcc.gnu.org/bugzilla/show_bug.cgi?id=105651
+  target_compile_options(coffrelune_compiler INTERFACE -Wno-restrict)
+endif()
+if(COFFRELUNE_SANITIZE)
+  target_compile_options(coffrelune_compiler INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(coffrelune_compiler INTERFACE -fsanitize=address,undefined)
+endif()

@@ -1,0 +1,22 @@
+# One library a folder. STANDS_ON names the folders below it, and the linker holds the house to it:
+# the tests of a folder are linked with that folder, what it stands on, and the in-memory platform.
+function(coffrelune_layer name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;STANDS_ON;PRIVATE_LIBRARIES" ${ARGN})
+  add_library(coffrelune_${name} STATIC ${ARG_SOURCES})
+  target_include_directories(coffrelune_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(coffrelune_${name} PUBLIC ${ARG_STANDS_ON}
+                                           PRIVATE coffrelune_compiler ${ARG_PRIVATE_LIBRARIES})
+  if(COFFRELUNE_SANITIZE)
+    target_link_options(coffrelune_${name} PUBLIC -fsanitize=address,undefined)
+  endif()
+endfunction()
+
+# A test program: every *_test.cpp of the calling folder, so that none is left out of the build.
+function(coffrelune_tests name)
+  cmake_parse_arguments(ARG "" "" "LINKS;EXTRA_SOURCES" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*_test.cpp)
+  add_executable(${name}_tests ${sources} ${ARG_EXTRA_SOURCES})
+  target_include_directories(${name}_tests PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(${name}_tests PRIVATE ${ARG_LINKS} coffrelune_compiler GTest::gtest_main GTest::gmock)
+  gtest_discover_tests(${name}_tests TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60)
+endfunction()
