@@ -1,0 +1,87 @@
+#include "platform/controls.h"
+
+#include <algorithm>
+
+namespace coffrelune {
+namespace {
+
+// Sets a value and says whether that changed anything: peers redraw only then.
+template <typename Value>
+bool assign(Value& field, Value value) {
+    if (field == value) return false;
+    field = std::move(value);
+    return true;
+}
+
+}  // namespace
+
+void Control::changed() {
+    if (peer_ != nullptr) peer_->controlChanged(*this);
+}
+
+void Control::setCaption(std::string caption) {
+    if (assign(caption_, std::move(caption))) changed();
+}
+
+void Control::setToolTip(std::string toolTip) {
+    if (assign(toolTip_, std::move(toolTip))) changed();
+}
+
+void Control::setVisible(bool visible) {
+    if (assign(visible_, visible)) changed();
+}
+
+void Control::setEnabled(bool enabled) {
+    if (assign(enabled_, enabled)) changed();
+}
+
+void Button::click() {
+    if (enabled() && visible() && onClick) onClick();
+}
+
+void CheckBox::setChecked(bool checked) {
+    if (assign(checked_, checked)) changed();
+}
+
+void CheckBox::click() {
+    if (!enabled() || !visible()) return;
+    setChecked(!checked_);
+    if (onClick) onClick();
+}
+
+void Picture::setImage(std::string image) {
+    if (assign(image_, std::move(image))) changed();
+}
+
+void ProgressBar::setValue(int value) {
+    if (assign(value_, std::clamp(value, 0, 100))) changed();
+}
+
+void ProgressBar::setIndeterminate(bool indeterminate) {
+    if (assign(indeterminate_, indeterminate)) changed();
+}
+
+void TextLog::append(std::string_view text) {
+    std::size_t start = 0;
+    while (true) {
+        std::size_t end = text.find("\r\n", start);
+        starts_.push_back(text_.size());
+        text_.append(text.substr(start, end - start)).append("\r\n");
+        if (end == std::string_view::npos) break;
+        start = end + 2;
+    }
+    changed();
+}
+
+void TextLog::clear() {
+    text_.clear();
+    starts_.clear();
+    changed();
+}
+
+std::string_view TextLog::line(std::size_t index) const {
+    const std::size_t end = index + 1 < starts_.size() ? starts_[index + 1] : text_.size();
+    return std::string_view(text_).substr(starts_[index], end - starts_[index] - 2);
+}
+
+}  // namespace coffrelune

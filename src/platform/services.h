@@ -1,0 +1,126 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/status.h"
+
+namespace coffrelune {
+
+/// The logical drives and what the user calls a path.
+class DriveService {
+  public:
+    virtual ~DriveService() = default;
+
+    /// Roots of the drives present now ("C:\"), in the order of their letters. Asks the system
+    /// afresh, so that a medium put in or taken out since the last call counts.
+    virtual std::vector<std::string> roots() = 0;
+
+    /// The system's own directory, which no walk enters; empty when there is no such thing.
+    virtual std::string windowsDirectory() = 0;
+
+    /// Turns what a person typed, dropped or chose into the core's form, once, where it enters. On
+    /// Linux "/media/cle/Photos" gives "F:\Photos" when that volume is F:, else "C:\media\...".
+    /// A text that already has the core's form comes back as it is.
+    virtual std::string fromNative(const std::string& typed) = 0;
+};
+
+/// A local calendar time. month 1 to 12, day 1 to 31.
+struct LocalTime {
+    int year = 1601;
+    int month = 1;
+    int day = 1;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+    int millisecond = 0;
+
+    bool operator==(const LocalTime&) const = default;
+};
+
+class Clock {
+  public:
+    virtual ~Clock() = default;
+
+    virtual LocalTime now() = 0;
+
+    /// Milliseconds of a clock that is never set back; only differences mean anything.
+    virtual std::int64_t monotonicMilliseconds() = 0;
+};
+
+/// How the user's system writes numbers. Never empty, UTF-8.
+class Locale {
+  public:
+    virtual ~Locale() = default;
+    virtual std::string decimalSeparator() const = 0;
+    virtual std::string groupSeparator() const = 0;
+};
+
+/// The user's ANSI code page, met only in the settings file and the error lists.
+class AnsiCodec {
+  public:
+    virtual ~AnsiCodec() = default;
+
+    /// UTF-8 to the code page, with "?" for what it cannot hold. Returns false when there was such a
+    /// character; `bytes` is complete all the same.
+    virtual bool encode(const std::string& utf8, std::string& bytes) const = 0;
+
+    /// Any bytes to UTF-8; never fails.
+    virtual std::string decode(const std::string& bytes) const = 0;
+};
+
+class SoundService {
+  public:
+    virtual ~SoundService() = default;
+    virtual int deviceCount() = 0;
+    /// Plays a sound file asynchronously; silent when it cannot.
+    virtual void play(const std::string& path) = 0;
+};
+
+/// Refuses a second process on the same settings file.
+class InstanceGuard {
+  public:
+    virtual ~InstanceGuard() = default;
+
+    /// Claims the directory of the settings file until the process ends. False when another process
+    /// holds it. A system that cannot lock there lets the program run.
+    virtual bool claim(const std::string& directory) = 0;
+};
+
+enum class MessageIcon { information, exclamation, critical, question };
+enum class MessageButtons { ok, okCancel, yesNo };
+enum class Answer { ok, cancel, yes, no };
+
+struct MessageBoxText {
+    std::string text;  // lines joined with LF or CR LF
+    std::string title;
+    MessageIcon icon = MessageIcon::information;
+    MessageButtons buttons = MessageButtons::ok;
+};
+
+class Window;
+
+/// The window system: a desktop, a terminal, or a test.
+class WindowService {
+  public:
+    virtual ~WindowService() = default;
+
+    /// Shows a window, raises its activation and returns when it has closed.
+    virtual void showModal(Window& window) = 0;
+
+    /// Lets what the user did meanwhile take effect. May be called for every file: cheap unless it
+    /// is time (about every 15 ms). May set flags and call window code, never starts an operation.
+    virtual void runPendingEvents() = 0;
+
+    virtual Answer showMessage(const MessageBoxText& message) = 0;
+
+    /// The pointer says that the program is busy. Nothing where there is no pointer.
+    virtual void showWaiting(bool /*waiting*/) {}
+
+    /// A line that must not get lost though nobody is asked anything: stderr in a terminal.
+    virtual void notice(const std::string& text) = 0;
+};
+
+}  // namespace coffrelune

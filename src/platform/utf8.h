@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace coffrelune::utf8 {
+
+/// A byte that is no valid UTF-8 is read as this plus its value (0xDC80 to 0xDCFF), a lone
+/// surrogate that no valid text contains: so raw file names survive a passage through UTF-16.
+inline constexpr char32_t rawByte = 0xDC00;
+
+/// Reads one character at `position` and moves on. `position` must be inside `text`.
+inline char32_t next(std::string_view text, std::size_t& position) {
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned char lead = byte(position);
+    if (lead < 0x80) return text[position++] & 0x7F;
+    const int extra = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
+    const char32_t smallest = extra == 3 ? 0x10000 : extra == 2 ? 0x800 : 0x80;
+    char32_t value = lead & (extra == 3 ? 0x07U : extra == 2 ? 0x0FU : 0x1FU);
+    bool valid = lead >= 0xC2 && lead <= 0xF4 && position + static_cast<std::size_t>(extra) < text.size();
+    for (int i = 1; valid && i <= extra; ++i) {
+        const unsigned char follow = byte(position + static_cast<std::size_t>(i));
+        valid = (follow & 0xC0) == 0x80;
+        value = (value << 6) | (follow & 0x3FU);
+    }
+    valid = valid && value >= smallest && value <= 0x10FFFF && (value < 0xD800 || value > 0xDFFF);
+    if (!valid) {
+        ++position;
+        return rawByte + lead;
+    }
+    position += static_cast<std::size_t>(extra) + 1;
+    return value;
+}
+
+/// Appends one character; a raw byte (see above) is appended as the byte it was.
+inline void append(std::string& text, char32_t c) {
+    const auto put = [&](char32_t byte) { text.push_back(static_cast<char>(byte)); };
+    if (c >= rawByte + 0x80 && c <= rawByte + 0xFF) {
+        put(c - rawByte);
+    } else if (c < 0x80) {
+        put(c);
+    } else if (c < 0x800) {
+        put(0xC0 | (c >> 6));
+        put(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+        put(0xE0 | (c >> 12));
+        put(0x80 | ((c >> 6) & 0x3F));
+        put(0x80 | (c & 0x3F));
+    } else {
+        put(0xF0 | (c >> 18));
+        put(0x80 | ((c >> 12) & 0x3F));
+        put(0x80 | ((c >> 6) & 0x3F));
+        put(0x80 | (c & 0x3F));
+    }
+}
+
+}  // namespace coffrelune::utf8
