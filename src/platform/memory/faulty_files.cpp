@@ -1,0 +1,127 @@
+#include "platform/memory/faulty_files.h"
+
+namespace coffrelune {
+namespace {
+
+std::string joined(const std::string& directory, const std::string& name) {
+    const bool separated = !directory.empty() && directory.back() == '\\';
+    return directory + (separated ? "" : "\\") + name;
+}
+
+}  // namespace
+
+class FaultyFiles::FaultyDirectory final : public Directory {
+  public:
+    FaultyDirectory(FaultyFiles& files, std::string path, std::unique_ptr<Directory> inner)
+        : files_(files), path_(std::move(path)), inner_(std::move(inner)) {}
+
+    bool next(FileEntry& entry) override {
+        if (!failure_.ok()) return false;
+        failure_ = files_.enter("next", path_);
+        return failure_.ok() && inner_->next(entry);
+    }
+
+    const Status& status() const override { return failure_.ok() ? inner_->status() : failure_; }
+
+    bool lookUp(const std::string& name, FileEntry& entry) override {
+        return files_.enter("find", joined(path_, name)).ok() && inner_->lookUp(name, entry);
+    }
+
+  private:
+    FaultyFiles& files_;
+    std::string path_;
+    std::unique_ptr<Directory> inner_;
+    Status failure_;
+};
+
+void FaultyFiles::failCall(std::uint64_t number, std::uint32_t code) {
+    rules_.push_back({number, {}, {}, code, 1});
+}
+
+void FaultyFiles::fail(const std::string& name, const std::string& path, std::uint32_t code,
+                       int times) {
+    rules_.push_back({0, name, path, code, times});
+}
+
+void FaultyFiles::restart() {
+    rules_.clear();
+    calls_.clear();
+    failureCount_ = 0;
+}
+
+Status FaultyFiles::enter(const char* name, const std::string& path, const std::string& second) {
+    calls_.push_back(std::string(name) + ' ' + path + (second.empty() ? "" : ' ' + second));
+    for (Rule& rule : rules_) {
+        if (rule.times == 0) continue;
+        const bool named = (rule.name.empty() || rule.name == name) &&
+                           (rule.path.empty() || rule.path == path || rule.path == second);
+        if (rule.number == 0 ? !named : rule.number != calls_.size()) continue;
+        if (rule.times > 0) --rule.times;
+        ++failureCount_;
+        return Status::failure(rule.code, path);
+    }
+    return {};
+}
+
+Status FaultyFiles::openDirectory(const std::string& path, LinkRule links, Wanted wanted,
+                                  std::unique_ptr<Directory>& directory) {
+    Status status = enter("openDirectory", path);
+    if (!status.ok()) return status;
+    std::unique_ptr<Directory> inner;
+    status = inner_.openDirectory(path, links, wanted, inner);
+    if (status.ok()) directory = std::make_unique<FaultyDirectory>(*this, path, std::move(inner));
+    return status;
+}
+
+Status FaultyFiles::lookUp(const std::string& path, LinkRule links, FileEntry& entry) {
+    Status status = enter("lookUp", path);
+    return status.ok() ? inner_.lookUp(path, links, entry) : status;
+}
+
+Status FaultyFiles::identify(const std::string& path, FileId& id) {
+    Status status = enter("identify", path);
+    return status.ok() ? inner_.identify(path, id) : status;
+}
+
+Status FaultyFiles::createDirectory(const std::string& path) {
+    Status status = enter("createDirectory", path);
+    return status.ok() ? inner_.createDirectory(path) : status;
+}
+
+Status FaultyFiles::copyFile(const std::string& source, const std::string& destination,
+                             LinkRule sourceLinks, CopyObserver* observer) {
+    Status status = enter("copyFile", source, destination);
+    return status.ok() ? inner_.copyFile(source, destination, sourceLinks, observer) : status;
+}
+
+Status FaultyFiles::setAttributes(const std::string& path, std::uint32_t attributes) {
+    Status status = enter("setAttributes", path);
+    return status.ok() ? inner_.setAttributes(path, attributes) : status;
+}
+
+Status FaultyFiles::setTimes(const std::string& path, const FileTimes& times) {
+    Status status = enter("setTimes", path);
+    return status.ok() ? inner_.setTimes(path, times) : status;
+}
+
+Status FaultyFiles::removeFile(const std::string& path) {
+    Status status = enter("removeFile", path);
+    return status.ok() ? inner_.removeFile(path) : status;
+}
+
+Status FaultyFiles::removeLeftovers(const std::string& directory) {
+    Status status = enter("removeLeftovers", directory);
+    return status.ok() ? inner_.removeLeftovers(directory) : status;
+}
+
+Status FaultyFiles::readWhole(const std::string& path, std::uint64_t limit, std::string& bytes) {
+    Status status = enter("readWhole", path);
+    return status.ok() ? inner_.readWhole(path, limit, bytes) : status;
+}
+
+Status FaultyFiles::writeWhole(const std::string& path, const std::string& bytes) {
+    Status status = enter("writeWhole", path);
+    return status.ok() ? inner_.writeWhole(path, bytes) : status;
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,56 @@
+#include "platform/memory/memory_directory.h"
+
+namespace coffrelune {
+
+MemoryDirectory::MemoryDirectory(const MemoryDisk& disk, const MemoryPlace& place, std::string path,
+                                 Wanted wanted, std::vector<std::string>& calls)
+    : disk_(disk),
+      volume_(*place.volume),
+      node_(place.node),
+      listing_(place.node->children()),
+      path_(std::move(path)),
+      wanted_(wanted),
+      calls_(calls),
+      dots_(place.parent == nullptr || wanted == Wanted::files ? 2 : 0) {
+    if (path_.back() != '\\') path_ += '\\';
+}
+
+bool MemoryDirectory::gives(const MemoryNode& node) const {
+    if (MemoryDisk::isTemporary(node.name())) return false;
+    if (wanted_ != Wanted::everything && node.isDirectory() != (wanted_ == Wanted::directories)) {
+        return false;
+    }
+    return node_->find(disk_.key(node.name())).get() == &node;
+}
+
+bool MemoryDirectory::nextDots(FileEntry& entry) {
+    if (dots_ == 2) return false;
+    entry = node_->entry();
+    entry.name = dots_++ == 0 ? "." : "..";
+    return true;
+}
+
+bool MemoryDirectory::next(FileEntry& entry) {
+    if (status_.ok() && !volume_.present) {
+        status_ = Status::failure(error_number::deviceDoesNotExist, path_);
+    }
+    if (!status_.ok()) return false;
+    if (nextDots(entry)) return true;
+    while (next_ < listing_.size()) {
+        const MemoryNode& node = *listing_[next_++];
+        if (!gives(node)) continue;
+        entry = node.entry();
+        return true;
+    }
+    return false;
+}
+
+bool MemoryDirectory::lookUp(const std::string& name, FileEntry& entry) {
+    calls_.push_back("find " + path_ + name);
+    const MemoryNode::Pointer node = node_->find(disk_.key(name));
+    if (node == nullptr || !volume_.present) return false;
+    entry = node->entry();
+    return true;
+}
+
+}  // namespace coffrelune
