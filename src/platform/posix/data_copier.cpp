@@ -1,0 +1,130 @@
+#include "platform/posix/data_copier.h"
+
+#include <sys/sendfile.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace coffrelune {
+namespace {
+
+constexpr std::uint64_t smallFile = 128U << 10;
+constexpr std::uint64_t bufferSize = 1U << 20;
+// Small enough that a slow disk is heard of, and a copy abandoned, within a second or so.
+constexpr std::uint64_t chunkSize = 4U << 20;
+
+off_t toOffset(std::uint64_t position) {
+    return static_cast<off_t>(position);
+}
+
+int writeAll(int fd, const char* bytes, std::size_t size) {
+    while (size > 0) {
+        const ssize_t written = write(fd, bytes, size);
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return errno;
+        bytes += written;
+        size -= static_cast<std::size_t>(written);
+    }
+    return 0;
+}
+
+}  // namespace
+
+int DataCopier::copy(int source, const struct stat& information, int destination,
+                     CopyObserver* observer) {
+    source_ = source;
+    destination_ = destination;
+    observer_ = observer;
+    position_ = 0;
+    size_ = static_cast<std::uint64_t>(information.st_size);
+    canSend_ = size_ > smallFile;
+    const std::size_t needed = size_ > smallFile ? bufferSize : smallFile;
+    if (buffer_.size() < needed && !canSend_) buffer_.resize(needed);
+
+    const bool sparse = static_cast<std::uint64_t>(information.st_blocks) * 512 < size_;
+    int error = sparse ? copySparse() : copyUpTo(size_);
+    // Files that a file system makes up while they are read say that they hold nothing.
+    if (error == 0 && size_ == 0) error = copyUpTo(UINT64_MAX);
+    if (error == 0 && position_ == 0) error = report();
+    return error;
+}
+
+int DataCopier::copySparse() {
+    while (position_ < size_) {
+        const off_t data = lseek(source_, toOffset(position_), SEEK_DATA);
+        if (data < 0 && errno == ENXIO) break;  // only a hole is left
+        const off_t hole = data < 0 ? -1 : lseek(source_, data, SEEK_HOLE);
+        if (hole < 0) {
+            // Holes cannot be told from data here.
+            if (lseek(source_, toOffset(position_), SEEK_SET) < 0) return errno;
+            return copyUpTo(size_);
+        }
+        position_ = std::min(static_cast<std::uint64_t>(data), size_);
+        if (position_ == size_) break;
+        if (lseek(source_, data, SEEK_SET) < 0) return errno;
+        if (lseek(destination_, data, SEEK_SET) < 0) return errno;
+        const std::uint64_t end = std::min(static_cast<std::uint64_t>(hole), size_);
+        const int error = copyUpTo(end);
+        if (error != 0) return error;
+        if (position_ < end) return 0;  // the source has been cut off meanwhile
+    }
+    if (ftruncate(destination_, toOffset(size_)) != 0) return errno;
+    position_ = size_;
+    return report();
+}
+
+int DataCopier::copyUpTo(std::uint64_t end) {
+    while (position_ < end) {
+        std::uint64_t copied = 0;
+        int error = copyChunk(std::min(end - position_, chunkSize), copied);
+        position_ += copied;
+        if (error == 0 && copied == 0) return 0;  // nothing left in the source
+        if (error == 0) error = report();
+        if (error != 0) return error;
+    }
+    return 0;
+}
+
+int DataCopier::copyChunk(std::uint64_t size, std::uint64_t& copied) {
+    if (canSend_) {
+        const int error = sendChunk(size, copied);
+        const bool unsupported = error == EINVAL || error == ENOSYS || error == EOPNOTSUPP;
+        if (!unsupported || copied > 0) return error;
+        canSend_ = false;
+        if (buffer_.size() < bufferSize) buffer_.resize(bufferSize);
+    }
+    return readChunk(size, copied);
+}
+
+int DataCopier::sendChunk(std::uint64_t size, std::uint64_t& copied) {
+    while (copied < size) {
+        const ssize_t count = sendfile(destination_, source_, nullptr, size - copied);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return errno;
+        if (count == 0) break;
+        copied += static_cast<std::uint64_t>(count);
+    }
+    return 0;
+}
+
+int DataCopier::readChunk(std::uint64_t size, std::uint64_t& copied) {
+    while (copied < size) {
+        const auto wanted = std::min<std::uint64_t>(size - copied, buffer_.size());
+        const ssize_t count = read(source_, buffer_.data(), wanted);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return errno;
+        if (count == 0) break;
+        const int error = writeAll(destination_, buffer_.data(), static_cast<std::size_t>(count));
+        if (error != 0) return error;
+        copied += static_cast<std::uint64_t>(count);
+    }
+    return 0;
+}
+
+int DataCopier::report() {
+    if (observer_ != nullptr) observer_->chunkFinished(position_);
+    return abandoned_.load(std::memory_order_relaxed) ? ECANCELED : 0;
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,89 @@
+#include "platform/posix/drive_table.h"
+
+#include <algorithm>
+
+#include "platform/posix/native_path.h"
+#include "platform/posix/whole_file.h"
+
+namespace coffrelune {
+namespace {
+
+/// A mount table or an fstab; one that cannot be read tells of no mounts.
+std::string textOf(const std::string& file) {
+    std::string bytes;
+    constexpr std::uint64_t limit = 64U << 20;
+    return readWholeFile(file, limit, bytes) == 0 ? bytes : std::string();
+}
+
+bool isDirectory(const std::string& path) {
+    struct statx information {};
+    return statPath(path, true, information) == 0 && S_ISDIR(information.stx_mode);
+}
+
+}  // namespace
+
+std::optional<dev_t> probeMount(const std::string& point) {
+    struct statx information {};
+    const int flags = AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
+    if (::statx(AT_FDCWD, point.c_str(), flags, STATX_TYPE, &information) != 0) return {};
+    if (!S_ISDIR(information.stx_mode)) return {};
+    const bool knowsRoots = (information.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0;
+    if (knowsRoots && (information.stx_attributes & STATX_ATTR_MOUNT_ROOT) == 0) return {};
+    return deviceOf(information);
+}
+
+DriveTable::DriveTable(MountSources sources, std::string lettersFile, MountProbe probe)
+    : sources_(std::move(sources)), letters_(std::move(lettersFile)), probe_(std::move(probe)) {
+    refresh();
+}
+
+DriveTable::DriveTable(std::vector<PathRoot> roots, std::set<dev_t> pseudoDevices)
+    : letters_({}), pseudoDevices_(std::move(pseudoDevices)) {
+    // The system's own spelling, so that a resolved path is recognised below its root.
+    for (PathRoot& root : roots) root.native = canonicalPath(root.native);
+    paths_ = PathMap(std::move(roots));
+}
+
+void DriveTable::refresh() {
+    if (!sources_.has_value()) return;
+    mounts_ = parseMounts(textOf(sources_->mountInfo));
+    pseudoDevices_ = pseudoDevicesOf(mounts_);
+    const std::vector<Volume> volumes = volumesOf(
+        mounts_, parseFstabPoints(textOf(sources_->fstab)), readUuids(sources_->uuidDirectory));
+    std::vector<std::string> identities;
+    std::transform(volumes.begin(), volumes.end(), std::back_inserter(identities),
+                   [](const Volume& volume) { return volume.identity; });
+    const std::map<std::string, char> letters = letters_.assign(identities);
+
+    std::vector<PathRoot> roots = {PathRoot::drive('C', "/")};
+    for (const Volume& volume : volumes) {
+        const auto letter = letters.find(volume.identity);
+        if (letter == letters.end()) continue;
+        // Unmounted since the table was read: its letter is no drive.
+        const std::optional<dev_t> device = probe_(volume.point);
+        if (device) roots.push_back(PathRoot::drive(letter->second, volume.point, device));
+    }
+    for (const Share& share : sharesOf(mounts_)) {
+        const std::optional<dev_t> device = probe_(share.point);
+        if (device) roots.push_back({share.core, share.point, device});
+    }
+    paths_ = PathMap(std::move(roots));
+}
+
+std::vector<std::string> DriveTable::driveRoots() const {
+    std::vector<std::string> roots;
+    for (const PathRoot& root : paths_.roots()) {
+        const bool present = sources_.has_value() || isDirectory(root.native);
+        if (root.isDrive() && present) roots.push_back(root.core + "\\");
+    }
+    std::sort(roots.begin(), roots.end());
+    return roots;
+}
+
+std::string DriveTable::resolve(const std::string& path) const {
+    Place place;
+    if (!paths_.locate(path, place).ok()) return path;
+    return paths_.toCore(canonicalMountPath(mounts_, canonicalPath(place.native)));
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/posix/drive_letters.h"
+#include "platform/posix/mount_table.h"
+#include "platform/posix/path_map.h"
+
+namespace coffrelune {
+
+/// Device of what is mounted at a directory; nothing when no volume is mounted there now.
+using MountProbe = std::function<std::optional<dev_t>(const std::string& point)>;
+
+/// Asks the system, without waking a network server or an automount.
+std::optional<dev_t> probeMount(const std::string& point);
+
+/// Which drives and shares exist, and where. One table for all services of a platform.
+class DriveTable {
+  public:
+    /// Follows the system's mounts. `lettersFile`: native path of the file that remembers letters.
+    DriveTable(MountSources sources, std::string lettersFile, MountProbe probe = probeMount);
+
+    /// A table that never changes but for directories that come and go. `pseudoDevices`: devices
+    /// to be taken for kernel pseudo file systems.
+    explicit DriveTable(std::vector<PathRoot> roots, std::set<dev_t> pseudoDevices = {});
+
+    /// Asks the system afresh.
+    void refresh();
+
+    const PathMap& paths() const { return paths_; }
+
+    /// Roots of the drives present at the last refresh, by letter.
+    std::vector<std::string> driveRoots() const;
+
+    bool isPseudo(dev_t device) const { return pseudoDevices_.contains(device); }
+
+    /// The path with links resolved, in one spelling for one place; `path` when it names none.
+    std::string resolve(const std::string& path) const;
+
+  private:
+    std::optional<MountSources> sources_;
+    DriveLetters letters_;
+    MountProbe probe_;
+    std::vector<Mount> mounts_;
+    std::set<dev_t> pseudoDevices_;
+    PathMap paths_;
+};
+
+}  // namespace coffrelune

@@ -1,0 +1,79 @@
+#include "platform/posix/errors.h"
+
+#include <cerrno>
+#include <system_error>
+
+namespace coffrelune {
+namespace {
+
+struct ErrorPair {
+    int error;
+    std::uint32_t number;
+};
+
+using namespace error_number;
+
+constexpr ErrorPair pairs[] = {
+    {ENOENT, fileNotFound},
+    {EACCES, accessDenied},
+    {EPERM, accessDenied},
+    {EISDIR, accessDenied},
+    {EROFS, writeProtect},
+    {ENOMEDIUM, notReady},
+    {EBUSY, sharingViolation},
+    {ETXTBSY, sharingViolation},
+    {EAGAIN, lockViolation},
+    {EDEADLK, lockViolation},
+    {ENODEV, deviceDoesNotExist},
+    {ENXIO, deviceDoesNotExist},
+    {ESTALE, deviceDoesNotExist},
+    {ENOTCONN, deviceDoesNotExist},
+    {ESHUTDOWN, deviceDoesNotExist},
+    {EHOSTDOWN, deviceDoesNotExist},
+    {EHOSTUNREACH, deviceDoesNotExist},
+    {ENETDOWN, deviceDoesNotExist},
+    {ENETUNREACH, deviceDoesNotExist},
+    {ENETRESET, deviceDoesNotExist},
+    {ECONNABORTED, deviceDoesNotExist},
+    {ECONNREFUSED, deviceDoesNotExist},
+    {ECONNRESET, deviceDoesNotExist},
+    {ETIMEDOUT, deviceDoesNotExist},
+    {ENOSPC, diskFull},
+    {EDQUOT, diskFull},
+    {ENAMETOOLONG, nameTooLong},
+    {EMFILE, tooManyOpenFiles},
+    {ENFILE, tooManyOpenFiles},
+    {ENOMEM, notEnoughMemory},
+    {EFBIG, fileTooLarge},
+    {EEXIST, alreadyExists},
+    {ENOTDIR, notADirectory},
+    {ENOTEMPTY, directoryNotEmpty},
+    {ELOOP, cannotResolveName},
+    {EXDEV, notSameDevice},
+    {EOPNOTSUPP, notSupported},
+    {ECANCELED, requestAborted},
+    {EIO, ioDevice},
+    {EREMOTEIO, ioDevice},
+    {EPIPE, ioDevice},
+    {EPROTO, ioDevice},
+    {EBADMSG, ioDevice},  // a checksum of the file system does not fit
+    {EUCLEAN, ioDevice},  // the file system's structure is damaged
+    {EMEDIUMTYPE, ioDevice},
+    {EINTR, ioDevice},
+};
+
+}  // namespace
+
+std::uint32_t windowsError(int error) {
+    if (error == 0) return none;
+    for (const ErrorPair& pair : pairs) {
+        if (pair.error == error) return pair.number;
+    }
+    return invalidFunction;
+}
+
+Status systemFailure(int error, const std::string& path) {
+    return Status::failure(windowsError(error), path, std::generic_category().message(error));
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <cstdint>
+#include <ctime>
+#include <string>
+
+#include "platform/file_entry.h"
+
+namespace coffrelune {
+
+/// Units of 100 ns since 1601, cut off below; 0 for a time before 1601.
+std::uint64_t toFileTime(std::int64_t seconds, std::uint32_t nanoseconds);
+
+/// The way back, exact.
+timespec toTimespec(std::uint64_t fileTime);
+
+/// The next time that is a multiple of `granularity` nanoseconds (1 or more; at most one second or
+/// a multiple of seconds), or the time itself when it is one.
+timespec roundUp(timespec time, std::int64_t granularity);
+
+/// What a file system of this type (statfs f_type) keeps of a modification time, in nanoseconds.
+std::int64_t timeGranularity(std::int64_t fileSystemType);
+
+/// The times and the rest of an entry, all but its name. False for what is neither a file nor a
+/// directory nor a link: such things do not exist for the core.
+bool fillEntry(const struct statx& information, std::string name, FileEntry& entry);
+
+/// Whose times are set: an open file (`name` null), or an entry of an open directory, never what a
+/// link points to.
+struct StampTarget {
+    int fd;
+    const char* name = nullptr;
+};
+
+/// Sets access and modification time, the latter rounded up to what the volume keeps: a copy that
+/// seemed older than its source would be made again at every run. 0 or an errno value.
+int stamp(const StampTarget& target, timespec access, timespec write);
+
+}  // namespace coffrelune

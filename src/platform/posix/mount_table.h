@@ -1,0 +1,66 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace coffrelune {
+
+/// Where the system tells what is mounted. Tests have texts of their own.
+struct MountSources {
+    std::string mountInfo = "/proc/self/mountinfo";
+    std::string fstab = "/etc/fstab";
+    std::string uuidDirectory = "/dev/disk/by-uuid";
+};
+
+/// One line of the mount table.
+struct Mount {
+    dev_t device = 0;
+    std::string root;    // what of the file system is mounted: "/", a subvolume, a bound directory
+    std::string point;   // where
+    std::string type;    // "ext4"
+    std::string source;  // "/dev/sdb1", "//server/share"
+};
+
+/// A mounted volume that deserves a drive letter.
+struct Volume {
+    std::string identity;  // "uuid:1234-ABCD", "uuid:.../@subvolume" or "path:/mnt/x"
+    std::string point;
+};
+
+/// A mounted network share.
+struct Share {
+    std::string core;  // "\\server\share", of two components or more
+    std::string point;
+};
+
+/// The mounts of a mountinfo text in its order. Lines that make no sense are left out, as are
+/// mounts that a later one on the same point covers.
+std::vector<Mount> parseMounts(const std::string& mountInfo);
+
+/// The mount points that an fstab text names outside the system's own directories.
+std::set<std::string> parseFstabPoints(const std::string& fstab);
+
+/// UUIDs by device path, from the links of a directory such as /dev/disk/by-uuid.
+std::map<std::string, std::string> readUuids(const std::string& directory);
+
+/// What a person plugs in or mounts: mount points under /media, /run/media and /mnt, and those of
+/// `fstabPoints`; no pseudo file systems, no network shares, no part of the system disk itself. A
+/// volume that is mounted twice is listed once.
+std::vector<Volume> volumesOf(const std::vector<Mount>& mounts,
+                              const std::set<std::string>& fstabPoints,
+                              const std::map<std::string, std::string>& uuids);
+
+std::vector<Share> sharesOf(const std::vector<Mount>& mounts);
+
+/// Devices of the kernel's pseudo file systems, whose mount points no walk should see.
+std::set<dev_t> pseudoDevicesOf(const std::vector<Mount>& mounts);
+
+/// The one spelling of a link-free path among all mounts that show the same place (bind mounts, a
+/// volume mounted twice).
+std::string canonicalMountPath(const std::vector<Mount>& mounts, const std::string& path);
+
+}  // namespace coffrelune

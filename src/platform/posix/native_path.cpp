@@ -1,0 +1,151 @@
+#include "platform/posix/native_path.h"
+
+#include <sys/sysmacros.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <deque>
+
+namespace coffrelune {
+namespace {
+
+constexpr int maximumLinks = 40;  // as the kernel
+
+std::string joined(const std::vector<std::string>& components) {
+    std::string path;
+    for (const std::string& component : components) path += "/" + component;
+    return path.empty() ? "/" : path;
+}
+
+}  // namespace
+
+ShortPath::ShortPath(const std::string& path) : path_(path.c_str()) {
+    std::size_t start = 0;
+    while (path.size() - start >= PATH_MAX) {
+        const std::size_t cut = path.rfind('/', start + PATH_MAX - 2);
+        if (cut == std::string::npos || cut <= start) {
+            error_ = ENAMETOOLONG;
+            return;
+        }
+        const std::string piece = path.substr(start, cut - start);
+        UniqueFd next(openat(fd(), piece.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+        if (!next.valid()) {
+            error_ = errno;
+            return;
+        }
+        directory_ = std::move(next);
+        start = path.find_first_not_of('/', cut);
+        if (start == std::string::npos) start = path.size();
+    }
+    path_ = start == path.size() && start > 0 ? "." : path.c_str() + start;
+}
+
+int openPath(const std::string& path, int flags, UniqueFd& fd) {
+    const ShortPath reach(path);
+    if (reach.error() != 0) return reach.error();
+    for (;;) {
+        fd.reset(openat(reach.fd(), reach.path(), flags | O_CLOEXEC));
+        if (fd.valid()) return 0;
+        if (errno != EINTR) return errno;
+    }
+}
+
+int statEntry(int directory, const char* name, bool follow, struct statx& information) {
+    const int flags = AT_NO_AUTOMOUNT | AT_EMPTY_PATH | (follow ? 0 : AT_SYMLINK_NOFOLLOW);
+    return ::statx(directory, name, flags, STATX_BASIC_STATS | STATX_BTIME, &information) == 0
+               ? 0
+               : errno;
+}
+
+int statPath(const std::string& path, bool follow, struct statx& information) {
+    const ShortPath reach(path);
+    if (reach.error() != 0) return reach.error();
+    return statEntry(reach.fd(), reach.path(), follow, information);
+}
+
+dev_t deviceOf(const struct statx& information) {
+    return makedev(information.stx_dev_major, information.stx_dev_minor);
+}
+
+int readLink(int directory, const char* name, std::string& text) {
+    text.resize(PATH_MAX);
+    const ssize_t length = readlinkat(directory, name, text.data(), text.size());
+    if (length < 0) return errno;
+    text.resize(static_cast<std::size_t>(length));
+    return 0;
+}
+
+std::vector<std::string> splitNative(std::string_view path) {
+    std::vector<std::string> components;
+    for (std::size_t start = 0; start < path.size();) {
+        const std::size_t end = std::min(path.find('/', start), path.size());
+        const std::string_view component = path.substr(start, end - start);
+        if (!component.empty() && component != ".") components.emplace_back(component);
+        start = end + 1;
+    }
+    return components;
+}
+
+bool isWithin(std::string_view path, std::string_view root) {
+    if (root == "/") return path.starts_with('/');
+    return path.starts_with(root) && (path.size() == root.size() || path[root.size()] == '/');
+}
+
+std::string_view below(std::string_view path, std::string_view root) {
+    path.remove_prefix(root.size());
+    if (path.starts_with('/')) path.remove_prefix(1);
+    return path;
+}
+
+std::string joinNative(const std::string& directory, std::string_view rest) {
+    if (rest.empty()) return directory;
+    std::string path = directory;
+    if (!path.ends_with('/')) path += '/';
+    return path.append(rest);
+}
+
+std::string normalizedPath(const std::string& absolute) {
+    std::vector<std::string> kept;
+    for (std::string& component : splitNative(absolute)) {
+        if (component != "..") {
+            kept.push_back(std::move(component));
+        } else if (!kept.empty()) {
+            kept.pop_back();
+        }
+    }
+    return joined(kept);
+}
+
+std::string canonicalPath(const std::string& absolute) {
+    const auto components = splitNative(absolute);
+    std::deque<std::string> pending(components.begin(), components.end());
+    std::vector<std::string> done;
+    int links = 0;
+    bool exists = true;
+    std::string target;
+    while (!pending.empty()) {
+        std::string component = std::move(pending.front());
+        pending.pop_front();
+        if (component == "..") {
+            if (!done.empty()) done.pop_back();
+            continue;
+        }
+        done.push_back(std::move(component));
+        if (!exists) continue;
+        const std::string path = joined(done);
+        const ShortPath reach(path);
+        const int error =
+            reach.error() != 0 ? reach.error() : readLink(reach.fd(), reach.path(), target);
+        if (error == EINVAL) continue;
+        exists = error == 0 && ++links <= maximumLinks;
+        if (!exists) continue;
+        done.pop_back();
+        if (target.starts_with('/')) done.clear();
+        const auto replacement = splitNative(target);
+        pending.insert(pending.begin(), replacement.begin(), replacement.end());
+    }
+    return joined(done);
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/posix/drive_table.h"
+#include "platform/posix/posix_files.h"
+#include "platform/posix/posix_services.h"
+#include "platform/windows1252.h"
+
+namespace coffrelune {
+
+struct PosixOptions {
+    std::string settingsDirectory;  // absolute native path; `Lecteurs.ini` is kept there
+    MountSources mounts;
+    MountProbe probe = probeMount;
+};
+
+/// Every service of a Linux system but its windows.
+class PosixPlatform {
+  public:
+    explicit PosixPlatform(const PosixOptions& options);
+
+    /// With drives and shares of the caller's own: nothing is read from the system's mount table
+    /// and no letter is remembered.
+    explicit PosixPlatform(std::vector<PathRoot> roots, std::set<dev_t> pseudoDevices = {});
+
+    PosixPlatform(const PosixPlatform&) = delete;
+    PosixPlatform& operator=(const PosixPlatform&) = delete;
+
+    FileService& files() { return files_; }
+    DriveService& drives() { return drives_; }
+    Clock& clock() { return clock_; }
+    Locale& locale() { return locale_; }
+    AnsiCodec& ansi() { return ansi_; }
+    SoundService& sounds() { return sounds_; }
+    InstanceGuard& guard() { return guard_; }
+
+  private:
+    DriveTable table_;  // first: the services below refer to it
+    PosixFiles files_;
+    PosixDrives drives_;
+    PosixGuard guard_;
+    PosixClock clock_;
+    PosixLocale locale_;
+    PosixSounds sounds_;
+    Windows1252 ansi_;
+};
+
+}  // namespace coffrelune

@@ -1,0 +1,104 @@
+#include "platform/posix/posix_services.h"
+
+#include <fcntl.h>
+#include <langinfo.h>
+#include <locale.h>
+#include <sys/file.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <ctime>
+#include <memory>
+
+#include "platform/posix/native_path.h"
+#include "platform/utf8.h"
+
+namespace coffrelune {
+namespace {
+
+std::string currentDirectory() {
+    const std::unique_ptr<char, decltype(&std::free)> path(getcwd(nullptr, 0), std::free);
+    return path == nullptr ? "/" : std::string(path.get());
+}
+
+/// A locale of another character set gives bytes that no UTF-8 text holds.
+bool isUtf8(const std::string& text) {
+    for (std::size_t position = 0; position < text.size();) {
+        const char32_t c = utf8::next(text, position);
+        if (c >= utf8::rawByte + 0x80 && c <= utf8::rawByte + 0xFF) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+std::vector<std::string> PosixDrives::roots() {
+    table_.refresh();
+    return table_.driveRoots();
+}
+
+std::string PosixDrives::fromNative(const std::string& typed) {
+    return table_.paths().fromNative(typed, currentDirectory());
+}
+
+LocalTime toLocalTime(const timespec& time) {
+    tm fields{};
+    localtime_r(&time.tv_sec, &fields);
+    LocalTime local;
+    local.year = fields.tm_year + 1900;
+    local.month = fields.tm_mon + 1;
+    local.day = fields.tm_mday;
+    local.hour = fields.tm_hour;
+    local.minute = fields.tm_min;
+    local.second = fields.tm_sec;
+    local.millisecond = static_cast<int>(time.tv_nsec / 1'000'000);
+    return local;
+}
+
+LocalTime PosixClock::now() {
+    timespec time{};
+    clock_gettime(CLOCK_REALTIME, &time);
+    return toLocalTime(time);
+}
+
+std::int64_t PosixClock::monotonicMilliseconds() {
+    timespec time{};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return std::int64_t{time.tv_sec} * 1000 + time.tv_nsec / 1'000'000;
+}
+
+PosixLocale::PosixLocale(const char* name) {
+    // The character set comes with the category of characters, the separators with that of numbers.
+    const locale_t locale = newlocale(LC_NUMERIC_MASK | LC_CTYPE_MASK, name, locale_t{});
+    if (locale == locale_t{}) return;
+    const std::string decimal = nl_langinfo_l(RADIXCHAR, locale);
+    const std::string groups = nl_langinfo_l(THOUSEP, locale);
+    freelocale(locale);
+    take(decimal, groups);
+}
+
+PosixLocale::PosixLocale(const std::string& decimal, const std::string& groups) {
+    take(decimal, groups);
+}
+
+void PosixLocale::take(const std::string& decimal, const std::string& groups) {
+    if (decimal == "." && groups.empty()) return;
+    if (!decimal.empty() && isUtf8(decimal)) decimal_ = decimal;
+    if (!groups.empty() && isUtf8(groups)) groups_ = groups;
+}
+
+bool PosixGuard::claim(const std::string& directory) {
+    Place place;
+    if (!table_.paths().locate(directory, place).ok()) return true;
+    lock_.reset();
+    if (openPath(place.native, O_RDONLY | O_DIRECTORY, lock_) != 0) return true;
+    while (flock(lock_.get(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EINTR) continue;
+        const bool held = errno == EWOULDBLOCK;
+        lock_.reset();
+        return !held;
+    }
+    return true;
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <ctime>
+#include <string>
+#include <vector>
+
+#include "platform/posix/drive_table.h"
+#include "platform/posix/unique_fd.h"
+#include "platform/services.h"
+
+namespace coffrelune {
+
+class PosixDrives final : public DriveService {
+  public:
+    /// `table` is not owned and must outlive this object.
+    explicit PosixDrives(DriveTable& table) : table_(table) {}
+
+    std::vector<std::string> roots() override;
+    std::string windowsDirectory() override { return {}; }
+    std::string fromNative(const std::string& typed) override;
+
+  private:
+    DriveTable& table_;
+};
+
+/// Calendar fields in the environment's time zone.
+LocalTime toLocalTime(const timespec& time);
+
+class PosixClock final : public Clock {
+  public:
+    LocalTime now() override;
+    std::int64_t monotonicMilliseconds() override;
+};
+
+/// Numbers as the environment's LC_NUMERIC writes them. A locale that says nothing ("C") gives the
+/// French comma and blank.
+class PosixLocale final : public Locale {
+  public:
+    /// `name`: of a locale of the system; "" for the environment's.
+    explicit PosixLocale(const char* name = "");
+
+    /// From what the system says, in UTF-8; `groups` may be empty.
+    PosixLocale(const std::string& decimal, const std::string& groups);
+
+    std::string decimalSeparator() const override { return decimal_; }
+    std::string groupSeparator() const override { return groups_; }
+
+  private:
+    void take(const std::string& decimal, const std::string& groups);
+
+    std::string decimal_ = ",";
+    std::string groups_ = " ";
+};
+
+/// A terminal session has no sound at the end of a run.
+class PosixSounds final : public SoundService {
+  public:
+    int deviceCount() override { return 0; }
+    void play(const std::string&) override {}
+};
+
+/// Locks the directory itself, so that nothing is left behind on the disk.
+class PosixGuard final : public InstanceGuard {
+  public:
+    explicit PosixGuard(const DriveTable& table) : table_(table) {}
+
+    bool claim(const std::string& directory) override;
+
+  private:
+    const DriveTable& table_;
+    UniqueFd lock_;
+};
+
+}  // namespace coffrelune

@@ -1,0 +1,147 @@
+#include "platform/posix/temporary_file.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/random.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+
+namespace coffrelune {
+namespace {
+
+constexpr std::string_view prefix = ".~coffrelune-";
+constexpr std::string_view suffix = ".tmp";
+constexpr std::size_t digits = 16;
+
+bool isHexDigit(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
+}
+
+int lockNow(int fd) {
+    while (flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        if (errno != EINTR) return errno;
+    }
+    return 0;
+}
+
+/// A network file system locks only what is open for writing; a copy that was finished but for its
+/// name may be read-only.
+UniqueFd openForLock(int directory, const char* name) {
+    constexpr int flags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    UniqueFd fd(openat(directory, name, O_RDWR | flags));
+    if (!fd.valid()) fd.reset(openat(directory, name, O_RDONLY | flags));
+    return fd;
+}
+
+int removeTemporary(int directory, const char* name) {
+    struct stat information {};
+    if (fstatat(directory, name, &information, AT_SYMLINK_NOFOLLOW) != 0) return 0;
+    UniqueFd lock;
+    if (S_ISREG(information.st_mode)) {
+        lock = openForLock(directory, name);
+        if (!lock.valid() || lockNow(lock.get()) != 0) return 0;
+    } else if (!S_ISLNK(information.st_mode)) {
+        return 0;
+    }
+    return unlinkat(directory, name, 0) == 0 || errno == ENOENT ? 0 : errno;
+}
+
+}  // namespace
+
+bool isTemporaryName(std::string_view name) {
+    if (name.size() != prefix.size() + digits + suffix.size()) return false;
+    const std::string_view number = name.substr(prefix.size(), digits);
+    return name.starts_with(prefix) && name.ends_with(suffix) &&
+           std::all_of(number.begin(), number.end(), isHexDigit);
+}
+
+std::string makeTemporaryName() {
+    std::uint64_t number = 0;
+    if (getrandom(&number, sizeof number, 0) != sizeof number) {
+        // Names need to differ, not to be secret: O_EXCL refuses one that is taken.
+        timespec now{};
+        clock_gettime(CLOCK_MONOTONIC, &now);
+        number = static_cast<std::uint64_t>(now.tv_nsec) << 32U ^
+                 static_cast<std::uint64_t>(now.tv_sec) ^ static_cast<std::uint64_t>(getpid());
+    }
+    char text[digits + 1];
+    std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(number));
+    return std::string(prefix).append(text).append(suffix);
+}
+
+TemporaryFile::~TemporaryFile() {
+    if (!name_.empty()) unlinkat(directory_, name_.c_str(), 0);
+}
+
+int TemporaryFile::create(int directory, mode_t mode) {
+    directory_ = directory;
+    int error = EEXIST;
+    for (int attempt = 0; attempt < 100 && error == EEXIST; ++attempt) error = tryCreate(mode);
+    return error;
+}
+
+/// EEXIST when another name must be tried: this one is taken, or another process that clears
+/// leftovers got hold of the new file before it was locked.
+int TemporaryFile::tryCreate(mode_t mode) {
+    std::string name = makeTemporaryName();
+    constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    do {
+        file_.reset(openat(directory_, name.c_str(), flags, mode));
+    } while (!file_.valid() && errno == EINTR);
+    if (!file_.valid()) return errno;
+    const int locked = lockNow(file_.get());
+    struct stat information {};
+    if (locked == EWOULDBLOCK || fstat(file_.get(), &information) != 0 ||
+        information.st_nlink == 0) {
+        file_.reset();
+        unlinkat(directory_, name.c_str(), 0);
+        return EEXIST;
+    }
+    name_ = std::move(name);
+    return 0;
+}
+
+int TemporaryFile::commit(const char* name) {
+    // The lock belongs to both descriptors: it holds until the file has its name, though the first
+    // is closed before, to learn of late write errors.
+    UniqueFd lock(fcntl(file_.get(), F_DUPFD_CLOEXEC, 0));
+    if (!lock.valid()) return errno;
+    if (close(file_.release()) != 0 && errno != EINTR) return errno;
+    int error = rename(name);
+    if (error == EBUSY || error == EACCES || error == ETXTBSY) {
+        lock.reset();  // some servers rename no open file
+        error = rename(name);
+    }
+    return error;
+}
+
+int TemporaryFile::rename(const char* name) {
+    if (renameat(directory_, name_.c_str(), directory_, name) != 0) return errno;
+    name_.clear();
+    return 0;
+}
+
+int removeTemporaries(int directory) {
+    UniqueFd fd(openat(directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!fd.valid()) return errno;
+    const std::unique_ptr<DIR, int (*)(DIR*)> listing(fdopendir(fd.get()), closedir);
+    if (listing == nullptr) return errno;
+    fd.release();
+    int failure = 0;
+    for (;;) {
+        errno = 0;
+        const dirent* entry = readdir(listing.get());
+        if (entry == nullptr) return failure != 0 ? failure : errno;
+        if (!isTemporaryName(entry->d_name)) continue;
+        const int error = removeTemporary(directory, entry->d_name);
+        if (error != 0) failure = error;
+    }
+}
+
+}  // namespace coffrelune

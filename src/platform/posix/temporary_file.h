@@ -1,0 +1,50 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <string_view>
+
+#include "platform/posix/unique_fd.h"
+
+namespace coffrelune {
+
+/// True for the names that unfinished copies bear: ".~coffrelune-", 16 lower-case hexadecimal
+/// digits, ".tmp", and nothing else.
+bool isTemporaryName(std::string_view name);
+
+/// A new such name.
+std::string makeTemporaryName();
+
+/// A file that has not got its name yet. It is locked for as long as this object holds it, so that
+/// another process that clears leftovers keeps away, and removed unless it was committed.
+class TemporaryFile {
+  public:
+    TemporaryFile() = default;
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile();
+
+    /// Creates it in an open directory, which must outlive it. 0 or an errno value.
+    int create(int directory, mode_t mode);
+
+    int fd() const { return file_.get(); }
+
+    /// Closes it and gives it its name in the same directory, over what bears that name. 0 or an
+    /// errno value: a late write error shows at the closing.
+    int commit(const char* name);
+
+  private:
+    int tryCreate(mode_t mode);
+    int rename(const char* name);
+
+    UniqueFd file_;
+    std::string name_;  // empty: nothing to remove
+    int directory_ = -1;
+};
+
+/// Removes the temporaries in an open directory that no running process writes. A file whose lock
+/// cannot be tested stays. 0 or an errno value.
+int removeTemporaries(int directory);
+
+}  // namespace coffrelune

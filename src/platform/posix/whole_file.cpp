@@ -1,0 +1,96 @@
+#include "platform/posix/whole_file.h"
+
+#include <algorithm>
+#include <cerrno>
+
+#include "platform/posix/native_path.h"
+#include "platform/posix/temporary_file.h"
+
+namespace coffrelune {
+namespace {
+
+int writeAll(int fd, const std::string& bytes) {
+    for (std::size_t done = 0; done < bytes.size();) {
+        const ssize_t written = write(fd, bytes.data() + done, bytes.size() - done);
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return errno;
+        done += static_cast<std::size_t>(written);
+    }
+    return 0;
+}
+
+/// A file system that cannot flush a directory keeps its names durable by itself.
+int flushDirectory(const std::string& path) {
+    UniqueFd directory;
+    const int error = openPath(path, O_RDONLY | O_DIRECTORY, directory);
+    if (error != 0) return error == EACCES ? 0 : error;
+    if (fsync(directory.get()) == 0 || errno == EINVAL || errno == EOPNOTSUPP) return 0;
+    return errno;
+}
+
+/// Gives the new file what the old one had, so that a run as root leaves a user's file his own.
+int keepOwnerAndMode(int fd, const struct stat& old) {
+    struct stat now {};
+    if (fstat(fd, &now) != 0) return errno;
+    const bool foreign = now.st_uid != old.st_uid || now.st_gid != old.st_gid;
+    [[maybe_unused]] const int ignored = foreign ? fchown(fd, old.st_uid, old.st_gid) : 0;
+    return fchmod(fd, old.st_mode & 07777) == 0 || errno == EPERM ? 0 : errno;
+}
+
+int statOld(int directory, const std::string& name, struct stat& old, bool& exists) {
+    exists = fstatat(directory, name.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0;
+    if (!exists) return errno == ENOENT ? 0 : errno;
+    return S_ISREG(old.st_mode) && (old.st_mode & S_IWUSR) != 0 ? 0 : EACCES;
+}
+
+}  // namespace
+
+int readWholeFile(const std::string& path, std::uint64_t limit, std::string& bytes) {
+    bytes.clear();
+    struct statx kind {};
+    int error = statPath(path, true, kind);
+    if (error != 0) return error;
+    if (!S_ISREG(kind.stx_mode)) return EACCES;  // a FIFO would wait for its other end
+    if (kind.stx_size > limit) return EFBIG;
+    UniqueFd fd;
+    error = openPath(path, O_RDONLY | O_NONBLOCK, fd);
+    if (error != 0) return error;
+    for (;;) {
+        // Files of the kernel have no size before they are read.
+        const std::size_t done = bytes.size();
+        bytes.resize(done + std::max<std::size_t>(
+                                4096, kind.stx_size - std::min<std::size_t>(done, kind.stx_size)));
+        const ssize_t count = read(fd.get(), bytes.data() + done, bytes.size() - done);
+        error = count < 0 ? errno : 0;
+        bytes.resize(done + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+        if (bytes.size() > limit) error = EFBIG;
+        if (error == EINTR) continue;
+        if (error != 0) bytes.clear();
+        if (error != 0 || count == 0) return error;
+    }
+}
+
+int writeWholeFile(const std::string& path, const std::string& bytes) {
+    const std::string target = canonicalPath(path);
+    const std::size_t slash = target.rfind('/');
+    const std::string directoryPath = slash == 0 ? "/" : target.substr(0, slash);
+    const std::string name = target.substr(slash + 1);
+    if (name.empty()) return EACCES;
+    UniqueFd directory;
+    int error = openPath(directoryPath, O_PATH | O_DIRECTORY, directory);
+    if (error != 0) return error;
+
+    struct stat old {};
+    bool exists = false;
+    error = statOld(directory.get(), name, old, exists);
+    if (error != 0) return error;
+    TemporaryFile file;
+    error = file.create(directory.get(), exists ? 0600 : 0644);
+    if (error == 0) error = writeAll(file.fd(), bytes);
+    if (error == 0 && exists) error = keepOwnerAndMode(file.fd(), old);
+    if (error == 0 && fsync(file.fd()) != 0) error = errno;
+    if (error == 0) error = file.commit(name.c_str());
+    return error != 0 ? error : flushDirectory(directoryPath);
+}
+
+}  // namespace coffrelune
