@@ -1,0 +1,102 @@
+#include <algorithm>
+#include <limits>
+
+#include "settings/system_mod.h"
+#include "system/date_time.h"
+#include "system/text.h"
+
+namespace coffrelune {
+namespace {
+
+constexpr const char* position = "Position";
+
+std::int16_t narrowed(std::int32_t number) {
+    using Limits = std::numeric_limits<std::int16_t>;
+    return static_cast<std::int16_t>(
+        std::clamp<std::int32_t>(number, Limits::min(), Limits::max()));
+}
+
+// The last maximum index that the number of lines gives; 6 lines when it says nothing sensible.
+std::int16_t maximumIndexFrom(std::int32_t lines) {
+    constexpr std::int16_t usual = 5;
+    return lines < 1 ? usual : narrowed(lines - 1);
+}
+
+}  // namespace
+
+void SystemMod::LoadSettings() {
+    sources.clear();
+    destinations.clear();
+    selected.clear();
+    resizeLines(maximumIndexFrom(leadingNumber(ReadSetting(position, "RepertMax"))));
+    pendingMaximumIndex = maximumIndex;
+
+    readCommandLine();
+    if (configurationName.empty()) configurationName = ReadSetting(position, "Config");
+    if (configurationName.empty()) configurationName = "General";
+    LoadConfiguration();
+
+    readOptions();
+    soundNames = {ReadSetting(position, "SignalOk"), ReadSetting(position, "SignalErreur")};
+    if (soundNames[0].empty()) soundNames[0] = "Ok";
+    if (soundNames[1].empty()) soundNames[1] = "Erreur";
+    SuiviAnalyse = leadingNumber(ReadSetting(position, "SuiviAnalyse"));
+}
+
+void SystemMod::readOptions() {
+    const auto number = [this](const char* key) {
+        return leadingNumber(ReadSetting(position, key));
+    };
+    options.RecentSeul = number("RecentSeul");
+    options.CorrectEteOff = narrowed(number("CorrectEteOff"));
+    options.DelReadOnly = number("DelReadOnly");
+    options.ContinueOnError = number("ContinueOnError");
+    options.SynchroCopie = number("SynchroCopie");
+    options.AltCopie = narrowed(number("AltCopie"));
+    options.SynchroDate = number("SynchroDate");
+    options.ArbreMode = number("ArbreMode");
+    options.SignalSonore = number("SignalSonore");
+}
+
+void SystemMod::LoadConfiguration() {
+    const auto text = [this](const std::string& key) {
+        return ReadSetting(configurationName, key);
+    };
+    const auto number = [&text](const std::string& key) { return leadingNumber(text(key)); };
+
+    description = text("Description");
+    for (std::size_t line = 0; line < sources.size(); ++line) {
+        const std::string index = std::to_string(line);
+        sources[line] = text("Source" + index);
+        destinations[line] = text("Destination" + index);
+        selected[line] = number("Select" + index) != 0 ? 1 : 0;
+    }
+    SelectP = narrowed(number("SelectP"));
+    ProgToRun = text("ProgToRun");
+    PrmToRun = text("PrmToRun");
+    Confirmation = number("Confirmation");
+    Modifie = number("Modifie");
+    AutoSave = number("AutoSave");
+    AutoTime = text("AutoTime");
+    if (AutoTime.empty()) AutoTime = "00:00";
+    nextDate = nextScheduledDate("", false, false, AutoTime, platform.clock.now());
+    readLastResults();
+}
+
+void SystemMod::readLastResults() {
+    const auto text = [this](const std::string& key) {
+        return ReadSetting(configurationName, key);
+    };
+    constexpr std::array<const char*, 3> kinds = {"Save", "Rest", "Comp"};
+    for (std::size_t kind = 0; kind < kinds.size(); ++kind) {
+        const std::string name = kinds.at(kind);
+        LastResult& result = lastResults.at(kind);
+        result.cleanDate = text("Last" + name);
+        result.errorDate = text("Last" + name + "Err");
+        result.errorCount = leadingNumber(text("Last" + name + "NbErr"));
+        result.cleanDuration = text("LastDuree" + name);
+        result.errorDuration = text("LastDuree" + name + "Err");
+    }
+}
+
+}  // namespace coffrelune

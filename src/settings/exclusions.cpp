@@ -1,0 +1,69 @@
+#include "settings/escape.h"
+#include "settings/system_mod.h"
+#include "system/text.h"
+
+namespace coffrelune {
+namespace {
+
+// Parts a packed list; a directory that bears it in its name has it escaped there.
+constexpr char separator = '|';
+constexpr std::string_view separators(&separator, 1);
+
+std::string prefix(int line) {
+    return "RepExclu" + std::to_string(line) + '_';
+}
+
+std::string directoryKey(int line, std::size_t number) {
+    return prefix(line) + "Rep" + std::to_string(number);
+}
+
+// Quoted only where reading would take something off its ends.
+std::string storable(const std::string& directory) {
+    constexpr std::string_view blanks = " \t\v\f";
+    const bool blankEnd = blanks.find(directory.front()) != std::string_view::npos ||
+                          blanks.find(directory.back()) != std::string_view::npos;
+    return blankEnd ? QuoteValue(directory) : protectQuotes(directory);
+}
+
+}  // namespace
+
+void SystemMod::LoadExclusions(int line) {
+    exclusions.mode = leadingNumber(ReadSetting(configurationName, prefix(line) + "Mode"));
+    exclusions.directories.clear();
+    while (true) {
+        const std::size_t number = exclusions.directories.size() + 1;
+        std::string directory = ReadSetting(configurationName, directoryKey(line, number));
+        if (directory.empty()) return;
+        exclusions.directories.push_back(std::move(directory));
+    }
+}
+
+std::string SystemMod::PackExclusions(int line) {
+    std::string packed = ReadSetting(configurationName, prefix(line) + "Mode");
+    for (std::size_t number = 1;; ++number) {
+        const std::string directory = ReadSetting(configurationName, directoryKey(line, number));
+        if (directory.empty()) return packed;
+        packed += separator + escapeCharacters(directory, separators);
+    }
+}
+
+void SystemMod::StoreExclusions(const std::string& packed, int line) {
+    ClearExclusions(line);
+    const std::vector<std::string> elements = splitText(packed, separator);
+    (void)WriteSetting(configurationName, prefix(line) + "Mode", elements[0]);
+    for (std::size_t number = 1; number < elements.size(); ++number) {
+        if (elements[number].empty()) return;
+        (void)WriteSetting(configurationName, directoryKey(line, number),
+                           storable(unescapeCharacters(elements[number], separators)));
+    }
+}
+
+void SystemMod::ClearExclusions(int line) {
+    LoadExclusions(line);
+    (void)WriteSetting(configurationName, prefix(line) + "Mode", "0");
+    for (std::size_t number = 1; number <= exclusions.directories.size(); ++number) {
+        (void)WriteSetting(configurationName, directoryKey(line, number), "");
+    }
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,85 @@
+#include "settings/system_mod.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "settings/command_line.h"
+#include "system/paths.h"
+#include "system/text.h"
+
+namespace coffrelune {
+namespace {
+
+// "3.05": the minor number in two digits.
+std::string title(const ProgramContext& context) {
+    const std::string minor = '0' + std::to_string(context.versionMinor);
+    return "Coffrelune Version " + std::to_string(context.versionMajor) + '.' +
+           minor.substr(minor.size() - 2);
+}
+
+std::string settingsPath(const ProgramContext& context) {
+    if (context.homeDirectory.empty()) return {};
+    return withTrailingBackslash(context.homeDirectory) + "Coffrelune.ini";
+}
+
+}  // namespace
+
+SystemMod::SystemMod(Platform& services, const ProgramContext& context)
+    : platform(services),
+      programTitle(title(context)),
+      homeDirectory(context.homeDirectory),
+      file_(services.files, services.ansi, settingsPath(context)),
+      commandLine_(context.commandLine) {
+    resizeLines(maximumIndex);
+}
+
+std::string SystemMod::ReadSetting(const std::string& section, const std::string& key) {
+    return file_.read(section, key);
+}
+
+Status SystemMod::WriteSetting(const std::string& section, const std::string& key,
+                               const std::string& value) {
+    if (section.empty()) return {};
+    if (key.empty()) return file_.deleteSection(section);
+    if (value.empty()) return file_.deleteKey(section, key);
+    return file_.write(section, key, value);
+}
+
+void SystemMod::ListConfigurations(std::vector<std::string>& list) {
+    // The names together with one separator each fit a buffer of 1024 characters of the code page,
+    // the last of which stays free: a limit that keeps the lists of the windows short.
+    constexpr std::size_t room = 1023;
+    std::size_t used = 0;
+    for (const std::string& name : file_.sections()) {
+        std::string inCodePage;
+        platform.ansi.encode(name, inCodePage);
+        used += inCodePage.size() + 1;
+        if (name.empty() || used > room) return;
+        if (name != "Position") list.push_back(name);
+    }
+}
+
+int SystemMod::LastUsedLine() const {
+    for (int line = maximumIndex; line > 0; --line) {
+        const auto index = static_cast<std::size_t>(line);
+        if (!sources[index].empty() || !destinations[index].empty()) return line;
+    }
+    return 0;
+}
+
+void SystemMod::resizeLines(int newMaximum) {
+    constexpr int largest = std::numeric_limits<std::int16_t>::max();
+    maximumIndex = static_cast<std::int16_t>(std::clamp(newMaximum, 0, largest));
+    const auto count = static_cast<std::size_t>(maximumIndex) + 1;
+    sources.resize(count);
+    destinations.resize(count);
+    selected.resize(count);
+}
+
+void SystemMod::readCommandLine() {
+    const CommandLine asked = coffrelune::readCommandLine(commandLine_);
+    AutoMode = asked.AutoMode;
+    if (asked.configurationName) configurationName = *asked.configurationName;
+}
+
+}  // namespace coffrelune

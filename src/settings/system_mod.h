@@ -1,0 +1,131 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/platform.h"
+#include "settings/settings_file.h"
+
+namespace coffrelune {
+
+enum class OperationKind : std::int16_t { backup = 0, restore = 1, comparison = 2 };
+
+/// The nine options that hold for every configuration; non-zero is on (-1 as stored).
+struct CopyOptions {
+    std::int32_t RecentSeul = 0;
+    std::int32_t DelReadOnly = 0;
+    std::int32_t ArbreMode = 0;
+    std::int32_t SignalSonore = 0;
+    std::int32_t SynchroDate = 0;
+    std::int32_t ContinueOnError = 0;
+    std::int16_t AltCopie = 0;
+    std::int16_t CorrectEteOff = 0;
+    std::int32_t SynchroCopie = 0;
+};
+
+/// What a line does with the sub-directories of its source.
+struct ExclusionList {
+    std::int32_t mode = 0;                 // 0 all, 1 none, 2 all but the listed
+    std::vector<std::string> directories;  // relative to the line's source, in stored order
+};
+
+/// Results of the last runs of one kind: dates "dd/mm/yyyy hh:nn:ss", durations "hh:nn:ss".
+struct LastResult {
+    std::string cleanDate;
+    std::string cleanDuration;
+    std::string errorDate;
+    std::string errorDuration;
+    std::int32_t errorCount = 0;
+};
+
+/// How the process was started; gathered once by the start-up.
+struct ProgramContext {
+    std::string commandLine;    // the arguments after the program path, as one text
+    std::string homeDirectory;  // of the settings file, in the core's form; empty: no such file
+    int versionMajor = 0;
+    int versionMinor = 0;
+};
+
+/// The shared state: everything that the settings file mirrors, and what windows hand each other.
+/// One object for the whole run, passed down by reference; two may live side by side in a test.
+class SystemMod {
+  public:
+    SystemMod(Platform& platform, const ProgramContext& context);
+
+    Platform& platform;
+
+    // ---- the settings file -------------------------------------------------------------------
+    std::string ReadSetting(const std::string& section, const std::string& key);
+    /// Tested in this order: an empty section flushes (nothing to do: every write is on the disk
+    /// when it returns), an empty key deletes the section, an empty value deletes the key.
+    /// The outcome may be ignored: a setting that cannot be written is not worth stopping for.
+    Status WriteSetting(const std::string& section, const std::string& key, const std::string& value);
+    /// Appends the configuration names that fit into 1023 characters with their separators.
+    void ListConfigurations(std::vector<std::string>& list);
+    bool configurationExists(const std::string& name) { return file_.hasSection(name); }
+    Status settingsStatus() { return file_.status(); }
+
+    void LoadSettings();
+    void LoadConfiguration();
+
+    // ---- exclusions of one line --------------------------------------------------------------
+    void LoadExclusions(int line);  // into `exclusions`
+    std::string PackExclusions(int line);
+    void StoreExclusions(const std::string& packed, int line);
+    void ClearExclusions(int line);
+    /// Highest index of a line with a source or a destination; 0 when none has (line 0 is not looked
+    /// at, a configuration keeps at least one line).
+    int LastUsedLine() const;
+
+    /// Resizes the line arrays, keeping their contents.
+    void resizeLines(int maximumIndex);
+
+    // ---- state -------------------------------------------------------------------------------
+    std::string programTitle;  // "Coffrelune Version 3.05"
+    std::string homeDirectory;
+    bool AutoMode = false;
+    std::int16_t maximumIndex = 5;
+    std::int16_t pendingMaximumIndex = 5;
+    std::string configurationName;
+    std::string description;
+    std::vector<std::string> sources;
+    std::vector<std::string> destinations;
+    std::vector<std::int16_t> selected;  // 0 or 1
+    std::int16_t SelectP = 0;
+    std::string ProgToRun;
+    std::string PrmToRun;
+    std::int32_t Confirmation = 0;
+    std::int32_t Modifie = 0;
+    std::int32_t AutoSave = 0;
+    std::string AutoTime = "00:00";
+    std::string nextDate;                   // "dd/mm/yyyy"
+    std::array<LastResult, 3> lastResults;  // by OperationKind
+    std::string duration;                   // of the run that just ended, "hh:nn:ss"
+    std::int32_t errorCount = 0;            // of that run
+    CopyOptions options;
+    std::array<std::string, 2> soundNames;  // 0 success, 1 error
+    std::int32_t SuiviAnalyse = 0;
+    std::int16_t AutoStart = 0;
+    ExclusionList exclusions;  // of the line loaded last
+    /// 1 or more: the system copies with progress; 0: plain copies only.
+    std::int16_t OsLevel = 2;
+    OperationKind operationKind = OperationKind::backup;
+    bool comparisonReversed = false;  // comparison from destination to source
+    std::string dialogText;           // between a window and its small dialogs
+
+    LastResult& lastResult(OperationKind kind) {
+        return lastResults[static_cast<std::size_t>(kind)];
+    }
+
+  private:
+    void readCommandLine();
+    void readOptions();
+    void readLastResults();
+
+    SettingsFile file_;
+    std::string commandLine_;
+};
+
+}  // namespace coffrelune
