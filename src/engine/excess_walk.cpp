@@ -1,0 +1,208 @@
+#include "engine/excess_walk.h"
+
+#include <algorithm>
+
+#include "engine/exclusion_rules.h"
+#include "system/paths.h"
+
+namespace coffrelune {
+namespace {
+
+bool saysAbsent(const Status& status) {
+    return status.code() == error_number::fileNotFound ||
+           status.code() == error_number::pathNotFound;
+}
+
+}  // namespace
+
+LineRoots CheminsExcedents(const LineRoots& roots) {
+    const bool isVolume = withTrailingBackslash(volumeOf(roots.source)) ==
+                          withTrailingBackslash(roots.source);
+    const std::string reference =
+        isVolume ? roots.source : withTrailingBackslash(splitPath(roots.source).parent);
+    return {roots.target, reference, roots.source};
+}
+
+ExcessWalk::ExcessWalk(SystemMod& system, RunStatistics& statistics, OperationWindow& window,
+                       CopyErrors& errors)
+    : system_(system),
+      statistics_(statistics),
+      window_(window),
+      errors_(errors),
+      files_(system.platform.files),
+      guard_(system.platform.files) {}
+
+void ExcessWalk::cleanLine(const LineRoots& roots, const std::vector<LineRoots>& others) {
+    guard_.watch(roots);
+    if (guard_.targetHoldsSource()) return;  // refused and named by the tree pass
+    const LineRoots swapped = CheminsExcedents(roots);
+    statistics_.analysisPass = true;
+    statistics_.windowsDirectory = system_.platform.drives.windowsDirectory();
+    statistics_.lineSourceRoot = withTrailingBackslash(swapped.source);
+    decision_ = {system_.Modifie != 0, system_.options.RecentSeul != 0,
+                 system_.options.CorrectEteOff == 0};
+    if (prepare(swapped, others)) {
+        walk({withTrailingBackslash(swapped.source), withTrailingBackslash(swapped.target)});
+    }
+}
+
+bool ExcessWalk::prepare(const LineRoots& swapped, const std::vector<LineRoots>& others) {
+    std::unique_ptr<Directory> copy;
+    // No copy, the copy of a single file, or a link that leads who knows where: nothing to clean.
+    if (!files_.openDirectory(swapped.source, LinkRule::refuse, Wanted::directories, copy).ok()) {
+        return false;
+    }
+    if (!referenceReadable(swapped.target) || sharedWithAnother(swapped.source, others)) {
+        return false;
+    }
+    protected_.clear();
+    for (const LineRoots& other : others) {
+        protect(other.source);
+        protect(other.target);
+    }
+    return true;
+}
+
+// An unplugged disk, or a restore of what was never backed up, must not pass for a tree from which
+// everything has been deleted.
+bool ExcessWalk::referenceReadable(const std::string& reference) {
+    referenceRoot_ = reference;
+    referenceId_ = FileId{};
+    std::unique_ptr<Directory> directory;
+    Status status =
+        files_.openDirectory(reference, LinkRule::follow, Wanted::directories, directory);
+    if (status.ok()) status = files_.identify(reference, referenceId_);
+    if (!status.ok()) errors_.countOnce(status.code(), reference);
+    return status.ok();
+}
+
+bool ExcessWalk::sharedWithAnother(const std::string& copy, const std::vector<LineRoots>& others) {
+    FileId id;
+    const bool known = files_.identify(copy, id).ok();
+    const std::string path = files_.resolve(copy);
+    const bool shared = std::any_of(others.begin(), others.end(), [&](const LineRoots& other) {
+        FileId otherId;
+        return files_.resolve(other.target) == path ||
+               (known && files_.identify(other.target, otherId).ok() && otherId == id);
+    });
+    if (shared) {
+        window_.AjouteECTxt("Fichiers excédentaires conservés dans " + copy +
+                            " : une autre ligne y est copiée aussi.");
+    }
+    return shared;
+}
+
+void ExcessWalk::protect(const std::string& path) {
+    Protected place{files_.resolve(path), {}};
+    // A place that does not exist is not in the way.
+    if (!files_.identify(path, place.id).ok()) place.id = FileId{};
+    protected_.push_back(place);
+}
+
+bool ExcessWalk::isProtected(const std::string& path, const FileEntry& entry) const {
+    return std::any_of(protected_.begin(), protected_.end(), [&](const Protected& place) {
+        if (entry.id.known() && place.id.known()) return entry.id == place.id;
+        return path == place.path;
+    });
+}
+
+// Asked before anything is taken for deleted: the reference may have been unplugged meanwhile.
+bool ExcessWalk::referenceStands() {
+    FileId id;
+    const Status status = files_.identify(referenceRoot_, id);
+    if (status.ok() && id == referenceId_) return true;
+    errors_.countOnce(status.ok() ? error_number::deviceDoesNotExist : status.code(),
+                      referenceRoot_);
+    return false;
+}
+
+void ExcessWalk::walk(const Place& place) {
+    std::unique_ptr<Directory> files;
+    const Status listed =
+        files_.openDirectory(place.copy, LinkRule::refuse, Wanted::files, files);
+    if (!listed.ok()) {
+        if (!saysAbsent(listed)) errors_.nameOnce(listed.code(), place.copy);
+        return;
+    }
+    ++statistics_.directoriesRead;
+    std::unique_ptr<Directory> reference;
+    if (!openReference(place, reference)) return;
+    scan(*files, reference.get(), place);
+    files.reset();  // a deep tree must not hold a descriptor for every level
+    reference.reset();
+    if (stopped()) return;
+
+    for (const std::string& name : subdirectories(place)) {
+        walk({place.copy + name + "\\", place.reference + name + "\\"});
+        window_.runPendingEvents();
+        if (stopped()) return;
+    }
+}
+
+// False when the counterpart is there but cannot be read: its files keep their copies. A counterpart
+// that is gone leaves `reference` empty, and every file of the copy is an excess file.
+bool ExcessWalk::openReference(const Place& place, std::unique_ptr<Directory>& reference) {
+    const Status opened =
+        files_.openDirectory(place.reference, LinkRule::follow, Wanted::files, reference);
+    if (opened.ok()) return true;
+    if (saysAbsent(opened)) return referenceStands();
+    errors_.nameOnce(opened.code(), withoutTrailingBackslash(place.reference));
+    return false;
+}
+
+void ExcessWalk::scan(Directory& files, Directory* reference, const Place& place) {
+    for (FileEntry entry; files.next(entry);) {
+        if (!entry.isDirectory() && !isSystemFile(entry.name) &&
+            !isProtected(place.copy + entry.name, entry) && isExcess(entry, reference, place)) {
+            remove(entry, place);
+        }
+        window_.runPendingEvents();
+        if (stopped()) return;
+    }
+}
+
+bool ExcessWalk::isExcess(const FileEntry& entry, Directory* reference, const Place& place) {
+    FileEntry counterpart;
+    if (reference == nullptr || !reference->lookUp(entry.name, counterpart)) {
+        // A look-up that failed says nothing yet; only the certain absence counts.
+        const std::string path = place.reference + entry.name;
+        const Status status = files_.lookUp(path, LinkRule::refuse, counterpart);
+        if (saysAbsent(status)) return referenceStands();
+        if (!status.ok()) {
+            errors_.nameOnce(status.code(), path);
+            return false;
+        }
+    }
+    // What the copy pass would leave alone must not be deleted either: with `RecentSeul` a newer
+    // file of the copy is kept by both.
+    return decide(entry, &counterpart, decision_).copy &&
+           decide(counterpart, &entry, decision_).copy;
+}
+
+void ExcessWalk::remove(const FileEntry& entry, const Place& place) {
+    const std::string path = place.copy + entry.name;
+    statistics_.totalBytes += static_cast<float>(entry.size);
+    ++statistics_.filesDeleted;
+    window_.showFile(path);
+    window_.showCount(std::to_string(statistics_.filesDeleted) +
+                      " fichier(s) effacé(s) sur la destination ");
+    // A file that cannot be deleted counts all the same and stays: the next run tries again.
+    (void)files_.removeFile(path);
+}
+
+std::vector<std::string> ExcessWalk::subdirectories(const Place& place) {
+    std::vector<std::string> names;
+    std::unique_ptr<Directory> directories;
+    const Status listed =
+        files_.openDirectory(place.copy, LinkRule::refuse, Wanted::directories, directories);
+    if (!listed.ok()) return names;
+    for (FileEntry entry; directories->next(entry);) {
+        if (!entry.isDirectory() || entry.isLink()) continue;
+        if (isExcludedFromDeletion(place.copy, entry.name, statistics_)) continue;
+        if (isProtected(place.copy + entry.name, entry)) continue;
+        names.push_back(entry.name);
+    }
+    return names;
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,71 @@
+#include "engine/exclusion_rules.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "system/paths.h"
+#include "system/text.h"
+
+namespace coffrelune {
+namespace {
+
+constexpr std::array<std::string_view, 7> systemFiles = {
+    "pagefile.sys",   "hiberfil.sys", "thumbs.db",       "ntuser.dat",
+    "ntuser.dat.log", "usrclass.dat", "usrclass.dat.log"};
+constexpr std::array<std::string_view, 4> systemFolders = {"System Volume Information", "Recycled",
+                                                           "..", "."};
+constexpr std::array<std::string_view, 3> specialFolders = {"Ma musique", "Mes images",
+                                                            "Mes vidéos"};
+
+template <typename List>
+bool contains(const List& list, std::string_view text) {
+    return std::find(list.begin(), list.end(), text) != list.end();
+}
+
+// The entries that the exclusions dialog makes begin with a backslash ("\Tmp") unless the source is
+// a drive root: joined with exactly one backslash, both kinds name the directory that was chosen.
+bool isListed(const std::string& path, const std::string& root, const ExclusionList& list) {
+    return std::any_of(
+        list.directories.begin(), list.directories.end(),
+        [&](const std::string& entry) { return joinPath(root, entry) == path; });
+}
+
+bool isLeftOut(const std::string& path, const std::string& root, const ExclusionList& list) {
+    switch (list.mode) {
+        case 1:
+            return true;
+        case 2:
+            return isListed(path, root, list);
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+bool isSystemFile(const std::string& name) {
+    // Most names are longer or shorter than all seven: spares lowering the case of every file name.
+    if (name.size() < 9 || name.size() > 16) return false;
+    return contains(systemFiles, lowerCase(name));
+}
+
+bool isExcludedDirectory(const std::string& parent, const std::string& name,
+                         const RunStatistics& statistics) {
+    if (contains(systemFolders, name)) return true;
+    const std::string path = parent + name;
+    if (path == statistics.windowsDirectory) return true;
+    return isLeftOut(path, statistics.lineSourceRoot, statistics.exclusions);
+}
+
+bool isExcludedFromDeletion(const std::string& parent, const std::string& name,
+                            const RunStatistics& statistics) {
+    return isExcludedDirectory(parent, name, statistics) ||
+           isLeftOut(parent + name, statistics.lineSourceRoot, statistics.ownExclusions);
+}
+
+bool isSpecialFolder(const std::string& path) {
+    return contains(specialFolders, splitPath(path).last);
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,40 @@
+#include "engine/line_guard.h"
+
+#include "system/paths.h"
+
+namespace coffrelune {
+namespace {
+
+bool isBelow(const std::string& path, const std::string& directory) {
+    return withTrailingBackslash(path).rfind(withTrailingBackslash(directory), 0) == 0;
+}
+
+}  // namespace
+
+void LineGuard::watch(const LineRoots& roots) {
+    const std::string source = files_.resolve(roots.source);
+    targetPath_ = files_.resolve(roots.target);
+    target_ = FileId{};
+    // A target that does not exist yet has no identity; its resolved path speaks for it.
+    if (!files_.identify(roots.target, target_).ok()) target_ = FileId{};
+    targetHoldsSource_ =
+        isBelow(source, targetPath_) || (target_.known() && anyAncestorIs(source, target_));
+}
+
+// One place may be mounted under two paths, which no text tells: the identities do.
+bool LineGuard::anyAncestorIs(std::string path, const FileId& id) {
+    while (true) {
+        FileId ancestor;
+        if (files_.identify(path, ancestor).ok() && ancestor == id) return true;
+        SplitPath split = splitPath(path);
+        if (split.last.empty() || split.parent == path || isDriveRoot(path)) return false;
+        path = isDriveRoot(split.parent) ? split.parent : withoutTrailingBackslash(split.parent);
+    }
+}
+
+bool LineGuard::isTarget(const std::string& path, const FileEntry& entry) const {
+    if (entry.id.known() && target_.known()) return entry.id == target_;
+    return path == targetPath_;
+}
+
+}  // namespace coffrelune

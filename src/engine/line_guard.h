@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+
+#include "engine/line_roots.h"
+#include "platform/platform.h"
+
+namespace coffrelune {
+
+/// Keeps a line from harming itself: from writing over its own source, and from walking into its
+/// own copy. Places are compared as the file system resolves them.
+class LineGuard {
+  public:
+    explicit LineGuard(FileService& files) : files_(files) {}
+
+    /// Called at the start of each line, and again once its target has been created.
+    void watch(const LineRoots& roots);
+
+    /// True when the target is the source itself or one of its ancestors: copying would write over
+    /// the source, and deleting excess files would delete it.
+    bool targetHoldsSource() const { return targetHoldsSource_; }
+
+    /// True when the directory `path`, listed as `entry`, is the line's own target.
+    bool isTarget(const std::string& path, const FileEntry& entry) const;
+
+  private:
+    bool anyAncestorIs(std::string path, const FileId& id);
+
+    FileService& files_;
+    FileId target_;
+    std::string targetPath_;  // resolved
+    bool targetHoldsSource_ = false;
+};
+
+}  // namespace coffrelune

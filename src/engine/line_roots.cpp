@@ -1,0 +1,39 @@
+#include "engine/line_roots.h"
+
+#include "system/paths.h"
+
+namespace coffrelune {
+namespace {
+
+// "E:" alone would be the current directory of that drive to some systems: a line means its root.
+// Of several trailing backslashes one counts, or the last component would be an empty one and the
+// copy would lie in the destination itself, among those of other lines.
+std::string inFull(std::string path) {
+    while (path.size() > 2 && path.ends_with(R"(\\)")) path.pop_back();
+    return path.size() == 2 && path[1] == ':' ? path + "\\" : path;
+}
+
+}  // namespace
+
+std::string copyName(const std::string& source) {
+    const std::string path = inFull(source);
+    if (isDriveRoot(path)) return path.substr(0, 1);
+    const SplitPath split = splitPath(path);
+    return split.last.empty() ? split.parent : split.last;
+}
+
+std::string volumeOf(const std::string& path) {
+    if (path.rfind(R"(\\)", 0) != 0) return inFull(path.substr(0, 2));
+    const std::size_t server = path.find('\\', 2);
+    if (server == std::string::npos) return path;
+    return path.substr(0, path.find('\\', server + 1));
+}
+
+LineRoots lineRoots(const std::string& source, const std::string& destination, Layout layout) {
+    const std::string place = inFull(source);
+    const std::string copy = joinPath(inFull(destination), copyName(place));
+    if (layout == Layout::normal) return {place, inFull(destination), copy};
+    return {copy, volumeOf(place), place};
+}
+
+}  // namespace coffrelune

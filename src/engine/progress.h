@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "engine/operation_window.h"
+#include "engine/run_statistics.h"
+#include "platform/platform.h"
+
+namespace coffrelune {
+
+/// The texts of progress: percentage, remaining time, transfer rate.
+class Progress final : public CopyObserver {
+  public:
+    Progress(RunStatistics& statistics, Platform& platform, OperationWindow& window);
+
+    /// Forgets the texts shown last, so that a new line shows its own.
+    void clearTexts();
+
+    /// Called before and after each file of the copy pass.
+    void refreshCaptions(const std::string& sourceDirectory,
+                         const std::string& destinationDirectory);
+
+    /// Called after each copied file.
+    void refreshEstimate();
+
+    /// A chunk of the file in progress is copied: the percentage counts it at once.
+    void chunkFinished(std::uint64_t transferred) override;
+
+  private:
+    void showPercentage(float bytes);
+    void showTexts(std::int32_t remainingSeconds);
+
+    RunStatistics& statistics_;
+    Platform& platform_;
+    OperationWindow& window_;
+    bool busy_ = false;  // a notification is at work: events that it lets run may raise the next
+    std::int32_t lastElapsed_ = 0;  // seconds
+    std::string lastRemaining_;
+    std::string lastRate_;
+};
+
+/// "1 minute(s) 45 seconde(s)" and the like; empty for 0.
+std::string remainingTimeText(std::int32_t seconds);
+
+}  // namespace coffrelune
