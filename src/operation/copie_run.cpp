@@ -1,0 +1,152 @@
+// The run of a backup or a restore: its passes over the lines, in their order.
+#include "operation/copie.h"
+#include "operation/line_texts.h"
+#include "system/date_time.h"
+
+namespace coffrelune {
+
+void Copie::LanceCopie() {
+    statistics_.askBeforeReplacing = system_.Confirmation != 1 && !statistics_.unattended;
+    statistics_.baselineTime =
+        static_cast<std::int32_t>(secondsSinceMidnight(system_.platform.clock.now()));
+    statistics_.totalBytes = 0;
+    if (system_.options.ArbreMode != 0) {
+        // The option itself is the engine's tree flag: the pass below walks in tree mode.
+        showTreePhase();
+    } else {
+        CopieArborescence();
+        if (system_.options.SynchroCopie != 0 && !statistics_.interruptionRequested) {
+            EffaceExcedents();
+        }
+        statistics_.totalBytes = 0;
+        startAnalysis();
+    }
+    runPendingEvents();
+    analyseLines();
+    if (!statistics_.interruptionRequested && system_.options.ArbreMode == 0 && prepareCopy()) {
+        copyLines();
+    }
+    endRun();
+}
+
+void Copie::CopieArborescence() {
+    showTreePhase();
+    system_.options.ArbreMode = -1;
+    for (int line = 0; line < host_.lineCount() && !statistics_.interruptionRequested; ++line) {
+        if (takesPart(line)) walkLine(line, true);
+    }
+    system_.options.ArbreMode = 0;
+}
+
+void Copie::showTreePhase() {
+    ProgBar.setIndeterminate(true);
+    Lbl[1].setCaption("Copie de l'arborescence...");
+    Lbl[3].setCaption("Aucun répertoire créé");
+    statistics_.directoriesRead = 0;
+    statistics_.directoriesCreated = 0;
+}
+
+// Each line is cleaned with the exclusion list that was loaded last, that of the last line of the
+// tree pass, and with its own.
+void Copie::EffaceExcedents() {
+    ProgBar.setIndeterminate(true);
+    statistics_.filesDeleted = 0;
+    Lbl[1].setCaption("Effacement des fichiers excédentaires...");
+    Lbl[3].setCaption("Analyse des fichiers excédentaires sur la destination");
+    statistics_.directoriesRead = 0;
+    statistics_.directoriesCreated = 0;
+    statistics_.deletionWalk = true;
+    for (int line = 0; line < host_.lineCount() && !statistics_.interruptionRequested; ++line) {
+        if (!takesPart(line)) continue;
+        system_.LoadExclusions(line);
+        statistics_.ownExclusions = system_.exclusions;
+        statistics_.currentLine = line;
+        engine_.cleanLine(rootsOfLine(system_, line), rootsOfOthers(line));
+    }
+    system_.exclusions = statistics_.exclusions;
+    statistics_.deletionWalk = false;
+}
+
+// Both ways of every other line: a restore must not empty another line's source, nor its copy.
+std::vector<LineRoots> Copie::rootsOfOthers(int line) const {
+    std::vector<LineRoots> others;
+    for (int other = 0; other < host_.lineCount(); ++other) {
+        const auto index = static_cast<std::size_t>(other);
+        if (other == line || system_.sources[index].empty() ||
+            system_.destinations[index].empty()) {
+            continue;
+        }
+        others.push_back(rootsOfLine(system_, other));
+    }
+    return others;
+}
+
+void Copie::startAnalysis() {
+    if (statistics_.interruptionRequested) return;
+    ProgBar.setIndeterminate(true);
+    AnalyseChk.setVisible(true);
+    Lbl[1].setCaption("Analyse de la copie...");
+    Lbl[3].setCaption("Analyse de :");
+}
+
+void Copie::analyseLines() {
+    for (int line = 0; line < host_.lineCount() && !statistics_.interruptionRequested; ++line) {
+        if (takesPart(line)) walkLine(line, true);
+    }
+}
+
+// False when there is nothing to copy. The test is on the bytes, not on the files: a run whose only
+// candidates are empty files copies nothing.
+bool Copie::prepareCopy() {
+    ProgBar.setIndeterminate(false);
+    ProgBar.setValue(0);
+    AnalyseChk.setVisible(false);
+    Lbl[2].setCaption("Temps restant: Calcul en cours ...");
+    Lbl[4].setCaption("");
+    statistics_.baselineTime =
+        static_cast<std::int32_t>(secondsSinceMidnight(system_.platform.clock.now()));
+    statistics_.bytesDone = 0;
+    statistics_.bytesAtBaseline = 0;
+    return statistics_.totalBytes > 0 && !statistics_.interruptionRequested;
+}
+
+void Copie::copyLines() {
+    for (int line = 0; line < host_.lineCount(); ++line) {
+        if (!takesPart(line)) continue;
+        statistics_.copyPassStarted = true;
+        walkLine(line, false);
+        if (statistics_.interruptionRequested) return;
+        host_.showLineDone(line, true);
+        runPendingEvents();
+    }
+}
+
+void Copie::endRun() {
+    const std::int64_t elapsed =
+        toMilliseconds(system_.platform.clock.now()) - toMilliseconds(startTime_);
+    system_.duration = formatDuration(elapsed);
+    if (statistics_.errorCount == 0 || system_.AutoMode) {
+        unload();
+        return;
+    }
+    finished_ = true;
+    AjouteECTxt("Fin de la " + caption() + " " + std::to_string(statistics_.errorCount) +
+                " erreur(s).");
+    AjouteECTxt("Durée de la " + caption() + " : " + system_.duration);
+    Cmd.setCaption("Fermer");
+    Cmd.setEnabled(true);
+}
+
+bool Copie::takesPart(int line) const {
+    return host_.lineSelected(line) && !host_.lineSource(line).empty() &&
+           !host_.lineDestination(line).empty();
+}
+
+void Copie::walkLine(int line, bool analysisPass) {
+    system_.LoadExclusions(line);
+    statistics_.exclusions = system_.exclusions;
+    statistics_.currentLine = line;
+    engine_.walkLine(rootsOfLine(system_, line), analysisPass);
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,33 @@
+#include "operation/error_list.h"
+
+#include "system/paths.h"
+
+namespace coffrelune {
+namespace {
+
+constexpr const char* letters = "SRC";  // by operation kind
+
+}  // namespace
+
+std::string errorListPath(const SystemMod& system, OperationKind kind) {
+    const std::string name = std::string(1, letters[static_cast<int>(kind)]) + "_" +
+                             cleanFileName(system.configurationName, "_") + ".err";
+    return joinPath(system.homeDirectory, name);
+}
+
+Status EcritErreurs(SystemMod& system, const std::string& journal) {
+    if (system.homeDirectory.empty()) return {};
+    std::string bytes;
+    // Characters outside the code page become "?": the list is for reading.
+    (void)system.platform.ansi.encode(journal, bytes);
+    return system.platform.files.writeWhole(errorListPath(system, system.operationKind), bytes);
+}
+
+std::string readErrorList(SystemMod& system, OperationKind kind) {
+    constexpr std::uint64_t largest = std::uint64_t{1} << 30;
+    std::string bytes;
+    const Status read = system.platform.files.readWhole(errorListPath(system, kind), largest, bytes);
+    return read.ok() ? system.platform.ansi.decode(bytes) : std::string();
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,153 @@
+#include "operation/lance_operation.h"
+
+#include "operation/copie.h"
+#include "operation/error_causes.h"
+#include "operation/results.h"
+#include "system/paths.h"
+
+namespace coffrelune {
+namespace {
+
+constexpr std::int16_t startedByUser = 1;
+
+}  // namespace
+
+OperationLauncher::OperationLauncher(SystemMod& system, OperationHost& host)
+    : system_(system), host_(host) {}
+
+RunEnd OperationLauncher::LanceOperation(std::int16_t mode) {
+    host_.setTimerEnabled(false);
+    host_.setLaunchEnabled(false);
+    RunEnd end = RunEnd::cancelled;
+    if (confirmTreeOnly(mode)) {
+        end = run(mode);
+        for (int line = 0; line < host_.lineCount(); ++line) host_.showLineDone(line, false);
+    }
+    host_.setLaunchEnabled(true);
+    host_.setTimerEnabled(system_.AutoSave == 1);
+    return end;
+}
+
+RunEnd OperationLauncher::run(std::int16_t mode) {
+    reset(mode);
+    showOperation();
+    const bool interrupted = statistics_.interruptionRequested;
+    if (statistics_.copyPassStarted) {
+        report(mode, interrupted);
+    } else {
+        reportNothing(mode);
+    }
+    if (interrupted) return RunEnd::interrupted;
+    const bool ran = statistics_.copyPassStarted || system_.options.ArbreMode != 0;
+    return ran ? RunEnd::finished : RunEnd::nothing;
+}
+
+void OperationLauncher::showOperation() {
+    Copie window(system_, statistics_, host_);
+    system_.platform.windows.showModal(window);
+    system_.errorCount = statistics_.errorCount;
+}
+
+bool OperationLauncher::confirmRestore() {
+    for (const char* question : {"Confirmez-vous la restauration des fichiers ?",
+                                 "Vous êtes bien sûr de vous ?\n(Restauration des fichiers)"}) {
+        const Answer answer = system_.platform.windows.showMessage(
+            {question, system_.programTitle, MessageIcon::question, MessageButtons::okCancel});
+        if (answer != Answer::ok) return false;
+    }
+    return true;
+}
+
+RunEnd OperationLauncher::launchComparison() {
+    host_.setLaunchEnabled(false);
+    // The error count alone is not reset: an interrupted comparison keeps that of the run before.
+    const std::int32_t errorCount = statistics_.errorCount;
+    reset(startedByUser);
+    statistics_.errorCount = errorCount;
+    showOperation();
+    StoreResult(system_, host_, statistics_.errorCount == 0);
+    host_.setLaunchEnabled(true);
+    return statistics_.interruptionRequested ? RunEnd::interrupted : RunEnd::finished;
+}
+
+bool OperationLauncher::confirmTreeOnly(std::int16_t mode) {
+    if (mode != startedByUser || system_.options.ArbreMode == 0) return true;
+    const Answer answer = system_.platform.windows.showMessage(
+        {"Seule l'arborescence des répertoires sera copiée sur le disque destination.\n"
+         "Confirmez-vous la copie ?",
+         system_.programTitle, MessageIcon::question, MessageButtons::okCancel});
+    return answer == Answer::ok;
+}
+
+void OperationLauncher::reset(std::int16_t mode) {
+    statistics_ = RunStatistics();
+    statistics_.unattended = mode != startedByUser;
+    statistics_.keepExisting = keepExisting_;
+    statistics_.tallies.resize(static_cast<std::size_t>(host_.lineCount()));
+}
+
+// Also the path of a run that was interrupted before its copy pass: nothing has been copied then,
+// and the cause, when one is known, is told with it.
+void OperationLauncher::reportNothing(std::int16_t mode) {
+    const bool treeOnly = system_.options.ArbreMode != 0;
+    const std::string cause = errorCause(statistics_.lastErrorNumber, statistics_.sharingPath);
+    std::string text = treeOnly ? treeMessage()
+                       : system_.operationKind == OperationKind::restore ? "Rien à restaurer !"
+                                                                         : "Rien à sauvegarder !";
+    if (!cause.empty()) text += "\n\n" + cause;
+    if (mode == startedByUser || !cause.empty()) say(mode, text, treeOnly);
+}
+
+std::string OperationLauncher::treeMessage() const {
+    return "Copie de l'arborescence terminée !\n\n" +
+           std::to_string(statistics_.directoriesRead) + " répertoire(s) lu(s), " +
+           std::to_string(statistics_.directoriesCreated) + " répertoire(s) créé(s).";
+}
+
+void OperationLauncher::report(std::int16_t mode, bool interrupted) {
+    if (!interrupted) StoreResult(system_, host_, statistics_.errorCount == 0);
+    playEndSound(mode);
+    const bool trouble = interrupted || statistics_.errorCount > 0;
+    if (mode == startedByUser || trouble) {
+        say(mode, interrupted ? interruptedMessage() : finishedMessage(), true);
+    }
+}
+
+std::string OperationLauncher::interruptedMessage() const {
+    // A restore never tells the cause: what it was restoring is still in the backup.
+    if (system_.operationKind == OperationKind::restore) return "Restauration interrompue !";
+    return "Sauvegarde interrompue !\n\n" +
+           errorCause(statistics_.lastErrorNumber, statistics_.sharingPath);
+}
+
+std::string OperationLauncher::finishedMessage() const {
+    std::string text = system_.operationKind == OperationKind::restore ? "Restauration terminée"
+                                                                       : "Sauvegarde terminée";
+    text += statistics_.errorCount == 0
+                ? " sans erreur."
+                : ", nombre d'erreur(s): " + std::to_string(statistics_.errorCount);
+    return text + "\r\n\r\nDurée : " + system_.duration;
+}
+
+// The success sound whatever happened: it says that the run is over, the message says how.
+void OperationLauncher::playEndSound(std::int16_t mode) {
+    if (mode != startedByUser || system_.options.SignalSonore == 0) return;
+    const std::string path = joinPath(system_.homeDirectory, system_.soundNames[0] + ".wav");
+    FileEntry file;
+    if (system_.platform.sounds.deviceCount() < 1) return;
+    if (!system_.platform.files.lookUp(path, LinkRule::follow, file).ok()) return;
+    system_.platform.sounds.play(path);
+}
+
+// Nobody reads a box of an unattended run: it would keep the program waiting for ever.
+void OperationLauncher::say(std::int16_t mode, const std::string& text, bool information) {
+    if (mode != startedByUser) {
+        system_.platform.windows.notice(text);
+        return;
+    }
+    (void)system_.platform.windows.showMessage(
+        {text, system_.programTitle,
+         information ? MessageIcon::information : MessageIcon::exclamation});
+}
+
+}  // namespace coffrelune

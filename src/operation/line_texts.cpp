@@ -1,0 +1,65 @@
+#include "operation/line_texts.h"
+
+#include "system/paths.h"
+#include "system/text.h"
+
+namespace coffrelune {
+namespace {
+
+// What the left label of the reversed layout appends; nothing for a drive root.
+std::string appendedComponent(const std::string& source) {
+    return isDriveRoot(source) ? std::string() : splitPath(source).last;
+}
+
+std::string withoutAppended(const std::string& text, const std::string& source) {
+    const std::string appended = appendedComponent(source);
+    const SplitPath split = splitPath(text);
+    if (appended.empty() || split.last != appended || split.parent == text) return text;
+    return isDriveRoot(split.parent) ? split.parent : withoutTrailingBackslash(split.parent);
+}
+
+void writePath(SystemMod& system, const char* key, int line, const std::string& path) {
+    (void)system.WriteSetting(system.configurationName, key + std::to_string(line),
+                              QuoteValue(path));
+}
+
+}  // namespace
+
+Layout currentLayout(const SystemMod& system) {
+    const bool reversed =
+        system.operationKind == OperationKind::restore ||
+        (system.operationKind == OperationKind::comparison && system.comparisonReversed);
+    return reversed ? Layout::reversed : Layout::normal;
+}
+
+LineTexts lineTexts(const SystemMod& system, int line) {
+    const std::string& source = system.sources[static_cast<std::size_t>(line)];
+    const std::string& destination = system.destinations[static_cast<std::size_t>(line)];
+    if (currentLayout(system) == Layout::normal) return {source, destination};
+    const std::string appended = appendedComponent(source);
+    if (destination.empty() || appended.empty()) return {destination, source};
+    return {joinPath(destination, appended), source};
+}
+
+LineRoots rootsOfLine(const SystemMod& system, int line) {
+    return lineRoots(system.sources[static_cast<std::size_t>(line)],
+                     system.destinations[static_cast<std::size_t>(line)], currentLayout(system));
+}
+
+void editLine(SystemMod& system, int line, LineSide side, const std::string& text) {
+    std::string& source = system.sources[static_cast<std::size_t>(line)];
+    std::string& destination = system.destinations[static_cast<std::size_t>(line)];
+    const bool reversed = currentLayout(system) == Layout::reversed;
+    if ((side == LineSide::left) != reversed) {
+        source = text;
+    } else {
+        destination = reversed ? withoutAppended(text, source) : text;
+    }
+    const bool sourceChanged = (side == LineSide::left) != reversed;
+    // A restore stores both together: its labels show one line from both ends.
+    const bool both = system.operationKind == OperationKind::restore;
+    if (sourceChanged || both) writePath(system, "Source", line, source);
+    if (!sourceChanged || both) writePath(system, "Destination", line, destination);
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+
+#include "engine/line_roots.h"
+#include "settings/system_mod.h"
+
+namespace coffrelune {
+
+/// What the two labels of a line show.
+struct LineTexts {
+    std::string source;       // `LblS`: where files are read from
+    std::string destination;  // `LblD`: where they go
+};
+
+/// Restores, and comparisons from destination to source, read the copy.
+Layout currentLayout(const SystemMod& system);
+
+/// In the reversed layout the left text is the destination joined with the source's last component
+/// by exactly one backslash, the destination alone for a drive root, and empty without a destination.
+LineTexts lineTexts(const SystemMod& system, int line);
+
+/// The places that every pass over the line uses.
+LineRoots rootsOfLine(const SystemMod& system, int line);
+
+enum class LineSide { left, right };
+
+/// The user has put `text` into a label: the line's source or destination takes it and its keys are
+/// written. In the reversed layout the right label is the source alone, and the left one loses the
+/// component that was appended for display, if it still ends with it: editing F:\Save\Docs to
+/// G:\Copies\Docs makes G:\Copies the destination, editing it to G:\Copies makes it that too.
+/// A settings file that cannot be written leaves the line in memory as edited.
+void editLine(SystemMod& system, int line, LineSide side, const std::string& text);
+
+}  // namespace coffrelune

@@ -1,0 +1,86 @@
+#include "operation/results.h"
+
+#include <array>
+#include <optional>
+
+#include "system/date_time.h"
+
+namespace coffrelune {
+namespace {
+
+constexpr std::array<const char*, 3> suffixes = {"Save", "Rest", "Comp"};  // by operation kind
+
+struct SummaryTexts {
+    const char* clean;
+    const char* problem;
+    const char* count;
+    const char* duration;
+    const char* link;
+};
+
+constexpr std::array<SummaryTexts, 3> summaryTexts = {{
+    {"Dernière sauvegarde sans erreur le ", "Dernière sauvegarde avec erreur le ", " erreur(s)",
+     "Durée de la sauvegarde: ", "Voir les erreurs"},
+    {"Dernière restauration sans erreur le ", "Dernière restauration avec erreur le ",
+     " erreur(s)", "Durée de la restauration: ", "Voir les erreurs"},
+    {"Dernière comparaison sans copie le ", "Dernière comparaison avec copie le ", " copie(s)",
+     "Durée de la comparaison: ", "Voir les copies"},
+}};
+
+std::string dated(const char* prefix, const std::string& stored) {
+    if (stored.empty()) return {};
+    const std::optional<LocalTime> date = parseDateTime(stored);
+    // A date that somebody wrote into the file by hand is shown as it stands there.
+    return prefix + (date ? formatLongDate(*date) : stored);
+}
+
+bool isEarlier(const std::string& a, const std::string& b) {
+    const std::optional<LocalTime> first = parseDateTime(a);
+    const std::optional<LocalTime> second = parseDateTime(b);
+    return first && second && toMilliseconds(*first) < toMilliseconds(*second);
+}
+
+}  // namespace
+
+ResultSummary summarize(const SystemMod& system, OperationKind kind) {
+    const SummaryTexts& texts = summaryTexts[static_cast<std::size_t>(kind)];
+    const LastResult& result = system.lastResults[static_cast<std::size_t>(kind)];
+    ResultSummary summary;
+    summary.cleanLine = dated(texts.clean, result.cleanDate);
+    summary.problemLine = dated(texts.problem, result.errorDate);
+    if (isEarlier(result.errorDate, result.cleanDate)) summary.problemLine.clear();
+    if (!summary.problemLine.empty()) {
+        summary.countLine = std::to_string(result.errorCount) + texts.count;
+    }
+    summary.cleanToolTip = texts.duration + result.cleanDuration;
+    summary.problemToolTip = texts.duration + result.errorDuration;
+    summary.linkText = texts.link;
+    return summary;
+}
+
+void StoreResult(SystemMod& system, OperationHost& host, bool clean) {
+    const OperationKind kind = system.operationKind;
+    const std::string suffix = suffixes[static_cast<std::size_t>(kind)];
+    const std::string date = formatDateTime(system.platform.clock.now());
+    // A settings file that cannot be written leaves the memory right: outcomes are ignored.
+    const auto write = [&](const std::string& key, const std::string& value) {
+        (void)system.WriteSetting(system.configurationName, key, value);
+    };
+    LastResult& result = system.lastResult(kind);
+    if (clean) {
+        result.cleanDate = date;
+        result.cleanDuration = system.duration;
+        write("Last" + suffix, result.cleanDate);
+        write("LastDuree" + suffix, result.cleanDuration);
+    } else {
+        result.errorDate = date;
+        result.errorDuration = system.duration;
+        result.errorCount = system.errorCount;
+        write("Last" + suffix + "Err", result.errorDate);
+        write("LastDuree" + suffix + "Err", result.errorDuration);
+        write("Last" + suffix + "NbErr", std::to_string(result.errorCount));
+    }
+    host.resultStored(kind);
+}
+
+}  // namespace coffrelune

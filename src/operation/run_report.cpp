@@ -1,0 +1,62 @@
+#include "operation/run_report.h"
+
+#include <algorithm>
+
+#include "operation/line_texts.h"
+#include "system/display_text.h"
+
+namespace coffrelune {
+namespace {
+
+bool anySourceMissing(const RunStatistics& statistics) {
+    return std::any_of(statistics.tallies.begin(), statistics.tallies.end(),
+                       [](const LineTally& tally) { return tally.sourceMissing; });
+}
+
+std::string namesOfConfigurations(SystemMod& system) {
+    std::vector<std::string> names;
+    system.ListConfigurations(names);
+    if (names.empty()) return "Aucune configuration n'est enregistrée.";
+    std::string text = "Configurations enregistrées : ";
+    for (std::size_t i = 0; i < names.size(); ++i) text += (i == 0 ? "" : ", ") + names[i];
+    return text;
+}
+
+}  // namespace
+
+ExitStatus exitStatus(RunEnd end, const RunStatistics& statistics) {
+    if (end == RunEnd::interrupted || end == RunEnd::cancelled) return ExitStatus::interrupted;
+    const bool trouble = statistics.errorCount > 0 || !statistics.errors.empty() ||
+                         anySourceMissing(statistics);
+    return trouble ? ExitStatus::errors : ExitStatus::clean;
+}
+
+bool settingsUsable(SystemMod& system) {
+    WindowService& windows = system.platform.windows;
+    const Status status = system.settingsStatus();
+    if (!status.ok()) {
+        windows.notice("Le fichier de configuration " + status.path() +
+                       " ne peut pas être lu (erreur " + std::to_string(status.code()) +
+                       "). Il est laissé tel quel.");
+        return false;
+    }
+    if (system.configurationExists(system.configurationName)) return true;
+    windows.notice("La configuration « " + system.configurationName + " » n'existe pas.\n" +
+                   namesOfConfigurations(system));
+    return false;
+}
+
+void reportErrors(const SystemMod& system, const RunStatistics& statistics) {
+    WindowService& windows = system.platform.windows;
+    for (const CopyError& error : statistics.errors) {
+        windows.notice("Erreur: " + std::to_string(error.number) +
+                       " - Fichier: " + visibleControls(error.path));
+    }
+    for (std::size_t line = 0; line < statistics.tallies.size(); ++line) {
+        if (!statistics.tallies[line].sourceMissing) continue;
+        windows.notice("Ligne " + std::to_string(line + 1) + " : la source " +
+                       rootsOfLine(system, static_cast<int>(line)).source + " est introuvable.");
+    }
+}
+
+}  // namespace coffrelune
