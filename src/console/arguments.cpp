@@ -1,0 +1,165 @@
+#include "console/arguments.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <map>
+
+namespace coffrelune::console {
+namespace {
+
+constexpr int wrongUse = 2;
+constexpr const char* exitStatuses =
+    "Code de retour : 0 sans erreur ou rien à faire, 1 erreurs (ou différences trouvées),\n"
+    "2 mauvais usage ou configuration, 3 interrompu ou refusé.";
+
+const std::map<std::string, OperationKind> kinds = {{"sauvegarde", OperationKind::backup},
+                                                    {"restauration", OperationKind::restore},
+                                                    {"comparaison", OperationKind::comparison}};
+
+std::string versionText() {
+    const std::string minor = "0" + std::to_string(COFFRELUNE_VERSION_MINOR);
+    return "Coffrelune Version " + std::to_string(COFFRELUNE_VERSION_MAJOR) + "." +
+           minor.substr(minor.size() - 2);
+}
+
+void speakFrench(CLI::App& app) {
+    const auto formatter = std::make_shared<CLI::Formatter>();
+    formatter->label("Usage", "Utilisation ");
+    formatter->label("SUBCOMMAND", "COMMANDE");
+    formatter->label("SUBCOMMANDS", "COMMANDES");
+    formatter->column_width(26);
+    app.formatter(formatter);
+    app.set_help_flag("-h,--help", "Affiche cette aide");
+}
+
+// What every command has.
+CLI::App* addCommand(CLI::App& app, Arguments& arguments, Command command, const char* name,
+                     const char* description) {
+    CLI::App* added = app.add_subcommand(name, description);
+    added->group("Commandes");
+    added->set_help_flag("-h,--help", "Affiche cette aide");
+    added->add_option("--config", arguments.configuration,
+                      "Configuration ; sinon la dernière utilisée, ou General")
+        ->type_name("NOM");
+    added->add_flag("--json", arguments.json, "Affiche le résultat en un objet JSON");
+    added->callback([&arguments, command] { arguments.command = command; });
+    added->footer(std::string("\n") + exitStatuses);
+    return added;
+}
+
+void addRunOptions(CLI::App* command, Arguments& arguments) {
+    command
+        ->add_option("--source", arguments.source,
+                     "Ce répertoire ou ce fichier, sans fichier de configuration : seuls les\n"
+                     "fichiers modifiés sont copiés, dans un sous-répertoire de la destination\n"
+                     "du même nom, et une erreur n'arrête pas la copie")
+        ->type_name("CHEMIN");
+    command
+        ->add_option("--destination", arguments.destination,
+                     "Répertoire qui contient la copie de la source")
+        ->type_name("CHEMIN");
+    command->add_flag("--journal", arguments.journal, "Affiche le journal de l'opération");
+}
+
+void addReplaceOptions(CLI::App* command, Arguments& arguments) {
+    command->add_flag("--ecraser", arguments.overwrite,
+                      "Remplace les fichiers existants sans demander");
+    command->add_flag("--conserver", arguments.keep,
+                      "Garde les fichiers existants sans demander");
+}
+
+void addCommands(CLI::App& app, Arguments& arguments) {
+    CLI::App* backup = addCommand(app, arguments, Command::backup, "sauvegarder",
+                                  "Sauvegarde les lignes sélectionnées");
+    addRunOptions(backup, arguments);
+    addReplaceOptions(backup, arguments);
+
+    CLI::App* restore = addCommand(app, arguments, Command::restore, "restaurer",
+                                   "Remet les copies à leur place d'origine");
+    addRunOptions(restore, arguments);
+    addReplaceOptions(restore, arguments);
+    restore->add_flag("--confirmer", arguments.confirmed,
+                      "Restaure sans les deux questions de confirmation");
+
+    CLI::App* compare = addCommand(app, arguments, Command::compare, "comparer",
+                                   "Liste ce qui serait copié, sans rien copier");
+    addRunOptions(compare, arguments);
+    compare->add_flag("--inverse", arguments.reversed,
+                      "Compare la destination à la source, comme pour une restauration");
+
+    CLI::App* journal = addCommand(app, arguments, Command::journal, "journal",
+                                   "Montre la dernière liste d'erreurs");
+    journal
+        ->add_option("--type", arguments.kind, "sauvegarde, restauration ou comparaison")
+        ->transform(CLI::CheckedTransformer(kinds, CLI::ignore_case))
+        ->type_name("TYPE");
+    addCommand(app, arguments, Command::results, "resultats",
+               "Résume les dernières opérations de chaque sorte");
+}
+
+std::string unknownWords(const CLI::App& app) {
+    std::string words;
+    for (const std::string& word : app.remaining(true)) words += (words.empty() ? "" : " ") + word;
+    return words;
+}
+
+// The parser's own messages are in English.
+std::string frenchMessage(const CLI::App& app, const CLI::ParseError& error) {
+    switch (static_cast<CLI::ExitCodes>(error.get_exit_code())) {
+        case CLI::ExitCodes::ExtrasError:
+            return "Option ou argument inconnu : " + unknownWords(app);
+        case CLI::ExitCodes::RequiredError:
+            return "Indiquez une commande.";
+        case CLI::ExitCodes::ArgumentMismatch:
+            return "Une option attend une valeur, ou en a reçu plusieurs.";
+        case CLI::ExitCodes::ValidationError:
+            return "--type attend sauvegarde, restauration ou comparaison.";
+        default:
+            return "La ligne de commande n'a pas été comprise.";
+    }
+}
+
+// Empty when the options go together.
+std::string contradiction(const Arguments& arguments) {
+    if (arguments.source.empty() != arguments.destination.empty()) {
+        return "--source et --destination vont ensemble.";
+    }
+    if (arguments.direct() && !arguments.configuration.empty()) {
+        return "--config et --source s'excluent.";
+    }
+    if (arguments.overwrite && arguments.keep) return "--ecraser et --conserver s'excluent.";
+    return {};
+}
+
+int refuse(const std::string& message) {
+    std::cerr << message << "\n« coffrelune-console --help » montre l'utilisation.\n";
+    return wrongUse;
+}
+
+}  // namespace
+
+std::optional<Arguments> parseArguments(int count, char** values, int& exitStatus) {
+    Arguments arguments;
+    CLI::App app("Coffrelune dans un terminal : sauvegarde, restauration et comparaison",
+                 "coffrelune-console");
+    speakFrench(app);
+    app.set_version_flag("--version", versionText(), "Affiche la version");
+    app.require_subcommand(1);
+    app.footer(std::string("\n") + exitStatuses);
+    addCommands(app, arguments);
+    try {
+        app.parse(count, values);
+    } catch (const CLI::Success& asked) {
+        exitStatus = app.exit(asked);
+        return std::nullopt;
+    } catch (const CLI::ParseError& error) {
+        exitStatus = refuse(frenchMessage(app, error));
+        return std::nullopt;
+    }
+    const std::string wrong = contradiction(arguments);
+    if (wrong.empty()) return arguments;
+    exitStatus = refuse(wrong);
+    return std::nullopt;
+}
+
+}  // namespace coffrelune::console

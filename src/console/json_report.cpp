@@ -1,0 +1,137 @@
+#include "console/json_report.h"
+
+#include <nlohmann/json.hpp>
+
+#include "operation/run_report.h"
+
+namespace coffrelune::console {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+const char* kindName(OperationKind kind) {
+    switch (kind) {
+        case OperationKind::restore:
+            return "restauration";
+        case OperationKind::comparison:
+            return "comparaison";
+        default:
+            return "sauvegarde";
+    }
+}
+
+const char* outcomeName(RunEnd end, const RunStatistics& statistics) {
+    switch (exitStatus(end, statistics)) {
+        case ExitStatus::interrupted:
+            return "interrupted";
+        case ExitStatus::errors:
+            return "errors";
+        default:
+            return end == RunEnd::nothing ? "nothing" : "clean";
+    }
+}
+
+std::string dump(const Json& json) {
+    return json.dump(2, ' ', false, Json::error_handler_t::replace);
+}
+
+Json asJson(const CopyError& error) { return {{"number", error.number}, {"path", error.path}}; }
+
+// `copied` chooses between what the run copied and what a comparison found to copy.
+Json lineReport(const OperationHost& host, const RunStatistics& statistics, int line,
+                bool copied) {
+    const LineTally& tally = statistics.tallies[static_cast<std::size_t>(line)];
+    Json report;
+    report["line"] = line + 1;
+    report["source"] = host.lineSource(line);
+    report["destination"] = host.lineDestination(line);
+    report["sourceMissing"] = tally.sourceMissing;
+    report["files"] = copied ? tally.files : tally.filesToCopy;
+    report["bytes"] = copied ? tally.bytes : tally.bytesToCopy;
+    report["errors"] = Json::array();
+    for (const CopyError& error : statistics.errors) {
+        if (error.line == line) report["errors"].push_back(asJson(error));
+    }
+    return report;
+}
+
+// Everything that the three kinds have in common, in reading order.
+Json runReport(const SystemMod& system, const OperationHost& host,
+               const RunStatistics& statistics) {
+    const bool copied = system.operationKind != OperationKind::comparison;
+    Json report;
+    report["kind"] = kindName(system.operationKind);
+    report["configuration"] = system.configurationName;
+    report["lines"] = Json::array();
+    std::uint64_t files = 0;
+    std::uint64_t bytes = 0;
+    for (int line = 0; line < host.lineCount(); ++line) {
+        if (!host.lineSelected(line) || host.lineSource(line).empty() ||
+            host.lineDestination(line).empty()) {
+            continue;
+        }
+        report["lines"].push_back(lineReport(host, statistics, line, copied));
+        files += report["lines"].back()["files"].get<std::uint64_t>();
+        bytes += report["lines"].back()["bytes"].get<std::uint64_t>();
+    }
+    report["files"] = files;
+    report["bytes"] = bytes;
+    report["errors"] = Json::array();
+    for (const CopyError& error : statistics.errors) report["errors"].push_back(asJson(error));
+    report["duration"] = system.duration;
+    return report;
+}
+
+}  // namespace
+
+std::string runAsJson(const SystemMod& system, const OperationHost& host,
+                      const RunStatistics& statistics, RunEnd end) {
+    Json report = runReport(system, host, statistics);
+    report["deleted"] = statistics.filesDeleted;
+    report["outcome"] = outcomeName(end, statistics);
+    return dump(report);
+}
+
+std::string comparisonAsJson(const SystemMod& system, OperationHost& host,
+                             const RunStatistics& statistics, RunEnd end) {
+    Json report = runReport(system, host, statistics);
+    report["direction"] = system.comparisonReversed ? "destination" : "source";
+    report["summary"] = host.comparisonSummary().caption();
+    report["list"] = Json::array();
+    for (std::size_t i = 0; i < host.comparisonList().lineCount(); ++i) {
+        report["list"].push_back(std::string(host.comparisonList().line(i)));
+    }
+    const std::string outcome = outcomeName(end, statistics);
+    const bool differences = outcome == "errors" && statistics.errors.empty();
+    report["outcome"] = differences ? "differences" : outcome;
+    return dump(report);
+}
+
+std::string journalAsJson(const SystemMod& system, const TextLog& lines) {
+    Json report;
+    report["kind"] = kindName(system.operationKind);
+    report["configuration"] = system.configurationName;
+    report["lines"] = Json::array();
+    for (std::size_t i = 0; i < lines.lineCount(); ++i) {
+        report["lines"].push_back(std::string(lines.line(i)));
+    }
+    return dump(report);
+}
+
+std::string resultsAsJson(const SystemMod& system) {
+    Json report;
+    report["configuration"] = system.configurationName;
+    for (const OperationKind kind :
+         {OperationKind::backup, OperationKind::restore, OperationKind::comparison}) {
+        const LastResult& result = system.lastResults[static_cast<std::size_t>(kind)];
+        report[kindName(kind)] = {
+            {"clean", {{"date", result.cleanDate}, {"duration", result.cleanDuration}}},
+            {"problems",
+             {{"date", result.errorDate},
+              {"duration", result.errorDuration},
+              {"count", result.errorCount}}}};
+    }
+    return dump(report);
+}
+
+}  // namespace coffrelune::console

@@ -1,0 +1,33 @@
+#include "console/arguments.h"
+#include "console/commands.h"
+#include "console/session.h"
+
+namespace coffrelune::console {
+namespace {
+
+ExitStatus run(Session& session, const Arguments& arguments) {
+    switch (arguments.command) {
+        case Command::restore:
+            return restore(session, arguments);
+        case Command::compare:
+            return compare(session, arguments);
+        case Command::journal:
+            return showJournal(session, arguments);
+        case Command::results:
+            return showResults(session, arguments);
+        default:
+            return backUp(session, arguments);
+    }
+}
+
+}  // namespace
+}  // namespace coffrelune::console
+
+int main(int count, char** values) {
+    using namespace coffrelune::console;
+    int status = 0;
+    const std::optional<Arguments> arguments = parseArguments(count, values, status);
+    if (!arguments) return status;
+    Session session(*arguments);
+    return static_cast<int>(run(session, *arguments));
+}

@@ -1,0 +1,90 @@
+#include "console/preparation.h"
+
+#include "startup/startup.h"
+#include "system/paths.h"
+#include "system/text.h"
+
+namespace coffrelune::console {
+namespace {
+
+// Where volumes are mounted: a directory missing there is a volume that is not plugged in, and
+// making it would fill the system disk.
+bool liesWhereVolumesAre(const std::string& path) {
+    for (const char* place : {R"(C:\media\)", R"(C:\mnt\)", R"(C:\run\media\)"}) {
+        if (path.rfind(place, 0) == 0) return true;
+    }
+    return false;
+}
+
+// A person who names a new directory on the command line means it to be made.
+void createDestination(Session& session, const std::string& path) {
+    FileService& files = session.system().platform.files;
+    FileEntry entry;
+    if (files.lookUp(path, LinkRule::follow, entry).ok() || liesWhereVolumesAre(path)) return;
+    if (files.createDirectory(path).ok()) {
+        session.terminal().say("Répertoire destination créé : " + path);
+    }
+}
+
+bool sourceExists(Session& session, const std::string& source) {
+    FileEntry entry;
+    return isDriveRoot(source) ||
+           session.system().platform.files.lookUp(source, LinkRule::follow, entry).ok();
+}
+
+// One line without the settings file: only what changed is copied, and an error does not keep the
+// rest from being saved.
+bool prepareDirectRun(Session& session, const Arguments& arguments) {
+    SystemMod& system = session.system();
+    DriveService& drives = system.platform.drives;
+    const std::string source = drives.fromNative(arguments.source);
+    const std::string destination = drives.fromNative(arguments.destination);
+    // A restore is there to bring back a source that is gone.
+    const bool readsSource = arguments.command == Command::backup ||
+                             (arguments.command == Command::compare && !arguments.reversed);
+    if (readsSource && !sourceExists(session, source)) {
+        session.terminal().warn("La source « " + arguments.source + " » n'existe pas.");
+        return false;
+    }
+    if (arguments.command == Command::backup) createDestination(session, destination);
+    system.resizeLines(0);
+    system.sources[0] = source;
+    system.destinations[0] = destination;
+    system.selected[0] = 1;
+    system.Modifie = 1;
+    system.options.ContinueOnError = -1;
+    return true;
+}
+
+bool prepareConfiguredRun(Session& session, const Arguments& arguments, ExitStatus& refusal) {
+    SystemMod& system = session.system();
+    // Set before the settings are loaded, as a name on the command line would be.
+    system.configurationName = ProperCase(arguments.configuration);
+    if (!startUp(system, session.guard())) {
+        refusal = ExitStatus::interrupted;
+        return false;
+    }
+    return settingsUsable(system);
+}
+
+}  // namespace
+
+bool prepare(Session& session, const Arguments& arguments, ExitStatus& refusal) {
+    refusal = ExitStatus::wrongUse;
+    if (arguments.direct()) return prepareDirectRun(session, arguments);
+    return prepareConfiguredRun(session, arguments, refusal);
+}
+
+bool mayReplace(Session& session, const Arguments& arguments) {
+    if (arguments.overwrite) session.system().Confirmation = 1;
+    if (session.system().Confirmation == 1 || arguments.keep || session.terminal().canAsk()) {
+        return true;
+    }
+    session.terminal().warn(
+        "Cette opération demanderait avant de remplacer un fichier, et il n'y a pas de terminal\n"
+        "pour répondre. Ajoutez --ecraser pour remplacer les fichiers existants, ou --conserver\n"
+        "pour les garder.");
+    return false;
+}
+
+}  // namespace coffrelune::console

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "console/arguments.h"
+#include "platform/posix/posix_platform.h"
+#include "platform/terminal/interrupt_signals.h"
+#include "platform/terminal/terminal.h"
+#include "platform/terminal/terminal_windows.h"
+#include "settings/system_mod.h"
+
+namespace coffrelune::console {
+
+/// Everything that a command stands on: the system's services, the terminal as window system, and
+/// the shared state (not loaded yet).
+class Session {
+  public:
+    explicit Session(const Arguments& arguments);
+
+    Terminal& terminal() { return terminal_; }
+    SystemMod& system() { return system_; }
+    InstanceGuard& guard() { return posix_.guard(); }
+
+  private:
+    ProgramContext context(const Arguments& arguments);
+
+    Terminal terminal_;
+    PosixPlatform posix_;
+    InterruptSignals signals_;
+    TerminalWindows windows_;
+    Platform platform_;
+    SystemMod system_;
+};
+
+}  // namespace coffrelune::console

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+
+namespace coffrelune {
+
+/// The streams of the process. Text is UTF-8, lines end with LF. Output that cannot be written is
+/// given up: the run is worth more than its commentary.
+class Terminal {
+  public:
+    /// `resultsOnly`: standard output is kept for a result that a program reads; everything said to
+    /// the user goes to standard error.
+    explicit Terminal(bool resultsOnly);
+
+    /// A line of the program's result.
+    void result(const std::string& line);
+    /// A line for the user; CR LF and LF end a line of it.
+    void say(const std::string& text);
+    /// A line that belongs to no result: a warning, a refusal.
+    void warn(const std::string& text);
+
+    /// Somebody can be asked: the input and an output are a terminal.
+    bool canAsk() const { return canAsk_; }
+    /// Shows a question and reads one line; false at the end of the input or when a signal came.
+    bool ask(const std::string& prompt, std::string& line);
+
+    /// A line that is written over by the next one; nothing unless standard error is a terminal.
+    void showProgress(const std::string& line);
+    void clearProgress();
+    bool showsProgress() const { return showsProgress_; }
+
+  private:
+    void write(int descriptor, const std::string& text);
+
+    int sayDescriptor_;
+    int askDescriptor_;
+    bool canAsk_;
+    bool showsProgress_;
+    bool progressShown_ = false;
+};
+
+}  // namespace coffrelune
