@@ -1,0 +1,53 @@
+#!/usr/bin/env python3
+"""Drives the real programs on real files, and prints a line for each check, then the counts.
+
+Usage: console_scenario.py [--programs DIRECTORY] [WORD]
+With WORD, only the scenarios whose name contains it.
+"""
+
+import argparse
+import os
+import signal
+import sys
+
+import copy_scenarios
+import drive_scenarios
+import error_scenarios
+import harness
+import interruption_scenarios
+import question_scenarios
+import restore_scenarios
+import scale_scenarios
+import settings_scenarios
+import unattended_scenarios
+
+MODULES = (copy_scenarios, question_scenarios, error_scenarios, drive_scenarios,
+           settings_scenarios, restore_scenarios, unattended_scenarios, interruption_scenarios,
+           scale_scenarios)
+
+
+def main():
+    root = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--programs", default=os.path.join(root, "build/linux-release/bin"))
+    parser.add_argument("word", nargs="?", default="")
+    arguments = parser.parse_args()
+
+    # Names on a disk need not be text, and the report has to show them all the same.
+    sys.stdout.reconfigure(encoding="utf-8", errors="backslashreplace")
+    # Ended from outside, the scenario still removes what it made.
+    signal.signal(signal.SIGTERM, lambda number, frame: sys.exit(1))
+    report = harness.Report()
+    scenarios = [scenario for module in MODULES for scenario in module.SCENARIOS
+                 if arguments.word in scenario.__name__]
+    for program in ("coffrelune-console", "coffrelune"):
+        path = os.path.join(arguments.programs, program)
+        report.check(f"{program} est construit", os.access(path, os.X_OK), path)
+    if report.failed == 0:
+        harness.run_all(scenarios, os.path.abspath(arguments.programs), report)
+    print(f"{report.passed} réussis, {report.failed} échoués, {report.left_out} laissés")
+    return 0 if report.failed == 0 else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())

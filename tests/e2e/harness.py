@@ -1,0 +1,310 @@
+"""What every scenario stands on: a place of its own on the disk, the real programs, the counts."""
+
+import contextlib
+import filecmp
+import json
+import os
+import pty
+import select
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import traceback
+
+PATIENCE = 120  # seconds after which a program counts as hung
+
+
+class Report:
+    """Prints a line a check and keeps the counts."""
+
+    def __init__(self):
+        self.passed = self.failed = self.left_out = 0
+        self.scenario = ""
+
+    def begin(self, scenario):
+        self.scenario = scenario.__name__
+        print(f"--- {self.scenario} : {scenario.__doc__.strip().splitlines()[0]}")
+
+    def check(self, name, good, detail=""):
+        if good:
+            self.passed += 1
+            print(f"ok {name}")
+        else:
+            self.failed += 1
+            for line in str(detail).splitlines():
+                print(f"    {line}")
+            print(f"FAUTE {self.scenario} : {name}")
+        sys.stdout.flush()
+        return bool(good)
+
+    def equal(self, name, found, expected):
+        return self.check(name, found == expected, f"attendu : {expected!r}\nobtenu  : {found!r}")
+
+    def leave_out(self, name, reason):
+        self.left_out += 1
+        print(f"laissé {name} : {reason}")
+
+
+class Outcome:
+    """How a program ended."""
+
+    def __init__(self, status, out, err=""):
+        self.status = status
+        self.out = out
+        self.err = err
+
+    @property
+    def all(self):
+        return self.out + self.err
+
+    def json(self):
+        """The whole of stdout as one object; None when it is none."""
+        try:
+            value = json.loads(self.out)
+        except ValueError:
+            return None
+        return value if isinstance(value, dict) else None
+
+    def __str__(self):
+        return f"état {self.status}\nstdout : {self.out[-2000:]}\nstderr : {self.err[-2000:]}"
+
+
+class Place:
+    """A temporary directory with a source tree, a destination, and the home of the settings."""
+
+    def __init__(self, programs):
+        self.root = os.path.realpath(tempfile.mkdtemp(prefix="coffrelune-e2e-"))
+        os.chmod(self.root, 0o755)  # a run as another user has to get in
+        self.programs = programs
+        self.source = os.path.join(self.root, "Données")
+        self.destination = os.path.join(self.root, "Disque de sauvegarde")
+        self.copy = os.path.join(self.destination, "Données")
+        self.home = os.path.join(self.root, "réglages")
+        for directory in (self.source, self.destination, self.home):
+            os.mkdir(directory)
+        self.user = {}
+
+    def remove(self):
+        for directory, _, _ in os.walk(self.root):
+            with contextlib.suppress(OSError):
+                os.chmod(directory, 0o700)
+        shutil.rmtree(self.root, ignore_errors=True)
+
+    def become_nobody(self):
+        """Root may read everything: what must be refused is tried as nobody. Call it last."""
+        if os.geteuid() != 0:
+            return
+        programs = os.path.join(self.root, "bin")
+        shutil.copytree(self.programs, programs)
+        self.programs = programs
+        for directory, names, files in os.walk(self.root):
+            for name in [*names, *files, "."]:
+                os.chown(os.path.join(directory, name), 65534, 65534, follow_symlinks=False)
+        self.user = {"user": 65534, "group": 65534, "extra_groups": []}
+
+    def environment(self):
+        return {
+            "PATH": os.environ["PATH"],
+            "HOME": self.root,
+            "LC_ALL": "C.UTF-8",
+            "TZ": "Europe/Paris",
+            "COFFRELUNE_HOME": self.home,
+        }
+
+    def start(self, program, *arguments, **options):
+        options = {
+            "stdin": subprocess.DEVNULL,
+            "stdout": subprocess.PIPE,
+            "stderr": subprocess.PIPE,
+            "cwd": self.root,
+            "env": self.environment(),
+            "start_new_session": True,
+            **self.user,
+            **options,
+        }
+        return subprocess.Popen([os.path.join(self.programs, program), *arguments], **options)
+
+    def run(self, program, *arguments, **options):
+        return wait(self.start(program, *arguments, **options))
+
+    def console(self, *arguments, **options):
+        return self.run("coffrelune-console", *arguments, **options)
+
+    def backup(self, *arguments, **options):
+        """A run without a settings file, from the source to the destination."""
+        return self.console(*self.backup_arguments(*arguments), **options)
+
+    def backup_arguments(self, *arguments):
+        return ["sauvegarder", "--source", self.source, "--destination", self.destination,
+                *arguments]
+
+    def converse(self, answers, *arguments, result=None):
+        """Runs the console program on a terminal. `answers`: pairs of what to wait for and what to
+        type then; a signal's number is sent instead. Gives the outcome, with everything that the
+        terminal showed as its output. `result`: a file that takes standard output instead."""
+        master, slave = pty.openpty()
+        process = self.start("coffrelune-console", *arguments, stdin=slave,
+                             stdout=result or slave, stderr=slave)
+        os.close(slave)
+        shown = b""
+        rest = 0  # where to look for the next question
+        answers = list(answers)
+        deadline = time.monotonic() + PATIENCE
+        while time.monotonic() < deadline:
+            if select.select([master], [], [], 0.2)[0]:
+                try:
+                    piece = os.read(master, 65536)
+                except OSError:  # the program has closed the terminal
+                    break
+                if not piece:
+                    break
+                shown += piece
+            if answers and (at := shown.find(answers[0][0].encode(), rest)) >= 0:
+                rest = at + len(answers[0][0].encode())
+                if isinstance(answers[0][1], int):
+                    process.send_signal(answers[0][1])
+                else:
+                    os.write(master, answers[0][1].encode())
+                answers.pop(0)
+        else:
+            process.kill()
+            shown += "\n*** le programme ne finissait pas".encode()
+        status = wait(process).status
+        os.close(master)
+        return Outcome(status, shown.decode(errors="replace"))
+
+    def write_line(self, options="", more="", name="General"):
+        """Writes settings that hold options and one configuration with one line, from the source to
+        the destination."""
+        return self.write_settings(f"[Position]\n{options}" + self.line(name, more))
+
+    def line(self, name="General", more=""):
+        return f"""[{name}]
+Source0="{drive_path(self.source)}"
+Destination0="{drive_path(self.destination)}"
+Select0=1
+Modifie=1
+Confirmation=1
+{more}"""
+
+    def write_settings(self, text):
+        """Writes the settings file as Windows does: its code page, CR LF."""
+        data = text.replace("\n", "\r\n").encode("cp1252")
+        with open(self.settings, "wb") as file:
+            file.write(data)
+        return data
+
+    @property
+    def settings(self):
+        return os.path.join(self.home, "Coffrelune.ini")
+
+    def read_settings(self):
+        with open(self.settings, "rb") as file:
+            return file.read()
+
+
+def wait(process):
+    """The outcome of a started program, which is ended when it hangs."""
+    try:
+        out, err = process.communicate(timeout=PATIENCE)
+    except subprocess.TimeoutExpired:
+        os.kill(process.pid, signal.SIGKILL)
+        out, err = process.communicate()
+        err = (err or b"") + "\n*** le programme ne finissait pas".encode()
+    decode = lambda data: (data or b"").decode(errors="replace")
+    return Outcome(process.returncode, decode(out), decode(err))
+
+
+def wait_until(condition, process=None):
+    """True as soon as the condition holds; False when the program ends or time runs out first."""
+    deadline = time.monotonic() + PATIENCE
+    while time.monotonic() < deadline:
+        if condition():
+            return True
+        if process is not None and process.poll() is not None:
+            return False
+        time.sleep(0.001)
+    return False
+
+
+def write(path, content="contenu"):
+    """Writes a file with the directories above it. `path` may be bytes."""
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    data = content if isinstance(content, bytes) else content.encode()
+    with open(path, "wb") as file:
+        file.write(data)
+
+
+def read(path):
+    with open(path, "rb") as file:
+        return file.read()
+
+
+def drive_path(path):
+    """A native path as the settings file holds it: C: is the system's own root."""
+    return "C:" + path.replace("/", "\\")
+
+
+def touch(path, seconds):
+    """Sets the last-write time that many seconds later, with a fraction that ends in 100 ns."""
+    now = os.stat(path, follow_symlinks=False).st_mtime_ns
+    later = now // 1_000_000_000 * 1_000_000_000 + seconds * 1_000_000_000 + 123_456_700
+    os.utime(path, ns=(later, later), follow_symlinks=False)
+
+
+def times_of(root):
+    """Relative path to last-write time in units of 100 ns, of everything that is no directory."""
+    times = {}
+    for directory, names, files in os.walk(os.fsencode(root)):
+        for name in [*files, *names]:
+            path = os.path.join(directory, name)
+            if os.path.islink(path) or not os.path.isdir(path):
+                times[os.path.relpath(path, os.fsencode(root))] = os.lstat(path).st_mtime_ns // 100
+    return times
+
+
+def names_below(root):
+    """Every relative path below a directory, as bytes."""
+    found = set()
+    for directory, names, files in os.walk(os.fsencode(root)):
+        for name in [*names, *files]:
+            found.add(os.path.relpath(os.path.join(directory, name), os.fsencode(root)))
+    return found
+
+
+def differences(left, right):
+    """What diff finds between two trees, line by line, links compared as links."""
+    answer = subprocess.run(["diff", "-r", "--no-dereference", left, right], capture_output=True,
+                            env={**os.environ, "LC_ALL": "C"}, check=False)
+    return (answer.stdout + answer.stderr).decode(errors="backslashreplace").splitlines()
+
+
+def incomplete(source, copy):
+    """Files of the copy that differ from the source's, or have none there."""
+    source, copy = os.fsencode(source), os.fsencode(copy)
+    wrong = []
+    for name in names_below(copy):
+        try:
+            same = os.path.isdir(os.path.join(copy, name)) or filecmp.cmp(
+                os.path.join(source, name), os.path.join(copy, name), shallow=False)
+        except OSError:
+            same = False
+        if not same:
+            wrong.append(name)
+    return wrong
+
+
+def run_all(scenarios, programs, report):
+    """Runs every scenario in a place of its own; one that breaks off counts as failed."""
+    for scenario in scenarios:
+        place = Place(programs)
+        report.begin(scenario)
+        try:
+            scenario(place, report)
+        except Exception:  # pylint: disable=broad-except  # the next scenarios are still worth it
+            report.check(f"{scenario.__name__} va à son terme", False, traceback.format_exc())
+        finally:
+            place.remove()

@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Configures and builds one preset. Silent when all goes well; on a failure the whole output of the
+# compiler goes to stderr. Usage: build.sh PRESET [option for the configuration]...
+set -euo pipefail
+
+root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
+preset=$1
+shift
+directory=$root/build/$preset
+mkdir -p "$directory"
+
+# Two builds in one directory would spoil each other: the second one waits.
+exec 9>"$directory/.lock"
+if ! flock -n 9; then
+    echo "Une autre construction est en cours, attente..." >&2
+    flock 9
+fi
+
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+cd "$root"
+if [[ ! -f $directory/build.ninja || CMakePresets.json -nt $directory/build.ninja ]]; then
+    if ! cmake --preset "$preset" "$@" >"$log" 2>&1 9>&-; then
+        cat "$log" >&2
+        echo "La configuration de $preset a échoué." >&2
+        exit 1
+    fi
+fi
+if ! ninja -C "$directory" -n 2>/dev/null 9>&- | grep -q 'no work to do'; then
+    echo "Construction de $preset..." >&2
+fi
+if ! ninja -C "$directory" -j "$(nproc)" >"$log" 2>&1 9>&-; then
+    # A line that begins with "[12/80]" only tells what was built.
+    grep -v '^\[[0-9]*/[0-9]*\] \(Building\|Linking\|Generating\)' "$log" >&2 || cat "$log" >&2
+    echo "La construction de $preset a échoué." >&2
+    exit 1
+fi

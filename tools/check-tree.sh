@@ -1,0 +1,143 @@
+#!/usr/bin/env bash
+# Checks that hold the house together, which no compiler makes: a line for each, "ok ..." or
+# "FAUTE ..." after the places concerned, then the counts. Usage: check-tree.sh [root of a tree]
+set -uo pipefail
+# The last command of a pipe runs in this shell, so that its counts are kept.
+shopt -s lastpipe
+
+root=${1-$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)}
+cd "$root" || exit 1
+database=build/linux-debug/compile_commands.json
+
+passed=0
+failed=0
+# Reads the offending places from stdin: none is good.
+verdict() {
+    local places
+    places=$(cat)
+    if [[ -z $places ]]; then
+        echo "ok $1"
+        passed=$((passed + 1))
+    else
+        sed 's/^/    /' <<<"$places"
+        echo "FAUTE $1"
+        failed=$((failed + 1))
+    fi
+}
+
+# Lines of the code below the given places that match a pattern.
+code() {
+    local pattern=$1
+    shift
+    find "$@" \( -name '*.cpp' -o -name '*.h' \) -print0 2>/dev/null |
+        xargs -0 -r grep -nHE -e "$pattern"
+}
+
+# ---- what is on the disk is in the build ----------------------------------------------------
+
+compiled() { grep -o '"file": "[^"]*"' "$database" | cut -d'"' -f4; }
+not_compiled() {
+    if [[ ! -f $database ]]; then
+        echo "$database est absent"
+        return
+    fi
+    comm -23 <(sort) <(compiled | while read -r file; do realpath --relative-to=. "$file"; done | sort)
+}
+find tests -name '*_test.cpp' | not_compiled |
+    verdict "chaque *_test.cpp est dans la construction"
+find src -name '*.cpp' -not -path 'src/platform/win32/*' -not -path 'src/platform/wx/*' |
+    not_compiled | verdict "chaque source est dans la construction"
+
+# ---- the system stays behind the platform ---------------------------------------------------
+
+include='^[[:space:]]*#[[:space:]]*include[[:space:]]*'
+posix='(unistd|fcntl|dirent|c?signal|poll|termios|pwd|grp|mntent|fstab|langinfo|dlfcn|pthread|spawn|ftw|glob|syslog|sched|sys/[^>]*|linux/[^>]*|netinet/[^>]*|arpa/[^>]*)(\.h)?'
+
+code "$include<$posix>" src | grep -vE '^src/platform/(posix|terminal|wx)/' |
+    verdict "les en-têtes du système restent dans leur dossier de src/platform"
+code "$include<(windows|winbase|shlobj|shellapi|mmsystem|winreg)[^>]*>" src |
+    grep -vE '^src/platform/win32/[^:]*\.cpp:' |
+    verdict "les en-têtes de Windows restent dans les sources de src/platform/win32"
+code "$include<wx/" src | grep -vE '^src/platform/wx/' |
+    verdict "les en-têtes des fenêtres restent dans src/platform/wx"
+code "$include<(CLI/|nlohmann/)" src | grep -vE '^src/console/' |
+    verdict "arguments et JSON restent dans src/console"
+{
+    code "$include<(fstream|filesystem)>" src
+    code '(^|[^[:alnum:]_.>])(std::)?(fopen|freopen|fdopen|tmpfile|popen)[[:space:]]*\(|::system[[:space:]]*\(' src
+} | grep -vE '^src/platform/(posix|win32|terminal|wx)/' |
+    verdict "hors de src/platform, rien n'ouvre un fichier ni ne lance un programme"
+code '^[[:space:]]*#[[:space:]]*(if|ifdef|ifndef|elif).*(_WIN32|_WIN64|WIN32|__linux__|__unix__|__APPLE__|_MSC_VER|__MINGW|__GNUC__)' src |
+    grep -vE '^src/platform/' |
+    verdict "hors de src/platform, rien ne dépend du système à la compilation"
+
+# ---- arrows go down ------------------------------------------------------------------------
+
+# A line each: a folder, then what it may include besides itself. Implementations of the platform
+# are named by those who put a program together, and by nobody else.
+layers='
+platform
+platform/posix       platform
+platform/win32       platform
+platform/memory      platform
+platform/terminal    platform system settings engine operation
+platform/wx          platform system settings engine operation dialogs mainwindow
+system               platform
+settings             platform system
+engine               platform system settings
+operation            platform system settings engine
+dialogs              platform system settings engine
+mainwindow           platform system settings engine operation dialogs
+startup              platform system settings engine operation dialogs mainwindow platform/posix platform/win32 platform/terminal platform/wx
+console              platform system settings engine operation startup platform/posix platform/win32 platform/terminal
+'
+code "$include\"" src | sed -E 's/^src\/(([^:]*)\/)?([^:\/]+):([0-9]+):[^"]*"((.*)\/)?([^"\/]+)".*/\2 \6 src\/\1\3:\4/' |
+    awk -v layers="$layers" '
+        BEGIN {
+            count = split(layers, lines, "\n")
+            for (i = 1; i <= count; i++) {
+                words = split(lines[i], word, " ")
+                if (words == 0) continue
+                known[word[1]] = 1
+                for (j = 1; j <= words; j++) allowed[word[1], word[j]] = 1
+            }
+        }
+        NF != 3 { print $NF ": chemin d'\''inclusion sans dossier"; next }
+        !($1 in known) { print $3 ": le dossier " $1 " n'\''a pas de place dans les couches"; next }
+        !(($1, $2) in allowed) { print $3 ": " $1 " inclut " $2 }' |
+    verdict "aucun dossier n'inclut un dossier qui est au-dessus de lui"
+
+# ---- a reader keeps a file in mind ----------------------------------------------------------
+
+find src -name '*.h' -o -name '*.cpp' | sort | while read -r file; do
+    lines=$(wc -l <"$file")
+    limit=400
+    [[ $file == *.h ]] && limit=150
+    ((lines < limit)) || echo "$file : $lines lignes (moins de $limit)"
+done | verdict "en-têtes de moins de 150 lignes, sources de moins de 400"
+
+# ---- the text of the repository stands by itself ---------------------------------------------
+
+texts() {
+    if git rev-parse --is-inside-work-tree >/dev/null 2>&1; then
+        git ls-files -z --cached --others --exclude-standard
+    else
+        find . -type f -not -path './build/*' -not -path './.git/*' -print0
+    fi
+}
+grep_texts() { texts | xargs -0 -r grep -nHI -s "$@"; }
+
+# Numbered references lead a reader to documents and tickets that the repository does not hold.
+grep_texts -E -e '\b([Pp]art|[Cc]hapter|[Tt]icket|[Ii]ssue|[Ss]tep) [#A-H]?[0-9]' -e '§ ?[0-9]' |
+    verdict "aucun renvoi numéroté à un document que le dépôt ne contient pas"
+grep_texts -F -e "$root/" | verdict "aucun chemin de la machine d'un développeur"
+grep_texts -w -e "TO""DO" -e "FIX""ME" -e "XX""X" -e "HA""CK" |
+    verdict "aucune note de travail inachevé"
+{
+    grep_texts -e '[[:blank:]]$' -- | grep -v '\.md:'
+    texts | xargs -0 -r -I '{}' sh -c '[ ! -s "$1" ] || [ -z "$(tail -c 1 "$1" | tr -d "\n\0")" ] || echo "$1 : dernière ligne sans fin"' _ '{}' |
+        grep -vE '\.(ico|png|wav|ini) :'
+} | verdict "ni blancs en fin de ligne, ni dernière ligne sans fin"
+
+echo "$passed réussis, $failed échoués, 0 laissés"
+((failed == 0))

@@ -1,0 +1,62 @@
+#!/usr/bin/env bash
+# Installs the Debian 12 packages that building (`build`) or testing (`test`) needs, and only those
+# that are missing: when everything is there it costs one query and no network.
+# Everything it prints goes to stderr, so that a caller's stdout stays its own.
+set -euo pipefail
+
+build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
+test_packages=(libgtest-dev libgmock-dev clang-format-14 clang-tidy-14 python3)
+
+case "${1-}" in
+    build) packages=("${build_packages[@]}") commands=(g++ cmake ninja) ;;
+    test)
+        packages=("${build_packages[@]}" "${test_packages[@]}")
+        commands=(g++ cmake ninja clang-format-14 clang-tidy-14 python3)
+        ;;
+    *)
+        echo "Usage : ${0##*/} build|test" >&2
+        exit 2
+        ;;
+esac
+
+missing=()
+if command -v dpkg-query >/dev/null; then
+    for package in "${packages[@]}"; do
+        # A package can be known and yet removed: only the status "installed" counts.
+        status=$(dpkg-query -W -f '${db:Status-Status} ' "$package" 2>/dev/null || true)
+        [[ " $status" == *" installed "* ]] || missing+=("$package")
+    done
+else
+    # No Debian: nothing can be installed here, but what is needed may well be there.
+    for command in "${commands[@]}"; do
+        command -v "$command" >/dev/null || missing+=("$command")
+    done
+fi
+((${#missing[@]})) || exit 0
+
+refuse() {
+    {
+        echo "Il manque de quoi construire Coffrelune, et ce script ne peut pas l'installer : $1."
+        echo "Installez ces paquets, puis relancez la commande :"
+        echo "    ${missing[*]}"
+    } >&2
+    exit 1
+}
+
+command -v dpkg-query >/dev/null && command -v apt-get >/dev/null ||
+    refuse "ce système n'est pas une Debian"
+as_root=()
+if ((EUID != 0)); then
+    command -v sudo >/dev/null || refuse "il faut être administrateur, et sudo est absent"
+    as_root=(sudo)
+    # Without a terminal nobody can type a password: sudo has to do without.
+    [[ -t 0 || -t 2 ]] || as_root=(sudo -n)
+fi
+
+echo "Installation de : ${missing[*]}" >&2
+apt_get() {
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get -q -o DPkg::Lock::Timeout=300 "$@" </dev/null >&2
+}
+apt_get update || refuse "la mise à jour de la liste des paquets a échoué"
+apt_get install -y --no-install-recommends "${missing[@]}" || refuse "l'installation a échoué"
