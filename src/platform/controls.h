@@ -1,9 +1,7 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace coffrelune {
@@ -103,23 +101,6 @@ class ProgressBar : public Control {
     bool indeterminate_ = false;
 };
 
-/// A text that only grows, line by line, and may reach a million lines: appending is O(1), memory
-/// is that of the text and one offset a line. A peer shows it as a virtual list.
-class TextLog : public Control {
-  public:
-    /// Appends `text` (of one or several lines) and a line end.
-    void append(std::string_view text);
-    void clear();
-
-    std::size_t lineCount() const { return starts_.size(); }
-    std::string_view line(std::size_t index) const;  // without its line end
-    const std::string& text() const { return text_; }  // every line ended by CR LF
-
-  private:
-    std::string text_;
-    std::vector<std::size_t> starts_;
-};
-
 /// A window's behaviour. The window service raises the activation, and ends the modal show when
 /// the window is no longer open.
 class Window {
@@ -142,6 +123,9 @@ class Window {
     virtual std::vector<Button*> buttons() { return {}; }
     /// Labels in reading order, for the same.
     virtual std::vector<Label*> labels() { return {}; }
+    /// What Enter and Escape press; null when they press nothing.
+    virtual Button* defaultButton() { return nullptr; }
+    virtual Button* cancelButton() { return nullptr; }
 
   protected:
     void setCaption(std::string caption) { caption_ = std::move(caption); }

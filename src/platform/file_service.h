@@ -62,7 +62,8 @@ class FileService {
     virtual Status openDirectory(const std::string& path, LinkRule links, Wanted wanted,
                                  std::unique_ptr<Directory>& directory) = 0;
 
-    /// Looks one path up. 2 or 3 when nothing bears it. A drive root is found when its drive exists.
+    /// Looks one path up. 2 or 3 when nothing bears it. A drive root is found when its drive
+    /// exists.
     virtual Status lookUp(const std::string& path, LinkRule links, FileEntry& entry) = 0;
 
     /// Identity of what the path leads to, links followed.
@@ -75,9 +76,9 @@ class FileService {
     /// Creates one directory level. 183 when the name is taken, by a directory or by a file.
     virtual Status createDirectory(const std::string& path) = 0;
 
-    /// Copies one file over `destination`, which is complete or untouched whatever happens: the data
-    /// goes to a temporary file beside it, takes the source's last-write time as it was before the
-    /// reading and its attributes, and only then takes the final name. An existing read-only
+    /// Copies one file over `destination`, which is complete or untouched whatever happens: the
+    /// data goes to a temporary file beside it, takes the source's last-write time as it was before
+    /// the reading and its attributes, and only then takes the final name. An existing read-only
     /// destination fails with 5. `sourceLinks` says whether a link is copied as a link (refuse) or
     /// its target's content is (follow). `observer` may be null: a copy without notifications.
     virtual Status copyFile(const std::string& source, const std::string& destination,
@@ -90,8 +91,8 @@ class FileService {
     /// Sets the attribute word. Never touches what a link points to.
     virtual Status setAttributes(const std::string& path, std::uint32_t attributes) = 0;
 
-    /// Sets the three times (a system without a settable creation time ignores that one). Rounded up
-    /// to what the volume can hold. Never touches what a link points to.
+    /// Sets the three times (a system without a settable creation time ignores that one). Rounded
+    /// up to what the volume can hold. Never touches what a link points to.
     virtual Status setTimes(const std::string& path, const FileTimes& times) = 0;
 
     /// Removes one file or link; 5 for a directory or a read-only file.

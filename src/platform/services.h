@@ -63,8 +63,8 @@ class AnsiCodec {
   public:
     virtual ~AnsiCodec() = default;
 
-    /// UTF-8 to the code page, with "?" for what it cannot hold. Returns false when there was such a
-    /// character; `bytes` is complete all the same.
+    /// UTF-8 to the code page, with "?" for what it cannot hold. Returns false when there was such
+    /// a character; `bytes` is complete all the same.
     virtual bool encode(const std::string& utf8, std::string& bytes) const = 0;
 
     /// Any bytes to UTF-8; never fails.
@@ -118,6 +118,18 @@ class WindowService {
 
     /// The pointer says that the program is busy. Nothing where there is no pointer.
     virtual void showWaiting(bool /*waiting*/) {}
+
+    /// Lets the user choose a directory (with `includeFiles` also a file), starting at `start`. The
+    /// path in the core's form; empty when cancelled, and where there is nothing to choose with.
+    virtual std::string chooseFolder(bool /*includeFiles*/, const std::string& /*prompt*/,
+                                     const std::string& /*start*/) {
+        return {};
+    }
+
+    /// Lets the user choose a program file. `filter`: "name|pattern" pairs joined with "|".
+    virtual std::string chooseFile(const std::string& /*title*/, const std::string& /*filter*/) {
+        return {};
+    }
 
     /// A line that must not get lost though nobody is asked anything: stderr in a terminal.
     virtual void notice(const std::string& text) = 0;

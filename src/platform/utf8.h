@@ -18,7 +18,8 @@ inline char32_t next(std::string_view text, std::size_t& position) {
     const int extra = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
     const char32_t smallest = extra == 3 ? 0x10000 : extra == 2 ? 0x800 : 0x80;
     char32_t value = lead & (extra == 3 ? 0x07U : extra == 2 ? 0x0FU : 0x1FU);
-    bool valid = lead >= 0xC2 && lead <= 0xF4 && position + static_cast<std::size_t>(extra) < text.size();
+    bool valid =
+        lead >= 0xC2 && lead <= 0xF4 && position + static_cast<std::size_t>(extra) < text.size();
     for (int i = 1; valid && i <= extra; ++i) {
         const unsigned char follow = byte(position + static_cast<std::size_t>(i));
         valid = (follow & 0xC0) == 0x80;
