@@ -11,12 +11,13 @@ MemoryDirectory::MemoryDirectory(const MemoryDisk& disk, const MemoryPlace& plac
       path_(std::move(path)),
       wanted_(wanted),
       calls_(calls),
-      dots_(place.parent == nullptr || wanted == Wanted::files ? 2 : 0) {
+      dots_(place.parent == nullptr || wanted == Wanted::files || wanted == Wanted::nothing ? 2
+                                                                                            : 0) {
     if (path_.back() != '\\') path_ += '\\';
 }
 
 bool MemoryDirectory::gives(const MemoryNode& node) const {
-    if (MemoryDisk::isTemporary(node.name())) return false;
+    if (wanted_ == Wanted::nothing || MemoryDisk::isTemporary(node.name())) return false;
     if (wanted_ != Wanted::everything && node.isDirectory() != (wanted_ == Wanted::directories)) {
         return false;
     }

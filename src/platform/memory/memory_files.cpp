@@ -88,7 +88,9 @@ Status MemoryFiles::openDirectory(const std::string& path, LinkRule links, Wante
     if (!status.ok()) return status;
     if (!place.node) return Status::failure(error_number::pathNotFound, path);
     if (!place.node->isDirectory()) return Status::failure(error_number::notADirectory, path);
-    if (place.node->readError != 0) return Status::failure(place.node->readError, path);
+    if (wanted != Wanted::nothing && place.node->readError != 0) {
+        return Status::failure(place.node->readError, path);
+    }
     directory = std::make_unique<MemoryDirectory>(disk_, place, path, wanted, calls_);
     return {};
 }

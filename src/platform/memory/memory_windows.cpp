@@ -66,11 +66,34 @@ Answer MemoryWindows::showMessage(const MessageBoxText& message) {
     return harmless(message.buttons);
 }
 
+std::string MemoryWindows::chooseFolder(bool includeFiles, const std::string& prompt,
+                                        const std::string& start) {
+    folderChoosers_.push_back({includeFiles, prompt, start});
+    return nextPath(folders_, prompt);
+}
+
+std::string MemoryWindows::chooseFile(const std::string& title, const std::string& filter) {
+    fileChoosers_.push_back({title, filter});
+    return nextPath(files_, title);
+}
+
+std::string MemoryWindows::nextPath(std::deque<std::string>& paths, const std::string& what) {
+    if (paths.empty()) {
+        addProblem("chooser not expected: " + what);
+        return {};
+    }
+    std::string path = std::move(paths.front());
+    paths.pop_front();
+    return path;
+}
+
 std::vector<std::string> MemoryWindows::problems() const {
     std::vector<std::string> problems = unexpected_;
     if (!steps_.empty()) problems.push_back(std::to_string(steps_.size()) + " steps left over");
     if (!answers_.empty())
         problems.push_back(std::to_string(answers_.size()) + " answers left over");
+    const std::size_t choices = folders_.size() + files_.size();
+    if (choices > 0) problems.push_back(std::to_string(choices) + " choices left over");
     return problems;
 }
 

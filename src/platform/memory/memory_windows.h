@@ -38,11 +38,32 @@ class MemoryWindows final : public WindowService {
     /// How the user answers the next message; every message needs one, also one with "OK" alone.
     void answer(Answer answer) { answers_.push_back(answer); }
 
+    /// What the user chooses in the next chooser of a directory, or of a program file; every
+    /// chooser needs one, an empty path cancels it.
+    void chooseNextFolder(std::string path) { folders_.push_back(std::move(path)); }
+    void chooseNextFile(std::string path) { files_.push_back(std::move(path)); }
+
     /// Called within runPendingEvents (never while a call of it is still running).
     std::function<void()> onPendingEvents;
 
     // ---- reading -----------------------------------------------------------------------------
     const std::vector<MessageBoxText>& messages() const { return messages_; }
+    struct FolderChooser {
+        bool includeFiles;
+        std::string prompt;
+        std::string start;
+
+        bool operator==(const FolderChooser&) const = default;
+    };
+    struct FileChooser {
+        std::string title;
+        std::string filter;
+
+        bool operator==(const FileChooser&) const = default;
+    };
+    /// The choosers shown, in order.
+    const std::vector<FolderChooser>& folderChoosers() const { return folderChoosers_; }
+    const std::vector<FileChooser>& fileChoosers() const { return fileChoosers_; }
     const std::vector<std::string>& notices() const { return notices_; }
     /// Captions of the windows shown, as they were at the show.
     const std::vector<std::string>& shown() const { return shown_; }
@@ -55,13 +76,21 @@ class MemoryWindows final : public WindowService {
     void showModal(Window& window) override;
     void runPendingEvents() override;
     Answer showMessage(const MessageBoxText& message) override;
+    std::string chooseFolder(bool includeFiles, const std::string& prompt,
+                             const std::string& start) override;
+    std::string chooseFile(const std::string& title, const std::string& filter) override;
     void notice(const std::string& text) override { notices_.push_back(text); }
 
   private:
+    std::string nextPath(std::deque<std::string>& paths, const std::string& what);
     void addProblem(const std::string& problem) { unexpected_.push_back(problem); }
 
     std::deque<Step> steps_;
     std::deque<Answer> answers_;
+    std::deque<std::string> folders_;
+    std::deque<std::string> files_;
+    std::vector<FolderChooser> folderChoosers_;
+    std::vector<FileChooser> fileChoosers_;
     std::vector<MessageBoxText> messages_;
     std::vector<std::string> notices_;
     std::vector<std::string> shown_;
