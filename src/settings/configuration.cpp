@@ -22,6 +22,18 @@ std::int16_t maximumIndexFrom(std::int32_t lines) {
     return lines < 1 ? usual : narrowed(lines - 1);
 }
 
+// The line that a key of the form "Source3" or "Destination3" belongs to; 0 for any other key, the
+// first line counting for nothing where this is asked.
+int lineOfPath(const std::string& key) {
+    for (const std::string_view prefix : {"Source", "Destination"}) {
+        if (!equalIgnoringCase(key.substr(0, prefix.size()), prefix)) continue;
+        const std::string index = key.substr(prefix.size());
+        const int line = leadingNumber(index);
+        if (std::to_string(line) == index) return line;
+    }
+    return 0;
+}
+
 }  // namespace
 
 void SystemMod::LoadSettings() {
@@ -97,6 +109,20 @@ void SystemMod::readLastResults() {
         result.cleanDuration = text("LastDuree" + name);
         result.errorDuration = text("LastDuree" + name + "Err");
     }
+}
+
+int SystemMod::LastUsedLineAnywhere() {
+    int last = LastUsedLine();
+    for (const std::string& name : file_.sections()) {
+        // Of the current configuration the lines in memory count.
+        if (name == position || equalIgnoringCase(name, configurationName)) continue;
+        for (const std::string& key : file_.keys(name)) {
+            const int line = lineOfPath(key);
+            if (line <= last || line > maximumIndex) continue;
+            if (!ReadSetting(name, key).empty()) last = line;
+        }
+    }
+    return last;
 }
 
 }  // namespace coffrelune

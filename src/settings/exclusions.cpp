@@ -53,9 +53,16 @@ void SystemMod::StoreExclusions(const std::string& packed, int line) {
     (void)WriteSetting(configurationName, prefix(line) + "Mode", elements[0]);
     for (std::size_t number = 1; number < elements.size(); ++number) {
         if (elements[number].empty()) return;
-        (void)WriteSetting(configurationName, directoryKey(line, number),
-                           storable(unescapeCharacters(elements[number], separators)));
+        WriteExcludedDirectory(line, number, unescapeCharacters(elements[number], separators));
     }
+}
+
+void SystemMod::WriteExclusionMode(int line, int mode) {
+    (void)WriteSetting(configurationName, prefix(line) + "Mode", std::to_string(mode));
+}
+
+void SystemMod::WriteExcludedDirectory(int line, std::size_t number, const std::string& directory) {
+    (void)WriteSetting(configurationName, directoryKey(line, number), storable(directory));
 }
 
 void SystemMod::ClearExclusions(int line) {

@@ -11,10 +11,9 @@ namespace coffrelune {
 namespace {
 
 // "3.05": the minor number in two digits.
-std::string title(const ProgramContext& context) {
+std::string version(const ProgramContext& context) {
     const std::string minor = '0' + std::to_string(context.versionMinor);
-    return "Coffrelune Version " + std::to_string(context.versionMajor) + '.' +
-           minor.substr(minor.size() - 2);
+    return std::to_string(context.versionMajor) + '.' + minor.substr(minor.size() - 2);
 }
 
 std::string settingsPath(const ProgramContext& context) {
@@ -26,7 +25,9 @@ std::string settingsPath(const ProgramContext& context) {
 
 SystemMod::SystemMod(Platform& services, const ProgramContext& context)
     : platform(services),
-      programTitle(title(context)),
+      programTitle("Coffrelune Version " + version(context)),
+      programVersion(version(context)),
+      executablePath(context.executablePath),
       homeDirectory(context.homeDirectory),
       file_(services.files, services.ansi, settingsPath(context)),
       commandLine_(context.commandLine) {

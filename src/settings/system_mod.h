@@ -46,6 +46,8 @@ struct ProgramContext {
     std::string homeDirectory;  // of the settings file, in the core's form; empty: no such file
     int versionMajor = 0;
     int versionMinor = 0;
+    /// The running program's file in the core's form, to be started again at logon.
+    std::string executablePath = {};
 };
 
 /// The shared state: everything that the settings file mirrors, and what windows hand each other.
@@ -61,7 +63,8 @@ class SystemMod {
     /// Tested in this order: an empty section flushes (nothing to do: every write is on the disk
     /// when it returns), an empty key deletes the section, an empty value deletes the key.
     /// The outcome may be ignored: a setting that cannot be written is not worth stopping for.
-    Status WriteSetting(const std::string& section, const std::string& key, const std::string& value);
+    Status WriteSetting(const std::string& section, const std::string& key,
+                        const std::string& value);
     /// Appends the configuration names that fit into 1023 characters with their separators.
     void ListConfigurations(std::vector<std::string>& list);
     bool configurationExists(const std::string& name) { return file_.hasSection(name); }
@@ -75,20 +78,29 @@ class SystemMod {
     std::string PackExclusions(int line);
     void StoreExclusions(const std::string& packed, int line);
     void ClearExclusions(int line);
-    /// Highest index of a line with a source or a destination; 0 when none has (line 0 is not looked
-    /// at, a configuration keeps at least one line).
+    void WriteExclusionMode(int line, int mode);
+    /// `number` counts from 1.
+    void WriteExcludedDirectory(int line, std::size_t number, const std::string& directory);
+    /// Highest index of a line with a source or a destination; 0 when none has (line 0 is not
+    /// looked at, a configuration keeps at least one line).
     int LastUsedLine() const;
+
+    /// The same over every configuration of the file, among the lines that exist now.
+    int LastUsedLineAnywhere();
 
     /// Resizes the line arrays, keeping their contents.
     void resizeLines(int maximumIndex);
 
     // ---- state -------------------------------------------------------------------------------
-    std::string programTitle;  // "Coffrelune Version 3.05"
+    std::string programTitle;    // "Coffrelune Version 3.05"
+    std::string programVersion;  // "3.05"
+    std::string executablePath;
     std::string homeDirectory;
     bool AutoMode = false;
     std::int16_t maximumIndex = 5;
     std::int16_t pendingMaximumIndex = 5;
     std::string configurationName;
+    std::string selectedConfiguration;  // chosen in ConfigForm, not yet loaded
     std::string description;
     std::vector<std::string> sources;
     std::vector<std::string> destinations;

@@ -85,6 +85,17 @@ std::optional<LocalTime> parse(std::string_view text, std::string_view pattern) 
     return time;
 }
 
+// The schedule counts whole seconds, as its stored dates do.
+std::int64_t wholeSeconds(const LocalTime& time) {
+    return daysSince1601(time) * 86'400 + time.hour * 3600LL + time.minute * 60LL + time.second;
+}
+
+// A time spoilt by hand in the settings file counts as midnight, the default.
+LocalTime atTimeOfDay(const LocalTime& day, const std::string& autoTime) {
+    const auto time = parse("01/01/2001 " + autoTime, "dd/mm/yyyy hh:nn").value_or(LocalTime{});
+    return {day.year, day.month, day.day, time.hour, time.minute, 0, 0};
+}
+
 }  // namespace
 
 std::string formatDate(const LocalTime& time) {
@@ -143,18 +154,38 @@ bool isTimeOfDay(std::string_view text) {
     return parse("01/01/2001 " + std::string(text), "dd/mm/yyyy hh:nn").has_value();
 }
 
+LocalTime latestScheduledTime(const std::string& autoTime, const LocalTime& now) {
+    const LocalTime today = atTimeOfDay(now, autoTime);
+    if (wholeSeconds(today) <= wholeSeconds(now)) return today;
+    LocalTime yesterday = today;
+    setDate(yesterday, daysSince1601(today) - 1);
+    return yesterday;
+}
+
+bool isPastSchedule(const std::string& nextDate, const std::string& autoTime,
+                    const LocalTime& now) {
+    const auto day = parseDate(nextDate);
+    return day && wholeSeconds(now) > wholeSeconds(atTimeOfDay(*day, autoTime));
+}
+
+bool isBackupMissing(const std::string& lastSave, const std::string& autoTime,
+                     const LocalTime& now) {
+    const auto last = parseDateTime(lastSave);
+    if (!last || wholeSeconds(*last) > wholeSeconds(now)) return true;
+    return wholeSeconds(latestScheduledTime(autoTime, now)) > wholeSeconds(*last);
+}
+
+bool isScheduleLost(const std::string& nextDate, const LocalTime& now) {
+    const auto day = parseDate(nextDate);
+    return !day || daysSince1601(*day) > daysSince1601(now) + 1;
+}
+
 std::string nextScheduledDate(const std::string& stored, bool keepStored, bool afterRun,
                               const std::string& autoTime, const LocalTime& now) {
     LocalTime day = now;
     // A stored day that cannot be read counts as none: it only ever comes from formatDate.
     if (const auto kept = parseDate(stored); keepStored && kept) day = *kept;
-    // Whole minutes and seconds alone count. A time spoilt by hand in the settings file counts as
-    // midnight, the default.
-    const auto due = parse("01/01/2001 " + autoTime, "dd/mm/yyyy hh:nn").value_or(LocalTime{});
-    const auto ofDay = [](const LocalTime& time) {
-        return time.hour * 3600 + time.minute * 60 + time.second;
-    };
-    const bool past = ofDay(now) > ofDay(due);
+    const bool past = wholeSeconds(now) > wholeSeconds(atTimeOfDay(now, autoTime));
     return formatDate(afterRun || past ? nextDay(day) : day);
 }
 

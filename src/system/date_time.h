@@ -42,6 +42,24 @@ bool isTimeOfDay(std::string_view text);
 std::string nextScheduledDate(const std::string& stored, bool keepStored, bool afterRun,
                               const std::string& autoTime, const LocalTime& now);
 
+/// The latest scheduled instant ("hh:nn" of any day) that is not after `now`: today's, or
+/// yesterday's while today's is still to come. Whole seconds. A time that is none counts as 00:00.
+LocalTime latestScheduledTime(const std::string& autoTime, const LocalTime& now);
+
+/// True when `now` is later, in whole seconds, than `nextDate` ("dd/mm/yyyy") at `autoTime`. False
+/// for a day that is none.
+bool isPastSchedule(const std::string& nextDate, const std::string& autoTime, const LocalTime& now);
+
+/// True when no clean backup has been made since the latest scheduled instant: `lastSave`
+/// ("dd/mm/yyyy hh:nn:ss") is older, is no date, or lies in the future, which only a clock that was
+/// set back can bring about and which says nothing of what has been saved.
+bool isBackupMissing(const std::string& lastSave, const std::string& autoTime,
+                     const LocalTime& now);
+
+/// True for a due day that no arming on `now` or earlier gives: later than tomorrow, or no date.
+/// The clock was set back, and waiting for that day would leave out those between.
+bool isScheduleLost(const std::string& nextDate, const LocalTime& now);
+
 /// Calendar fields (UTC) of a file time in units of 100 ns since 1601-01-01.
 LocalTime calendarOfFileTime(std::uint64_t fileTime);
 

@@ -12,8 +12,8 @@ std::string withTrailingBackslash(std::string path);
 /// The path without one trailing "\".
 std::string withoutTrailingBackslash(std::string path);
 
-/// A path taken apart: one trailing "\" is dropped first; parent is the text up to and including the
-/// last "\" (the whole text when there is none), last is the rest.
+/// A path taken apart: one trailing "\" is dropped first; parent is the text up to and including
+/// the last "\" (the whole text when there is none), last is the rest.
 struct SplitPath {
     std::string parent;
     std::string last;

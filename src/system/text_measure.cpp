@@ -1,0 +1,74 @@
+#include "system/text_measure.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+
+namespace coffrelune {
+namespace {
+
+constexpr const char* ellipsis = "...";
+
+/// Where `text` may be cut: no character is split.
+std::vector<std::size_t> cutsOf(const std::string& text) {
+    std::vector<std::size_t> cuts;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) cuts.push_back(i);
+    }
+    cuts.push_back(text.size());
+    return cuts;
+}
+
+/// How many of the first `count` steps fit, by halving: measuring is dear, and more is never
+/// narrower. Step 0 is taken as fitting.
+std::size_t lastFitting(std::size_t count, const std::function<bool(std::size_t)>& fits) {
+    std::size_t low = 0;
+    for (std::size_t high = count; low < high;) {
+        const std::size_t middle = low + (high - low + 1) / 2;
+        if (fits(middle)) {
+            low = middle;
+        } else {
+            high = middle - 1;
+        }
+    }
+    return low;
+}
+
+/// The last component with the backslash before it; one at the very end belongs to it. The whole
+/// path when it has but one.
+std::string lastPart(const std::string& path) {
+    if (path.size() < 2) return path;
+    const std::size_t slash = path.rfind('\\', path.size() - 2);
+    return slash == std::string::npos ? path : path.substr(slash);
+}
+
+}  // namespace
+
+std::string shortenedPath(TextMeasure& measure, const std::string& path, int width) {
+    if (measure.width(path) <= width) return path;
+    const std::string last = lastPart(path);
+    if (last.size() < path.size() && measure.width(ellipsis + last) <= width) {
+        const std::string start = path.substr(0, path.size() - last.size());
+        const std::vector<std::size_t> cuts = cutsOf(start);
+        const auto withStart = [&](std::size_t step) {
+            return start.substr(0, cuts[step]) + ellipsis + last;
+        };
+        return withStart(lastFitting(cuts.size() - 1, [&](std::size_t step) {
+            return measure.width(withStart(step)) <= width;
+        }));
+    }
+    const std::vector<std::size_t> cuts = cutsOf(last);
+    const auto withEnd = [&](std::size_t step) {
+        return ellipsis + last.substr(cuts[cuts.size() - 1 - step]);
+    };
+    return withEnd(lastFitting(
+        cuts.size() - 1, [&](std::size_t step) { return measure.width(withEnd(step)) <= width; }));
+}
+
+int listWidth(TextMeasure& measure, const std::vector<std::string>& entries, int scrollBarWidth) {
+    int widest = 0;
+    for (const std::string& entry : entries) widest = std::max(widest, measure.width(entry));
+    return widest + scrollBarWidth;
+}
+
+}  // namespace coffrelune
