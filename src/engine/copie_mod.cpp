@@ -14,11 +14,6 @@ bool saysMissing(std::uint32_t number) {
            number == error_number::notReady || number == error_number::deviceDoesNotExist;
 }
 
-// Below a root that was just listed, a medium that is gone is a failure: the files there are not.
-bool saysVanished(std::uint32_t number) {
-    return number == error_number::fileNotFound || number == error_number::pathNotFound;
-}
-
 }  // namespace
 
 CopieMod::CopieMod(SystemMod& system, RunStatistics& statistics, OperationWindow& window)
@@ -112,8 +107,7 @@ void CopieMod::createTarget(const LineRoots& roots) {
 // When nobody can tell whether there is a file to keep, none is written over.
 bool CopieMod::isKept(const LineRoots& roots) {
     FileEntry existing;
-    const Status found =
-        system_.platform.files.lookUp(roots.target, LinkRule::refuse, existing);
+    const Status found = system_.platform.files.lookUp(roots.target, LinkRule::refuse, existing);
     if (found.ok()) return true;
     if (saysMissing(found.code())) return false;
     errors_.countOnceInLine(found.code(), roots.source);
@@ -133,8 +127,8 @@ void CopieMod::copySingleFile(const LineRoots& roots, const FileEntry& entry) {
     // A restore may find the directory gone. What stands in the way is told by the copy itself.
     (void)copier_.createPath(withoutTrailingBackslash(splitPath(roots.target).parent), created);
     if (created) ++statistics_.directoriesCreated;
-    const Status copied = copier_.copy(entry, withoutTrailingBackslash(roots.source), roots.target,
-                                       LinkRule::follow);
+    const Status copied =
+        copier_.copy(entry, withoutTrailingBackslash(roots.source), roots.target, LinkRule::follow);
     if (copied.code() == error_number::requestAborted) {
         statistics_.interruptionRequested = true;
         return;
@@ -145,8 +139,8 @@ void CopieMod::copySingleFile(const LineRoots& roots, const FileEntry& entry) {
 
 void CopieMod::walkTree(const Place& place) {
     std::unique_ptr<Directory> files;
-    const Status listed = system_.platform.files.openDirectory(place.source, place.links,
-                                                               Wanted::files, files);
+    const Status listed =
+        system_.platform.files.openDirectory(place.source, place.links, Wanted::files, files);
     if (!listed.ok()) {
         sourceNotListed(place, listed);
         return;
@@ -162,10 +156,19 @@ void CopieMod::walkTree(const Place& place) {
     if (!stopped()) walkSubdirectories(place);
 }
 
+// Below a root that was just listed, a directory is gone only when the root still stands: with an
+// unplugged medium its files are not deleted, they cannot be read.
+bool CopieMod::hasVanished(const Status& status) {
+    FileEntry root;
+    return (status.code() == error_number::fileNotFound ||
+            status.code() == error_number::pathNotFound) &&
+           system_.platform.files.lookUp(roots_.source, LinkRule::follow, root).ok();
+}
+
 void CopieMod::sourceNotListed(const Place& place, const Status& status) {
     const std::string directory = withoutTrailingBackslash(place.source);
     const bool isRoot = place.links == LinkRule::follow;
-    const bool missing = isRoot ? saysMissing(status.code()) : saysVanished(status.code());
+    const bool missing = isRoot ? saysMissing(status.code()) : hasVanished(status);
     // One that is there but cannot be read is named whatever the pass: nothing else might be left
     // to copy, and the run must not look complete.
     if (!missing) errors_.nameOnce(status.code(), directory);
@@ -184,7 +187,8 @@ void CopieMod::sourceNotListed(const Place& place, const Status& status) {
 // False when nothing below this place can be written: its target could not be made.
 bool CopieMod::openTarget(const Place& place, std::unique_ptr<Directory>& target) {
     FileService& files = system_.platform.files;
-    const Status opened = files.openDirectory(place.destination, place.links, Wanted::files, target);
+    const Status opened =
+        files.openDirectory(place.destination, place.links, Wanted::nothing, target);
     if (opened.ok()) {
         // Once per run and directory is enough: the tree pass meets every one of them.
         // What cannot be removed now stays hidden from every listing until a later run can.
@@ -200,8 +204,8 @@ bool CopieMod::createMissingTarget(const Place& place, std::unique_ptr<Directory
     Status status = copier_.createPath(place.destination, created);
     if (created) ++statistics_.directoriesCreated;
     if (status.ok()) {
-        status = system_.platform.files.openDirectory(place.destination, place.links, Wanted::files,
-                                                      target);
+        status = system_.platform.files.openDirectory(place.destination, place.links,
+                                                      Wanted::nothing, target);
     }
     if (!status.ok()) {
         errors_.countOnceInLine(status.code(), place.source);

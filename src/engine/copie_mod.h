@@ -17,8 +17,8 @@
 namespace coffrelune {
 
 /// The copy engine: walks the two trees of a line depth first, a directory's files before its
-/// sub-directories, and counts, lists or copies what the rules say. One object serves one operation;
-/// the flags of RunStatistics and the operation kind choose what a pass does.
+/// sub-directories, and counts, lists or copies what the rules say. One object serves one
+/// operation; the flags of RunStatistics and the operation kind choose what a pass does.
 class CopieMod {
   public:
     CopieMod(SystemMod& system, RunStatistics& statistics, OperationWindow& window);
@@ -53,6 +53,7 @@ class CopieMod {
     void copySingleFile(const LineRoots& roots, const FileEntry& entry);
 
     void walkTree(const Place& place);
+    bool hasVanished(const Status& status);
     void sourceNotListed(const Place& place, const Status& status);
     bool openTarget(const Place& place, std::unique_ptr<Directory>& target);
     bool createMissingTarget(const Place& place, std::unique_ptr<Directory>& target);

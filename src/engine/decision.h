@@ -9,9 +9,9 @@ namespace coffrelune {
 
 /// The options that decide whether a file is copied.
 struct DecisionOptions {
-    bool compare = true;        // false: every file is copied, nothing is compared
-    bool newerOnly = false;     // a newer file on the destination is kept
-    bool forgiveHour = false;   // one hour of summer time is no difference (with newerOnly only)
+    bool compare = true;       // false: every file is copied, nothing is compared
+    bool newerOnly = false;    // a newer file on the destination is kept
+    bool forgiveHour = false;  // one hour of summer time is no difference (with newerOnly only)
 };
 
 /// What is to be done with a file, and the words that a comparison gives as the reason.
@@ -26,8 +26,8 @@ struct Decision {
 Decision decide(const FileEntry& source, const FileEntry* destination,
                 const DecisionOptions& options);
 
-/// -1 when the source is earlier, 0 when equal, 1 when later; exact to 100 ns. With `forgiveHour`, a
-/// source exactly one clock hour later is taken back by that hour first: volumes that store local
+/// -1 when the source is earlier, 0 when equal, 1 when later; exact to 100 ns. With `forgiveHour`,
+/// a source exactly one clock hour later is taken back by that hour first: volumes that store local
 /// time shift by it twice a year.
 int compareDates(std::uint64_t source, std::uint64_t destination, bool forgiveHour);
 

@@ -16,8 +16,8 @@ void CopieMod::scanDirectory(Directory& files, Directory* target, const Place& p
     }
 }
 
-// A failed look-up passes for absence, which is right where everything is replaced anyway. Where the
-// user may want a file kept, only the certain absence lets the copy take its name unasked.
+// A failed look-up passes for absence, which is right where everything is replaced anyway. Where
+// the user may want a file kept, only the certain absence lets the copy take its name unasked.
 bool CopieMod::keepsSome() const {
     return statistics_.askBeforeReplacing || statistics_.keepExisting || decision_.newerOnly;
 }

@@ -16,8 +16,8 @@ bool saysAbsent(const Status& status) {
 }  // namespace
 
 LineRoots CheminsExcedents(const LineRoots& roots) {
-    const bool isVolume = withTrailingBackslash(volumeOf(roots.source)) ==
-                          withTrailingBackslash(roots.source);
+    const bool isVolume =
+        withTrailingBackslash(volumeOf(roots.source)) == withTrailingBackslash(roots.source);
     const std::string reference =
         isVolume ? roots.source : withTrailingBackslash(splitPath(roots.source).parent);
     return {roots.target, reference, roots.source};
@@ -118,8 +118,7 @@ bool ExcessWalk::referenceStands() {
 
 void ExcessWalk::walk(const Place& place) {
     std::unique_ptr<Directory> files;
-    const Status listed =
-        files_.openDirectory(place.copy, LinkRule::refuse, Wanted::files, files);
+    const Status listed = files_.openDirectory(place.copy, LinkRule::refuse, Wanted::files, files);
     if (!listed.ok()) {
         if (!saysAbsent(listed)) errors_.nameOnce(listed.code(), place.copy);
         return;
@@ -139,8 +138,8 @@ void ExcessWalk::walk(const Place& place) {
     }
 }
 
-// False when the counterpart is there but cannot be read: its files keep their copies. A counterpart
-// that is gone leaves `reference` empty, and every file of the copy is an excess file.
+// False when the counterpart is there but cannot be read: its files keep their copies. A
+// counterpart that is gone leaves `reference` empty, and every file of the copy is an excess file.
 bool ExcessWalk::openReference(const Place& place, std::unique_ptr<Directory>& reference) {
     const Status opened =
         files_.openDirectory(place.reference, LinkRule::follow, Wanted::files, reference);

@@ -12,15 +12,15 @@
 
 namespace coffrelune {
 
-/// A line's roots with the roles swapped, for the deletion walk: `source` is the copy to be cleaned,
-/// `destination` the directory on the line's side that holds `target`, the place it is a copy of.
-/// C:\Data\Docs copied to E:\Backup gives E:\Backup\Docs, C:\Data\ and C:\Data\Docs; a drive or
-/// share root has no parent and is its own reference.
+/// A line's roots with the roles swapped, for the deletion walk: `source` is the copy to be
+/// cleaned, `destination` the directory on the line's side that holds `target`, the place it is a
+/// copy of. C:\Data\Docs copied to E:\Backup gives E:\Backup\Docs, C:\Data\ and C:\Data\Docs; a
+/// drive or share root has no parent and is its own reference.
 LineRoots CheminsExcedents(const LineRoots& roots);
 
-/// Deletes from a line's copy the files that its reference no longer has, or has otherwise: the rule
-/// that decides what is copied decides this too. Directories stay. Whatever is in doubt is kept and
-/// named: a deletion cannot be taken back.
+/// Deletes from a line's copy the files that its reference no longer has, or has otherwise: the
+/// rule that decides what is copied decides this too. Directories stay. Whatever is in doubt is
+/// kept and named: a deletion cannot be taken back.
 class ExcessWalk {
   public:
     ExcessWalk(SystemMod& system, RunStatistics& statistics, OperationWindow& window,

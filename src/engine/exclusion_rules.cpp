@@ -26,9 +26,8 @@ bool contains(const List& list, std::string_view text) {
 // The entries that the exclusions dialog makes begin with a backslash ("\Tmp") unless the source is
 // a drive root: joined with exactly one backslash, both kinds name the directory that was chosen.
 bool isListed(const std::string& path, const std::string& root, const ExclusionList& list) {
-    return std::any_of(
-        list.directories.begin(), list.directories.end(),
-        [&](const std::string& entry) { return joinPath(root, entry) == path; });
+    return std::any_of(list.directories.begin(), list.directories.end(),
+                       [&](const std::string& entry) { return joinPath(root, entry) == path; });
 }
 
 bool isLeftOut(const std::string& path, const std::string& root, const ExclusionList& list) {

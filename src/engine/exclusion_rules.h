@@ -15,8 +15,8 @@ bool isSystemFile(const std::string& name);
 bool isExcludedDirectory(const std::string& parent, const std::string& name,
                          const RunStatistics& statistics);
 
-/// The same for the deletion walk, which leaves out besides what the current line itself leaves out:
-/// a restore would otherwise empty folders that were never backed up.
+/// The same for the deletion walk, which leaves out besides what the current line itself leaves
+/// out: a restore would otherwise empty folders that were never backed up.
 bool isExcludedFromDeletion(const std::string& parent, const std::string& name,
                             const RunStatistics& statistics);
 

@@ -61,7 +61,7 @@ Status FileCopier::createPath(const std::string& path, bool& created) {
         if (end == next) break;
     }
     std::unique_ptr<Directory> directory;
-    const Status opened = files.openDirectory(path, LinkRule::follow, Wanted::directories, directory);
+    const Status opened = files.openDirectory(path, LinkRule::follow, Wanted::nothing, directory);
     return opened.ok() || failure.ok() ? opened : failure;
 }
 

@@ -17,15 +17,15 @@ struct CopyError {
 
 /// What one line of the run really did.
 struct LineTally {
-    std::uint64_t files = 0;  // copied
-    std::uint64_t bytes = 0;  // of those files
+    std::uint64_t files = 0;        // copied
+    std::uint64_t bytes = 0;        // of those files
     std::uint64_t filesToCopy = 0;  // found by the analysis, like the next
     std::uint64_t bytesToCopy = 0;
     bool sourceMissing = false;
 };
 
-/// The record of one operation, shared by the engine and the operation window: reset by the launcher
-/// before the operation and read by it afterwards.
+/// The record of one operation, shared by the engine and the operation window: reset by the
+/// launcher before the operation and read by it afterwards.
 struct RunStatistics {
     bool analysisPass = false;  // count and list only; false: act
     bool deletionWalk = false;  // the walk looks for excess files
@@ -57,8 +57,8 @@ struct RunStatistics {
     std::string sharingPath;            // directory concerned by error 32 or 33
 
     std::string windowsDirectory;
-    std::string lineSourceRoot;  // with a trailing backslash
-    ExclusionList exclusions;    // of the current line; in the deletion walk that of the last line
+    std::string lineSourceRoot;   // with a trailing backslash
+    ExclusionList exclusions;     // of the current line; in the deletion walk that of the last line
     ExclusionList ownExclusions;  // of the current line, in the deletion walk only
 
     int currentLine = 0;

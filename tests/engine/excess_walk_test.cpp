@@ -1,0 +1,295 @@
+#include "engine/excess_walk.h"
+
+#include "engine_fixture.h"
+
+namespace coffrelune {
+namespace {
+
+using testing::ElementsAre;
+
+// The deletion walk over one line: C:\Docs copied to F:\Save unless a test says otherwise.
+class ExcessFiles : public Engine {
+  protected:
+    void clean(const std::string& source = "C:\\Docs", const std::string& destination = "F:\\Save",
+               const std::vector<LineRoots>& others = {}) {
+        clean(lineRoots(source, destination, Layout::normal), others);
+    }
+    void clean(const LineRoots& roots, const std::vector<LineRoots>& others = {}) {
+        statistics.deletionWalk = true;
+        engine.cleanLine(roots, others);
+        statistics.deletionWalk = false;
+    }
+    // The same file on both sides.
+    void pair(const std::string& name) {
+        disk().file("C:\\Docs\\" + name, "same");
+        disk().file("F:\\Save\\Docs\\" + name, "same");
+    }
+    bool kept(const std::string& path) { return disk().exists(path); }
+};
+
+TEST_F(ExcessFiles, SwappedRootsNameTheCopyItsReferenceAndTheParent) {
+    const LineRoots swapped =
+        CheminsExcedents(lineRoots("C:\\Data\\Docs", "E:\\Backup", Layout::normal));
+    EXPECT_EQ(swapped.source, "E:\\Backup\\Docs");
+    EXPECT_EQ(swapped.destination, "C:\\Data\\");
+    EXPECT_EQ(swapped.target, "C:\\Data\\Docs");
+}
+
+TEST_F(ExcessFiles, ADriveOrShareRootIsItsOwnReference) {
+    EXPECT_EQ(CheminsExcedents(lineRoots("E:\\", "F:\\Save", Layout::normal)).destination, "E:\\");
+    EXPECT_EQ(CheminsExcedents(lineRoots("E:\\", "F:\\Save", Layout::normal)).source,
+              "F:\\Save\\E");
+    const LineRoots share =
+        CheminsExcedents(lineRoots("\\\\nas\\photos", "F:\\Save", Layout::normal));
+    EXPECT_EQ(share.source, "F:\\Save\\photos");
+    EXPECT_EQ(share.destination, "\\\\nas\\photos");
+    EXPECT_EQ(share.target, "\\\\nas\\photos");
+}
+
+TEST_F(ExcessFiles, AFileThatOnlyTheCopyHasIsDeletedAndCountedOnce) {
+    pair("a.txt");
+    disk().file("F:\\Save\\Docs\\old.txt", "old");
+    clean();
+    EXPECT_FALSE(kept("F:\\Save\\Docs\\old.txt"));
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\a.txt"));
+    EXPECT_EQ(statistics.filesDeleted, 1);
+    EXPECT_THAT(window.counts, ElementsAre("1 fichier(s) effacé(s) sur la destination "));
+    EXPECT_THAT(window.files, ElementsAre("F:\\Save\\Docs\\old.txt"));
+    EXPECT_FLOAT_EQ(statistics.totalBytes, 3);
+}
+
+TEST_F(ExcessFiles, SystemFilesAreNeverDeleted) {
+    pair("a.txt");
+    disk().file("F:\\Save\\Docs\\Thumbs.DB", "x");
+    clean();
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\Thumbs.DB"));
+    EXPECT_EQ(statistics.filesDeleted, 0);
+}
+
+TEST_F(ExcessFiles, ADirectoryThatOnlyTheCopyHasLosesItsFilesButStays) {
+    pair("a.txt");
+    disk().file("F:\\Save\\Docs\\Gone\\Deep\\b.txt", "b");
+    clean();
+    EXPECT_FALSE(kept("F:\\Save\\Docs\\Gone\\Deep\\b.txt"));
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\Gone\\Deep"));
+    EXPECT_FALSE(kept("C:\\Docs\\Gone"));
+}
+
+TEST_F(ExcessFiles, AFileThatDiffersIsDeletedToo) {
+    disk().file("C:\\Docs\\a.txt", "new", fileTimeAt(2024, 5, 1));
+    disk().file("F:\\Save\\Docs\\a.txt", "old", fileTimeAt(2024, 4, 1));
+    disk().file("C:\\Docs\\b.txt", "old", fileTimeAt(2024, 4, 1));
+    disk().file("F:\\Save\\Docs\\b.txt", "new", fileTimeAt(2024, 5, 1));
+    clean();
+    EXPECT_EQ(statistics.filesDeleted, 2);
+}
+
+TEST_F(ExcessFiles, EqualTimesKeepAFileOfAnotherSize) {
+    disk().file("C:\\Docs\\a.txt", "one");
+    disk().file("F:\\Save\\Docs\\a.txt", "another");
+    clean();
+    EXPECT_EQ(statistics.filesDeleted, 0);
+}
+
+TEST_F(ExcessFiles, WithoutComparisonEveryFileOfTheCopyGoes) {
+    system.Modifie = 0;
+    pair("a.txt");
+    clean();
+    EXPECT_FALSE(kept("F:\\Save\\Docs\\a.txt"));
+}
+
+TEST_F(ExcessFiles, ANewerFileIsKeptWhenOnlyNewerOnesAreCopied) {
+    system.options.RecentSeul = -1;
+    disk().file("C:\\Docs\\a.txt", "old", fileTimeAt(2024, 4, 1));
+    disk().file("F:\\Save\\Docs\\a.txt", "newer on the copy", fileTimeAt(2024, 5, 1));
+    clean();
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\a.txt"));
+    EXPECT_EQ(statistics.filesDeleted, 0);
+}
+
+TEST_F(ExcessFiles, AnUnpluggedSourceDeletesNothing) {
+    disk().file("E:\\Photos\\a.txt", "a");
+    disk().file("F:\\Save\\Photos\\a.txt", "a");
+    disk().volume("E:\\").present = false;
+    clean("E:\\Photos", "F:\\Save");
+    EXPECT_TRUE(kept("F:\\Save\\Photos\\a.txt"));
+    EXPECT_EQ(statistics.errorCount, 1);
+    EXPECT_THAT(window.journal, ElementsAre(testing::HasSubstr("Fichier: E:\\Photos")));
+}
+
+TEST_F(ExcessFiles, ASourceThatIsUnpluggedDuringTheWalkDeletesNothingMore) {
+    disk().directory("E:\\Photos\\Sub");
+    disk().file("E:\\Photos\\a.txt", "a");
+    disk().file("F:\\Save\\Photos\\a.txt", "a");
+    disk().file("F:\\Save\\Photos\\Sub\\b.txt", "b");
+    window.onEvents = [&] { disk().volume("E:\\").present = false; };
+    clean("E:\\Photos", "F:\\Save");
+    EXPECT_TRUE(kept("F:\\Save\\Photos\\Sub\\b.txt"));
+    EXPECT_EQ(statistics.filesDeleted, 0);
+    EXPECT_GE(statistics.errorCount, 1);
+}
+
+TEST_F(ExcessFiles, ARestoreOfWhatWasNeverBackedUpDoesNotEmptyTheLiveSource) {
+    disk().file("C:\\Docs\\only.txt", "the only copy");
+    disk().directory("F:\\Save");
+    clean(lineRoots("C:\\Docs", "F:\\Save", Layout::reversed));
+    EXPECT_TRUE(kept("C:\\Docs\\only.txt"));
+    EXPECT_EQ(statistics.errorCount, 1);
+}
+
+TEST_F(ExcessFiles, ADirectoryThatCannotBeReadOnTheReferenceKeepsItsCopies) {
+    pair("a.txt");
+    disk().file("C:\\Docs\\Secret\\s.txt", "s");
+    disk().file("F:\\Save\\Docs\\Secret\\s.txt", "s");
+    disk().file("F:\\Save\\Docs\\Secret\\Deep\\d.txt", "d");
+    disk().setUnreadable("C:\\Docs\\Secret");
+    clean();
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\Secret\\s.txt"));
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\Secret\\Deep\\d.txt"));
+    EXPECT_EQ(statistics.errorCount, 1);
+    EXPECT_THAT(window.journal, ElementsAre("Erreur: 5 - Fichier: C:\\Docs\\Secret"));
+}
+
+TEST_F(ExcessFiles, ALookUpThatFailsIsNoProofOfAbsence) {
+    pair("a.txt");
+    faulty.fail("find", "C:\\Docs\\a.txt", error_number::ioDevice);
+    faulty.fail("lookUp", "C:\\Docs\\a.txt", error_number::ioDevice);
+    clean();
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\a.txt"));
+    EXPECT_EQ(statistics.errorCount, 1);
+}
+
+TEST_F(ExcessFiles, ADriveRootIsComparedWithItsOwnCopyAlone) {
+    disk().file("E:\\a.txt", "a");
+    disk().file("F:\\Save\\E\\a.txt", "a");
+    disk().file("F:\\Save\\E\\gone.txt", "x");
+    disk().file("F:\\Save\\Other\\keep.txt", "x");
+    disk().file("F:\\Save\\keep.txt", "x");
+    clean("E:\\", "F:\\Save");
+    EXPECT_FALSE(kept("F:\\Save\\E\\gone.txt"));
+    EXPECT_TRUE(kept("F:\\Save\\E\\a.txt"));
+    EXPECT_TRUE(kept("F:\\Save\\Other\\keep.txt"));
+    EXPECT_TRUE(kept("F:\\Save\\keep.txt"));
+}
+
+TEST_F(ExcessFiles, AShareRootIsComparedWithTheShare) {
+    disk().file("\\\\nas\\photos\\a.txt", "a");
+    disk().file("F:\\Save\\photos\\a.txt", "a");
+    disk().file("F:\\Save\\photos\\gone.txt", "x");
+    clean("\\\\nas\\photos", "F:\\Save");
+    EXPECT_TRUE(kept("F:\\Save\\photos\\a.txt"));
+    EXPECT_FALSE(kept("F:\\Save\\photos\\gone.txt"));
+}
+
+TEST_F(ExcessFiles, WhatTheLineItselfLeavesOutIsNotEntered) {
+    disk().file("C:\\Docs\\a.txt", "a");
+    disk().file("C:\\Docs\\Tmp\\precious.txt", "never backed up");
+    disk().file("F:\\Save\\Docs\\a.txt", "a");
+    statistics.ownExclusions = {2, {"\\Tmp"}};
+    clean(lineRoots("C:\\Docs", "F:\\Save", Layout::reversed));
+    EXPECT_TRUE(kept("C:\\Docs\\Tmp\\precious.txt"));
+    statistics.ownExclusions = {1, {}};
+    disk().file("C:\\Docs\\Sub\\precious.txt", "never backed up");
+    clean(lineRoots("C:\\Docs", "F:\\Save", Layout::reversed));
+    EXPECT_TRUE(kept("C:\\Docs\\Sub\\precious.txt"));
+}
+
+TEST_F(ExcessFiles, TheListLeftOverFromTheLastLineHoldsToo) {
+    pair("a.txt");
+    disk().file("F:\\Save\\Docs\\Old\\x.txt", "x");
+    statistics.exclusions = {2, {"\\Old"}};
+    clean();
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\Old\\x.txt"));
+}
+
+TEST_F(ExcessFiles, TheCopyOfAnotherLineIsNotEntered) {
+    pair("a.txt");
+    disk().file("C:\\B\\Sub\\b.txt", "b");
+    disk().file("F:\\Save\\Docs\\Sub\\b.txt", "b");
+    clean("C:\\Docs", "F:\\Save", {lineRoots("C:\\B\\Sub", "F:\\Save\\Docs", Layout::normal)});
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\Sub\\b.txt"));
+}
+
+TEST_F(ExcessFiles, TheSingleFileOfAnotherLineIsKept) {
+    pair("a.txt");
+    disk().file("C:\\single.txt", "s");
+    disk().file("F:\\Save\\Docs\\single.txt", "s");
+    clean("C:\\Docs", "F:\\Save", {lineRoots("C:\\single.txt", "F:\\Save\\Docs", Layout::normal)});
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\single.txt"));
+}
+
+TEST_F(ExcessFiles, ACopyThatTwoLinesShareIsNotCleanedAtAll) {
+    pair("a.txt");
+    disk().file("D:\\Docs\\d.txt", "d");
+    disk().file("F:\\Save\\Docs\\d.txt", "d");
+    disk().file("F:\\Save\\Docs\\gone.txt", "x");
+    clean("C:\\Docs", "F:\\Save", {lineRoots("D:\\Docs", "F:\\Save\\", Layout::normal)});
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\d.txt"));
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\gone.txt"));
+    EXPECT_THAT(window.journal, ElementsAre(testing::HasSubstr("F:\\Save\\Docs")));
+}
+
+TEST_F(ExcessFiles, LinksAreNotEntered) {
+    pair("a.txt");
+    disk().file("D:\\Elsewhere\\precious.txt", "p");
+    disk().link("F:\\Save\\Docs\\Link", "D:\\Elsewhere");
+    clean();
+    EXPECT_TRUE(kept("D:\\Elsewhere\\precious.txt"));
+}
+
+TEST_F(ExcessFiles, ACopyThatIsItselfALinkIsNotCleaned) {
+    disk().file("C:\\Docs\\a.txt", "a");
+    disk().file("D:\\Elsewhere\\precious.txt", "p");
+    disk().directory("F:\\Save");
+    disk().link("F:\\Save\\Docs", "D:\\Elsewhere");
+    clean();
+    EXPECT_TRUE(kept("D:\\Elsewhere\\precious.txt"));
+}
+
+TEST_F(ExcessFiles, ALineWhoseTargetHoldsItsSourceIsNotCleaned) {
+    disk().file("C:\\Data\\Docs\\Docs\\a.txt", "a");
+    disk().file("C:\\Data\\Docs\\b.txt", "b");
+    clean("C:\\Data\\Docs\\Docs", "C:\\Data");
+    EXPECT_TRUE(kept("C:\\Data\\Docs\\b.txt"));
+    EXPECT_EQ(statistics.filesDeleted, 0);
+}
+
+TEST_F(ExcessFiles, AFailedDeletionCountsAndIsNotReported) {
+    pair("a.txt");
+    disk().file("F:\\Save\\Docs\\ro.txt", "x", MemoryDisk::defaultTime, attribute::readOnly);
+    clean();
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\ro.txt"));
+    EXPECT_EQ(statistics.filesDeleted, 1);
+    EXPECT_EQ(statistics.errorCount, 0);
+}
+
+TEST_F(ExcessFiles, TheReferenceIsNeverWrittenTo) {
+    pair("a.txt");
+    disk().file("F:\\Save\\Docs\\Sub\\b.txt", "b");
+    memory.files().clearCalls();
+    clean();
+    EXPECT_THAT(memory.files().writes(), ElementsAre("removeFile F:\\Save\\Docs\\Sub\\b.txt"));
+}
+
+TEST_F(ExcessFiles, AnInterruptionEndsTheWalk) {
+    pair("a.txt");
+    disk().file("F:\\Save\\Docs\\x.txt", "x");
+    disk().file("F:\\Save\\Docs\\y.txt", "y");
+    window.onEvents = [&] { statistics.interruptionRequested = statistics.filesDeleted == 1; };
+    clean();
+    EXPECT_FALSE(kept("F:\\Save\\Docs\\x.txt"));
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\y.txt"));
+}
+
+TEST_F(ExcessFiles, ASingleFileLineHasNothingToClean) {
+    disk().file("C:\\Docs\\a.txt", "a");
+    disk().file("F:\\Save\\a.txt", "a");
+    disk().file("F:\\Save\\b.txt", "b");
+    clean("C:\\Docs\\a.txt", "F:\\Save");
+    EXPECT_TRUE(kept("F:\\Save\\a.txt"));
+    EXPECT_TRUE(kept("F:\\Save\\b.txt"));
+    EXPECT_EQ(statistics.errorCount, 0);
+}
+
+}  // namespace
+}  // namespace coffrelune

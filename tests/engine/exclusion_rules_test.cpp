@@ -1,0 +1,96 @@
+#include "engine/exclusion_rules.h"
+
+#include <gtest/gtest.h>
+
+namespace coffrelune {
+namespace {
+
+RunStatistics rules(int mode, std::vector<std::string> directories = {}) {
+    RunStatistics statistics;
+    statistics.windowsDirectory = "C:\\WINDOWS";
+    statistics.lineSourceRoot = "C:\\Data\\";
+    statistics.exclusions = {mode, std::move(directories)};
+    return statistics;
+}
+
+TEST(SystemFiles, AreSkippedInAnyCase) {
+    for (const char* name : {"pagefile.sys", "hiberfil.sys", "thumbs.db", "ntuser.dat",
+                             "ntuser.dat.log", "usrclass.dat", "usrclass.dat.log"}) {
+        EXPECT_TRUE(isSystemFile(name)) << name;
+    }
+    EXPECT_TRUE(isSystemFile("NTUSER.DAT"));
+    EXPECT_TRUE(isSystemFile("Thumbs.db"));
+    EXPECT_TRUE(isSystemFile("UsrClass.DAT.Log"));
+}
+
+TEST(SystemFiles, AreKnownByTheirWholeNameOnly) {
+    for (const char* name : {"", "a", "pagefile.sy", "pagefile.sys2", "xthumbs.db", "ntuser.dat.",
+                             "ntuser.dat.log2", "usrclass.dat.log.old"}) {
+        EXPECT_FALSE(isSystemFile(name)) << name;
+    }
+}
+
+TEST(ExcludedDirectories, HoldTheSystemFoldersInTheirExactCase) {
+    const RunStatistics all = rules(0);
+    for (const char* name : {"System Volume Information", "Recycled", ".", ".."}) {
+        EXPECT_TRUE(isExcludedDirectory("C:\\Data\\", name, all)) << name;
+    }
+    for (const char* name : {"RECYCLED", "recycled", "system volume information", "Recycled2"}) {
+        EXPECT_FALSE(isExcludedDirectory("C:\\Data\\", name, all)) << name;
+    }
+}
+
+TEST(ExcludedDirectories, HoldTheWindowsDirectoryInItsExactSpelling) {
+    const RunStatistics all = rules(0);
+    EXPECT_TRUE(isExcludedDirectory("C:\\", "WINDOWS", all));
+    EXPECT_FALSE(isExcludedDirectory("C:\\", "Windows", all));
+    EXPECT_FALSE(isExcludedDirectory("D:\\", "WINDOWS", all));
+    EXPECT_FALSE(isExcludedDirectory("C:\\Data\\", "WINDOWS", all));
+}
+
+TEST(ExcludedDirectories, AreAllOfThemWhenALineTakesNoSubdirectory) {
+    EXPECT_TRUE(isExcludedDirectory("C:\\Data\\", "Photos", rules(1)));
+    EXPECT_TRUE(isExcludedDirectory("C:\\Data\\", "Photos", rules(1, {"Autre"})));
+}
+
+TEST(ExcludedDirectories, AreTheListedOnesAtTheirPlaceOnly) {
+    const RunStatistics listed = rules(2, {"Photos", "Docs\\Brouillons"});
+    EXPECT_TRUE(isExcludedDirectory("C:\\Data\\", "Photos", listed));
+    EXPECT_TRUE(isExcludedDirectory("C:\\Data\\Docs\\", "Brouillons", listed));
+    EXPECT_FALSE(isExcludedDirectory("C:\\Data\\Docs\\", "Photos", listed));
+    EXPECT_FALSE(isExcludedDirectory("C:\\Data\\", "photos", listed));
+    EXPECT_FALSE(isExcludedDirectory("C:\\Data\\", "Photos2", listed));
+    EXPECT_FALSE(isExcludedDirectory("C:\\Data\\", "Docs", listed));
+}
+
+TEST(ExcludedDirectories, AreFoundWithOrWithoutALeadingBackslashInTheList) {
+    EXPECT_TRUE(isExcludedDirectory("C:\\Data\\", "Tmp", rules(2, {"\\Tmp"})));
+    RunStatistics drive = rules(2, {"Temp", "\\Tmp"});
+    drive.lineSourceRoot = "C:\\";
+    EXPECT_TRUE(isExcludedDirectory("C:\\", "Temp", drive));
+    EXPECT_TRUE(isExcludedDirectory("C:\\", "Tmp", drive));
+    EXPECT_FALSE(isExcludedDirectory("C:\\Data\\", "Temp", drive));
+}
+
+TEST(ExcludedDirectories, IgnoreTheListInEveryOtherMode) {
+    for (const int mode : {0, 3, -1, 255}) {
+        EXPECT_FALSE(isExcludedDirectory("C:\\Data\\", "Photos", rules(mode, {"Photos"}))) << mode;
+    }
+}
+
+TEST(ExcludedDirectories, AreNoneForAnEmptyListOrEntry) {
+    EXPECT_FALSE(isExcludedDirectory("C:\\Data\\", "Photos", rules(2)));
+    EXPECT_FALSE(isExcludedDirectory("C:\\Data\\", "Photos", rules(2, {""})));
+}
+
+TEST(SpecialFolders, AreTheThreeOfWindowsInTheirExactCase) {
+    EXPECT_TRUE(isSpecialFolder("C:\\Docs\\Ma musique"));
+    EXPECT_TRUE(isSpecialFolder("C:\\Docs\\Mes images\\"));
+    EXPECT_TRUE(isSpecialFolder("C:\\Mes vidéos"));
+    EXPECT_FALSE(isSpecialFolder("C:\\Docs\\mes images"));
+    EXPECT_FALSE(isSpecialFolder("C:\\Mes images\\2024"));
+    EXPECT_FALSE(isSpecialFolder("C:\\Docs\\Toutes Mes images"));
+}
+
+}  // namespace
+}  // namespace coffrelune
