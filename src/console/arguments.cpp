@@ -32,15 +32,29 @@ void speakFrench(CLI::App& app) {
     app.set_help_flag("-h,--help", "Affiche cette aide");
 }
 
+// A variable that a script forgot to set must not turn into a run of something else.
+CLI::Validator notEmpty() {
+    return CLI::Validator(
+        [](const std::string& value) { return std::string(value.empty() ? "vide" : ""); }, "");
+}
+
+CLI::Validator knownKind() {
+    return CLI::Validator(
+        [](const std::string& name) { return std::string(kinds.count(name) != 0 ? "" : "type"); },
+        "");
+}
+
 // What every command has.
 CLI::App* addCommand(CLI::App& app, Arguments& arguments, Command command, const char* name,
                      const char* description) {
     CLI::App* added = app.add_subcommand(name, description);
     added->group("Commandes");
     added->set_help_flag("-h,--help", "Affiche cette aide");
-    added->add_option("--config", arguments.configuration,
-                      "Configuration ; sinon la dernière utilisée, ou General")
-        ->type_name("NOM");
+    added
+        ->add_option("--config", arguments.configuration,
+                     "Configuration ; sinon la dernière utilisée, ou General")
+        ->type_name("NOM")
+        ->check(notEmpty());
     added->add_flag("--json", arguments.json, "Affiche le résultat en un objet JSON");
     added->callback([&arguments, command] { arguments.command = command; });
     added->footer(std::string("\n") + exitStatuses);
@@ -53,19 +67,20 @@ void addRunOptions(CLI::App* command, Arguments& arguments) {
                      "Ce répertoire ou ce fichier, sans fichier de configuration : seuls les\n"
                      "fichiers modifiés sont copiés, dans un sous-répertoire de la destination\n"
                      "du même nom, et une erreur n'arrête pas la copie")
-        ->type_name("CHEMIN");
+        ->type_name("CHEMIN")
+        ->check(notEmpty());
     command
         ->add_option("--destination", arguments.destination,
                      "Répertoire qui contient la copie de la source")
-        ->type_name("CHEMIN");
+        ->type_name("CHEMIN")
+        ->check(notEmpty());
     command->add_flag("--journal", arguments.journal, "Affiche le journal de l'opération");
 }
 
 void addReplaceOptions(CLI::App* command, Arguments& arguments) {
     command->add_flag("--ecraser", arguments.overwrite,
                       "Remplace les fichiers existants sans demander");
-    command->add_flag("--conserver", arguments.keep,
-                      "Garde les fichiers existants sans demander");
+    command->add_flag("--conserver", arguments.keep, "Garde les fichiers existants sans demander");
 }
 
 void addCommands(CLI::App& app, Arguments& arguments) {
@@ -90,9 +105,11 @@ void addCommands(CLI::App& app, Arguments& arguments) {
     CLI::App* journal = addCommand(app, arguments, Command::journal, "journal",
                                    "Montre la dernière liste d'erreurs");
     journal
-        ->add_option("--type", arguments.kind, "sauvegarde, restauration ou comparaison")
-        ->transform(CLI::CheckedTransformer(kinds, CLI::ignore_case))
-        ->type_name("TYPE");
+        ->add_option_function<std::string>(
+            "--type", [&](const std::string& name) { arguments.kind = kinds.at(name); },
+            "sauvegarde, restauration ou comparaison")
+        ->type_name("TYPE")
+        ->check(knownKind());
     addCommand(app, arguments, Command::results, "resultats",
                "Résume les dernières opérations de chaque sorte");
 }
@@ -104,15 +121,20 @@ std::string unknownWords(const CLI::App& app) {
 }
 
 // The parser's own messages are in English.
-std::string frenchMessage(const CLI::App& app, const CLI::ParseError& error) {
+std::string frenchMessage(const CLI::App& app, const CLI::ParseError& error,
+                          const std::string& firstWord) {
     switch (static_cast<CLI::ExitCodes>(error.get_exit_code())) {
         case CLI::ExitCodes::ExtrasError:
             return "Option ou argument inconnu : " + unknownWords(app);
         case CLI::ExitCodes::RequiredError:
+            if (!firstWord.empty()) return "Commande inconnue : " + firstWord;
             return "Indiquez une commande.";
         case CLI::ExitCodes::ArgumentMismatch:
             return "Une option attend une valeur, ou en a reçu plusieurs.";
         case CLI::ExitCodes::ValidationError:
+            if (std::string(error.what()).rfind("--type", 0) != 0) {
+                return "Une option attend une valeur qui ne soit pas vide.";
+            }
             return "--type attend sauvegarde, restauration ou comparaison.";
         default:
             return "La ligne de commande n'a pas été comprise.";
@@ -153,7 +175,7 @@ std::optional<Arguments> parseArguments(int count, char** values, int& exitStatu
         exitStatus = app.exit(asked);
         return std::nullopt;
     } catch (const CLI::ParseError& error) {
-        exitStatus = refuse(frenchMessage(app, error));
+        exitStatus = refuse(frenchMessage(app, error, count > 1 ? values[1] : ""));
         return std::nullopt;
     }
     const std::string wrong = contradiction(arguments);

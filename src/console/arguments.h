@@ -17,8 +17,8 @@ struct Arguments {
     std::string destination;
     bool overwrite = false;
     bool keep = false;
-    bool confirmed = false;  // a restore needs no question
-    bool reversed = false;   // compare from destination to source
+    bool confirmed = false;                      // a restore needs no question
+    bool reversed = false;                       // compare from destination to source
     OperationKind kind = OperationKind::backup;  // whose journal
     bool journal = false;
     bool json = false;
@@ -26,8 +26,8 @@ struct Arguments {
     bool direct() const { return !source.empty(); }
 };
 
-/// Reads the command line. When there is nothing to run (help, version, wrong use) the text has been
-/// printed and `exitStatus` holds how the process ends.
+/// Reads the command line. When there is nothing to run (help, version, wrong use) the text has
+/// been printed and `exitStatus` holds how the process ends.
 std::optional<Arguments> parseArguments(int count, char** values, int& exitStatus);
 
 }  // namespace coffrelune::console

@@ -35,11 +35,12 @@ std::string dump(const Json& json) {
     return json.dump(2, ' ', false, Json::error_handler_t::replace);
 }
 
-Json asJson(const CopyError& error) { return {{"number", error.number}, {"path", error.path}}; }
+Json asJson(const CopyError& error) {
+    return {{"number", error.number}, {"path", error.path}};
+}
 
 // `copied` chooses between what the run copied and what a comparison found to copy.
-Json lineReport(const OperationHost& host, const RunStatistics& statistics, int line,
-                bool copied) {
+Json lineReport(const OperationHost& host, const RunStatistics& statistics, int line, bool copied) {
     const LineTally& tally = statistics.tallies[static_cast<std::size_t>(line)];
     Json report;
     report["line"] = line + 1;

@@ -10,8 +10,8 @@ namespace coffrelune::console {
 /// how the process ends.
 bool prepare(Session& session, const Arguments& arguments, ExitStatus& refusal);
 
-/// False, with a message that names the switches, when the run would ask before replacing a file and
-/// there is nobody to ask.
+/// False, with a message that names the switches, when the run would ask before replacing a file
+/// and there is nobody to ask.
 bool mayReplace(Session& session, const Arguments& arguments);
 
 }  // namespace coffrelune::console

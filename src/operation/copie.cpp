@@ -9,7 +9,9 @@ namespace {
 constexpr std::array<const char*, 3> captions = {"Sauvegarde ...", "Restauration ...",
                                                  "Comparaison ..."};
 constexpr std::array<const char*, 3> words = {"sauvegarde", "restauration", "comparaison"};
-constexpr std::array<const char*, 6> directionImages = {"", "sens-sauvegarde", "sens-restauration",
+constexpr std::array<const char*, 6> directionImages = {"",
+                                                        "sens-sauvegarde",
+                                                        "sens-restauration",
                                                         "sens-comparaison",
                                                         "sens-sauvegarde-erreur",
                                                         "sens-restauration-erreur"};
@@ -17,10 +19,7 @@ constexpr std::array<const char*, 6> directionImages = {"", "sens-sauvegarde", "
 }  // namespace
 
 Copie::Copie(SystemMod& system, RunStatistics& statistics, OperationHost& host)
-    : system_(system),
-      statistics_(statistics),
-      host_(host),
-      engine_(system, statistics, *this) {
+    : system_(system), statistics_(statistics), host_(host), engine_(system, statistics, *this) {
     Cmd.onClick = [this] { press(); };
     AnalyseChk.onClick = [this] { system_.SuiviAnalyse = AnalyseChk.checked() ? -1 : 0; };
     load();

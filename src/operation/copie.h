@@ -8,6 +8,7 @@
 #include "engine/operation_window.h"
 #include "operation/operation_host.h"
 #include "platform/controls.h"
+#include "platform/text_log.h"
 
 namespace coffrelune {
 

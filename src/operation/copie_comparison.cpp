@@ -40,8 +40,8 @@ void Copie::endComparison() {
         addToBoth("***** Comparaison interrompue");
         return;
     }
-    system_.duration = formatDuration(toMilliseconds(system_.platform.clock.now()) -
-                                      toMilliseconds(startTime_));
+    system_.duration =
+        formatDuration(toMilliseconds(system_.platform.clock.now()) - toMilliseconds(startTime_));
     statistics_.errorCount = statistics_.filesToCopy;
     addToBoth("***** Fin de la comparaison");
 }
@@ -55,10 +55,10 @@ void Copie::summarizeComparison() {
         return;
     }
     const Locale& locale = system_.platform.locale;
-    const std::string summary =
-        std::to_string(statistics_.filesToCopy) + " fichier(s) à copier soit " +
-        sizeText(statistics_.totalBytes, locale) + " (" +
-        formatGrouped(statistics_.totalBytes, locale) + " octets)";
+    const std::string summary = std::to_string(statistics_.filesToCopy) +
+                                " fichier(s) à copier soit " +
+                                sizeText(statistics_.totalBytes, locale) + " (" +
+                                formatGrouped(statistics_.totalBytes, locale) + " octets)";
     host_.comparisonSummary().setCaption(summary);
     AjouteECTxt(summary);
     AjouteECTxt("Durée de la " + caption() + " : " + system_.duration);

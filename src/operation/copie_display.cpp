@@ -5,22 +5,34 @@
 
 namespace coffrelune {
 
-void Copie::showSource(const std::string& path) { Lbl[1].setCaption("De: " + path); }
+void Copie::showSource(const std::string& path) {
+    Lbl[1].setCaption("De: " + path);
+}
 
-void Copie::showDestination(const std::string& path) { Lbl[3].setCaption("Vers: " + path); }
+void Copie::showDestination(const std::string& path) {
+    Lbl[3].setCaption("Vers: " + path);
+}
 
-void Copie::showFile(const std::string& path) { Lbl[4].setCaption(path); }
+void Copie::showFile(const std::string& path) {
+    Lbl[4].setCaption(path);
+}
 
 void Copie::showPercentage(int percent, const std::string& caption) {
     ProgBar.setValue(percent);
     Lbl[0].setCaption(caption);
 }
 
-void Copie::showRemainingTime(const std::string& caption) { Lbl[2].setCaption(caption); }
+void Copie::showRemainingTime(const std::string& caption) {
+    Lbl[2].setCaption(caption);
+}
 
-void Copie::showRate(const std::string& caption) { Lbl[5].setCaption(caption); }
+void Copie::showRate(const std::string& caption) {
+    Lbl[5].setCaption(caption);
+}
 
-void Copie::showCount(const std::string& caption) { Lbl[3].setCaption(caption); }
+void Copie::showCount(const std::string& caption) {
+    Lbl[3].setCaption(caption);
+}
 
 void Copie::addToComparison(const std::string& line) {
     host_.comparisonList().append(visibleControls(line));
@@ -55,6 +67,8 @@ int Copie::DemandeRemplacement(const std::string& fileName) {
     return question.answer();
 }
 
-void Copie::runPendingEvents() { system_.platform.windows.runPendingEvents(); }
+void Copie::runPendingEvents() {
+    system_.platform.windows.runPendingEvents();
+}
 
 }  // namespace coffrelune

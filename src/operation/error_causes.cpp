@@ -1,6 +1,7 @@
 #include "operation/error_causes.h"
 
 #include "platform/status.h"
+#include "system/display_text.h"
 
 namespace coffrelune {
 
@@ -21,7 +22,7 @@ std::string errorCause(std::uint32_t number, const std::string& sharingPath) {
             return "Le disque destination n'est pas formaté.";
         case error_number::sharingViolation:
         case error_number::lockViolation:
-            return "Impossible de copier: " + sharingPath +
+            return "Impossible de copier: " + visibleControls(sharingPath) +
                    ", Violation de partage.\n"
                    "Le fichier source ou destination est peut-être en cours d'utilisation.";
         case error_number::deviceDoesNotExist:

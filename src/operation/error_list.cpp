@@ -1,18 +1,11 @@
 #include "operation/error_list.h"
 
-#include "system/paths.h"
+#include "settings/error_list_name.h"
 
 namespace coffrelune {
-namespace {
-
-constexpr const char* letters = "SRC";  // by operation kind
-
-}  // namespace
 
 std::string errorListPath(const SystemMod& system, OperationKind kind) {
-    const std::string name = std::string(1, letters[static_cast<int>(kind)]) + "_" +
-                             cleanFileName(system.configurationName, "_") + ".err";
-    return joinPath(system.homeDirectory, name);
+    return errorListPath(system, system.configurationName, kind);
 }
 
 Status EcritErreurs(SystemMod& system, const std::string& journal) {
@@ -26,7 +19,8 @@ Status EcritErreurs(SystemMod& system, const std::string& journal) {
 std::string readErrorList(SystemMod& system, OperationKind kind) {
     constexpr std::uint64_t largest = std::uint64_t{1} << 30;
     std::string bytes;
-    const Status read = system.platform.files.readWhole(errorListPath(system, kind), largest, bytes);
+    const Status read =
+        system.platform.files.readWhole(errorListPath(system, kind), largest, bytes);
     return read.ok() ? system.platform.ansi.decode(bytes) : std::string();
 }
 

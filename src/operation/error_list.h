@@ -6,8 +6,7 @@
 
 namespace coffrelune {
 
-/// Path of the error list of one kind for the current configuration: "S_", "R_" or "C_", the name
-/// made fit for a file name, ".err", in the directory of the settings file.
+/// Path of the error list of one kind for the current configuration.
 std::string errorListPath(const SystemMod& system, OperationKind kind);
 
 /// Writes the journal of the operation in progress as its error list, in the ANSI code page. The

@@ -17,6 +17,8 @@ frmConfirm::frmConfirm(const std::string& fileName)
     }
 }
 
-std::vector<Button*> frmConfirm::buttons() { return {&Cmd[0], &Cmd[1], &Cmd[2], &Cmd[3]}; }
+std::vector<Button*> frmConfirm::buttons() {
+    return {&Cmd[0], &Cmd[1], &Cmd[2], &Cmd[3]};
+}
 
 }  // namespace coffrelune

@@ -3,7 +3,7 @@
 #include "operation/copie.h"
 #include "operation/error_causes.h"
 #include "operation/results.h"
-#include "system/paths.h"
+#include "system/sounds.h"
 
 namespace coffrelune {
 namespace {
@@ -91,7 +91,7 @@ void OperationLauncher::reset(std::int16_t mode) {
 void OperationLauncher::reportNothing(std::int16_t mode) {
     const bool treeOnly = system_.options.ArbreMode != 0;
     const std::string cause = errorCause(statistics_.lastErrorNumber, statistics_.sharingPath);
-    std::string text = treeOnly ? treeMessage()
+    std::string text = treeOnly                                          ? treeMessage()
                        : system_.operationKind == OperationKind::restore ? "Rien à restaurer !"
                                                                          : "Rien à sauvegarder !";
     if (!cause.empty()) text += "\n\n" + cause;
@@ -99,9 +99,9 @@ void OperationLauncher::reportNothing(std::int16_t mode) {
 }
 
 std::string OperationLauncher::treeMessage() const {
-    return "Copie de l'arborescence terminée !\n\n" +
-           std::to_string(statistics_.directoriesRead) + " répertoire(s) lu(s), " +
-           std::to_string(statistics_.directoriesCreated) + " répertoire(s) créé(s).";
+    return "Copie de l'arborescence terminée !\n\n" + std::to_string(statistics_.directoriesRead) +
+           " répertoire(s) lu(s), " + std::to_string(statistics_.directoriesCreated) +
+           " répertoire(s) créé(s).";
 }
 
 void OperationLauncher::report(std::int16_t mode, bool interrupted) {
@@ -132,11 +132,8 @@ std::string OperationLauncher::finishedMessage() const {
 // The success sound whatever happened: it says that the run is over, the message says how.
 void OperationLauncher::playEndSound(std::int16_t mode) {
     if (mode != startedByUser || system_.options.SignalSonore == 0) return;
-    const std::string path = joinPath(system_.homeDirectory, system_.soundNames[0] + ".wav");
-    FileEntry file;
-    if (system_.platform.sounds.deviceCount() < 1) return;
-    if (!system_.platform.files.lookUp(path, LinkRule::follow, file).ok()) return;
-    system_.platform.sounds.play(path);
+    playEndOfCopySound(system_.platform.sounds, system_.platform.files, system_.homeDirectory,
+                       system_.soundNames[0]);
 }
 
 // Nobody reads a box of an unattended run: it would keep the program waiting for ever.

@@ -24,8 +24,8 @@ class OperationLauncher {
     /// configuration and the user decide.
     void keepExistingFiles() { keepExisting_ = true; }
 
-    /// Runs a backup or a restore. `mode` 1: the user started it; any other value: unattended, which
-    /// asks nothing, shows no message and plays no sound.
+    /// Runs a backup or a restore. `mode` 1: the user started it; any other value: unattended,
+    /// which asks nothing, shows no message and plays no sound.
     RunEnd LanceOperation(std::int16_t mode);
 
     /// The two questions before a restore: true when both were answered OK.

@@ -17,7 +17,8 @@ struct LineTexts {
 Layout currentLayout(const SystemMod& system);
 
 /// In the reversed layout the left text is the destination joined with the source's last component
-/// by exactly one backslash, the destination alone for a drive root, and empty without a destination.
+/// by exactly one backslash, the destination alone for a drive root, and empty without a
+/// destination.
 LineTexts lineTexts(const SystemMod& system, int line);
 
 /// The places that every pass over the line uses.

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "platform/controls.h"
+#include "platform/text_log.h"
 #include "settings/system_mod.h"
 
 namespace coffrelune {

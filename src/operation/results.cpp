@@ -21,8 +21,8 @@ struct SummaryTexts {
 constexpr std::array<SummaryTexts, 3> summaryTexts = {{
     {"Dernière sauvegarde sans erreur le ", "Dernière sauvegarde avec erreur le ", " erreur(s)",
      "Durée de la sauvegarde: ", "Voir les erreurs"},
-    {"Dernière restauration sans erreur le ", "Dernière restauration avec erreur le ",
-     " erreur(s)", "Durée de la restauration: ", "Voir les erreurs"},
+    {"Dernière restauration sans erreur le ", "Dernière restauration avec erreur le ", " erreur(s)",
+     "Durée de la restauration: ", "Voir les erreurs"},
     {"Dernière comparaison sans copie le ", "Dernière comparaison avec copie le ", " copie(s)",
      "Durée de la comparaison: ", "Voir les copies"},
 }};

@@ -15,9 +15,9 @@ struct ResultSummary {
     std::string cleanLine;
     std::string problemLine;
     std::string countLine;
-    std::string cleanToolTip;    // the duration of each run
+    std::string cleanToolTip;  // the duration of each run
     std::string problemToolTip;
-    std::string linkText;        // opens the error list
+    std::string linkText;  // opens the error list
 };
 
 /// A clean run after one with problems hides the latter.

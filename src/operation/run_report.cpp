@@ -26,8 +26,8 @@ std::string namesOfConfigurations(SystemMod& system) {
 
 ExitStatus exitStatus(RunEnd end, const RunStatistics& statistics) {
     if (end == RunEnd::interrupted || end == RunEnd::cancelled) return ExitStatus::interrupted;
-    const bool trouble = statistics.errorCount > 0 || !statistics.errors.empty() ||
-                         anySourceMissing(statistics);
+    const bool trouble =
+        statistics.errorCount > 0 || !statistics.errors.empty() || anySourceMissing(statistics);
     return trouble ? ExitStatus::errors : ExitStatus::clean;
 }
 
@@ -55,7 +55,8 @@ void reportErrors(const SystemMod& system, const RunStatistics& statistics) {
     for (std::size_t line = 0; line < statistics.tallies.size(); ++line) {
         if (!statistics.tallies[line].sourceMissing) continue;
         windows.notice("Ligne " + std::to_string(line + 1) + " : la source " +
-                       rootsOfLine(system, static_cast<int>(line)).source + " est introuvable.");
+                       visibleControls(rootsOfLine(system, static_cast<int>(line)).source) +
+                       " est introuvable.");
     }
 }
 

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "platform/controls.h"
+#include "platform/text_log.h"
 #include "settings/system_mod.h"
 
 namespace coffrelune {

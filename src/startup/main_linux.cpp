@@ -30,9 +30,9 @@ int main(int count, char** values) {
     TerminalWindows windows(terminal, posix.clock(), signals, false);
     Platform platform{posix.files(), posix.drives(), posix.clock(), posix.locale(),
                       posix.ansi(),  posix.sounds(), windows};
-    SystemMod system(platform, {commandLineText(count, values),
-                                posix.drives().fromNative(settingsDirectory()),
-                                COFFRELUNE_VERSION_MAJOR, COFFRELUNE_VERSION_MINOR});
+    SystemMod system(
+        platform, {commandLineText(count, values), posix.drives().fromNative(settingsDirectory()),
+                   COFFRELUNE_VERSION_MAJOR, COFFRELUNE_VERSION_MINOR});
     if (!startUp(system, posix.guard())) return static_cast<int>(ExitStatus::interrupted);
     if (!system.AutoMode) {
         windows.notice(

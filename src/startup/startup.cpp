@@ -7,9 +7,10 @@ namespace coffrelune {
 
 bool startUp(SystemMod& system, InstanceGuard& guard) {
     if (!guard.claim(system.homeDirectory)) {
-        (void)system.platform.windows.showMessage({"LE PROGRAMME EST DEJA EN MEMOIRE !\r\n"
-                                                   "     (Regardez la barre des taches)",
-                                                   system.programTitle, MessageIcon::exclamation});
+        (void)system.platform.windows.showMessage(
+            {"LE PROGRAMME EST DEJA EN MEMOIRE !\r\n"
+             "     (Regardez la barre des taches)",
+             system.programTitle, MessageIcon::exclamation});
         return false;
     }
     system.LoadSettings();

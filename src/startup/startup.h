@@ -6,12 +6,12 @@
 
 namespace coffrelune {
 
-/// The first steps of every program: refuses a second process on the same settings with its message,
-/// before they are read, then loads them. False when refused.
+/// The first steps of every program: refuses a second process on the same settings with its
+/// message, before they are read, then loads them. False when refused.
 bool startUp(SystemMod& system, InstanceGuard& guard);
 
-/// An unattended backup of the current configuration, as "/Auto" starts it. A configuration that has
-/// no section is refused: a mistyped name must not pass for a backup.
+/// An unattended backup of the current configuration, as "/Auto" starts it. A configuration that
+/// has no section is refused: a mistyped name must not pass for a backup.
 ExitStatus runAuto(SystemMod& system);
 
 /// What the main window does when it closes: the configuration in use is remembered, unless it has

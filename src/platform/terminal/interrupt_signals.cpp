@@ -13,6 +13,8 @@ std::atomic<int> requests{0};
 std::atomic<FileService*> abandoned{nullptr};
 
 constexpr std::array<int, 3> watched = {SIGINT, SIGTERM, SIGHUP};
+// A reader that went away must not end a run in the middle of a file.
+constexpr int readerGone = SIGPIPE;
 
 extern "C" void onInterrupt(int signal) {
     const int count = ++requests;
@@ -31,16 +33,23 @@ InterruptSignals::InterruptSignals(FileService& files) {
     abandoned = &files;
     struct sigaction action {};
     action.sa_handler = onInterrupt;  // without SA_RESTART: a question being read must end
-    for (const int signal : watched) sigaction(signal, &action, nullptr);
-    // A reader that went away must not end a run in the middle of a file.
-    std::signal(SIGPIPE, SIG_IGN);
+    for (std::size_t i = 0; i < watched.size(); ++i) {
+        sigaction(watched[i], nullptr, &before_[i]);
+        // nohup, or a shell that starts a job in the background, ignores it on purpose.
+        if (before_[i].sa_handler != SIG_IGN) sigaction(watched[i], &action, nullptr);
+    }
+    action.sa_handler = SIG_IGN;
+    sigaction(readerGone, &action, &before_.back());
 }
 
 InterruptSignals::~InterruptSignals() {
-    for (const int signal : watched) std::signal(signal, SIG_DFL);
+    for (std::size_t i = 0; i < watched.size(); ++i) sigaction(watched[i], &before_[i], nullptr);
+    sigaction(readerGone, &before_.back(), nullptr);
     abandoned = nullptr;
 }
 
-int InterruptSignals::count() const { return requests; }
+int InterruptSignals::count() const {
+    return requests;
+}
 
 }  // namespace coffrelune

@@ -1,12 +1,16 @@
 #pragma once
 
+#include <array>
+#include <csignal>
+
 #include "platform/file_service.h"
 
 namespace coffrelune {
 
 /// Turns Ctrl-C, SIGTERM and the loss of the terminal into requests: the first asks the run to stop
 /// after the file in progress, the second gives that file up, the third ends the process at once.
-/// One object at a time; the signals get their usual meaning back with its end.
+/// A signal that whoever started the process ignores stays ignored. One object at a time; with its
+/// end the signals mean again what they meant before.
 class InterruptSignals {
   public:
     explicit InterruptSignals(FileService& files);
@@ -16,6 +20,9 @@ class InterruptSignals {
 
     /// Requests received so far.
     int count() const;
+
+  private:
+    std::array<struct sigaction, 4> before_{};
 };
 
 }  // namespace coffrelune

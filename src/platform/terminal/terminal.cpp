@@ -1,5 +1,6 @@
 #include "platform/terminal/terminal.h"
 
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -60,12 +61,24 @@ void Terminal::warn(const std::string& text) {
     write(errors, withLineFeeds(text));
 }
 
-bool Terminal::ask(const std::string& prompt, std::string& line) {
+void Terminal::question(const std::string& text) {
+    clearProgress();
+    write(canAsk_ ? askDescriptor_ : sayDescriptor_, withLineFeeds(text));
+}
+
+bool Terminal::ask(const std::string& prompt, std::string& line,
+                   const std::function<bool()>& givenUp) {
+    constexpr int betweenLooks = 100;  // milliseconds
     clearProgress();
     write(askDescriptor_, prompt);
     line.clear();
     for (char c = 0; c != '\n';) {
-        if (::read(input, &c, 1) != 1) return false;  // end of input, or interrupted by a signal
+        // A signal may come at any moment before the wait: only looking again finds it for certain.
+        pollfd waiting{input, POLLIN, 0};
+        const int ready = ::poll(&waiting, 1, betweenLooks);
+        if (givenUp && givenUp()) return false;
+        if (ready == 0 || (ready < 0 && errno == EINTR)) continue;
+        if (::read(input, &c, 1) != 1) return false;  // the end of the input
         if (c != '\n') line.push_back(c);
     }
     return true;

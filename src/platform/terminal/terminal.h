@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace coffrelune {
@@ -21,8 +22,13 @@ class Terminal {
 
     /// Somebody can be asked: the input and an output are a terminal.
     bool canAsk() const { return canAsk_; }
-    /// Shows a question and reads one line; false at the end of the input or when a signal came.
-    bool ask(const std::string& prompt, std::string& line);
+    /// What a question is about, shown where the answer will be typed; said when nobody can be
+    /// asked.
+    void question(const std::string& text);
+    /// Shows a prompt and reads one line; false at the end of the input, or as soon as `givenUp`,
+    /// asked several times a second, says so.
+    bool ask(const std::string& prompt, std::string& line,
+             const std::function<bool()>& givenUp = {});
 
     /// A line that is written over by the next one; nothing unless standard error is a terminal.
     void showProgress(const std::string& line);

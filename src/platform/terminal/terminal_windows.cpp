@@ -34,13 +34,15 @@ std::string withoutMnemonic(std::string caption) {
     return caption;
 }
 
-// Index of the chosen caption, or -1 when nobody answered.
-int choose(Terminal& terminal, const std::vector<std::string>& captions) {
+// Index of the chosen caption, or -1 when nobody answered, or a signal did.
+int choose(Terminal& terminal, const InterruptSignals& signals,
+           const std::vector<std::string>& captions) {
+    const auto givenUp = [&] { return signals.count() > 0; };
     std::string prompt;
     for (const std::string& caption : captions) {
         prompt += (prompt.empty() ? "" : " / ") + offered(caption);
     }
-    for (std::string line; terminal.canAsk() && terminal.ask(prompt + " : ", line);) {
+    for (std::string line; terminal.canAsk() && terminal.ask(prompt + " : ", line, givenUp);) {
         for (std::size_t i = 0; i < captions.size(); ++i) {
             const bool whole = equalIgnoringCase(trimBlanks(line), withoutMnemonic(captions[i]));
             if (whole || answers(line, captions[i])) return static_cast<int>(i);
@@ -74,11 +76,11 @@ void TerminalWindows::runOperation(Copie& operation) {
 
 void TerminalWindows::askWindow(Window& window) {
     window.activated();
-    for (const Label* label : window.labels()) terminal_.say(label->caption());
+    for (const Label* label : window.labels()) terminal_.question(label->caption());
     std::vector<std::string> captions;
     for (const Button* button : window.buttons()) captions.push_back(button->caption());
     while (window.open()) {
-        const int chosen = choose(terminal_, captions);
+        const int chosen = choose(terminal_, signals_, captions);
         if (chosen < 0) {
             window.closeBox();
         } else {
@@ -99,19 +101,24 @@ void TerminalWindows::runPendingEvents() {
 Answer TerminalWindows::showMessage(const MessageBoxText& message) {
     if (message.icon == MessageIcon::critical) {
         terminal_.warn(message.text);
+    } else if (message.buttons != MessageButtons::ok) {
+        terminal_.question(message.text);
     } else {
         terminal_.say(message.text);
     }
     switch (message.buttons) {
         case MessageButtons::okCancel:
-            return choose(terminal_, {"&OK", "&Annuler"}) == 0 ? Answer::ok : Answer::cancel;
+            return choose(terminal_, signals_, {"&OK", "&Annuler"}) == 0 ? Answer::ok
+                                                                         : Answer::cancel;
         case MessageButtons::yesNo:
-            return choose(terminal_, {"&Oui", "&Non"}) == 0 ? Answer::yes : Answer::no;
+            return choose(terminal_, signals_, {"&Oui", "&Non"}) == 0 ? Answer::yes : Answer::no;
         default:
             return Answer::ok;
     }
 }
 
-void TerminalWindows::notice(const std::string& text) { terminal_.warn(text); }
+void TerminalWindows::notice(const std::string& text) {
+    terminal_.warn(text);
+}
 
 }  // namespace coffrelune

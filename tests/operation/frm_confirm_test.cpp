@@ -1,0 +1,170 @@
+#include "operation/frm_confirm.h"
+
+#include "operation/operation_fixture.h"
+
+namespace coffrelune {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(FrmConfirm, NamesTheFileAndOffersFourAnswers) {
+    frmConfirm question("a.txt");
+    EXPECT_EQ(question.caption(), "Confirmation du remplacement du fichier");
+    EXPECT_EQ(question.Lbl[0].caption(), "Ce dossier contient déjà un fichier appelé 'a.txt'");
+    EXPECT_EQ(question.Lbl[1].caption(), "Etes-vous sûr de vouloir remplacer ce fichier ?");
+    std::vector<std::string> captions;
+    for (const Button* button : question.buttons()) captions.push_back(button->caption());
+    EXPECT_THAT(captions, ElementsAre("&Oui", "&Tous", "&Non", "Annuler"));
+    EXPECT_THAT(question.labels(), ElementsAre(&question.Lbl[0], &question.Lbl[1]));
+    EXPECT_EQ(question.Image1.image(), "attention");
+}
+
+TEST(FrmConfirm, AnswersWithTheIndexOfThePressedButtonAndCloses) {
+    for (int index = 0; index < 4; ++index) {
+        frmConfirm question("a.txt");
+        question.Cmd.at(static_cast<std::size_t>(index)).click();
+        EXPECT_EQ(question.answer(), index);
+        EXPECT_FALSE(question.open());
+    }
+}
+
+TEST(FrmConfirm, ClosedWithoutAButtonItCancels) {
+    frmConfirm question("a.txt");
+    question.closeBox();
+    EXPECT_EQ(question.answer(), 3);
+    EXPECT_FALSE(question.open());
+}
+
+/// Two files of C:\Docs have an older copy; Sub\b.txt is new.
+class Replacement : public OperationTest {
+  protected:
+    Replacement() {
+        placeOldCopy();
+        disk().file(R"(C:\Docs\d.txt)", "dddd", fileTimeAt(2024, 3, 1));
+        disk().file(R"(F:\Save\Docs\d.txt)", "old", fileTimeAt(2023, 1, 1));
+        selectOnly({0});
+    }
+    void press(std::size_t button) {
+        user().stepIn<frmConfirm>([this, button](frmConfirm& question) {
+            asked.push_back(question.Lbl[0].caption());
+            question.Cmd.at(button).click();
+        });
+    }
+    std::string copyOf(const std::string& name) {
+        return disk().content(R"(F:\Save\Docs\)" + name).value_or("(none)");
+    }
+    std::vector<std::string> asked;
+};
+
+TEST_F(Replacement, AsksForEachExistingFileAndForNoNewOne) {
+    press(0);
+    press(0);
+    runCopie();
+    EXPECT_THAT(asked, ElementsAre("Ce dossier contient déjà un fichier appelé 'a.txt'",
+                                   "Ce dossier contient déjà un fichier appelé 'd.txt'"));
+    EXPECT_EQ(copyOf("a.txt"), "aaaaa");
+    EXPECT_EQ(copyOf("d.txt"), "dddd");
+    EXPECT_EQ(copyOf(R"(Sub\b.txt)"), "bbb");
+}
+
+TEST_F(Replacement, AsksInTheCopyPassOnly) {
+    press(0);
+    press(0);
+    runCopie();
+    const auto shown =
+        std::find(events.begin(), events.end(), "shown Confirmation du remplacement du fichier");
+    ASSERT_NE(shown, events.end());
+    EXPECT_TRUE(statistics.copyPassStarted);
+    EXPECT_EQ(std::count(events.begin(), events.end(), *shown), 2);
+}
+
+TEST_F(Replacement, NonKeepsThatFileAndGoesOn) {
+    press(2);
+    press(0);
+    runCopie();
+    EXPECT_EQ(copyOf("a.txt"), "old");
+    EXPECT_EQ(copyOf("d.txt"), "dddd");
+    EXPECT_FALSE(statistics.interruptionRequested);
+}
+
+TEST_F(Replacement, TousAsksNoMoreInThisRun) {
+    press(1);
+    runCopie();
+    EXPECT_EQ(asked.size(), 1U);
+    EXPECT_EQ(copyOf("a.txt"), "aaaaa");
+    EXPECT_EQ(copyOf("d.txt"), "dddd");
+}
+
+TEST_F(Replacement, TousDoesNotLastUntilTheNextRun) {
+    press(1);
+    runCopie();
+    placeOldCopy();
+    press(0);
+    runCopie();
+    EXPECT_EQ(asked.size(), 2U);
+}
+
+TEST_F(Replacement, AnnulerStopsTheRunAndKeepsTheFile) {
+    press(3);
+    runCopie();
+    EXPECT_TRUE(statistics.interruptionRequested);
+    EXPECT_EQ(copyOf("a.txt"), "old");
+    EXPECT_EQ(copyOf("d.txt"), "old");
+    EXPECT_EQ(copyOf(R"(Sub\b.txt)"), "(none)");
+}
+
+TEST_F(Replacement, ClosingTheQuestionStopsTheRunToo) {
+    user().stepIn<frmConfirm>([](frmConfirm& question) { question.closeBox(); });
+    runCopie();
+    EXPECT_TRUE(statistics.interruptionRequested);
+    EXPECT_EQ(copyOf("a.txt"), "old");
+}
+
+TEST_F(Replacement, IsNotAskedWithOverwritingWithoutConfirmation) {
+    system.Confirmation = 1;
+    runCopie();
+    EXPECT_EQ(copyOf("a.txt"), "aaaaa");
+    EXPECT_EQ(copyOf("d.txt"), "dddd");
+}
+
+TEST_F(Replacement, IsAskedWhenTheSettingIsAnythingButOne) {
+    system.Confirmation = -1;
+    press(0);
+    press(0);
+    runCopie();
+    EXPECT_EQ(asked.size(), 2U);
+}
+
+TEST_F(Replacement, IsNotAskedByAnUnattendedRun) {
+    EXPECT_EQ(launch(0), RunEnd::finished);
+    EXPECT_EQ(copyOf("a.txt"), "aaaaa");
+    EXPECT_EQ(copyOf("d.txt"), "dddd");
+}
+
+TEST_F(Replacement, KeepingExistingFilesAsksNothingAndCopiesTheNewOnes) {
+    launcher = std::make_unique<OperationLauncher>(system, host);
+    launcher->keepExistingFiles();
+    user().answer(Answer::ok);
+    EXPECT_EQ(launcher->LanceOperation(1), RunEnd::finished);
+    EXPECT_EQ(copyOf("a.txt"), "old");
+    EXPECT_EQ(copyOf("d.txt"), "old");
+    EXPECT_EQ(copyOf(R"(Sub\b.txt)"), "bbb");
+}
+
+TEST_F(Replacement, ShowsAFileNameWithALineEndOnOneLine) {
+    copie = std::make_unique<Copie>(system, statistics, host);
+    press(2);
+    EXPECT_EQ(copie->DemandeRemplacement("a\nb"), 2);
+    EXPECT_THAT(asked, ElementsAre("Ce dossier contient déjà un fichier appelé 'a␊b'"));
+}
+
+TEST_F(Replacement, LetsEventsRunAfterTheQuestionIsGone) {
+    copie = std::make_unique<Copie>(system, statistics, host);
+    press(0);
+    const std::uint64_t before = user().pendingEventsCount();
+    EXPECT_EQ(copie->DemandeRemplacement("a.txt"), 0);
+    EXPECT_EQ(user().pendingEventsCount(), before + 1);
+}
+
+}  // namespace
+}  // namespace coffrelune

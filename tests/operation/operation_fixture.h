@@ -1,0 +1,143 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "operation/copie.h"
+#include "operation/lance_operation.h"
+#include "operation/shared_host.h"
+#include "platform/memory/faulty_files.h"
+#include "platform/memory/memory_platform.h"
+
+namespace coffrelune {
+
+using Events = std::vector<std::string>;
+
+/// The lines as the shared state holds them; what the operation changes in the window that launched
+/// it is written down.
+class RecordingHost final : public OperationHost {
+  public:
+    RecordingHost(SystemMod& system, Events& events) : lines_(system), events_(events) {}
+
+    int lineCount() const override { return lines_.lineCount(); }
+    bool lineSelected(int line) const override { return lines_.lineSelected(line); }
+    std::string lineSource(int line) const override { return lines_.lineSource(line); }
+    std::string lineDestination(int line) const override { return lines_.lineDestination(line); }
+    void showLineDone(int line, bool done) override;
+    void setLaunchEnabled(bool enabled) override;
+    void setTimerEnabled(bool enabled) override;
+    void resultStored(OperationKind kind) override;
+    TextLog& comparisonList() override { return lines_.comparisonList(); }
+    Label& comparisonSummary() override { return lines_.comparisonSummary(); }
+
+  private:
+    SharedHost lines_;
+    Events& events_;
+};
+
+/// Forwards to the user of the test and writes down what is shown, with the changes of the
+/// operation window's labels and progress bar.
+class WatchedWindows final : public WindowService, public ControlPeer {
+  public:
+    WatchedWindows(MemoryWindows& inner, Events& events) : inner_(inner), events_(events) {}
+
+    void showModal(Window& window) override;
+    void runPendingEvents() override { inner_.runPendingEvents(); }
+    Answer showMessage(const MessageBoxText& message) override;
+    void notice(const std::string& text) override;
+    void controlChanged(Control& control) override;
+
+    /// The operation window that is open, else null.
+    Copie* operation() const { return operation_; }
+    /// Changes of the operation window, as "Lbl1: text", "ProgBar: 42", "ProgBar: marquee" or
+    /// "AnalyseChk: visible".
+    const Events& changes() const { return changes_; }
+    /// The same of one control only, without its name.
+    Events changesOf(const std::string& control) const;
+
+  private:
+    void watch(Copie& operation, ControlPeer* peer);
+
+    MemoryWindows& inner_;
+    Events& events_;
+    Events changes_;
+    std::map<const Control*, std::string> names_;
+    Copie* operation_ = nullptr;
+};
+
+class WatchedSounds final : public SoundService {
+  public:
+    explicit WatchedSounds(Events& events) : events_(events) {}
+
+    int deviceCount() override { return devices; }
+    void play(const std::string& path) override { events_.push_back("sound " + path); }
+
+    int devices = 1;
+
+  private:
+    Events& events_;
+};
+
+/// Two selected lines of the configuration Travail on drives in memory: C:\Docs (a.txt of 5 bytes
+/// and Sub\b.txt of 3) to F:\Save, and D:\Photos (c.jpg of 8) to G:\Save. The settings file is
+/// C:\Coffrelune\Coffrelune.ini. Overwriting asks, an error stops the run.
+class OperationTest : public testing::Test {
+  protected:
+    static constexpr const char* home = R"(C:\Coffrelune)";
+
+    OperationTest();
+    void TearDown() override;
+
+    MemoryDisk& disk() { return memory.disk(); }
+    MemoryWindows& user() { return memory.windows(); }
+    MemoryClock& clock() { return memory.clock(); }
+
+    void selectOnly(const std::vector<int>& lines);
+    /// An older copy of C:\Docs\a.txt lies in the destination.
+    void placeOldCopy();
+    /// Copying this file fails with this number, at both attempts.
+    void failCopyOf(const std::string& source, std::uint32_t number);
+    /// Calls `action` once, when the events run next and `when` is true of the open window.
+    void whenEventsRun(std::function<bool(Copie&)> when, std::function<void(Copie&)> action);
+    /// The user presses "Annuler" and answers "Oui" as soon as the label says this.
+    void interruptAtLabel(std::size_t label, const std::string& text);
+
+    /// Runs the operation window alone, without its launcher; `copie` and `statistics` stay.
+    void runCopie();
+    RunEnd launch(std::int16_t mode);
+    Events journal() const;
+    std::string setting(const std::string& section, const std::string& key);
+    std::string errorList(const std::string& name);
+    /// "source destination" of every attempt to copy, in order.
+    Events copies() const;
+    /// The events that begin like this.
+    Events eventsThat(const std::string& beginLike) const;
+
+    MemoryPlatform memory;
+    FaultyFiles faults{memory.files()};
+    Events events;
+    WatchedWindows windows{memory.windows(), events};
+    WatchedSounds sounds{events};
+    Windows1252 ansi;
+    Platform platform{faults, memory.drives(), memory.clock(), memory.locale(),
+                      ansi,   sounds,          windows};
+    SystemMod system;
+    RecordingHost host{system, events};
+    RunStatistics statistics;
+    std::unique_ptr<Copie> copie;
+    std::unique_ptr<OperationLauncher> launcher;
+};
+
+/// The last message that the user saw.
+MATCHER_P3(IsMessage, text, title, icon, "") {
+    *result_listener << "\"" << arg.text << "\" titled \"" << arg.title << "\"";
+    return arg.text == text && arg.title == title && arg.icon == icon;
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,90 @@
+#include "operation/run_report.h"
+
+#include "operation/operation_fixture.h"
+
+namespace coffrelune {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class RunReport : public OperationTest {
+  protected:
+    static constexpr const char* settings = R"(C:\Coffrelune\Coffrelune.ini)";
+};
+
+TEST_F(RunReport, ExitsWithZeroWhenAllWentWellOrNothingWasToDo) {
+    EXPECT_EQ(exitStatus(RunEnd::finished, statistics), ExitStatus::clean);
+    EXPECT_EQ(exitStatus(RunEnd::nothing, statistics), ExitStatus::clean);
+    EXPECT_EQ(static_cast<int>(ExitStatus::clean), 0);
+}
+
+TEST_F(RunReport, ExitsWithOneAfterErrors) {
+    statistics.errorCount = 1;
+    EXPECT_EQ(exitStatus(RunEnd::finished, statistics), ExitStatus::errors);
+    EXPECT_EQ(exitStatus(RunEnd::nothing, statistics), ExitStatus::errors);
+    EXPECT_EQ(static_cast<int>(ExitStatus::errors), 1);
+}
+
+TEST_F(RunReport, ExitsWithOneWhenASourceWasNotThere) {
+    statistics.tallies.resize(2);
+    statistics.tallies[1].sourceMissing = true;
+    EXPECT_EQ(exitStatus(RunEnd::nothing, statistics), ExitStatus::errors);
+}
+
+TEST_F(RunReport, ExitsWithThreeWhenInterruptedOrRefused) {
+    EXPECT_EQ(exitStatus(RunEnd::interrupted, statistics), ExitStatus::interrupted);
+    EXPECT_EQ(exitStatus(RunEnd::cancelled, statistics), ExitStatus::interrupted);
+    statistics.errorCount = 1;
+    EXPECT_EQ(exitStatus(RunEnd::interrupted, statistics), ExitStatus::interrupted);
+    EXPECT_EQ(static_cast<int>(ExitStatus::wrongUse), 2);
+    EXPECT_EQ(static_cast<int>(ExitStatus::interrupted), 3);
+}
+
+TEST_F(RunReport, FindsTheCurrentConfiguration) {
+    disk().file(settings, "[Travail]\r\nSource0=x\r\n");
+    EXPECT_TRUE(settingsUsable(system));
+    EXPECT_THAT(user().notices(), IsEmpty());
+}
+
+TEST_F(RunReport, NamesTheConfigurationsWhenTheCurrentOneDoesNotExist) {
+    disk().file(settings, "[Position]\r\n[General]\r\n[Maison]\r\n");
+    EXPECT_FALSE(settingsUsable(system));
+    EXPECT_THAT(user().notices(), ElementsAre("La configuration « Travail » n'existe pas.\n"
+                                              "Configurations enregistrées : General, Maison"));
+}
+
+TEST_F(RunReport, SaysThatThereIsNoConfigurationAtAll) {
+    EXPECT_FALSE(settingsUsable(system));
+    EXPECT_THAT(user().notices(), ElementsAre("La configuration « Travail » n'existe pas.\n"
+                                              "Aucune configuration n'est enregistrée."));
+}
+
+TEST_F(RunReport, SaysThatTheSettingsCannotBeRead) {
+    disk().file(settings, "[Travail]\r\n");
+    disk().setUnreadable(settings);
+    EXPECT_FALSE(settingsUsable(system));
+    EXPECT_THAT(user().notices(),
+                ElementsAre(R"(Le fichier de configuration C:\Coffrelune\Coffrelune.ini ne peut )"
+                            "pas être lu (erreur 5). Il est laissé tel quel."));
+    EXPECT_EQ(disk().content(settings), "[Travail]\r\n");
+}
+
+TEST_F(RunReport, NamesEveryErrorOnALineOfItsOwn) {
+    statistics.errors = {{5, R"(C:\Docs\a.txt)", 0}, {32, "C:\\Docs\\b\n\x1b[2J", 0}};
+    reportErrors(system, statistics);
+    EXPECT_THAT(user().notices(), ElementsAre(R"(Erreur: 5 - Fichier: C:\Docs\a.txt)",
+                                              R"(Erreur: 32 - Fichier: C:\Docs\b␊␛[2J)"));
+}
+
+TEST_F(RunReport, NamesEveryLineWithoutItsSource) {
+    system.sources[1] = "D:\\Absent\x1b[2J";
+    statistics.tallies.resize(2);
+    statistics.tallies[1].sourceMissing = true;
+    reportErrors(system, statistics);
+    EXPECT_THAT(user().notices(),
+                ElementsAre(R"(Ligne 2 : la source D:\Absent␛[2J est introuvable.)"));
+}
+
+}  // namespace
+}  // namespace coffrelune

@@ -1,0 +1,313 @@
+#include "platform/terminal/terminal_windows.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <csignal>
+#include <fstream>
+#include <functional>
+#include <thread>
+
+#include "operation/frm_confirm.h"
+#include "operation/lance_operation.h"
+#include "operation/shared_host.h"
+#include "platform/memory/memory_platform.h"
+#include "terminal/default_signals.h"
+#include "terminal/redirected_streams.h"
+
+namespace coffrelune {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+/// A program on a disk in memory whose windows are the test's terminal. Everything that uses
+/// `program` happens within `run`, which ends with finish().
+class TerminalWindowsTest : public testing::Test {
+  protected:
+    struct Program {
+        Program(MemoryPlatform& memory, bool journal)
+            : signals(memory.files()),
+              windows(terminal, memory.clock(), signals, journal),
+              base(memory.platform()),
+              platform{base.files, base.drives, base.clock, base.locale,
+                       base.ansi,  base.sounds, windows},
+              system(platform, {"", R"(C:\Coffrelune)", 3, 5}),
+              host(system) {
+            system.configurationName = "Travail";
+            system.sources[0] = R"(C:\Docs)";
+            system.destinations[0] = R"(F:\Save)";
+            system.selected[0] = 1;
+            system.Modifie = 1;
+        }
+        Terminal terminal{false};
+        InterruptSignals signals;
+        TerminalWindows windows;
+        Platform base;
+        Platform platform;
+        SystemMod system;
+        SharedHost host;
+    };
+
+    TerminalWindowsTest() {
+        memory.disk().directory(R"(C:\Coffrelune)");
+        memory.disk().file(R"(C:\Docs\a.txt)", "aaaaa", fileTimeAt(2024, 3, 1));
+        memory.disk().file(R"(C:\Docs\b.txt)", "bbb", fileTimeAt(2024, 3, 1));
+        memory.disk().directory(R"(F:\Save)");
+    }
+
+    void run(const StreamLayout& layout, const std::string& typed,
+             const std::function<void(Program&)>& action, bool journal = false) {
+        RedirectedStreams streams(layout);
+        streams.type(typed);
+        {
+            Program program(memory, journal);
+            action(program);
+        }
+        streams.finish();
+        screen = streams.onTerminal();
+        output = streams.onOutput();
+        errors = streams.onErrors();
+    }
+    RunEnd backup(const StreamLayout& layout, const std::string& typed = {}, bool journal = false) {
+        RunEnd end = RunEnd::cancelled;
+        run(
+            layout, typed,
+            [&](Program& program) {
+                OperationLauncher launcher(program.system, program.host);
+                end = launcher.LanceOperation(1);
+            },
+            journal);
+        return end;
+    }
+    int confirm(const std::string& typed, const StreamLayout& layout = interactive) {
+        int answer = -1;
+        run(layout, typed, [&](Program& program) {
+            frmConfirm question("a.txt");
+            program.windows.showModal(question);
+            answer = question.answer();
+        });
+        return answer;
+    }
+
+    DefaultSignals defaultSignals;
+    MemoryPlatform memory;
+    std::string screen;
+    std::string output;
+    std::string errors;
+};
+
+constexpr const char* replaceQuestion =
+    "Ce dossier contient déjà un fichier appelé 'a.txt'\n"
+    "Etes-vous sûr de vouloir remplacer ce fichier ?\n";
+constexpr const char* replacePrompt = "[O]ui / [T]ous / [N]on / [A]nnuler : ";
+
+// ---- questions ----------------------------------------------------------------------------------
+
+TEST_F(TerminalWindowsTest, AWindowIsAQuestionWithItsButtonsAsAnswers) {
+    EXPECT_EQ(confirm("o\n"), 0);
+    EXPECT_EQ(screen, std::string(replaceQuestion) + replacePrompt);
+}
+
+TEST_F(TerminalWindowsTest, AnAnswerIsALetterOrTheWholeWordInAnyCase) {
+    EXPECT_EQ(confirm("t\n"), 1);
+    EXPECT_EQ(confirm("N\n"), 2);
+    EXPECT_EQ(confirm(" a \n"), 3);
+    EXPECT_EQ(confirm("OUI\n"), 0);
+    EXPECT_EQ(confirm("annuler\n"), 3);
+}
+
+TEST_F(TerminalWindowsTest, AnUnknownAnswerAsksAgain) {
+    EXPECT_EQ(confirm("\nou\nx\nn\n"), 2);
+    const std::string prompt = replacePrompt;
+    EXPECT_EQ(screen, replaceQuestion + prompt + prompt + prompt + prompt);
+}
+
+TEST_F(TerminalWindowsTest, TheEndOfTheInputIsTheCloseBox) {
+    EXPECT_EQ(confirm("x\n\x04"), 3);
+}
+
+TEST_F(TerminalWindowsTest, WithNobodyToAskTheWindowIsClosed) {
+    EXPECT_EQ(confirm("", noTerminal), 3);
+    EXPECT_THAT(output + errors, Not(HasSubstr("[O]ui")));
+}
+
+TEST_F(TerminalWindowsTest, TheWholeQuestionStandsWhereTheAnswerIsTyped) {
+    EXPECT_EQ(confirm("o\n", {true, false, true}), 0);
+    EXPECT_EQ(screen, std::string(replaceQuestion) + replacePrompt);
+}
+
+TEST_F(TerminalWindowsTest, AMessageBoxWithAChoiceIsAsked) {
+    Answer first = Answer::ok;
+    Answer second = Answer::yes;
+    run(interactive, "o\nn\n", [&](Program& program) {
+        first = program.windows.showMessage({"Confirmez-vous la copie ?", "titre",
+                                             MessageIcon::question, MessageButtons::okCancel});
+        second = program.windows.showMessage(
+            {"Encore ?", "titre", MessageIcon::question, MessageButtons::yesNo});
+    });
+    EXPECT_EQ(first, Answer::ok);
+    EXPECT_EQ(second, Answer::no);
+    EXPECT_EQ(screen, "Confirmez-vous la copie ?\n[O]K / [A]nnuler : Encore ?\n[O]ui / [N]on : ");
+}
+
+TEST_F(TerminalWindowsTest, AMessageBoxThatNobodyAnswersIsRefused) {
+    Answer first = Answer::ok;
+    Answer second = Answer::yes;
+    run(noTerminal, "", [&](Program& program) {
+        first = program.windows.showMessage(
+            {"Un ?", "", MessageIcon::question, MessageButtons::okCancel});
+        second = program.windows.showMessage(
+            {"Deux ?", "", MessageIcon::question, MessageButtons::yesNo});
+    });
+    EXPECT_EQ(first, Answer::cancel);
+    EXPECT_EQ(second, Answer::no);
+    EXPECT_EQ(output, "Un ?\nDeux ?\n");
+}
+
+TEST_F(TerminalWindowsTest, MessagesAreLinesAndNoticesWarnings) {
+    run(noTerminal, "", [&](Program& program) {
+        EXPECT_EQ(program.windows.showMessage({"fini\r\n\r\nDurée", "", MessageIcon::information}),
+                  Answer::ok);
+        EXPECT_EQ(program.windows.showMessage({"grave", "", MessageIcon::critical}), Answer::ok);
+        program.windows.notice("note");
+    });
+    EXPECT_EQ(output, "fini\n\nDurée\n");
+    EXPECT_EQ(errors, "grave\nnote\n");
+}
+
+// ---- an operation -------------------------------------------------------------------------------
+
+TEST_F(TerminalWindowsTest, ARunWithoutATerminalPrintsItsMessageAndNoEscapeCode) {
+    EXPECT_EQ(backup(noTerminal), RunEnd::finished);
+    EXPECT_EQ(output, "Sauvegarde terminée sans erreur.\n\nDurée : 00:00:00\n");
+    EXPECT_EQ(errors, "");
+}
+
+TEST_F(TerminalWindowsTest, TheJournalIsPrintedLineByLineWhenItIsWanted) {
+    memory.disk().setInUse(R"(C:\Docs\a.txt)");
+    EXPECT_EQ(backup(noTerminal, "", true), RunEnd::interrupted);
+    EXPECT_EQ(
+        output,
+        "Début de la Sauvegarde ...\nErreur: 32 - Fichier: C:\\Docs\\a.txt\n"
+        "Fin de la Sauvegarde ... 1 erreur(s).\nDurée de la Sauvegarde ... : 00:00:00\n"
+        "Sauvegarde interrompue !\n\nImpossible de copier: C:\\Docs\\, Violation de partage.\n"
+        "Le fichier source ou destination est peut-être en cours d'utilisation.\n");
+}
+
+TEST_F(TerminalWindowsTest, ARunWithErrorsDoesNotWaitForFermer) {
+    memory.disk().setInUse(R"(C:\Docs\a.txt)");
+    EXPECT_EQ(backup(interactive), RunEnd::interrupted);
+    EXPECT_THAT(screen, Not(HasSubstr("[F]ermer")));
+    EXPECT_TRUE(memory.disk().exists(R"(C:\Coffrelune\S_Travail.err)"));
+}
+
+TEST_F(TerminalWindowsTest, TheReplacementIsAskedOnTheTerminal) {
+    memory.disk().file(R"(F:\Save\Docs\a.txt)", "old", fileTimeAt(2023, 1, 1));
+    memory.disk().file(R"(F:\Save\Docs\b.txt)", "old", fileTimeAt(2023, 1, 1));
+    EXPECT_EQ(backup(interactive, "n\no\n"), RunEnd::finished);
+    EXPECT_EQ(memory.disk().content(R"(F:\Save\Docs\a.txt)"), "old");
+    EXPECT_EQ(memory.disk().content(R"(F:\Save\Docs\b.txt)"), "bbb");
+    EXPECT_THAT(screen, HasSubstr(std::string(replaceQuestion) + replacePrompt));
+}
+
+TEST_F(TerminalWindowsTest, TheProgressIsOneLineThatIsGoneAtTheEnd) {
+    memory.files().setCopyCost(200, 0);
+    memory.clock().advanceSeconds(60);
+    EXPECT_EQ(backup({true, true, true, 200}), RunEnd::finished);
+    EXPECT_THAT(screen, HasSubstr("\r62% copiés (5 octets de 8 octets)  "
+                                  "Temps restant: Calcul en cours ...  De: C:\\Docs\\\x1b[K"));
+    const std::string end = "\r\x1b[KSauvegarde terminée sans erreur.\n\nDurée : 00:00:00\n";
+    ASSERT_GE(screen.size(), end.size());
+    EXPECT_EQ(screen.substr(screen.size() - end.size()), end);
+    const std::string line = screen.substr(0, screen.size() - end.size());
+    EXPECT_EQ(line.find('\n'), std::string::npos);
+}
+
+TEST_F(TerminalWindowsTest, TheProgressShowsThePhasesBeforeTheCopy) {
+    memory.clock().advanceSeconds(60);
+    run(interactive, "", [&](Program& program) {
+        RunStatistics statistics;
+        Copie window(program.system, statistics, program.host);
+        ProgressLine line(window, program.terminal, false);
+        window.Lbl[1].setCaption("Analyse de la copie...");
+        window.Lbl[3].setCaption("Analyse de :");
+        window.Lbl[4].setCaption("C:\\Docs\\a\x1b[2J.txt");
+        line.refresh(1000);
+    });
+    EXPECT_EQ(screen, "\rAnalyse de la copie...  Analyse de :  C:\\Docs\\a␛[2J.txt\x1b[K\r\x1b[K");
+}
+
+TEST_F(TerminalWindowsTest, TheProgressIsDrawnTenTimesASecondAtMostAndOnlyAfterAChange) {
+    run(interactive, "", [&](Program& program) {
+        RunStatistics statistics;
+        Copie window(program.system, statistics, program.host);
+        ProgressLine line(window, program.terminal, false);
+        window.Lbl[1].setCaption("un");
+        line.refresh(1000);
+        window.Lbl[1].setCaption("deux");
+        line.refresh(1099);  // too early
+        window.Lbl[1].setCaption("trois");
+        line.refresh(1100);
+        line.refresh(1300);  // nothing has changed
+    });
+    EXPECT_EQ(screen, "\run\x1b[K\rtrois\x1b[K\r\x1b[K");
+}
+
+// ---- interruption -------------------------------------------------------------------------------
+
+TEST_F(TerminalWindowsTest, TheFirstSignalStopsTheRunAfterTheFileInProgress) {
+    memory.files().setCopyCost(20, 0);
+    memory.clock().advanceSeconds(60);
+    bool raised = false;
+    memory.files().copyHook = [&](const CopyMoment&) {
+        if (!std::exchange(raised, true)) std::raise(SIGINT);
+    };
+    EXPECT_EQ(backup(noTerminal), RunEnd::interrupted);
+    EXPECT_EQ(memory.disk().content(R"(F:\Save\Docs\a.txt)"), "aaaaa");
+    EXPECT_FALSE(memory.disk().exists(R"(F:\Save\Docs\b.txt)"));
+    EXPECT_EQ(output, "Sauvegarde interrompue !\n\n\n");
+}
+
+TEST_F(TerminalWindowsTest, TheSecondSignalKeepsTheOldCopyOfTheFileInProgress) {
+    memory.disk().file(R"(F:\Save\Docs\a.txt)", "old", fileTimeAt(2023, 1, 1));
+    memory.files().copyHook = [&](const CopyMoment&) {
+        std::raise(SIGTERM);
+        std::raise(SIGTERM);
+    };
+    EXPECT_EQ(backup(interactive, "t\n"), RunEnd::interrupted);
+    EXPECT_EQ(memory.disk().content(R"(F:\Save\Docs\a.txt)"), "old");
+    EXPECT_FALSE(memory.disk().exists(R"(F:\Save\Docs\b.txt)"));
+}
+
+TEST_F(TerminalWindowsTest, ASignalDuringTheQuestionCancelsTheRun) {
+    memory.disk().file(R"(F:\Save\Docs\a.txt)", "old", fileTimeAt(2023, 1, 1));
+    memory.clock().advanceSeconds(60);
+    std::atomic<bool> stop{false};
+    const pthread_t reader = pthread_self();
+    const std::string state = "/proc/self/task/" + std::to_string(gettid()) + "/syscall";
+    const std::string reading = std::to_string(SYS_read) + " 0x0 ";  // from the input
+    // Raised when the question is being read: then, and only then, it waits in this system call.
+    std::thread user([&] {
+        for (std::string call; !stop; call.clear()) {
+            std::ifstream file(state);
+            std::getline(file, call);
+            if (call.rfind(reading, 0) != 0) continue;
+            pthread_kill(reader, SIGINT);
+            return;
+        }
+    });
+    const RunEnd end = backup(interactive);
+    stop = true;
+    user.join();
+    EXPECT_EQ(end, RunEnd::interrupted);
+    EXPECT_EQ(memory.disk().content(R"(F:\Save\Docs\a.txt)"), "old");
+    EXPECT_THAT(screen, HasSubstr("Sauvegarde interrompue !"));
+}
+
+}  // namespace
+}  // namespace coffrelune
