@@ -1,0 +1,77 @@
+#include "operation/line_texts.h"
+
+#include "operation/operation_fixture.h"
+
+namespace coffrelune {
+namespace {
+
+class LineEdit : public OperationTest {
+  protected:
+    void reversed() { system.operationKind = OperationKind::restore; }
+    LineTexts texts() { return lineTexts(system, 0); }
+};
+
+TEST_F(LineEdit, InTheNormalLayoutEachLabelIsOnePath) {
+    editLine(system, 0, LineSide::left, R"(C:\Other)");
+    editLine(system, 0, LineSide::right, R"(G:\Copies)");
+    EXPECT_EQ(system.sources[0], R"(C:\Other)");
+    EXPECT_EQ(system.destinations[0], R"(G:\Copies)");
+    EXPECT_EQ(setting("Travail", "Source0"), R"(C:\Other)");
+    EXPECT_EQ(setting("Travail", "Destination0"), R"(G:\Copies)");
+}
+
+TEST_F(LineEdit, OfTheLeftLabelInARestoreLosesTheAppendedComponent) {
+    reversed();
+    ASSERT_EQ(texts().source, R"(F:\Save\Docs)");
+    editLine(system, 0, LineSide::left, R"(G:\Copies\Docs)");
+    EXPECT_EQ(texts().source, R"(G:\Copies\Docs)");
+    system.operationKind = OperationKind::backup;
+    EXPECT_EQ(texts().destination, R"(G:\Copies)");
+    EXPECT_EQ(setting("Travail", "Destination0"), R"(G:\Copies)");
+    EXPECT_EQ(setting("Travail", "Source0"), R"(C:\Docs)");
+}
+
+TEST_F(LineEdit, OfTheLeftLabelWithoutTheComponentIsTheDestination) {
+    reversed();
+    editLine(system, 0, LineSide::left, R"(G:\Copies)");
+    EXPECT_EQ(system.destinations[0], R"(G:\Copies)");
+    EXPECT_EQ(texts().source, R"(G:\Copies\Docs)");
+}
+
+TEST_F(LineEdit, OfTheLeftLabelDownToADriveKeepsItsRoot) {
+    reversed();
+    editLine(system, 0, LineSide::left, R"(G:\Docs)");
+    EXPECT_EQ(system.destinations[0], "G:\\");
+    EXPECT_EQ(texts().source, R"(G:\Docs)");
+}
+
+TEST_F(LineEdit, OfTheRightLabelInAReversedLayoutChangesTheSourceAlone) {
+    reversed();
+    editLine(system, 0, LineSide::right, R"(C:\Papers)");
+    EXPECT_EQ(system.sources[0], R"(C:\Papers)");
+    EXPECT_EQ(system.destinations[0], R"(F:\Save)");
+    system.operationKind = OperationKind::comparison;
+    system.comparisonReversed = true;
+    editLine(system, 0, LineSide::right, R"(C:\Files)");
+    EXPECT_EQ(system.sources[0], R"(C:\Files)");
+    EXPECT_EQ(system.destinations[0], R"(F:\Save)");
+}
+
+TEST_F(LineEdit, OfADriveRootsCopyTakesTheTextWhole) {
+    system.sources[0] = "E:\\";
+    reversed();
+    EXPECT_EQ(texts().source, R"(F:\Save)");
+    editLine(system, 0, LineSide::left, R"(G:\E)");
+    EXPECT_EQ(system.destinations[0], R"(G:\E)");
+}
+
+TEST_F(LineEdit, EmptiedLeftLabelEmptiesTheDestination) {
+    reversed();
+    editLine(system, 0, LineSide::left, "");
+    EXPECT_EQ(system.destinations[0], "");
+    EXPECT_EQ(texts().source, "");
+    EXPECT_EQ(setting("Travail", "Destination0"), "");
+}
+
+}  // namespace
+}  // namespace coffrelune
