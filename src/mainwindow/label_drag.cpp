@@ -1,0 +1,24 @@
+#include "mainwindow/label_drag.h"
+
+namespace coffrelune {
+
+LabelDrag::LabelDrag(SystemMod& system, MainDialogs& dialogs, LineRows& rows)
+    : system_(system), dialogs_(dialogs), rows_(rows) {}
+
+void LabelDrag::press(int row, LineSide side) {
+    data_ = rows_.row(row).label(side).path();
+}
+
+LabelDrag::Effect LabelDrag::over(const PathLabel::Dragged& dragged) {
+    return dragged.acceptable() ? Effect::copy : Effect::none;
+}
+
+void LabelDrag::drop(int row, LineSide side, const PathLabel::Dragged& dragged) {
+    if (over(dragged) == Effect::none || !dialogs_.ready()) return;
+    const std::string dropped = dragged.isText ? dragged.text : dragged.files.front();
+    // An empty text is no path; emptying a line has its own command, which asks.
+    if (dropped.empty()) return;
+    rows_.edit(row, side, system_.platform.drives.fromNative(dropped));
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "mainwindow/main_dialogs.h"
+#include "mainwindow/program_after.h"
+#include "mainwindow/schedule.h"
+#include "operation/lance_operation.h"
+
+namespace coffrelune {
+
+/// The tabs that choose the operation kind, and the button that launches it.
+class LaunchPanel {
+  public:
+    /// `launch` is the launch button.
+    LaunchPanel(SystemMod& system, MainDialogs& dialogs, Button& launch, Schedule& schedule,
+                ProgramAfter& program, OperationLauncher& launcher);
+
+    TabStrip Onglet;  // "S", "R", "C"
+
+    /// Another tab is shown: so are the lines and results of its kind.
+    std::function<void()> onKindChanged;
+
+    /// Captions, tool tip and frames of the current kind.
+    void showKind();
+    /// An unattended backup, as the scheduler and "/Auto" start it.
+    RunEnd backUpUnattended();
+
+  private:
+    bool pickTab(const std::string& key);
+    void launch();
+    void launchRestore();
+
+    SystemMod& system_;
+    MainDialogs& dialogs_;
+    Button& launch_;
+    Schedule& schedule_;
+    ProgramAfter& program_;
+    OperationLauncher& launcher_;
+};
+
+}  // namespace coffrelune

@@ -1,0 +1,129 @@
+#include "mainwindow/line_commands.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "dialogs/line_form.h"
+#include "system/text.h"
+
+namespace coffrelune {
+
+LineCommands::LineCommands(SystemMod& system, Desktop& desktop, MainDialogs& dialogs,
+                           LineRows& rows)
+    : system_(system), desktop_(desktop), dialogs_(dialogs), rows_(rows) {
+    addTo(MenuPop);
+    MenuPop.onPick = [this](const std::string& key) {
+        if (dialogs_.ready()) (void)run(key);
+    };
+}
+
+void LineCommands::addTo(CommandBar& bar) {
+    bar.add({"ModifRep", "&Modifier le répertoire...", "Modifier le répertoire"});
+    bar.add({"ModifRepFich", "Modifier le répertoire ou le &fichier...",
+             "Modifier le répertoire ou le fichier source"});
+    bar.add({"Editer", "&Editer le chemin...", "Editer le chemin"});
+    bar.add({"Prop", "&Propriétés", "Propriétés du répertoire ou du fichier"});
+    bar.add({"LigneUp", "Mon&ter la ligne", "Monter la ligne"});
+    bar.add({"LigneDown", "&Descendre la ligne", "Descendre la ligne"});
+    bar.add({"DeleteLigne", "&Remise à zéro de la ligne...", "Remise à zéro de la ligne"});
+}
+
+void LineCommands::setTarget(int row, LineSide side) {
+    row_ = row;
+    side_ = side;
+    if (onTargetChanged) onTargetChanged();
+}
+
+void LineCommands::openMenu(int row, LineSide side) {
+    setTarget(row, side);
+    MenuPop.setVisible("ModifRepFich", side == LineSide::left);
+    MenuPop.setEnabled("LigneUp", canMoveUp());
+    MenuPop.setEnabled("LigneDown", canMoveDown());
+    if (onPopup) onPopup();
+}
+
+void LineCommands::rowsChanged() {
+    setTarget(std::min(row_, rows_.count() - 1), side_);
+}
+
+bool LineCommands::run(const std::string& key) {
+    if (key == "ModifRep") {
+        if (side_ == LineSide::left) {
+            rows_.chooseSource(row_, false);
+        } else {
+            rows_.chooseDestination(row_);
+        }
+    } else if (key == "ModifRepFich") {
+        rows_.chooseSource(row_, true);
+    } else if (key == "Editer") {
+        editPath();
+    } else if (key == "Prop") {
+        showProperties();
+    } else if (key == "LigneUp") {
+        if (canMoveUp()) moveTo(row_ - 1);
+    } else if (key == "LigneDown") {
+        if (canMoveDown()) moveTo(row_ + 1);
+    } else if (key == "DeleteLigne") {
+        reset();
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void LineCommands::editPath() {
+    const char* mark = side_ == LineSide::left ? "1" : "2";
+    system_.dialogText = mark + rows_.row(row_).label(side_).path();
+    LineForm form(system_);
+    dialogs_.show(form);
+    const std::string typed = system_.dialogText;
+    if (typed == LineForm::cancelled) return;
+    rows_.edit(row_, side_, typed.empty() ? typed : system_.platform.drives.fromNative(typed));
+}
+
+void LineCommands::showProperties() {
+    const std::string& path = rows_.row(row_).label(side_).path();
+    if (!path.empty()) desktop_.shell.showProperties(path);
+}
+
+void LineCommands::moveTo(int other) {
+    const auto from = static_cast<std::size_t>(row_);
+    const auto to = static_cast<std::size_t>(other);
+    std::swap(system_.sources[from], system_.sources[to]);
+    std::swap(system_.destinations[from], system_.destinations[to]);
+    std::swap(system_.selected[from], system_.selected[to]);
+    // What a line leaves out is stored under its number, and goes with it.
+    const std::string moved = system_.PackExclusions(row_);
+    const std::string displaced = system_.PackExclusions(other);
+    if (moved != displaced) {
+        system_.StoreExclusions(displaced, row_);
+        system_.StoreExclusions(moved, other);
+    }
+    writeLine(row_);
+    writeLine(other);
+    rows_.ShowLines();
+    // So that pressing the button again moves the same line further.
+    setTarget(other, side_);
+}
+
+void LineCommands::writeLine(int index) {
+    const auto line = static_cast<std::size_t>(index);
+    const auto write = [&](const char* key, const std::string& value) {
+        (void)system_.WriteSetting(system_.configurationName, key + std::to_string(index), value);
+    };
+    write("Source", QuoteValue(system_.sources[line]));
+    write("Destination", QuoteValue(system_.destinations[line]));
+    write("Select", std::to_string(system_.selected[line]));
+}
+
+void LineCommands::reset() {
+    const Answer answer =
+        dialogs_.say("Remise à zéro de la sauvegarde " + std::to_string(row_ + 1) + " ?",
+                     MessageIcon::question, MessageButtons::okCancel);
+    if (answer != Answer::ok) return;
+    rows_.edit(row_, LineSide::left, "");
+    rows_.edit(row_, LineSide::right, "");
+    system_.ClearExclusions(row_);
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,110 @@
+#include "mainwindow/main_form.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "system/text.h"
+
+namespace coffrelune {
+namespace {
+
+std::int16_t autoStartFrom(const std::string& text) {
+    using Limits = std::numeric_limits<std::int16_t>;
+    return static_cast<std::int16_t>(
+        std::clamp<std::int32_t>(leadingNumber(text), Limits::min(), Limits::max()));
+}
+
+}  // namespace
+
+MainForm::MainForm(SystemMod& system, Desktop& desktop)
+    : system_(system),
+      dialogs_(system),
+      launcher_(system, *this),
+      lines(system, dialogs_),
+      lineCommands(system, desktop, dialogs_, lines),
+      drag(system, dialogs_, lines),
+      destinations(system, desktop, dialogs_, lines),
+      configuration(system, dialogs_, lines),
+      toolbar(system, desktop, dialogs_, lineCommands, configuration, destinations),
+      schedule(system, desktop, dialogs_, Cmd[3]),
+      program(system, desktop, dialogs_),
+      results(system, dialogs_, Cmd[4]),
+      launch(system, dialogs_, Cmd[1], schedule, program, launcher_),
+      place(system) {
+    connect();
+    load();
+}
+
+void MainForm::connect() {
+    dialogs_.commitFields = [this] { return commitFields(); };
+    lines.onRowsChanged = [this] { lineCommands.rowsChanged(); };
+    lines.onPress = [this](int row, LineSide side) {
+        lineCommands.setTarget(row, side);
+        drag.press(row, side);
+    };
+    lines.onRightClick = [this](int row, LineSide side) { lineCommands.openMenu(row, side); };
+    lines.onDrop = [this](int row, LineSide side, const PathLabel::Dragged& dragged) {
+        drag.drop(row, side, dragged);
+    };
+    lineCommands.onTargetChanged = [this] { toolbar.showTarget(); };
+    configuration.onLoaded = [this] { configurationLoaded(); };
+    toolbar.onQuit = [this] { closeBox(); };
+    schedule.runBackup = [this] { (void)launch.backUpUnattended(); };
+    results.onDirectionChanged = [this] { ShowLines(); };
+    launch.onKindChanged = [this] { ShowLines(); };
+}
+
+void MainForm::load() {
+    place.load();
+    system_.AutoStart = autoStartFrom(system_.ReadSetting("Position", "AutoStart"));
+    setCaption(system_.programTitle);
+    system_.operationKind = OperationKind::backup;
+    system_.comparisonReversed = false;
+    launch.showKind();
+    ShowLines();
+    results.ClearComparison();
+}
+
+void MainForm::ShowLines() {
+    lines.ShowLines();
+    configuration.showName();
+    program.show();
+    schedule.show();
+    results.ShowSummary();
+}
+
+void MainForm::configurationLoaded() {
+    launch.showKind();
+    ShowLines();
+    results.ClearComparison();
+}
+
+bool MainForm::commitFields() {
+    program.commit();
+    return schedule.commit();
+}
+
+void MainForm::firstActivation() {
+    if (activatedOnce_) return;
+    activatedOnce_ = true;
+    system_.platform.windows.runPendingEvents();
+    // The user may have closed the window in the meantime.
+    if (!system_.AutoMode || !open()) return;
+    autoEnd_ = launch.backUpUnattended();
+    closeBox();
+}
+
+void MainForm::closeBox() {
+    if (dialogs_.busy() || !open()) return;
+    program.commit();
+    schedule.commitAtClose();
+    // A name that was only tried, on the command line, must not become the usual one.
+    if (system_.configurationExists(system_.configurationName)) {
+        (void)system_.WriteSetting("Position", "Config", system_.configurationName);
+    }
+    place.save();
+    schedule.Timer1.setEnabled(false);
+    close();
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+
+#include "mainwindow/configuration_panel.h"
+#include "mainwindow/destination_change.h"
+#include "mainwindow/label_drag.h"
+#include "mainwindow/launch_panel.h"
+#include "mainwindow/line_commands.h"
+#include "mainwindow/line_rows.h"
+#include "mainwindow/program_after.h"
+#include "mainwindow/results_area.h"
+#include "mainwindow/schedule.h"
+#include "mainwindow/toolbar.h"
+#include "mainwindow/window_place.h"
+#include "operation/lance_operation.h"
+#include "operation/operation_host.h"
+
+namespace coffrelune {
+
+/// The main window: puts its areas together and lives as long as the program. The settings have
+/// been loaded before it is made.
+class MainForm final : public Window, public OperationHost {
+  public:
+    MainForm(SystemMod& system, Desktop& desktop);
+
+    /// 1 launches the operation, 3 is "Planificateur de tâches", 4 turns the comparison round.
+    std::map<int, Button> Cmd;
+
+  private:
+    // Before the areas that use them.
+    SystemMod& system_;
+    MainDialogs dialogs_;
+    OperationLauncher launcher_;
+
+  public:
+    LineRows lines;
+    LineCommands lineCommands;
+    LabelDrag drag;
+    DestinationChange destinations;
+    ConfigurationPanel configuration;
+    Toolbar toolbar;
+    Schedule schedule;
+    ProgramAfter program;
+    ResultsArea results;
+    LaunchPanel launch;
+    WindowPlace place;
+
+    /// Shows the current configuration for the current kind; stores nothing but ticks taken away
+    /// from lines without both paths.
+    void ShowLines();
+
+    /// The first call of either goes on with the start: with "/Auto" the backup runs and the window
+    /// closes. `shown` is for a window that has come up without coming to the front: minimised, or
+    /// behind another program.
+    void activated() override { firstActivation(); }
+    void shown() { firstActivation(); }
+    /// Remembers configuration and place, and closes. Nothing while something is open over the
+    /// window.
+    void closeBox() override;
+
+    /// How the backup that "/Auto" asked for ended; nothing without one.
+    std::optional<RunEnd> autoEnd() const { return autoEnd_; }
+    const RunStatistics& statistics() const { return launcher_.statistics(); }
+
+    int lineCount() const override { return lines.count(); }
+    bool lineSelected(int line) const override { return lines.row(line).ChkS.checked(); }
+    std::string lineSource(int line) const override { return lines.row(line).LblS.path(); }
+    std::string lineDestination(int line) const override { return lines.row(line).LblD.path(); }
+    void showLineDone(int line, bool done) override { lines.row(line).ImgOk.setVisible(done); }
+    void setLaunchEnabled(bool enabled) override { Cmd.at(1).setEnabled(enabled); }
+    void setTimerEnabled(bool enabled) override { schedule.Timer1.setEnabled(enabled); }
+    void resultStored(OperationKind) override { results.resultStored(); }
+    TextLog& comparisonList() override { return results.TxtCp; }
+    Label& comparisonSummary() override { return results.LblComp; }
+
+  private:
+    void connect();
+    void load();
+    bool commitFields();
+    void configurationLoaded();
+    void firstActivation();
+
+    bool activatedOnce_ = false;
+    std::optional<RunEnd> autoEnd_;
+};
+
+}  // namespace coffrelune

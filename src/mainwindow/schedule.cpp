@@ -1,0 +1,131 @@
+#include "mainwindow/schedule.h"
+
+#include "platform/utf8.h"
+#include "system/date_time.h"
+
+namespace coffrelune {
+namespace {
+
+constexpr std::array<const char*, 3> captions = {"&Ecrasement sans confirmation",
+                                                 "Seulement les fichiers &Modifiés",
+                                                 "Sauvegarde &Automatique :"};
+constexpr std::array<const char*, 3> keys = {"Confirmation", "Modifie", "AutoSave"};
+
+// The field expects "hh:nn": what is missing is filled with zeros on the right, and whatever stands
+// between hours and minutes counts as the colon ("08h30"). So "8" is 80:00, and no time.
+std::string asTime(const std::string& typed) {
+    constexpr std::size_t length = 5;
+    std::u32string characters;
+    for (std::size_t position = 0; position < typed.size() && characters.size() < length;) {
+        characters.push_back(utf8::next(typed, position));
+    }
+    characters.resize(length, U'0');
+    characters[2] = U':';
+    std::string time;
+    for (const char32_t character : characters) utf8::append(time, character);
+    return time;
+}
+
+}  // namespace
+
+Schedule::Schedule(SystemMod& system, Desktop& desktop, MainDialogs& dialogs, Button& taskScheduler)
+    : system_(system), desktop_(desktop), dialogs_(dialogs), taskScheduler_(taskScheduler) {
+    for (std::size_t i = 0; i < Opt.size(); ++i) {
+        Opt[i].setCaption(captions[i]);
+        Opt[i].onClick = [this, i] { clickOption(i); };
+    }
+    AutoHr.setToolTip("Heure de la sauvegarde automatique (hh:mm)");
+    AutoHr.onLeave = [this] { (void)commit(); };
+    taskScheduler_.setCaption("Planificateur de tâches");
+    taskScheduler_.setToolTip("Ouvrir le planificateur de tâches");
+    taskScheduler_.onClick = [this] { openTaskScheduler(); };
+    Timer1.setInterval(tickInterval);
+    Timer1.onTick = [this] { tick(); };
+}
+
+void Schedule::show() {
+    // As each value is understood elsewhere: 1 alone switches the first and the last one on.
+    Opt[0].setChecked(system_.Confirmation == 1);
+    Opt[1].setChecked(system_.Modifie != 0);
+    Opt[2].setChecked(system_.AutoSave == 1);
+    // A time spoilt by hand in the settings file counts as midnight, and stays there until another
+    // one is typed.
+    showTime(isTimeOfDay(system_.AutoTime) ? system_.AutoTime : "00:00");
+    Timer1.setEnabled(system_.AutoSave == 1);
+}
+
+void Schedule::setKind(OperationKind kind) {
+    const bool backup = kind == OperationKind::backup;
+    CadrePla.setEnabled(backup);
+    Opt[2].setEnabled(backup);
+    AutoHr.setEnabled(backup);
+    taskScheduler_.setEnabled(backup);
+}
+
+void Schedule::showTime(const std::string& time) {
+    shownTime_ = time;
+    AutoHr.setText(time);
+}
+
+bool Schedule::storeTypedTime() {
+    if (AutoHr.text() == shownTime_) return true;
+    const std::string time = asTime(AutoHr.text());
+    if (!isTimeOfDay(time)) return false;
+    system_.AutoTime = time;
+    (void)system_.WriteSetting(system_.configurationName, "AutoTime", time);
+    showTime(time);
+    Arm(false);
+    return true;
+}
+
+bool Schedule::commit() {
+    if (storeTypedTime()) return true;
+    (void)dialogs_.say("L'heure de sauvegarde saisie est incorrecte !");
+    AutoHr.setText(shownTime_);
+    AutoHr.takeFocus();
+    return false;
+}
+
+void Schedule::commitAtClose() {
+    if (!storeTypedTime()) AutoHr.setText(shownTime_);
+}
+
+void Schedule::clickOption(std::size_t index) {
+    const std::array<std::int32_t*, 3> values = {&system_.Confirmation, &system_.Modifie,
+                                                 &system_.AutoSave};
+    const std::int32_t state = Opt.at(index).checked() ? 1 : 0;
+    *values.at(index) = state;
+    (void)system_.WriteSetting(system_.configurationName, keys.at(index), std::to_string(state));
+    if (index == 2) Timer1.setEnabled(state == 1);
+}
+
+void Schedule::Arm(bool afterRun) {
+    system_.nextDate = nextScheduledDate(system_.nextDate, afterRun, afterRun, system_.AutoTime,
+                                         system_.platform.clock.now());
+}
+
+void Schedule::tick() {
+    if (dialogs_.busy() || system_.AutoMode) return;
+    // No backup starts by itself while the user is busy with a restore or a comparison.
+    if (system_.operationKind != OperationKind::backup) return;
+    const LocalTime now = system_.platform.clock.now();
+    if (isScheduleLost(system_.nextDate, now)) Arm(false);
+    if (!isPastSchedule(system_.nextDate, system_.AutoTime, now)) return;
+    const std::string& lastSave = system_.lastResult(OperationKind::backup).cleanDate;
+    if (isBackupMissing(lastSave, system_.AutoTime, now)) runBackup();
+    // One day on whether it ran or not: days that nobody was there for are caught up with one tick
+    // each, not with one backup each.
+    Arm(true);
+}
+
+void Schedule::openTaskScheduler() {
+    if (!dialogs_.ready()) return;
+    (void)dialogs_.say(
+        "Pour créer une nouvelle planification de Sauvegarde, cliquez sur créer une tâche de base "
+        "et inscrivez les paramétres de planification.\r\n\r\nPour modifier une planification "
+        "existante, cliquez sur son nom, sélectionnez Propriétés, et inscrivez vos modifications.",
+        MessageIcon::information, MessageButtons::ok, "Planificateur de Tâches");
+    desktop_.shell.openTaskScheduler();
+}
+
+}  // namespace coffrelune

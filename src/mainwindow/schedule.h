@@ -1,0 +1,61 @@
+#pragma once
+
+#include <array>
+#include <functional>
+#include <string>
+
+#include "mainwindow/main_dialogs.h"
+#include "platform/desktop_services.h"
+#include "platform/input_controls.h"
+#include "platform/timer.h"
+
+namespace coffrelune {
+
+/// The automatic backup of the current configuration, once a day at a time while the program runs,
+/// and the three options beside it.
+class Schedule {
+  public:
+    static constexpr int tickInterval = 10'000;  // milliseconds
+
+    /// `taskScheduler` is the button "Planificateur de tâches".
+    Schedule(SystemMod& system, Desktop& desktop, MainDialogs& dialogs, Button& taskScheduler);
+
+    Frame CadrePla{"Planifier la sauvegarde"};
+    // 0 overwrite without confirmation, 1 modified files only, 2 automatic backup
+    std::array<CheckBox, 3> Opt;
+    TextBox AutoHr;  // "hh:nn"
+    Timer Timer1;
+
+    /// An unattended backup; returns when it is over.
+    std::function<void()> runBackup;
+
+    /// Shows the values of the current configuration; stores nothing.
+    void show();
+    /// The schedule belongs to backups: its frame is disabled, with what it holds, on other tabs.
+    void setKind(OperationKind kind);
+
+    /// Stores the typed time. One that is none is refused with a message, the field keeps the old
+    /// one and takes the focus: false.
+    bool commit();
+    /// The same while the window closes: a time that is none is dropped without a word.
+    void commitAtClose();
+
+    /// Sets the day of the next backup: today, or tomorrow when today's time has passed; after a
+    /// run the day after the one that was due.
+    void Arm(bool afterRun);
+
+  private:
+    void tick();
+    void clickOption(std::size_t index);
+    void openTaskScheduler();
+    bool storeTypedTime();
+    void showTime(const std::string& time);
+
+    SystemMod& system_;
+    Desktop& desktop_;
+    MainDialogs& dialogs_;
+    Button& taskScheduler_;
+    std::string shownTime_;  // what the field held before anything was typed
+};
+
+}  // namespace coffrelune

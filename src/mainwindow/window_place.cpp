@@ -1,0 +1,46 @@
+#include "mainwindow/window_place.h"
+
+#include "system/text.h"
+
+namespace coffrelune {
+namespace {
+
+constexpr const char* position = "Position";
+
+// Window systems know no place farther away than 32767 pixels.
+int edgeFrom(const std::string& text) {
+    constexpr int farthest = 32'767 * 15;
+    const int twips = leadingNumber(text);
+    return twips < -farthest || twips > farthest ? 0 : twips;
+}
+
+int stateFrom(const std::string& text) {
+    const int state = leadingNumber(text);
+    return state < WindowPlace::normal || state > WindowPlace::maximised ? WindowPlace::normal
+                                                                         : state;
+}
+
+}  // namespace
+
+void WindowPlace::load() {
+    left = edgeFrom(system_.ReadSetting(position, "Left"));
+    top = edgeFrom(system_.ReadSetting(position, "Top"));
+    state = static_cast<State>(stateFrom(system_.ReadSetting(position, "WindowState")));
+}
+
+// What already means this value stays as it is written, even if it is nothing that we would write.
+void WindowPlace::saveNumber(const std::string& key, int value,
+                             int (*understood)(const std::string&)) {
+    const std::string stored = system_.ReadSetting(position, key);
+    if (!stored.empty() && understood(stored) == value) return;
+    (void)system_.WriteSetting(position, key, std::to_string(value));
+}
+
+void WindowPlace::save() {
+    saveNumber("WindowState", state, stateFrom);
+    if (state == minimised) return;
+    saveNumber("Left", left, edgeFrom);
+    saveNumber("Top", top, edgeFrom);
+}
+
+}  // namespace coffrelune
