@@ -1,0 +1,56 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "platform/input_controls.h"
+#include "settings/system_mod.h"
+
+namespace coffrelune {
+
+/// Configurations and options. Options and sounds are stored by OK; the choice of configuration and
+/// of the number of lines is handed back in `SystemMod::selectedConfiguration` (never empty) and
+/// `SystemMod::pendingMaximumIndex`, which are the current ones unless OK changed them.
+class ConfigForm final : public Window {
+  public:
+    explicit ConfigForm(SystemMod& system);
+
+    Frame ListeFrame{"Liste des configurations de sauvegarde"};
+    ListBox Liste;
+    Frame OptFrame{"Personnalisation"};
+    std::array<CheckBox, 9> Opt;
+    Label RepMaxLbl{"Nombre maximum de répertoires:"};
+    ListBox RepMaxCb;  // drop-down
+    std::array<Label, 2> FichSonLbl;
+    std::array<ListBox, 2> FichSonCb;  // drop-down; 0 success, 1 error
+    // 0 OK, 1 "&Annuler", 2 "Ajouter", 3 "Effacer", 4 and 5 play the sound of success and of error
+    std::array<Button, 6> Cmd;
+
+    std::vector<Button*> buttons() override;
+    std::vector<Label*> labels() override { return {&RepMaxLbl, &FichSonLbl[0], &FichSonLbl[1]}; }
+    Button* defaultButton() override { return &Cmd[0]; }
+    Button* cancelButton() override { return &Cmd[1]; }
+
+  private:
+    void loadOptions();
+    void loadConfigurations();
+    void loadLineCounts();
+    void loadSounds();
+    std::vector<std::string> soundFiles();
+
+    std::string selectedName() const;
+    void add();
+    void erase();
+    void eraseFiles(const std::string& name);
+    void play(std::size_t sound);
+    void accept();
+    void storeOptions();
+    void storeSounds();
+    Answer say(const std::string& text, MessageIcon icon, MessageButtons buttons);
+
+    SystemMod& system_;
+    std::vector<std::string> names_;  // of the configurations, by position in Liste
+};
+
+}  // namespace coffrelune

@@ -1,0 +1,155 @@
+#include "dialogs/exclude_form.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "platform/utf8.h"
+#include "system/text.h"
+
+namespace coffrelune {
+namespace {
+
+// The text without as many leading characters as `prefix` has; they may differ in case.
+std::string withoutPrefix(const std::string& text, const std::string& prefix) {
+    std::size_t at = 0;
+    std::size_t counted = 0;
+    while (counted < prefix.size() && at < text.size()) {
+        utf8::next(prefix, counted);
+        utf8::next(text, at);
+    }
+    return text.substr(at);
+}
+
+// A plain comparison of texts: "C:\Data2" begins with "C:\Data" as well.
+bool beginsWith(const std::string& text, const std::string& prefix) {
+    return upperCase(text).rfind(upperCase(prefix), 0) == 0;
+}
+
+}  // namespace
+
+ExcludeForm::ExcludeForm(SystemMod& system, int line, std::string source)
+    : OptExclu{OptionButton("&Sauvegarder tous les sous-répertoires"),
+               OptionButton("&Ne pas sauvegarder les sous-répertoires"),
+               OptionButton("&Exclure de la sauvegarde les sous-répertoires suivants:")},
+      Cmd{Button("OK"), Button("&Annuler"), Button("Ajouter"), Button("Supprimer"),
+          Button("Supprimer Tout")},
+      system_(system),
+      line_(line),
+      source_(std::move(source)) {
+    setCaption("Sous-répertoires à exclure");
+    Cmd[2].setToolTip("Ajouter un répertoire à exclure");
+    Cmd[3].setToolTip("Supprimer le répertoire sélectionné de la liste");
+    Cmd[4].setToolTip("Supprimer la liste des répertoires exclus");
+    for (std::size_t mode = 0; mode < OptExclu.size(); ++mode) {
+        OptExclu.at(mode).onClick = [this, mode] { selectMode(static_cast<int>(mode)); };
+    }
+    Liste.onPick = [this] { updateButtons(); };
+    Cmd[0].onClick = [this] { accept(); };
+    Cmd[1].onClick = [this] { close(); };
+    Cmd[2].onClick = [this] { add(); };
+    Cmd[3].onClick = [this] { remove(); };
+    Cmd[4].onClick = [this] { removeAll(); };
+    load();
+}
+
+std::vector<Button*> ExcludeForm::buttons() {
+    return {&Cmd[0], &Cmd[1], &Cmd[2], &Cmd[3], &Cmd[4]};
+}
+
+void ExcludeForm::load() {
+    SourceLbl.setPath(source_);
+    system_.LoadExclusions(line_);
+    selectMode(system_.exclusions.mode);
+    for (const std::string& directory : system_.exclusions.directories) Liste.add(directory);
+    updateButtons();
+}
+
+void ExcludeForm::selectMode(int mode) {
+    for (std::size_t i = 0; i < OptExclu.size(); ++i) {
+        OptExclu.at(i).setChecked(static_cast<int>(i) == mode);
+    }
+}
+
+void ExcludeForm::updateButtons() {
+    Cmd[3].setEnabled(Liste.selection() >= 0);
+    Cmd[4].setEnabled(!Liste.entries().empty());
+}
+
+bool ExcludeForm::sourceHasSubdirectory() {
+    std::unique_ptr<Directory> directory;
+    const Status opened = system_.platform.files.openDirectory(source_, LinkRule::follow,
+                                                               Wanted::directories, directory);
+    if (!opened.ok()) return false;
+    FileEntry entry;
+    while (directory->next(entry)) {
+        if (entry.isDirectory() && entry.name != "." && entry.name != "..") return true;
+    }
+    return false;
+}
+
+void ExcludeForm::add() {
+    if (!sourceHasSubdirectory()) {
+        say("Pas de sous-répertoire dans le disque/répertoire à sauvegarder !",
+            MessageIcon::information, MessageButtons::ok);
+        return;
+    }
+    const std::string directory = system_.platform.windows.chooseFolder(
+        false, "Sélectionnez un répertoire à exclure de la sauvegarde:", source_);
+    if (directory.empty()) return;
+    if (!beginsWith(directory, source_)) {
+        say("Le répertoire à exclure doit se trouver dans le disque ou répertoire à sauvegarder !",
+            MessageIcon::information, MessageButtons::ok);
+        return;
+    }
+    const std::string entry = entryOf(directory);
+    if (!entry.empty()) {
+        Liste.add(entry);
+        // Whoever adds a directory wants it left out.
+        selectMode(2);
+    }
+    updateButtons();
+}
+
+// Empty when there is nothing to add: for the source itself, and for what is listed already.
+std::string ExcludeForm::entryOf(const std::string& directory) {
+    std::string entry = withoutPrefix(directory, source_);
+    const std::vector<std::string>& listed = Liste.entries();
+    if (std::find(listed.begin(), listed.end(), entry) == listed.end()) return entry;
+    say("Ce répertoire est déjà dans la liste !", MessageIcon::information, MessageButtons::ok);
+    return {};
+}
+
+void ExcludeForm::remove() {
+    const int position = Liste.selection();
+    Liste.remove(position);
+    Liste.select(std::max(position - 1, 0));
+    updateButtons();
+}
+
+void ExcludeForm::removeAll() {
+    const Answer answer = say("Voulez-vous supprimer la liste des répertoires exclus ?",
+                              MessageIcon::question, MessageButtons::okCancel);
+    if (answer != Answer::ok) return;
+    Liste.clear();
+    updateButtons();
+}
+
+// The list is stored whatever the mode, for the day when the user comes back to it.
+void ExcludeForm::accept() {
+    system_.ClearExclusions(line_);
+    for (std::size_t mode = 0; mode < OptExclu.size(); ++mode) {
+        if (OptExclu.at(mode).checked()) {
+            system_.WriteExclusionMode(line_, static_cast<int>(mode));
+        }
+    }
+    for (std::size_t i = 0; i < Liste.entries().size(); ++i) {
+        system_.WriteExcludedDirectory(line_, i + 1, Liste.entries()[i]);
+    }
+    close();
+}
+
+Answer ExcludeForm::say(const std::string& text, MessageIcon icon, MessageButtons buttons) {
+    return system_.platform.windows.showMessage({text, caption(), icon, buttons});
+}
+
+}  // namespace coffrelune
