@@ -78,6 +78,7 @@ code '^[[:space:]]*#[[:space:]]*(if|ifdef|ifndef|elif).*(_WIN32|_WIN64|WIN32|__l
 layers='
 platform
 platform/posix       platform
+platform/posix/desktop platform platform/posix
 platform/win32       platform
 platform/memory      platform
 platform/terminal    platform system settings engine operation
@@ -88,7 +89,7 @@ engine               platform system settings
 operation            platform system settings engine
 dialogs              platform system settings engine
 mainwindow           platform system settings engine operation dialogs
-startup              platform system settings engine operation dialogs mainwindow platform/posix platform/win32 platform/terminal platform/wx
+startup              platform system settings engine operation dialogs mainwindow platform/posix platform/posix/desktop platform/win32 platform/terminal platform/wx
 console              platform system settings engine operation startup platform/posix platform/win32 platform/terminal
 '
 code "$include\"" src | sed -E 's/^src\/(([^:]*)\/)?([^:\/]+):([0-9]+):[^"]*"((.*)\/)?([^"\/]+)".*/\2 \6 src\/\1\3:\4/' |
