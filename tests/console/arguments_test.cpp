@@ -96,7 +96,7 @@ TEST_F(ArgumentsTest, TakesTheSwitchesOfRestoreAndComparison) {
     arguments = parse({"comparer", "--inverse"});
     ASSERT_TRUE(arguments.has_value());
     EXPECT_TRUE(arguments->reversed);
-    arguments = parse({"journal", "--type", "Comparaison"});
+    arguments = parse({"journal", "--type", "comparaison"});
     ASSERT_TRUE(arguments.has_value());
     EXPECT_EQ(arguments->kind, OperationKind::comparison);
 }

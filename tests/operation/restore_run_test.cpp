@@ -5,9 +5,6 @@ namespace coffrelune {
 namespace {
 
 using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Not;
 
 class Restore : public OperationTest {
   protected:

@@ -29,6 +29,7 @@ class PosixPlatform {
     PosixPlatform(const PosixPlatform&) = delete;
     PosixPlatform& operator=(const PosixPlatform&) = delete;
 
+    DriveTable& driveTable() { return table_; }
     FileService& files() { return files_; }
     DriveService& drives() { return drives_; }
     Clock& clock() { return clock_; }
