@@ -20,7 +20,7 @@ std::vector<std::size_t> cutsOf(const std::string& text) {
 }
 
 /// How many of the first `count` steps fit, by halving: measuring is dear, and more is never
-/// narrower. Step 0 is taken as fitting.
+/// narrower. The empty step is taken as fitting.
 std::size_t lastFitting(std::size_t count, const std::function<bool(std::size_t)>& fits) {
     std::size_t low = 0;
     for (std::size_t high = count; low < high;) {

@@ -17,6 +17,8 @@ class ArgumentsTest : public testing::Test {
     std::optional<Arguments> parse(std::vector<std::string> words) {
         words.insert(words.begin(), "coffrelune-console");
         std::vector<char*> values;
+        values.reserve(words.size() + 1);
+        values.reserve(words.size() + 1);
         for (std::string& word : words) values.push_back(word.data());
         values.push_back(nullptr);
         testing::internal::CaptureStdout();

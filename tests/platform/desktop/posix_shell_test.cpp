@@ -8,7 +8,6 @@ namespace coffrelune {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 class PosixShellTest : public testing::Test {
   protected:
