@@ -4,13 +4,15 @@
 #include <iostream>
 #include <map>
 
+#include "system/display_text.h"
+
 namespace coffrelune::console {
 namespace {
 
 constexpr int wrongUse = 2;
 constexpr const char* exitStatuses =
-    "Code de retour : 0 sans erreur ou rien à faire, 1 erreurs (ou différences trouvées),\n"
-    "2 mauvais usage ou configuration, 3 interrompu ou refusé.";
+    "État de sortie : 0 sans erreur ou rien à faire, 1 erreurs (ou différences trouvées),\n"
+    "2 mauvais usage ou réglages, 3 interrompu ou refusé.";
 
 const std::map<std::string, OperationKind> kinds = {{"sauvegarde", OperationKind::backup},
                                                     {"restauration", OperationKind::restore},
@@ -48,30 +50,29 @@ CLI::Validator knownKind() {
 CLI::App* addCommand(CLI::App& app, Arguments& arguments, Command command, const char* name,
                      const char* description) {
     CLI::App* added = app.add_subcommand(name, description);
-    added->group("Commandes");
+    added->group("Commandes ");
     added->set_help_flag("-h,--help", "Affiche cette aide");
     added
         ->add_option("--config", arguments.configuration,
-                     "Configuration ; sinon la dernière utilisée, ou General")
+                     "Configuration ; sinon celle que retient la clé Config, ou General")
         ->type_name("NOM")
         ->check(notEmpty());
     added->add_flag("--json", arguments.json, "Affiche le résultat en un objet JSON");
     added->callback([&arguments, command] { arguments.command = command; });
-    added->footer(std::string("\n") + exitStatuses);
+    added->footer(exitStatuses);
     return added;
 }
 
 void addRunOptions(CLI::App* command, Arguments& arguments) {
     command
         ->add_option("--source", arguments.source,
-                     "Ce répertoire ou ce fichier, sans fichier de configuration : seuls les\n"
-                     "fichiers modifiés sont copiés, dans un sous-répertoire de la destination\n"
-                     "du même nom, et une erreur n'arrête pas la copie")
+                     "Ce répertoire ou ce fichier, sans fichier de réglages : seuls les fichiers\n"
+                     "modifiés comptent, et une erreur n'arrête pas la suite")
         ->type_name("CHEMIN")
         ->check(notEmpty());
     command
         ->add_option("--destination", arguments.destination,
-                     "Répertoire qui contient la copie de la source")
+                     "Répertoire où la copie de la source porte le nom de celle-ci")
         ->type_name("CHEMIN")
         ->check(notEmpty());
     command->add_flag("--journal", arguments.journal, "Affiche le journal de l'opération");
@@ -88,6 +89,8 @@ void addCommands(CLI::App& app, Arguments& arguments) {
                                   "Sauvegarde les lignes sélectionnées");
     addRunOptions(backup, arguments);
     addReplaceOptions(backup, arguments);
+    backup->add_flag("--confirmer", arguments.confirmed,
+                     "Copie l'arborescence seule (ArbreMode) sans demander");
 
     CLI::App* restore = addCommand(app, arguments, Command::restore, "restaurer",
                                    "Remet les copies à leur place d'origine");
@@ -127,6 +130,7 @@ std::string frenchMessage(const CLI::App& app, const CLI::ParseError& error,
         case CLI::ExitCodes::ExtrasError:
             return "Option ou argument inconnu : " + unknownWords(app);
         case CLI::ExitCodes::RequiredError:
+            if (firstWord.rfind('-', 0) == 0) return "Option inconnue : " + firstWord;
             if (!firstWord.empty()) return "Commande inconnue : " + firstWord;
             return "Indiquez une commande.";
         case CLI::ExitCodes::ArgumentMismatch:
@@ -154,7 +158,8 @@ std::string contradiction(const Arguments& arguments) {
 }
 
 int refuse(const std::string& message) {
-    std::cerr << message << "\n« coffrelune-console --help » montre l'utilisation.\n";
+    std::cerr << visibleControls(message)
+              << "\n« coffrelune-console --help » montre l'utilisation.\n";
     return wrongUse;
 }
 
@@ -167,7 +172,7 @@ std::optional<Arguments> parseArguments(int count, char** values, int& exitStatu
     speakFrench(app);
     app.set_version_flag("--version", versionText(), "Affiche la version");
     app.require_subcommand(1);
-    app.footer(std::string("\n") + exitStatuses);
+    app.footer(exitStatuses);
     addCommands(app, arguments);
     try {
         app.parse(count, values);

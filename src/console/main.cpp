@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "console/arguments.h"
 #include "console/commands.h"
 #include "console/session.h"
@@ -25,9 +27,13 @@ ExitStatus run(Session& session, const Arguments& arguments) {
 
 int main(int count, char** values) {
     using namespace coffrelune::console;
+    using coffrelune::ExitStatus;
     int status = 0;
     const std::optional<Arguments> arguments = parseArguments(count, values, status);
     if (!arguments) return status;
     Session session(*arguments);
-    return static_cast<int>(run(session, *arguments));
+    const ExitStatus end = run(session, *arguments);
+    if (!session.terminal().outputLost()) return static_cast<int>(end);
+    session.terminal().warn("Le résultat n'a pas pu être écrit.");
+    return static_cast<int>(std::max(end, ExitStatus::errors));
 }

@@ -1,6 +1,7 @@
 #include "console/preparation.h"
 
 #include "startup/startup.h"
+#include "system/display_text.h"
 #include "system/paths.h"
 #include "system/text.h"
 
@@ -22,7 +23,7 @@ void createDestination(Session& session, const std::string& path) {
     FileEntry entry;
     if (files.lookUp(path, LinkRule::follow, entry).ok() || liesWhereVolumesAre(path)) return;
     if (files.createDirectory(path).ok()) {
-        session.terminal().say("Répertoire destination créé : " + path);
+        session.terminal().say("Répertoire destination créé : " + visibleControls(path));
     }
 }
 
@@ -43,7 +44,8 @@ bool prepareDirectRun(Session& session, const Arguments& arguments) {
     const bool readsSource = arguments.command == Command::backup ||
                              (arguments.command == Command::compare && !arguments.reversed);
     if (readsSource && !sourceExists(session, source)) {
-        session.terminal().warn("La source « " + arguments.source + " » n'existe pas.");
+        session.terminal().warn("La source « " + visibleControls(arguments.source) +
+                                " » n'existe pas ou ne peut pas être lue.");
         return false;
     }
     if (arguments.command == Command::backup) createDestination(session, destination);
@@ -77,9 +79,15 @@ bool prepare(Session& session, const Arguments& arguments, ExitStatus& refusal) 
 
 bool mayReplace(Session& session, const Arguments& arguments) {
     if (arguments.overwrite) session.system().Confirmation = 1;
-    if (session.system().Confirmation == 1 || arguments.keep || session.terminal().canAsk()) {
-        return true;
+    if (session.terminal().canAsk()) return true;
+    if (session.system().options.ArbreMode != 0) {
+        if (arguments.confirmed) return true;
+        session.terminal().warn(
+            "Seule l'arborescence des répertoires serait copiée, ce qui demande une confirmation,\n"
+            "et il n'y a pas de terminal pour répondre. Ajoutez --confirmer pour la copier.");
+        return false;
     }
+    if (session.system().Confirmation == 1 || arguments.keep) return true;
     session.terminal().warn(
         "Cette opération demanderait avant de remplacer un fichier, et il n'y a pas de terminal\n"
         "pour répondre. Ajoutez --ecraser pour remplacer les fichiers existants, ou --conserver\n"

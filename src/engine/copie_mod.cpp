@@ -82,7 +82,7 @@ Status CopieMod::findSource(const LineRoots& roots, FileEntry& entry) {
 }
 
 bool CopieMod::refuseLine(const LineRoots& roots) {
-    if (!guard_.targetHoldsSource()) return false;
+    if (!guard_.copyHoldsOriginal()) return false;
     if (!errors_.namedInLine(roots.source)) {
         window_.AjouteECTxt("Ligne " + std::to_string(statistics_.currentLine + 1) +
                             " refusée : la destination " + roots.target +
@@ -124,6 +124,8 @@ void CopieMod::copySingleFile(const LineRoots& roots, const FileEntry& entry) {
     }
     const SplitPath source = splitPath(roots.source);
     bool created = false;
+    // What cannot be removed now stays hidden from every listing until a later run can.
+    (void)system_.platform.files.removeLeftovers(splitPath(roots.target).parent);
     // A restore may find the directory gone. What stands in the way is told by the copy itself.
     (void)copier_.createPath(withoutTrailingBackslash(splitPath(roots.target).parent), created);
     if (created) ++statistics_.directoriesCreated;

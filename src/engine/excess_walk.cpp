@@ -20,7 +20,7 @@ LineRoots CheminsExcedents(const LineRoots& roots) {
         withTrailingBackslash(volumeOf(roots.source)) == withTrailingBackslash(roots.source);
     const std::string reference =
         isVolume ? roots.source : withTrailingBackslash(splitPath(roots.source).parent);
-    return {roots.target, reference, roots.source};
+    return {roots.target, reference, roots.source, roots.layout};
 }
 
 ExcessWalk::ExcessWalk(SystemMod& system, RunStatistics& statistics, OperationWindow& window,
@@ -34,7 +34,7 @@ ExcessWalk::ExcessWalk(SystemMod& system, RunStatistics& statistics, OperationWi
 
 void ExcessWalk::cleanLine(const LineRoots& roots, const std::vector<LineRoots>& others) {
     guard_.watch(roots);
-    if (guard_.targetHoldsSource()) return;  // refused and named by the tree pass
+    if (guard_.copyHoldsOriginal()) return;  // refused and named by the tree pass
     const LineRoots swapped = CheminsExcedents(roots);
     statistics_.analysisPass = true;
     statistics_.windowsDirectory = system_.platform.drives.windowsDirectory();
@@ -56,6 +56,9 @@ bool ExcessWalk::prepare(const LineRoots& swapped, const std::vector<LineRoots>&
         return false;
     }
     protected_.clear();
+    if (!referenceHoldsFiles(swapped)) return false;
+    // The reference itself may be mounted, or lie, inside the tree that is cleaned.
+    protect(swapped.target);
     for (const LineRoots& other : others) {
         protect(other.source);
         protect(other.target);
@@ -72,8 +75,34 @@ bool ExcessWalk::referenceReadable(const std::string& reference) {
     Status status =
         files_.openDirectory(reference, LinkRule::follow, Wanted::directories, directory);
     if (status.ok()) status = files_.identify(reference, referenceId_);
-    if (!status.ok()) errors_.countOnce(status.code(), reference);
+    if (!status.ok()) errors_.nameOnce(status.code(), reference);
     return status.ok();
+}
+
+// A mount point without its volume, or the bare directories of a backup that was stopped before its
+// first file, look like a tree from which everything has been deleted.
+bool ExcessWalk::referenceHoldsFiles(const LineRoots& swapped) {
+    if (anyFileBelow(withTrailingBackslash(swapped.target), LinkRule::follow)) return true;
+    if (!anyFileBelow(withTrailingBackslash(swapped.source), LinkRule::refuse)) return false;
+    window_.AjouteECTxt("Fichiers excédentaires conservés dans " + swapped.source + " : " +
+                        swapped.target + " ne contient aucun fichier.");
+    errors_.nameOnce(error_number::fileNotFound, swapped.target);
+    return false;
+}
+
+bool ExcessWalk::anyFileBelow(const std::string& directory, LinkRule links) {
+    std::unique_ptr<Directory> files;
+    if (files_.openDirectory(directory, links, Wanted::files, files).ok()) {
+        for (FileEntry entry; files->next(entry);) {
+            if (!entry.isDirectory() && !isSystemFile(entry.name)) return true;
+        }
+    }
+    files.reset();
+    const std::vector<std::string> names = subdirectories({directory, directory}, links);
+    return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+        window_.runPendingEvents();
+        return anyFileBelow(directory + name + "\\", LinkRule::refuse);
+    });
 }
 
 bool ExcessWalk::sharedWithAnother(const std::string& copy, const std::vector<LineRoots>& others) {
@@ -82,7 +111,8 @@ bool ExcessWalk::sharedWithAnother(const std::string& copy, const std::vector<Li
     const std::string path = files_.resolve(copy);
     const bool shared = std::any_of(others.begin(), others.end(), [&](const LineRoots& other) {
         FileId otherId;
-        return files_.resolve(other.target) == path ||
+        return withTrailingBackslash(path).starts_with(
+                   withTrailingBackslash(files_.resolve(other.target))) ||
                (known && files_.identify(other.target, otherId).ok() && otherId == id);
     });
     if (shared) {
@@ -124,9 +154,11 @@ void ExcessWalk::walk(const Place& place) {
         return;
     }
     ++statistics_.directoriesRead;
+    // What cannot be removed now stays hidden from every listing until a later run can.
+    (void)files_.removeLeftovers(place.copy);
     std::unique_ptr<Directory> reference;
     if (!openReference(place, reference)) return;
-    scan(*files, reference.get(), place);
+    if (!holdsSettings(place)) scan(*files, reference.get(), place);
     files.reset();  // a deep tree must not hold a descriptor for every level
     reference.reset();
     if (stopped()) return;
@@ -175,7 +207,27 @@ bool ExcessWalk::isExcess(const FileEntry& entry, Directory* reference, const Pl
     // What the copy pass would leave alone must not be deleted either: with `RecentSeul` a newer
     // file of the copy is kept by both.
     return decide(entry, &counterpart, decision_).copy &&
-           decide(counterpart, &entry, decision_).copy;
+           decide(counterpart, &entry, decision_).copy &&
+           willBeReplaced(counterpart, place.reference + entry.name);
+}
+
+// A file that merely differs goes only when the copy pass is sure to bring its counterpart: one
+// that is empty may not start that pass, one that cannot be read fails in it, and the question
+// before replacing must find something to ask about.
+bool ExcessWalk::willBeReplaced(const FileEntry& counterpart, const std::string& path) {
+    if (statistics_.askBeforeReplacing || counterpart.size == 0) return false;
+    if (counterpart.isLink()) return true;
+    std::string first;
+    const Status read = files_.readWhole(path, 0, first);
+    return read.ok() || read.code() == error_number::fileTooLarge;
+}
+
+// The program's own files are no part of what a line keeps in step.
+bool ExcessWalk::holdsSettings(const Place& place) {
+    FileId home;
+    FileId directory;
+    return !system_.homeDirectory.empty() && files_.identify(system_.homeDirectory, home).ok() &&
+           files_.identify(place.copy, directory).ok() && home == directory;
 }
 
 void ExcessWalk::remove(const FileEntry& entry, const Place& place) {
@@ -189,11 +241,10 @@ void ExcessWalk::remove(const FileEntry& entry, const Place& place) {
     (void)files_.removeFile(path);
 }
 
-std::vector<std::string> ExcessWalk::subdirectories(const Place& place) {
+std::vector<std::string> ExcessWalk::subdirectories(const Place& place, LinkRule links) {
     std::vector<std::string> names;
     std::unique_ptr<Directory> directories;
-    const Status listed =
-        files_.openDirectory(place.copy, LinkRule::refuse, Wanted::directories, directories);
+    const Status listed = files_.openDirectory(place.copy, links, Wanted::directories, directories);
     if (!listed.ok()) return names;
     for (FileEntry entry; directories->next(entry);) {
         if (!entry.isDirectory() || entry.isLink()) continue;

@@ -44,6 +44,8 @@ class ExcessWalk {
 
     bool prepare(const LineRoots& swapped, const std::vector<LineRoots>& others);
     bool referenceReadable(const std::string& reference);
+    bool referenceHoldsFiles(const LineRoots& swapped);
+    bool anyFileBelow(const std::string& directory, LinkRule links);
     bool sharedWithAnother(const std::string& copy, const std::vector<LineRoots>& others);
     void protect(const std::string& path);
     bool isProtected(const std::string& path, const FileEntry& entry) const;
@@ -53,8 +55,10 @@ class ExcessWalk {
     bool openReference(const Place& place, std::unique_ptr<Directory>& reference);
     void scan(Directory& files, Directory* reference, const Place& place);
     bool isExcess(const FileEntry& entry, Directory* reference, const Place& place);
+    bool willBeReplaced(const FileEntry& counterpart, const std::string& path);
+    bool holdsSettings(const Place& place);
     void remove(const FileEntry& entry, const Place& place);
-    std::vector<std::string> subdirectories(const Place& place);
+    std::vector<std::string> subdirectories(const Place& place, LinkRule links = LinkRule::refuse);
 
     bool stopped() const { return statistics_.interruptionRequested; }
 

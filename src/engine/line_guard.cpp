@@ -12,13 +12,15 @@ bool isBelow(const std::string& path, const std::string& directory) {
 }  // namespace
 
 void LineGuard::watch(const LineRoots& roots) {
-    const std::string source = files_.resolve(roots.source);
     targetPath_ = files_.resolve(roots.target);
     target_ = FileId{};
     // A target that does not exist yet has no identity; its resolved path speaks for it.
     if (!files_.identify(roots.target, target_).ok()) target_ = FileId{};
-    targetHoldsSource_ =
-        isBelow(source, targetPath_) || (target_.known() && anyAncestorIs(source, target_));
+    const std::string original = files_.resolve(roots.original());
+    FileId copy;
+    copyHoldsOriginal_ =
+        isBelow(original, files_.resolve(roots.copy())) ||
+        (files_.identify(roots.copy(), copy).ok() && anyAncestorIs(original, copy));
 }
 
 // One place may be mounted under two paths, which no text tells: the identities do.

@@ -16,9 +16,10 @@ class LineGuard {
     /// Called at the start of each line, and again once its target has been created.
     void watch(const LineRoots& roots);
 
-    /// True when the target is the source itself or one of its ancestors: copying would write over
-    /// the source, and deleting excess files would delete it.
-    bool targetHoldsSource() const { return targetHoldsSource_; }
+    /// True when the line's copy would be its original itself or one of its ancestors: copying
+    /// would write over the original, and deleting excess files would delete it. A copy inside the
+    /// original is allowed, both ways.
+    bool copyHoldsOriginal() const { return copyHoldsOriginal_; }
 
     /// True when the directory `path`, listed as `entry`, is the line's own target.
     bool isTarget(const std::string& path, const FileEntry& entry) const;
@@ -29,7 +30,7 @@ class LineGuard {
     FileService& files_;
     FileId target_;
     std::string targetPath_;  // resolved
-    bool targetHoldsSource_ = false;
+    bool copyHoldsOriginal_ = false;
 };
 
 }  // namespace coffrelune

@@ -32,8 +32,8 @@ std::string volumeOf(const std::string& path) {
 LineRoots lineRoots(const std::string& source, const std::string& destination, Layout layout) {
     const std::string place = inFull(source);
     const std::string copy = joinPath(inFull(destination), copyName(place));
-    if (layout == Layout::normal) return {place, inFull(destination), copy};
-    return {copy, volumeOf(place), place};
+    if (layout == Layout::normal) return {place, inFull(destination), copy, layout};
+    return {copy, volumeOf(place), place, layout};
 }
 
 }  // namespace coffrelune

@@ -13,6 +13,11 @@ struct LineRoots {
     std::string source;       // what is read: a directory, a drive root or a single file
     std::string destination;  // what must exist before anything is written
     std::string target;       // what `source` becomes: a directory, or the copy of the file
+    Layout layout = Layout::normal;
+
+    /// The line's copy and the place that it is a copy of, whichever of them is read.
+    const std::string& copy() const { return layout == Layout::normal ? target : source; }
+    const std::string& original() const { return layout == Layout::normal ? source : target; }
 };
 
 /// Normal: C:\Data\Docs with F:\Save is read from C:\Data\Docs and written to F:\Save\Docs; the

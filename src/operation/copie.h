@@ -60,6 +60,8 @@ class Copie final : public Window, public OperationWindow {
     void LanceCopie();
     void CopieArborescence();
     void EffaceExcedents();
+    bool mayDeleteExcess();
+    void readExclusions();
     void LanceComparaison();
     void compareLines();
     void endComparison();
@@ -86,6 +88,7 @@ class Copie final : public Window, public OperationWindow {
     bool activated_ = false;
     bool finished_ = false;
     LocalTime startTime_;
+    std::vector<ExclusionList> ownExclusions_;  // of every line, as they were when the run began
 };
 
 }  // namespace coffrelune

@@ -14,10 +14,9 @@ void Copie::LanceCopie() {
         // The option itself is the engine's tree flag: the pass below walks in tree mode.
         showTreePhase();
     } else {
+        readExclusions();
         CopieArborescence();
-        if (system_.options.SynchroCopie != 0 && !statistics_.interruptionRequested) {
-            EffaceExcedents();
-        }
+        if (mayDeleteExcess() && !statistics_.interruptionRequested) EffaceExcedents();
         statistics_.totalBytes = 0;
         startAnalysis();
     }
@@ -58,13 +57,28 @@ void Copie::EffaceExcedents() {
     statistics_.deletionWalk = true;
     for (int line = 0; line < host_.lineCount() && !statistics_.interruptionRequested; ++line) {
         if (!takesPart(line)) continue;
-        system_.LoadExclusions(line);
-        statistics_.ownExclusions = system_.exclusions;
+        statistics_.ownExclusions = ownExclusions_[static_cast<std::size_t>(line)];
         statistics_.currentLine = line;
         engine_.cleanLine(rootsOfLine(system_, line), rootsOfOthers(line));
     }
-    system_.exclusions = statistics_.exclusions;
     statistics_.deletionWalk = false;
+}
+
+// Who keeps existing files wants none of them deleted, and without the settings nobody knows what
+// the lines leave out.
+bool Copie::mayDeleteExcess() {
+    return system_.options.SynchroCopie != 0 && !statistics_.keepExisting &&
+           (system_.homeDirectory.empty() || system_.settingsStatus().ok());
+}
+
+// Read before anything is written: a restore may bring back an older settings file in the middle of
+// the run, and the deletion must keep to the lists that the run began with.
+void Copie::readExclusions() {
+    ownExclusions_.clear();
+    for (int line = 0; line < host_.lineCount(); ++line) {
+        system_.LoadExclusions(line);
+        ownExclusions_.push_back(system_.exclusions);
+    }
 }
 
 // Both ways of every other line: a restore must not empty another line's source, nor its copy.

@@ -71,7 +71,7 @@ RunEnd OperationLauncher::launchComparison() {
 }
 
 bool OperationLauncher::confirmTreeOnly(std::int16_t mode) {
-    if (mode != startedByUser || system_.options.ArbreMode == 0) return true;
+    if (confirmed_ || mode != startedByUser || system_.options.ArbreMode == 0) return true;
     const Answer answer = system_.platform.windows.showMessage(
         {"Seule l'arborescence des répertoires sera copiée sur le disque destination.\n"
          "Confirmez-vous la copie ?",

@@ -24,6 +24,9 @@ class OperationLauncher {
     /// configuration and the user decide.
     void keepExistingFiles() { keepExisting_ = true; }
 
+    /// The user has confirmed everything beforehand: no question precedes the run.
+    void skipConfirmations() { confirmed_ = true; }
+
     /// Runs a backup or a restore. `mode` 1: the user started it; any other value: unattended,
     /// which asks nothing, shows no message and plays no sound.
     RunEnd LanceOperation(std::int16_t mode);
@@ -54,6 +57,7 @@ class OperationLauncher {
     OperationHost& host_;
     RunStatistics statistics_;
     bool keepExisting_ = false;
+    bool confirmed_ = false;
 };
 
 }  // namespace coffrelune

@@ -4,6 +4,7 @@
 
 #include "operation/line_texts.h"
 #include "system/display_text.h"
+#include "system/paths.h"
 
 namespace coffrelune {
 namespace {
@@ -35,14 +36,16 @@ bool settingsUsable(SystemMod& system) {
     WindowService& windows = system.platform.windows;
     const Status status = system.settingsStatus();
     if (!status.ok()) {
-        windows.notice("Le fichier de configuration " + status.path() +
+        windows.notice("Le fichier de réglages " + visibleControls(status.path()) +
                        " ne peut pas être lu (erreur " + std::to_string(status.code()) +
                        "). Il est laissé tel quel.");
         return false;
     }
     if (system.configurationExists(system.configurationName)) return true;
-    windows.notice("La configuration « " + system.configurationName + " » n'existe pas.\n" +
-                   namesOfConfigurations(system));
+    windows.notice("La configuration « " + visibleControls(system.configurationName) +
+                   " » n'existe pas.\n" + visibleControls(namesOfConfigurations(system)) +
+                   "\nFichier de réglages : " +
+                   visibleControls(joinPath(system.homeDirectory, "Coffrelune.ini")));
     return false;
 }
 

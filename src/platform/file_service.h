@@ -102,7 +102,7 @@ class FileService {
     /// running process still writes.
     virtual Status removeLeftovers(const std::string& directory) = 0;
 
-    /// Reads a whole file of at most `limit` bytes (223 when it is larger).
+    /// Reads a whole file of at most `limit` bytes (223 when it may be read but is larger).
     virtual Status readWhole(const std::string& path, std::uint64_t limit, std::string& bytes) = 0;
 
     /// Replaces a file's content, or creates it, atomically and durably: after a power loss the old

@@ -44,7 +44,11 @@ void SystemMod::LoadSettings() {
     pendingMaximumIndex = maximumIndex;
 
     readCommandLine();
-    if (configurationName.empty()) configurationName = ReadSetting(position, "Config");
+    if (configurationName.empty()) {
+        configurationName = ReadSetting(position, "Config");
+        // The reserved section is no configuration, though an older file may name it.
+        if (equalIgnoringCase(configurationName, position)) configurationName.clear();
+    }
     if (configurationName.empty()) configurationName = "General";
     LoadConfiguration();
 

@@ -60,6 +60,10 @@ void SystemMod::ListConfigurations(std::vector<std::string>& list) {
     }
 }
 
+bool SystemMod::configurationExists(const std::string& name) {
+    return !equalIgnoringCase(name, "Position") && file_.hasSection(name);
+}
+
 int SystemMod::LastUsedLine() const {
     for (int line = maximumIndex; line > 0; --line) {
         const auto index = static_cast<std::size_t>(line);

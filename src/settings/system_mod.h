@@ -67,7 +67,8 @@ class SystemMod {
                         const std::string& value);
     /// Appends the configuration names that fit into 1023 characters with their separators.
     void ListConfigurations(std::vector<std::string>& list);
-    bool configurationExists(const std::string& name) { return file_.hasSection(name); }
+    /// Never true of the reserved section, in any case.
+    bool configurationExists(const std::string& name);
     Status settingsStatus() { return file_.status(); }
 
     void LoadSettings();

@@ -13,6 +13,8 @@ bool startUp(SystemMod& system, InstanceGuard& guard) {
              system.programTitle, MessageIcon::exclamation});
         return false;
     }
+    // What a process left that was killed while it wrote its settings.
+    (void)system.platform.files.removeLeftovers(system.homeDirectory);
     system.LoadSettings();
     return true;
 }

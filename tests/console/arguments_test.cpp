@@ -160,7 +160,7 @@ TEST_F(ArgumentsTest, HelpOfTheBackupNamesItsOptionsAndTheExitStatus) {
     EXPECT_EQ(status, 0);
     for (const char* option :
          {"--config NOM", "--source CHEMIN", "--destination CHEMIN", "--ecraser", "--conserver",
-          "--journal", "--json", "Code de retour : 0 sans erreur"}) {
+          "--journal", "--json", "État de sortie : 0 sans erreur"}) {
         EXPECT_THAT(output, HasSubstr(option));
     }
 }

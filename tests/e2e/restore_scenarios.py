@@ -240,5 +240,74 @@ def restore_questions(place, report):
     report.check("le fichier est revenu", os.path.exists(f"{place.source}/a.txt"), accepted)
 
 
-SCENARIOS = (whole_cycle, gone_disk, never_backed_up, unplugged_source, root_of_a_volume,
+def copy_inside_source(place, report):
+    """Un volume de sauvegarde monté dans la source : la restauration n'y efface rien"""
+    with volume(place, report, "volume dans la source") as point:
+        if point is None:
+            return
+        write(f"{point}/docs/a.txt", "a")
+        os.makedirs(f"{point}/copies")
+        os.system(f"mount -t tmpfs -o size=2m petit2 '{point}/copies'")
+        try:
+            write(f"{point}/copies/autre/o.txt", "o")
+            place.console("sauvegarder", "--source", f"{point}/docs", "--destination",
+                          f"{point}/copies", "--ecraser")
+            outer, inner = letter_of(place, point), letter_of(place, f"{point}/copies")
+            write_lines(place, [(rf"{outer}:" + "\\", rf"{inner}:\Save")], "SynchroCopie=-1\n")
+            os.mkdir(f"{point}/copies/Save")
+            report.equal("sauvegarde : état 0", place.console("sauvegarder").status, 0)
+            before = names_below(f"{point}/copies")
+            os.remove(f"{point}/docs/a.txt")
+            report.equal("restauration : état 0",
+                         place.console("restaurer", "--confirmer").status, 0)
+            report.equal("le fichier est revenu", read(f"{point}/docs/a.txt"), b"a")
+            report.equal("la sauvegarde est entière", names_below(f"{point}/copies"), before)
+        finally:
+            os.system(f"umount '{point}/copies'")
+
+
+def keeps_everything(place, report):
+    """Avec --conserver, SynchroCopie n'efface rien"""
+    write(f"{place.source}/a.txt", "vieux")
+    write_lines(place, [(drive_path(place.source), drive_path(place.destination))],
+                "SynchroCopie=-1\n")
+    place.console("sauvegarder")
+    write(f"{place.source}/a.txt", "nouveau travail")
+    touch(f"{place.source}/a.txt", 60)
+    write(f"{place.source}/b.txt", "b")
+    place.console("restaurer", "--confirmer", "--conserver")
+    report.equal("les fichiers vivants restent",
+                 (read(f"{place.source}/a.txt"), read(f"{place.source}/b.txt")),
+                 (b"nouveau travail", b"b"))
+
+
+def tree_only_without_terminal(place, report):
+    """L'arborescence seule, sans terminal : refusée avec l'option qui la permet"""
+    os.makedirs(f"{place.source}/un/deux")
+    write_lines(place, [(drive_path(place.source), drive_path(place.destination))],
+                "ArbreMode=-1\n")
+    refused = place.console("sauvegarder", "--json")
+    report.equal("sans --confirmer : état 3", refused.status, 3)
+    report.check("l'option est nommée", "--confirmer" in refused.err, refused)
+    done = place.console("sauvegarder", "--confirmer")
+    report.equal("avec --confirmer : état 0", done.status, 0)
+    report.check("l'arbre est là", os.path.isdir(f"{place.copy}/un/deux"), done)
+
+
+def absent_mount_point(place, report):
+    """Un chemin tapé dans le point de montage d'un volume absent n'y écrit rien"""
+    write(f"{place.source}/a.txt", "a")
+    with volume(place, report, "point de montage vide") as point:
+        if point is None:
+            return
+        run = ("sauvegarder", "--source", place.source, "--destination", point, "--ecraser")
+        report.equal("monté : état 0", place.console(*run).status, 0)
+        os.system(f"umount '{point}'")
+        outcome = place.console(*run)
+        report.equal("absent : état 3", outcome.status, 3)
+        report.equal("absent : rien n'est écrit", os.listdir(point), [])
+
+
+SCENARIOS = (copy_inside_source, keeps_everything, tree_only_without_terminal, absent_mount_point,
+             whole_cycle, gone_disk, never_backed_up, unplugged_source, root_of_a_volume,
              two_lines_in_one_place, target_over_source, restore_questions)

@@ -268,7 +268,9 @@ TEST_F(ExcessFiles, TheReferenceIsNeverWrittenTo) {
     disk().file("F:\\Save\\Docs\\Sub\\b.txt", "b");
     memory.files().clearCalls();
     clean();
-    EXPECT_THAT(memory.files().writes(), ElementsAre("removeFile F:\\Save\\Docs\\Sub\\b.txt"));
+    EXPECT_THAT(memory.files().writes(), ElementsAre("removeLeftovers F:\\Save\\Docs\\",
+                                                     "removeLeftovers F:\\Save\\Docs\\Sub\\",
+                                                     "removeFile F:\\Save\\Docs\\Sub\\b.txt"));
 }
 
 TEST_F(ExcessFiles, AnInterruptionEndsTheWalk) {
@@ -279,6 +281,77 @@ TEST_F(ExcessFiles, AnInterruptionEndsTheWalk) {
     clean();
     EXPECT_FALSE(kept("F:\\Save\\Docs\\x.txt"));
     EXPECT_TRUE(kept("F:\\Save\\Docs\\y.txt"));
+}
+
+TEST_F(ExcessFiles, AReferenceWithoutAnyFileDeletesNothing) {
+    disk().directory("C:\\Docs\\Sub");
+    disk().file("F:\\Save\\Docs\\Sub\\a.txt", "the only copy");
+    clean();
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\Sub\\a.txt"));
+    EXPECT_EQ(statistics.errorCount, 1);
+    EXPECT_FALSE(statistics.interruptionRequested);
+    EXPECT_THAT(window.journal, ElementsAre(testing::HasSubstr("ne contient aucun fichier"),
+                                            "Erreur: 2 - Fichier: C:\\Docs"));
+}
+
+TEST_F(ExcessFiles, TwoTreesWithoutFilesAreNoTrouble) {
+    disk().directory("C:\\Docs\\Sub");
+    disk().directory("F:\\Save\\Docs\\Sub");
+    clean();
+    EXPECT_EQ(statistics.errorCount, 0);
+}
+
+TEST_F(ExcessFiles, TheReferenceInsideTheCleanedTreeIsNotEntered) {
+    disk().file("C:\\Data\\a.txt", "a");
+    disk().file("C:\\Data\\Backup\\Data\\a.txt", "a");
+    disk().file("C:\\Data\\Backup\\Data\\only.txt", "only in the backup");
+    clean(lineRoots("C:\\Data", "C:\\Data\\Backup", Layout::reversed));
+    EXPECT_TRUE(kept("C:\\Data\\Backup\\Data\\only.txt"));
+    EXPECT_TRUE(kept("C:\\Data\\Backup\\Data\\a.txt"));
+}
+
+TEST_F(ExcessFiles, AFileWhoseCounterpartCannotBeReadStays) {
+    pair("same.txt");
+    disk().file("C:\\Docs\\a.txt", "new", fileTimeAt(2024, 5, 1));
+    disk().file("F:\\Save\\Docs\\a.txt", "old", fileTimeAt(2024, 4, 1));
+    disk().setUnreadable("C:\\Docs\\a.txt");
+    clean();
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\a.txt"));
+}
+
+TEST_F(ExcessFiles, AFileWhoseCounterpartIsEmptyStays) {
+    pair("same.txt");
+    disk().file("C:\\Docs\\a.txt", "", fileTimeAt(2024, 5, 1));
+    disk().file("F:\\Save\\Docs\\a.txt", "a day of work", fileTimeAt(2024, 4, 1));
+    clean();
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\a.txt"));
+}
+
+TEST_F(ExcessFiles, AFileThatDiffersStaysWhileTheUserIsToBeAsked) {
+    statistics.askBeforeReplacing = true;
+    pair("same.txt");
+    disk().file("C:\\Docs\\a.txt", "new", fileTimeAt(2024, 5, 1));
+    disk().file("F:\\Save\\Docs\\a.txt", "old", fileTimeAt(2024, 4, 1));
+    disk().file("F:\\Save\\Docs\\gone.txt", "x");
+    clean();
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\a.txt"));
+    EXPECT_FALSE(kept("F:\\Save\\Docs\\gone.txt"));
+}
+
+TEST_F(ExcessFiles, ACopyInsideAnotherLinesCopyIsNotCleaned) {
+    disk().file("C:\\X\\Docs\\a.txt", "a");
+    disk().file("F:\\Save\\Data\\Docs\\a.txt", "a");
+    disk().file("F:\\Save\\Data\\Docs\\one.txt", "of the other line");
+    clean("C:\\X\\Docs", "F:\\Save\\Data", {lineRoots("C:\\Data", "F:\\Save", Layout::normal)});
+    EXPECT_TRUE(kept("F:\\Save\\Data\\Docs\\one.txt"));
+}
+
+TEST_F(ExcessFiles, TheProgramsOwnFilesAreLeftAlone) {
+    disk().file("F:\\Save\\Coffrelune\\a.txt", "a");
+    disk().file("H:\\Coffrelune\\a.txt", "a");
+    disk().file("H:\\Coffrelune\\Coffrelune.ini", "[Position]");
+    clean(lineRoots("H:\\Coffrelune", "F:\\Save", Layout::reversed));
+    EXPECT_TRUE(kept("H:\\Coffrelune\\Coffrelune.ini"));
 }
 
 TEST_F(ExcessFiles, ASingleFileLineHasNothingToClean) {

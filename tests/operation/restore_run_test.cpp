@@ -73,6 +73,17 @@ TEST_F(Restore, OfASourceWithATrailingBackslashOrOneComponent) {
     EXPECT_EQ(disk().content(R"(C:\Docs\a.txt)"), "aaaaa");
 }
 
+TEST_F(Restore, OfACopyThatLiesInsideItsSource) {
+    system.destinations[0] = R"(C:\Docs\Backup)";
+    disk().directory(R"(C:\Docs\Backup)");
+    selectOnly({0});
+    backUp();
+    disk().remove(R"(C:\Docs\a.txt)");
+    restore();
+    EXPECT_EQ(disk().content(R"(C:\Docs\a.txt)"), "aaaaa");
+    EXPECT_EQ(statistics.errorCount, 0);
+}
+
 TEST_F(Restore, OntoADiskThatIsNotThereIsInterruptedWithItsCause) {
     selectOnly({1});
     backUp();
@@ -187,6 +198,27 @@ TEST_F(ExcessPass, OfARestoreCleansTheSourceOfWhatTheCopyLacks) {
     runCopie();
     EXPECT_FALSE(disk().exists(R"(C:\Docs\later.txt)"));
     EXPECT_TRUE(disk().exists(R"(C:\Docs\a.txt)"));
+}
+
+TEST_F(ExcessPass, DoesNotRunForWhoKeepsExistingFiles) {
+    launcher = std::make_unique<OperationLauncher>(system, host);
+    launcher->keepExistingFiles();
+    user().answer(Answer::ok);
+    launcher->LanceOperation(1);
+    EXPECT_TRUE(disk().exists(R"(F:\Save\Docs\gone.txt)"));
+}
+
+TEST_F(ExcessPass, KeepsToTheListsThatTheRunBeganWith) {
+    (void)system.WriteSetting("Travail", "RepExclu0_Mode", "2");
+    (void)system.WriteSetting("Travail", "RepExclu0_Rep1", R"(\Photos)");
+    disk().file(R"(F:\Save\Docs\Photos\p.jpg)", "never in the source");
+    whenEventsRun(
+        [](Copie& window) {
+            return window.Lbl[1].caption() == "Effacement des fichiers excédentaires...";
+        },
+        [this](Copie&) { (void)system.WriteSetting("Travail", "RepExclu0_Mode", "0"); });
+    runCopie();
+    EXPECT_TRUE(disk().exists(R"(F:\Save\Docs\Photos\p.jpg)"));
 }
 
 TEST_F(ExcessPass, OfARestoreThatWasNeverBackedUpEmptiesNothing) {

@@ -50,14 +50,18 @@ TEST_F(RunReport, FindsTheCurrentConfiguration) {
 TEST_F(RunReport, NamesTheConfigurationsWhenTheCurrentOneDoesNotExist) {
     disk().file(settings, "[Position]\r\n[General]\r\n[Maison]\r\n");
     EXPECT_FALSE(settingsUsable(system));
-    EXPECT_THAT(user().notices(), ElementsAre("La configuration « Travail » n'existe pas.\n"
-                                              "Configurations enregistrées : General, Maison"));
+    EXPECT_THAT(user().notices(),
+                ElementsAre("La configuration « Travail » n'existe pas.\n"
+                            "Configurations enregistrées : General, Maison\n"
+                            "Fichier de réglages : C:\\Coffrelune\\Coffrelune.ini"));
 }
 
 TEST_F(RunReport, SaysThatThereIsNoConfigurationAtAll) {
     EXPECT_FALSE(settingsUsable(system));
-    EXPECT_THAT(user().notices(), ElementsAre("La configuration « Travail » n'existe pas.\n"
-                                              "Aucune configuration n'est enregistrée."));
+    EXPECT_THAT(user().notices(),
+                ElementsAre("La configuration « Travail » n'existe pas.\n"
+                            "Aucune configuration n'est enregistrée.\n"
+                            "Fichier de réglages : C:\\Coffrelune\\Coffrelune.ini"));
 }
 
 TEST_F(RunReport, SaysThatTheSettingsCannotBeRead) {
@@ -65,7 +69,7 @@ TEST_F(RunReport, SaysThatTheSettingsCannotBeRead) {
     disk().setUnreadable(settings);
     EXPECT_FALSE(settingsUsable(system));
     EXPECT_THAT(user().notices(),
-                ElementsAre(R"(Le fichier de configuration C:\Coffrelune\Coffrelune.ini ne peut )"
+                ElementsAre(R"(Le fichier de réglages C:\Coffrelune\Coffrelune.ini ne peut )"
                             "pas être lu (erreur 5). Il est laissé tel quel."));
     EXPECT_EQ(disk().content(settings), "[Travail]\r\n");
 }

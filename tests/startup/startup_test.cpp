@@ -141,9 +141,10 @@ TEST_F(StartUp, AutoRefusesAConfigurationThatDoesNotExist) {
     ASSERT_TRUE(start("/Auto /Travial"));
     EXPECT_EQ(runAuto(*system), ExitStatus::wrongUse);
     EXPECT_THAT(notices(), ElementsAre("La configuration « Travial » n'existe pas.\n"
-                                       "Configurations enregistrées : Travail, Maison, General"));
+                                       "Configurations enregistrées : Travail, Maison, General\n"
+                                       "Fichier de réglages : C:\\Coffrelune\\Coffrelune.ini"));
     EXPECT_THAT(memory.disk().list(R"(F:\Save)"), IsEmpty());
-    EXPECT_THAT(memory.files().writes(), IsEmpty());
+    EXPECT_THAT(memory.files().writes(), ElementsAre(R"(removeLeftovers C:\Coffrelune)"));
 }
 
 TEST_F(StartUp, AutoRefusesSettingsThatCannotBeRead) {
@@ -151,7 +152,7 @@ TEST_F(StartUp, AutoRefusesSettingsThatCannotBeRead) {
     ASSERT_TRUE(start("/Auto"));
     EXPECT_EQ(runAuto(*system), ExitStatus::wrongUse);
     EXPECT_EQ(notices().size(), 1U);
-    EXPECT_THAT(memory.files().writes(), IsEmpty());
+    EXPECT_THAT(memory.files().writes(), ElementsAre(R"(removeLeftovers C:\Coffrelune)"));
 }
 
 TEST_F(StartUp, AutoNamesEveryErrorAndTellsTheScript) {
@@ -182,11 +183,18 @@ TEST_F(StartUp, TheConfigurationInUseIsRemembered) {
     EXPECT_EQ(system->ReadSetting("Position", "Config"), "Travail");
 }
 
+TEST_F(StartUp, TheReservedSectionIsNoConfiguration) {
+    ASSERT_TRUE(start("/Auto /position"));
+    EXPECT_EQ(runAuto(*system), ExitStatus::wrongUse);
+    rememberConfiguration(*system);
+    EXPECT_EQ(system->ReadSetting("Position", "Config"), "Maison");
+}
+
 TEST_F(StartUp, AMistypedConfigurationIsNotRemembered) {
     ASSERT_TRUE(start("/Travial"));
     rememberConfiguration(*system);
     EXPECT_EQ(system->ReadSetting("Position", "Config"), "Maison");
-    EXPECT_THAT(memory.files().writes(), IsEmpty());
+    EXPECT_THAT(memory.files().writes(), ElementsAre(R"(removeLeftovers C:\Coffrelune)"));
 }
 
 }  // namespace

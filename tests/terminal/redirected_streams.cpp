@@ -1,6 +1,7 @@
 #include "terminal/redirected_streams.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <pty.h>
 #include <sys/mman.h>
 #include <termios.h>
@@ -53,6 +54,19 @@ RedirectedStreams::RedirectedStreams(const StreamLayout& layout) {
 
 void RedirectedStreams::type(const std::string& text) {
     require(write(master_, text.data(), text.size()) == static_cast<ssize_t>(text.size()), "type");
+}
+
+bool RedirectedStreams::waitFor(const std::string& text) {
+    constexpr int longest = 10'000;  // milliseconds
+    std::array<char, 4096> buffer{};
+    while (terminalText_.find(text) == std::string::npos) {
+        pollfd waiting{master_, POLLIN, 0};
+        if (poll(&waiting, 1, longest) != 1) return false;
+        const ssize_t count = read(master_, buffer.data(), buffer.size());
+        if (count <= 0) return false;
+        terminalText_.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+    return true;
 }
 
 void RedirectedStreams::finish() {

@@ -28,6 +28,10 @@ class RedirectedStreams {
     /// What the user types; must be shorter than a terminal's buffer. "\x04" ends the input.
     void type(const std::string& text);
 
+    /// Returns when the terminal shows `text`, from another thread than the program's; false when
+    /// it did not come for ten seconds.
+    bool waitFor(const std::string& text);
+
     /// Gives the process its own streams back; what was written can be read then.
     void finish();
 

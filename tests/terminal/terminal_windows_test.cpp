@@ -3,12 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
-#include <atomic>
 #include <csignal>
-#include <fstream>
 #include <functional>
 #include <thread>
 
@@ -64,10 +60,12 @@ class TerminalWindowsTest : public testing::Test {
              const std::function<void(Program&)>& action, bool journal = false) {
         RedirectedStreams streams(layout);
         streams.type(typed);
+        std::thread* const user = meanwhile ? meanwhile(streams) : nullptr;
         {
             Program program(memory, journal);
             action(program);
         }
+        if (user != nullptr) user->join();
         streams.finish();
         screen = streams.onTerminal();
         output = streams.onOutput();
@@ -94,6 +92,8 @@ class TerminalWindowsTest : public testing::Test {
         return answer;
     }
 
+    /// Starts what happens on another thread while the program runs, and gives that thread.
+    std::function<std::thread*(RedirectedStreams&)> meanwhile;
     DefaultSignals defaultSignals;
     MemoryPlatform memory;
     std::string screen;
@@ -286,27 +286,32 @@ TEST_F(TerminalWindowsTest, TheSecondSignalKeepsTheOldCopyOfTheFileInProgress) {
 
 TEST_F(TerminalWindowsTest, ASignalDuringTheQuestionCancelsTheRun) {
     memory.disk().file(R"(F:\Save\Docs\a.txt)", "old", fileTimeAt(2023, 1, 1));
-    memory.clock().advanceSeconds(60);
-    std::atomic<bool> stop{false};
-    const pthread_t reader = pthread_self();
-    const std::string state = "/proc/self/task/" + std::to_string(gettid()) + "/syscall";
-    const std::string reading = std::to_string(SYS_read) + " 0x0 ";  // from the input
-    // Raised when the question is being read: then, and only then, it waits in this system call.
-    std::thread user([&] {
-        for (std::string call; !stop; call.clear()) {
-            std::ifstream file(state);
-            std::getline(file, call);
-            if (call.rfind(reading, 0) != 0) continue;
-            pthread_kill(reader, SIGINT);
-            return;
-        }
-    });
+    const pthread_t program = pthread_self();
+    bool asked = false;
+    std::thread user;
+    meanwhile = [&](RedirectedStreams& streams) {
+        user = std::thread([&] {
+            asked = streams.waitFor(replacePrompt);
+            if (asked) pthread_kill(program, SIGINT);
+        });
+        return &user;
+    };
     const RunEnd end = backup(interactive);
-    stop = true;
-    user.join();
+    EXPECT_TRUE(asked);
     EXPECT_EQ(end, RunEnd::interrupted);
     EXPECT_EQ(memory.disk().content(R"(F:\Save\Docs\a.txt)"), "old");
     EXPECT_THAT(screen, HasSubstr("Sauvegarde interrompue !"));
+}
+
+TEST_F(TerminalWindowsTest, ASignalJustBeforeTheQuestionIsNotMissed) {
+    int answer = -1;
+    run(interactive, "", [&](Program& program) {
+        std::raise(SIGINT);
+        frmConfirm question("a.txt");
+        program.windows.showModal(question);
+        answer = question.answer();
+    });
+    EXPECT_EQ(answer, 3);
 }
 
 }  // namespace

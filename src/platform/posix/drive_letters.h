@@ -24,6 +24,9 @@ class DriveLetters {
     /// written to the file at once; when that fails the letter holds as long as this object.
     std::map<std::string, char> assign(const std::vector<std::string>& identities);
 
+    /// Every letter with the identity of its volume, present or not.
+    const std::map<char, std::string>& remembered() const { return volumes_; }
+
     /// The file of the last `assign` cannot be trusted or cannot be read.
     bool damaged() const { return damaged_; }
 

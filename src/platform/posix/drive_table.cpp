@@ -48,13 +48,15 @@ void DriveTable::refresh() {
     if (!sources_.has_value()) return;
     mounts_ = parseMounts(textOf(sources_->mountInfo));
     pseudoDevices_ = pseudoDevicesOf(mounts_);
-    const std::vector<Volume> volumes = volumesOf(
-        mounts_, parseFstabPoints(textOf(sources_->fstab)), readUuids(sources_->uuidDirectory));
+    const std::string fstab = textOf(sources_->fstab);
+    const std::vector<Volume> volumes =
+        volumesOf(mounts_, parseFstabPoints(fstab), readUuids(sources_->uuidDirectory));
     std::vector<std::string> identities;
     std::transform(volumes.begin(), volumes.end(), std::back_inserter(identities),
                    [](const Volume& volume) { return volume.identity; });
     const std::map<std::string, char> letters = letters_.assign(identities);
 
+    findAbsentPoints(fstab, letters);
     std::vector<PathRoot> roots = {PathRoot::drive('C', "/")};
     for (const Volume& volume : volumes) {
         const auto letter = letters.find(volume.identity);
@@ -68,6 +70,35 @@ void DriveTable::refresh() {
         if (device) roots.push_back({share.core, share.point, device});
     }
     paths_ = PathMap(std::move(roots));
+}
+
+void DriveTable::findAbsentPoints(const std::string& fstab,
+                                  const std::map<std::string, char>& present) {
+    const std::map<std::string, std::string> points = parseFstabIdentities(fstab);
+    absentPoints_.clear();
+    for (const auto& [letter, identity] : letters_.remembered()) {
+        const auto point = points.find(identity);
+        if (present.contains(identity)) continue;
+        if (point != points.end()) {
+            absentPoints_.emplace(letter, point->second);
+        } else if (identity.starts_with("path:")) {
+            absentPoints_.emplace(letter, identity.substr(5));
+        }
+    }
+}
+
+std::string DriveTable::fromNative(const std::string& typed,
+                                   const std::string& currentDirectory) const {
+    const std::string core = paths_.fromNative(typed, currentDirectory);
+    Place place;
+    // Only what lies on the system disk can lie in an empty mount point.
+    if (!core.starts_with("C:") || !paths_.locate(core, place).ok()) return core;
+    for (const auto& [letter, point] : absentPoints_) {
+        if (!isWithin(place.native, point)) continue;
+        const std::string rest = core.substr(paths_.toCore(point).size());
+        return std::string(1, letter) + ":" + (rest.empty() ? "\\" : rest);
+    }
+    return core;
 }
 
 std::vector<std::string> DriveTable::driveRoots() const {

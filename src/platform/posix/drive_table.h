@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -36,18 +37,26 @@ class DriveTable {
     /// Roots of the drives present at the last refresh, by letter.
     std::vector<std::string> driveRoots() const;
 
+    /// Turns what a person typed into the core's form. A path in the mount point of a volume that
+    /// has a letter but is absent gets that letter too, so that nothing is written into the empty
+    /// mount point of the system disk.
+    std::string fromNative(const std::string& typed, const std::string& currentDirectory) const;
+
     bool isPseudo(dev_t device) const { return pseudoDevices_.contains(device); }
 
     /// The path with links resolved, in one spelling for one place; `path` when it names none.
     std::string resolve(const std::string& path) const;
 
   private:
+    void findAbsentPoints(const std::string& fstab, const std::map<std::string, char>& present);
+
     std::optional<MountSources> sources_;
     DriveLetters letters_;
     MountProbe probe_;
     std::vector<Mount> mounts_;
     std::set<dev_t> pseudoDevices_;
     PathMap paths_;
+    std::map<char, std::string> absentPoints_;  // by letter
 };
 
 }  // namespace coffrelune

@@ -168,6 +168,23 @@ std::set<std::string> parseFstabPoints(const std::string& fstab) {
     return points;
 }
 
+std::map<std::string, std::string> parseFstabIdentities(const std::string& fstab) {
+    constexpr std::string_view uuid = "UUID=";
+    const std::set<std::string> points = parseFstabPoints(fstab);
+    std::map<std::string, std::string> identities;
+    std::istringstream lines(fstab);
+    for (std::string line; std::getline(lines, line);) {
+        const std::vector<std::string> fields = fieldsOf(line);
+        if (fields.size() < 3 || !fields[1].starts_with('/')) continue;
+        const std::string point = normalizedPath(fields[1]);
+        if (!points.contains(point)) continue;
+        const bool named = fields[0].starts_with(uuid);
+        identities.emplace(named ? "uuid:" + fields[0].substr(uuid.size()) : "path:" + point,
+                           point);
+    }
+    return identities;
+}
+
 std::map<std::string, std::string> readUuids(const std::string& directory) {
     std::map<std::string, std::string> uuids;
     const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(directory.c_str()), closedir);

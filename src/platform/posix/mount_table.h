@@ -44,6 +44,10 @@ std::vector<Mount> parseMounts(const std::string& mountInfo);
 /// The mount points that an fstab text names outside the system's own directories.
 std::set<std::string> parseFstabPoints(const std::string& fstab);
 
+/// The same points by the identity of the volume that belongs there: "uuid:..." where the text
+/// names one, else "path:" and the point.
+std::map<std::string, std::string> parseFstabIdentities(const std::string& fstab);
+
 /// UUIDs by device path, from the links of a directory such as /dev/disk/by-uuid.
 std::map<std::string, std::string> readUuids(const std::string& directory);
 

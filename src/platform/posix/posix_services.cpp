@@ -38,7 +38,7 @@ std::vector<std::string> PosixDrives::roots() {
 }
 
 std::string PosixDrives::fromNative(const std::string& typed) {
-    return table_.paths().fromNative(typed, currentDirectory());
+    return table_.fromNative(typed, currentDirectory());
 }
 
 LocalTime toLocalTime(const timespec& time) {

@@ -51,10 +51,11 @@ int readWholeFile(const std::string& path, std::uint64_t limit, std::string& byt
     int error = statPath(path, true, kind);
     if (error != 0) return error;
     if (!S_ISREG(kind.stx_mode)) return EACCES;  // a FIFO would wait for its other end
-    if (kind.stx_size > limit) return EFBIG;
     UniqueFd fd;
     error = openPath(path, O_RDONLY | O_NONBLOCK, fd);
     if (error != 0) return error;
+    // After the opening: "too large" also says that the file may be read.
+    if (kind.stx_size > limit) return EFBIG;
     for (;;) {
         // Files of the kernel have no size before they are read.
         const std::size_t done = bytes.size();

@@ -76,7 +76,10 @@ bool Terminal::ask(const std::string& prompt, std::string& line,
         // A signal may come at any moment before the wait: only looking again finds it for certain.
         pollfd waiting{input, POLLIN, 0};
         const int ready = ::poll(&waiting, 1, betweenLooks);
-        if (givenUp && givenUp()) return false;
+        if (givenUp && givenUp()) {
+            write(askDescriptor_, "\n");
+            return false;
+        }
         if (ready == 0 || (ready < 0 && errno == EINTR)) continue;
         if (::read(input, &c, 1) != 1) return false;  // the end of the input
         if (c != '\n') line.push_back(c);
@@ -101,7 +104,11 @@ void Terminal::write(int descriptor, const std::string& text) {
     while (written < text.size()) {
         const ssize_t count = ::write(descriptor, text.data() + written, text.size() - written);
         if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return;
+        if (count <= 0) {
+            // A reader that has seen enough is no failure.
+            if (descriptor == output && errno != EPIPE) outputLost_ = true;
+            return;
+        }
         written += static_cast<std::size_t>(count);
     }
 }

@@ -15,6 +15,9 @@ class Terminal {
 
     /// A line of the program's result.
     void result(const std::string& line);
+    /// Something of the standard output could not be written, for another reason than a reader that
+    /// went away: whoever reads it has not got the result.
+    bool outputLost() const { return outputLost_; }
     /// A line for the user; CR LF and LF end a line of it.
     void say(const std::string& text);
     /// A line that belongs to no result: a warning, a refusal.
@@ -43,6 +46,7 @@ class Terminal {
     bool canAsk_;
     bool showsProgress_;
     bool progressShown_ = false;
+    bool outputLost_ = false;
 };
 
 }  // namespace coffrelune

@@ -54,7 +54,10 @@ TEST_F(PosixDrivesTest, VolumesComeAndGoWithoutLosingTheirLetter) {
     EXPECT_EQ(platform.drives().fromNative("/media/cle/Photos"), "D:\\Photos");
     write("3 1 8:33 / /mnt/disque rw - ext4 /dev/sdc1 rw\n", "");
     EXPECT_THAT(platform.drives().roots(), ElementsAre("C:\\", "E:\\"));
-    EXPECT_EQ(platform.drives().fromNative("/media/cle/Photos"), "C:\\media\\cle\\Photos");
+    // Absent, it keeps its letter: nothing may be written into its empty mount point.
+    EXPECT_EQ(platform.drives().fromNative("/media/cle/Photos"), "D:\\Photos");
+    EXPECT_EQ(platform.drives().fromNative("/media/cle"), "D:\\");
+    EXPECT_EQ(platform.drives().fromNative("/media/clef"), "C:\\media\\clef");
     EXPECT_EQ(platform.files().createDirectory("D:\\Photos").code(), 55U);
     EXPECT_THAT(settings_.read("Lecteurs.ini"),
                 HasSubstr("D=path:/media/cle\nE=path:/mnt/disque\n"));
