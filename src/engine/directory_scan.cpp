@@ -23,6 +23,11 @@ bool CopieMod::keepsSome() const {
 }
 
 void CopieMod::scanFile(const FileEntry& entry, Directory* target, const Place& place) {
+    // Listed, but not to be looked at: its age is unknown, and no rule may take it for up to date.
+    if (entry.times.lastWrite == 0 && !entry.id.known()) {
+        errors_.nameOnce(error_number::accessDenied, place.source + entry.name);
+        return;
+    }
     FileEntry existing;
     bool found = target != nullptr && target->lookUp(entry.name, existing);
     if (!found && !statistics_.analysisPass && keepsSome()) {

@@ -65,7 +65,8 @@ RunEnd OperationLauncher::launchComparison() {
     reset(startedByUser);
     statistics_.errorCount = errorCount;
     showOperation();
-    StoreResult(system_, host_, statistics_.errorCount == 0);
+    // What could not be read was not compared either: no clean result.
+    StoreResult(system_, host_, statistics_.errorCount == 0 && statistics_.errors.empty());
     host_.setLaunchEnabled(true);
     return statistics_.interruptionRequested ? RunEnd::interrupted : RunEnd::finished;
 }

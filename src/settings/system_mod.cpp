@@ -41,7 +41,14 @@ std::string SystemMod::ReadSetting(const std::string& section, const std::string
 Status SystemMod::WriteSetting(const std::string& section, const std::string& key,
                                const std::string& value) {
     if (section.empty()) return {};
-    if (key.empty()) return file_.deleteSection(section);
+    if (key.empty()) {
+        // The settings of every configuration go under this name: no list may offer them for
+        // deletion.
+        if (equalIgnoringCase(section, "Position")) {
+            return Status::failure(error_number::accessDenied, file_.path());
+        }
+        return file_.deleteSection(section);
+    }
     if (value.empty()) return file_.deleteKey(section, key);
     return file_.write(section, key, value);
 }

@@ -180,6 +180,20 @@ def unreadable_directory(place, report):
     report.equal("le reste est copié", read(f"{place.copy}/b.txt"), b"b")
 
 
+def unsearchable_directory(place, report):
+    """Un répertoire dont on lit les noms mais pas les fichiers : chacun est nommé"""
+    write(f"{place.source}/à part/secret.txt", "secret")
+    os.chmod(f"{place.source}/à part", 0o444)
+    place.become_nobody()
+    outcome = place.backup("--ecraser", "--json")
+    os.chmod(f"{place.source}/à part", 0o755)
+    result = outcome.json() or {}
+    report.equal("état 1", outcome.status, 1)
+    report.check("le fichier est nommé",
+                 any(error["path"].endswith(r"\secret.txt") for error in result.get("errors", [])),
+                 outcome)
+
+
 def file_in_the_way(place, report):
     """Un fichier qui porte le nom d'un répertoire à créer est une erreur, et reste"""
     write(f"{place.source}/sous/a.txt", "a")
@@ -257,5 +271,6 @@ def replaces_read_only_copy(place, report):
 
 SCENARIOS = (wrong_use, unknown_command, help_text, missing_source, missing_destination,
              new_destination, unreadable_continues, unreadable_stops, unreadable_text,
-             unreadable_raw_name, unreadable_directory, file_in_the_way, directory_in_the_way,
+             unreadable_raw_name, unreadable_directory, unsearchable_directory, file_in_the_way,
+             directory_in_the_way,
              full_destination, read_only_destination, replaces_read_only_copy)

@@ -99,6 +99,17 @@ TEST_F(Comparison, ThatFindsNothingIsRecordedAsClean) {
     EXPECT_EQ(setting("Travail", "LastCompErr"), "");
 }
 
+TEST_F(Comparison, ThatCouldNotReadEverythingIsNotRecordedAsClean) {
+    selectOnly({1});
+    disk().file(R"(G:\Save\Photos\c.jpg)", "cccccccc", fileTimeAt(2024, 3, 1));
+    disk().file(R"(D:\Photos\Secret\s.jpg)", "s");
+    disk().setUnreadable(R"(D:\Photos\Secret)");
+    compare();
+    EXPECT_EQ(setting("Travail", "LastComp"), "");
+    EXPECT_EQ(setting("Travail", "LastCompNbErr"), "0");
+    EXPECT_NE(setting("Travail", "LastCompErr"), "");
+}
+
 TEST_F(Comparison, InterruptedKeepsTheErrorCountAndTheDurationOfTheRunBefore) {
     compare();
     ASSERT_EQ(system.errorCount, 3);

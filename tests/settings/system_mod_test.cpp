@@ -54,6 +54,18 @@ TEST_F(SystemModTest, FindsItsFileBesideTheProgram) {
     EXPECT_TRUE(memory.disk().exists("C:\\Coffrelune.ini"));
 }
 
+TEST_F(SystemModTest, NeverDeletesTheReservedSection) {
+    memory.disk().file(path, "[Position]\r\nRepertMax=3\r\n");
+    EXPECT_EQ(start().WriteSetting("POSITION", "", "").code(), error_number::accessDenied);
+    EXPECT_EQ(onDisk(), "[Position]\r\nRepertMax=3\r\n");
+    EXPECT_FALSE(start().configurationExists("position"));
+}
+
+TEST_F(SystemModTest, TakesTheReservedNameForNoRememberedConfiguration) {
+    memory.disk().file(path, "[Position]\r\nConfig=Position\r\n");
+    EXPECT_EQ(start().configurationName, "General");
+}
+
 TEST_F(SystemModTest, StartsWithDefaultsWithoutAFile) {
     const SystemMod& mod = start();
     EXPECT_EQ(mod.maximumIndex, 5);

@@ -89,7 +89,7 @@ void DriveTable::findAbsentPoints(const std::string& fstab,
 
 std::string DriveTable::fromNative(const std::string& typed,
                                    const std::string& currentDirectory) const {
-    const std::string core = paths_.fromNative(typed, currentDirectory);
+    std::string core = paths_.fromNative(typed, currentDirectory);
     Place place;
     // Only what lies on the system disk can lie in an empty mount point.
     if (!core.starts_with("C:") || !paths_.locate(core, place).ok()) return core;
