@@ -1,11 +1,21 @@
 # What every target of the house is compiled with. Warnings are errors.
 add_library(coffrelune_compiler INTERFACE)
-target_compile_options(coffrelune_compiler INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+if(MSVC)
+  target_compile_options(coffrelune_compiler INTERFACE /W4 /WX /permissive- /utf-8 /EHsc)
+else()
+  target_compile_options(coffrelune_compiler INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # GCC 12 warns of overlapping copies inside std::string that cannot happen:
   # https://gcc.gnu.org/bugzilla/show_bug.cgi?id=105651
   target_compile_options(coffrelune_compiler INTERFACE -Wno-restrict)
+endif()
+if(WIN32)
+  # Windows 10 is the oldest one that is supported. Its headers' min and max would spoil the
+  # library's.
+  target_compile_definitions(coffrelune_compiler INTERFACE
+    _WIN32_WINNT=0x0A00 WINVER=0x0A00 NOMINMAX)
 endif()
 if(COFFRELUNE_SANITIZE)
   target_compile_options(coffrelune_compiler INTERFACE

@@ -1,23 +1,37 @@
 #!/usr/bin/env bash
-# Runs clang-tidy over every source that the debug build compiles, a line and a count for each.
+# Runs clang-tidy over every source, as the debug build compiles it or, when only Windows does, as
+# the build for Windows does. A line and a count for each.
 set -uo pipefail
 
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." || exit 1
 database=build/linux-debug
-[[ -f $database/compile_commands.json ]] || {
-    echo "Il faut d'abord construire linux-debug." >&2
-    exit 1
-}
+windows=build/windows-release
+for build in "$database" "$windows"; do
+    [[ -f $build/compile_commands.json ]] || {
+        echo "Il faut d'abord construire ${build##*/}." >&2
+        exit 1
+    }
+done
+# clang does not know where Debian keeps the C++ library of the compiler for Windows.
+library=$(x86_64-w64-mingw32-g++-posix -print-file-name=include/c++)
+windows_flags="--extra-arg=--target=x86_64-w64-mingw32"
+for folder in "" /x86_64-w64-mingw32 /backward; do
+    windows_flags+=" --extra-arg-before=-isystem$library$folder"
+done
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 # The largest first, so that no long one is left to run alone at the end.
 find src tests bench -name '*.cpp' -printf '%s %p\n' | sort -rn | cut -d' ' -f2- >"$work/files"
-export database work
+export database windows windows_flags work
 tidy() {
-    local log
+    local log place=$database flags=''
     log=$(mktemp -p "$work")
-    if clang-tidy-14 -p "$database" --quiet --extra-arg=-Wno-unknown-warning-option \
+    if ! grep -qF "/$1\"" "$database/compile_commands.json"; then
+        place=$windows
+        flags=$windows_flags
+    fi
+    if clang-tidy-14 -p "$place" $flags --quiet --extra-arg=-Wno-unknown-warning-option \
         --extra-arg=-Wno-sign-conversion "$1" >"$log" 2>&1; then
         echo "ok clang-tidy $1" | tee -a "$work/verdicts"
     else

@@ -17,7 +17,8 @@ tell() {
 sound_tree() {
     local file
     rm -rf "${tree:?}"/*
-    mkdir -p "$tree"/{src/{engine,platform/posix,console},tests/engine,build/linux-debug}
+    mkdir -p "$tree"/{src/{engine,platform/{posix,win32},console},tests/engine}
+    mkdir -p "$tree"/build/{linux-debug,windows-release}
     printf '#include "platform/status.h"\n' >"$tree/src/engine/walk.cpp"
     printf '#pragma once\n' >"$tree/src/platform/status.h"
     printf '#include <unistd.h>\n' >"$tree/src/platform/posix/files.cpp"
@@ -31,6 +32,9 @@ sound_tree() {
         done
         echo ']'
     } >"$tree/build/linux-debug/compile_commands.json"
+    printf '#include <windows.h>\n' >"$tree/src/platform/win32/files.cpp"
+    printf '[\n{ "file": "%s" }\n]\n' "$tree/src/platform/win32/files.cpp" \
+        >"$tree/build/windows-release/compile_commands.json"
 }
 
 # The check that must fail, then the file that gets the faulty line, then the line.
@@ -60,12 +64,15 @@ fi
 built="est dans la construction"
 fault "chaque *_test.cpp $built" tests/engine/forgotten_test.cpp '#include "engine/walk.h"\n'
 fault "chaque source $built" src/engine/forgotten.cpp '#include "platform/status.h"\n'
+fault "chaque source de Windows est dans sa construction" src/platform/win32/forgotten.cpp '#include <windows.h>\n'
 headers="restent dans leur dossier de src/platform"
 fault "les en-têtes du système $headers" src/engine/walk.cpp '#include <sys/stat.h>\n'
 fault "les en-têtes du système $headers" src/platform/status.h '#include <dirent.h>\n'
 fault "les en-têtes du système $headers" src/console/main.cpp '# include <unistd.h>\n'
 fault "les en-têtes de Windows restent dans les sources de src/platform/win32" \
     src/platform/win32/files.h '#include <windows.h>\n'
+fault "les en-têtes de Windows restent dans les sources de src/platform/win32" \
+    src/engine/walk.cpp '#include <windows.h>\n'
 fault "les en-têtes des fenêtres restent dans src/platform/wx" src/engine/walk.cpp '#include <wx/wx.h>\n'
 fault "arguments et JSON restent dans src/console" src/engine/walk.cpp '#include <nlohmann/json.hpp>\n'
 files="hors de src/platform, rien n'ouvre un fichier ni ne lance un programme"
@@ -79,6 +86,9 @@ fault "$layers" src/platform/status.h '#include "system/text.h"\n'
 fault "$layers" src/engine/walk.cpp '#include "platform/posix/files.h"\n'
 fault "$layers" src/engine/walk.cpp '#include "walk.h"\n'
 fault "$layers" src/attic/walk.h '#include "engine/walk.h"\n'
+pictures="chaque image que le code nomme est dessinée"
+fault "$pictures" src/engine/walk.cpp 'image.setImage("nulle-part");\n'
+fault "$pictures" src/mainwindow/toolbar.h 'TB.add({"Rien", "Rien", ""});\n'
 fault "en-têtes de moins de 150 lignes, sources de moins de 400" src/engine/walk.h '\n%.0s'"$(printf '//\\n%.0s' {1..150})"
 fault "aucun renvoi numéroté à un document que le dépôt ne contient pas" src/engine/walk.cpp "// see Pa""rt 2.1\n"
 fault "aucun chemin de la machine d'un développeur" src/engine/walk.cpp "// $tree/src\n"

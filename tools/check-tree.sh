@@ -8,6 +8,7 @@ shopt -s lastpipe
 root=${1-$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)}
 cd "$root" || exit 1
 database=build/linux-debug/compile_commands.json
+windows_database=build/windows-release/compile_commands.json
 
 passed=0
 failed=0
@@ -35,18 +36,25 @@ code() {
 
 # ---- what is on the disk is in the build ----------------------------------------------------
 
-compiled() { grep -o '"file": "[^"]*"' "$database" | cut -d'"' -f4; }
+compiled() { grep -o '"file": "[^"]*"' "$1" | cut -d'"' -f4; }
 not_compiled() {
-    if [[ ! -f $database ]]; then
-        echo "$database est absent"
+    if [[ ! -f $1 ]]; then
+        echo "$1 est absent"
         return
     fi
-    comm -23 <(sort) <(compiled | while read -r file; do realpath --relative-to=. "$file"; done | sort)
+    comm -23 <(sort) <(compiled "$1" | while read -r file; do realpath --relative-to=. "$file"; done | sort)
 }
-find tests -name '*_test.cpp' | not_compiled |
+# What only Windows compiles is looked for in its own build, where there is one.
+for_windows='^(src/platform|tests/platform|tests/terminal)/win32/|/win32_[^/]*\.cpp$|_msw\.cpp$|/main_windows\.cpp$'
+find tests -name '*_test.cpp' | grep -vE "$for_windows" | not_compiled "$database" |
     verdict "chaque *_test.cpp est dans la construction"
-find src -name '*.cpp' -not -path 'src/platform/win32/*' -not -path 'src/platform/wx/*' |
-    not_compiled | verdict "chaque source est dans la construction"
+find src -name '*.cpp' | grep -vE "$for_windows" | not_compiled "$database" |
+    verdict "chaque source est dans la construction"
+if [[ -f $windows_database ]]; then
+    find src tests \( -path 'src/*.cpp' -o -name '*_test.cpp' \) | grep -E "$for_windows" |
+        not_compiled "$windows_database" |
+        verdict "chaque source de Windows est dans sa construction"
+fi
 
 # ---- the system stays behind the platform ---------------------------------------------------
 
@@ -56,7 +64,7 @@ posix='(unistd|fcntl|dirent|c?signal|poll|termios|pwd|grp|mntent|fstab|langinfo|
 code "$include<$posix>" src | grep -vE '^src/platform/(posix|terminal|wx)/' |
     verdict "les en-têtes du système restent dans leur dossier de src/platform"
 code "$include<(windows|winbase|shlobj|shellapi|mmsystem|winreg)[^>]*>" src |
-    grep -vE '^src/platform/win32/[^:]*\.cpp:' |
+    grep -vE '^src/platform/(win32/[^:]*|(terminal|native)/win32_[^:/]*|wx/[^:/]*_msw)\.cpp:' |
     verdict "les en-têtes de Windows restent dans les sources de src/platform/win32"
 code "$include<wx/" src | grep -vE '^src/platform/wx/' |
     verdict "les en-têtes des fenêtres restent dans src/platform/wx"
@@ -80,17 +88,19 @@ platform
 platform/posix       platform
 platform/posix/desktop platform platform/posix
 platform/win32       platform
+platform/win32/desktop platform platform/win32
 platform/memory      platform
+platform/native      platform platform/posix platform/win32
 platform/terminal    platform system settings engine operation
-platform/wx          platform system settings engine operation dialogs mainwindow
+platform/wx          platform platform/win32/desktop system settings engine operation dialogs mainwindow
 system               platform
 settings             platform system
 engine               platform system settings
 operation            platform system settings engine
 dialogs              platform system settings engine
 mainwindow           platform system settings engine operation dialogs
-startup              platform system settings engine operation dialogs mainwindow platform/posix platform/posix/desktop platform/win32 platform/terminal platform/wx
-console              platform system settings engine operation startup platform/posix platform/win32 platform/terminal
+startup              platform system settings engine operation dialogs mainwindow platform/posix platform/posix/desktop platform/win32 platform/win32/desktop platform/native platform/terminal platform/wx
+console              platform system settings engine operation startup platform/native platform/terminal
 '
 code "$include\"" src | sed -E 's/^src\/(([^:]*)\/)?([^:\/]+):([0-9]+):[^"]*"((.*)\/)?([^"\/]+)".*/\2 \6 src\/\1\3:\4/' |
     awk -v layers="$layers" '
@@ -107,6 +117,18 @@ code "$include\"" src | sed -E 's/^src\/(([^:]*)\/)?([^:\/]+):([0-9]+):[^"]*"((.
         !($1 in known) { print $3 ": le dossier " $1 " n'\''a pas de place dans les couches"; next }
         !(($1, $2) in allowed) { print $3 ": " $1 " inclut " $2 }' |
     verdict "aucun dossier n'inclut un dossier qui est au-dessus de lui"
+
+# ---- every picture that the code names is drawn ----------------------------------------------
+
+{
+    code 'setImage\("|makeIconButton\(.*"|pictures\.find\("' src | grep -oE '"[a-z-]*[a-z]"'
+    code '"(sens|ligne|resultat|lecteur|drive|folder)-[a-z-]+"' src |
+        grep -oE '"(sens|ligne|resultat|lecteur|drive|folder)-[a-z-]+"'
+    code '(bar|TB)\.add\(\{"' src/mainwindow | sed -E 's/.*add\(\{"([A-Za-z]+)".*/"commande-\1"/'
+} | tr -d '"' | sort -u | while read -r name; do
+    [[ -f assets/icons/$name.svg ]] || grep -qs "^$name " assets/icons/autres-noms.txt ||
+        echo "assets/icons/$name.svg"
+done | verdict "chaque image que le code nomme est dessinée"
 
 # ---- a reader keeps a file in mind ----------------------------------------------------------
 

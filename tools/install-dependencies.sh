@@ -1,11 +1,15 @@
 #!/usr/bin/env bash
-# Installs the Debian 12 packages that building (`build`) or testing (`test`) needs, and only those
-# that are missing: when everything is there it costs one query and no network.
+# Installs the Debian 12 packages that building (`build`), testing (`test`), or building and testing
+# for Windows (`windows`) needs, and only those that are missing: when everything is there it costs
+# one query and no network.
 # Everything it prints goes to stderr, so that a caller's stdout stays its own.
 set -euo pipefail
 
-build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
-test_packages=(libgtest-dev libgmock-dev clang-format-14 clang-tidy-14 python3)
+build_packages=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libwxgtk3.2-dev libgtk-3-dev)
+test_packages=(libgtest-dev libgmock-dev clang-format-14 clang-tidy-14 python3 xvfb icewm at-spi2-core
+               dbus-daemon python3-gi gir1.2-atspi-2.0 xdotool x11-utils imagemagick libfaketime)
+windows_packages=(cmake ninja-build libcli11-dev nlohmann-json3-dev googletest make xz-utils
+                  g++-mingw-w64-x86-64-posix wine wine64 xvfb xdotool python3)
 
 case "${1-}" in
     build) packages=("${build_packages[@]}") commands=(g++ cmake ninja) ;;
@@ -13,8 +17,12 @@ case "${1-}" in
         packages=("${build_packages[@]}" "${test_packages[@]}")
         commands=(g++ cmake ninja clang-format-14 clang-tidy-14 python3)
         ;;
+    windows)
+        packages=("${windows_packages[@]}")
+        commands=(cmake ninja make x86_64-w64-mingw32-g++-posix wine Xvfb xdotool python3)
+        ;;
     *)
-        echo "Usage : ${0##*/} build|test" >&2
+        echo "Usage : ${0##*/} build|test|windows" >&2
         exit 2
         ;;
 esac

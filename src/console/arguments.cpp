@@ -1,9 +1,10 @@
 #include "console/arguments.h"
 
 #include <CLI/CLI.hpp>
-#include <iostream>
 #include <map>
+#include <sstream>
 
+#include "platform/terminal/streams.h"
 #include "system/display_text.h"
 
 namespace coffrelune::console {
@@ -32,6 +33,8 @@ void speakFrench(CLI::App& app) {
     formatter->column_width(26);
     app.formatter(formatter);
     app.set_help_flag("-h,--help", "Affiche cette aide");
+    // The same words on every system: "/source" is no option on any.
+    app.allow_windows_style_options(false);
 }
 
 // A variable that a script forgot to set must not turn into a run of something else.
@@ -158,14 +161,22 @@ std::string contradiction(const Arguments& arguments) {
 }
 
 int refuse(const std::string& message) {
-    std::cerr << visibleControls(message)
-              << "\n« coffrelune-console --help » montre l'utilisation.\n";
+    streams::write(
+        streams::Stream::errors,
+        visibleControls(message) + "\n« coffrelune-console --help » montre l'utilisation.\n");
     return wrongUse;
+}
+
+int show(const CLI::App& app, const CLI::Success& asked) {
+    std::ostringstream text;
+    const int exitStatus = app.exit(asked, text, text);
+    streams::write(streams::Stream::output, text.str());
+    return exitStatus;
 }
 
 }  // namespace
 
-std::optional<Arguments> parseArguments(int count, char** values, int& exitStatus) {
+std::optional<Arguments> parseArguments(const std::vector<std::string>& words, int& exitStatus) {
     Arguments arguments;
     CLI::App app("Coffrelune dans un terminal : sauvegarde, restauration et comparaison",
                  "coffrelune-console");
@@ -175,12 +186,15 @@ std::optional<Arguments> parseArguments(int count, char** values, int& exitStatu
     app.footer(exitStatuses);
     addCommands(app, arguments);
     try {
-        app.parse(count, values);
+        // Taken from its end; the program's name is no argument.
+        std::vector<std::string> reversed(words.rbegin(), words.rend());
+        if (!reversed.empty()) reversed.pop_back();
+        app.parse(std::move(reversed));
     } catch (const CLI::Success& asked) {
-        exitStatus = app.exit(asked);
+        exitStatus = show(app, asked);
         return std::nullopt;
     } catch (const CLI::ParseError& error) {
-        exitStatus = refuse(frenchMessage(app, error, count > 1 ? values[1] : ""));
+        exitStatus = refuse(frenchMessage(app, error, words.size() > 1 ? words[1] : ""));
         return std::nullopt;
     }
     const std::string wrong = contradiction(arguments);

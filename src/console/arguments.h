@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "settings/system_mod.h"
 
@@ -26,8 +27,9 @@ struct Arguments {
     bool direct() const { return !source.empty(); }
 };
 
-/// Reads the command line. When there is nothing to run (help, version, wrong use) the text has
-/// been printed and `exitStatus` holds how the process ends.
-std::optional<Arguments> parseArguments(int count, char** values, int& exitStatus);
+/// Reads the command line, whose first word is the program's name. When there is nothing to run
+/// (help, version, wrong use) the text has been printed and `exitStatus` holds how the process
+/// ends.
+std::optional<Arguments> parseArguments(const std::vector<std::string>& words, int& exitStatus);
 
 }  // namespace coffrelune::console

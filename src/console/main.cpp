@@ -3,6 +3,7 @@
 #include "console/arguments.h"
 #include "console/commands.h"
 #include "console/session.h"
+#include "platform/native/native_platform.h"
 
 namespace coffrelune::console {
 namespace {
@@ -29,7 +30,8 @@ int main(int count, char** values) {
     using namespace coffrelune::console;
     using coffrelune::ExitStatus;
     int status = 0;
-    const std::optional<Arguments> arguments = parseArguments(count, values, status);
+    const std::optional<Arguments> arguments =
+        parseArguments(coffrelune::programArguments(count, values), status);
     if (!arguments) return status;
     Session session(*arguments);
     const ExitStatus end = run(session, *arguments);

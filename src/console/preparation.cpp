@@ -1,5 +1,6 @@
 #include "console/preparation.h"
 
+#include "platform/native/native_platform.h"
 #include "startup/startup.h"
 #include "system/display_text.h"
 #include "system/paths.h"
@@ -8,10 +9,10 @@
 namespace coffrelune::console {
 namespace {
 
-// Where volumes are mounted: a directory missing there is a volume that is not plugged in, and
-// making it would fill the system disk.
+// A directory missing there is a volume that is not plugged in, and making it would fill the system
+// disk.
 bool liesWhereVolumesAre(const std::string& path) {
-    for (const char* place : {R"(C:\media\)", R"(C:\mnt\)", R"(C:\run\media\)"}) {
+    for (const std::string& place : volumePlaces()) {
         if (path.rfind(place, 0) == 0) return true;
     }
     return false;

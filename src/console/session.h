@@ -1,7 +1,7 @@
 #pragma once
 
 #include "console/arguments.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/native/native_platform.h"
 #include "platform/terminal/interrupt_signals.h"
 #include "platform/terminal/terminal.h"
 #include "platform/terminal/terminal_windows.h"
@@ -17,13 +17,13 @@ class Session {
 
     Terminal& terminal() { return terminal_; }
     SystemMod& system() { return system_; }
-    InstanceGuard& guard() { return posix_.guard(); }
+    InstanceGuard& guard() { return native_.guard(); }
 
   private:
     ProgramContext context(const Arguments& arguments);
 
     Terminal terminal_;
-    PosixPlatform posix_;
+    NativePlatform native_;
     InterruptSignals signals_;
     TerminalWindows windows_;
     Platform platform_;

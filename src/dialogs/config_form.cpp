@@ -4,6 +4,7 @@
 
 #include "dialogs/config_name_form.h"
 #include "settings/error_list_name.h"
+#include "settings/reserved_name.h"
 #include "system/text.h"
 
 namespace coffrelune {
@@ -69,25 +70,36 @@ std::vector<Button*> ConfigForm::buttons() {
 }
 
 // The entry up to the blank before its description. A name that holds "(" is cut there as well.
-std::string ConfigForm::selectedName() const {
-    std::string entry = trimBlanks(Liste.selectedText());
+std::string ConfigForm::nameOf(const std::string& listed) {
+    std::string entry = trimBlanks(listed);
     const std::size_t bracket = entry.find('(');
     if (bracket == std::string::npos) return entry;
     return withoutLastCharacter(entry.substr(0, bracket));
+}
+
+bool ConfigForm::refuseReserved(const std::string& name) {
+    if (!isReserved(name)) return false;
+    say("Impossible, nom réservé !", MessageIcon::information, MessageButtons::ok);
+    return true;
+}
+
+// Compared with the beginning of each entry, which a description may follow; so "Tra" is taken once
+// there is a "Travail". A whole name is taken in any case, which the settings file does not tell
+// apart.
+bool ConfigForm::isTaken(const std::string& name) const {
+    const std::vector<std::string>& entries = Liste.entries();
+    return std::any_of(entries.begin(), entries.end(),
+                       [&](const std::string& entry) { return entry.rfind(name, 0) == 0; }) ||
+           isListed(name);
 }
 
 void ConfigForm::add() {
     ConfigNameForm form(system_);
     system_.platform.windows.showModal(form);
     const std::string name = system_.dialogText;
-    if (name.empty()) return;
-    // Compared with the beginning of each entry, which a description may follow; so "Tra" is taken
-    // once there is a "Travail".
-    const std::vector<std::string>& entries = Liste.entries();
-    const bool taken = std::any_of(entries.begin(), entries.end(), [&](const std::string& entry) {
-        return entry.rfind(name, 0) == 0;
-    });
-    if (taken) {
+    // One that choosing it would turn into the reserved name could never be chosen.
+    if (name.empty() || refuseReserved(nameOf(name))) return;
+    if (isTaken(name)) {
         say("Cette configuration existe déjà !", MessageIcon::information, MessageButtons::ok);
         return;
     }
@@ -101,15 +113,19 @@ void ConfigForm::erase() {
     const Answer answer = say("Voulez-vous effacer cette configuration ?", MessageIcon::question,
                               MessageButtons::okCancel);
     if (answer != Answer::ok) return;
-    const std::string name = selectedName();
+    const std::string name = nameOf(Liste.selectedText());
     // The settings file does not tell names apart by their case.
     if (equalIgnoringCase(name, system_.configurationName)) {
         say("Impossible d'effacer la configuration en cours !", MessageIcon::information,
             MessageButtons::ok);
         return;
     }
-    // Where the cut at "(" made the name of another configuration, that one must not go instead.
-    if (name != names_[static_cast<std::size_t>(Liste.selection())]) return;
+    if (name.empty() || refuseReserved(name)) return;
+    if (belongsToAnother(name)) {
+        say("Impossible, ce nom est celui d'une autre configuration !", MessageIcon::information,
+            MessageButtons::ok);
+        return;
+    }
     (void)system_.WriteSetting(name, "", "");
     eraseFiles(name);
     const std::vector<std::string>& entries = Liste.entries();
@@ -122,6 +138,19 @@ void ConfigForm::erase() {
     Liste.select(0);
 }
 
+// Where the cut made the name of another configuration, that one must not go instead. It may have
+// found no room in the list.
+bool ConfigForm::belongsToAnother(const std::string& name) const {
+    const auto selected = static_cast<std::size_t>(Liste.selection());
+    if (equalIgnoringCase(name, names_[selected])) return false;
+    return isListed(name) || system_.configurationExists(name);
+}
+
+bool ConfigForm::isListed(const std::string& name) const {
+    return std::any_of(names_.begin(), names_.end(),
+                       [&](const std::string& other) { return equalIgnoringCase(other, name); });
+}
+
 void ConfigForm::eraseFiles(const std::string& name) {
     if (system_.homeDirectory.empty()) return;
     for (const OperationKind kind :
@@ -132,9 +161,13 @@ void ConfigForm::eraseFiles(const std::string& name) {
 }
 
 void ConfigForm::accept() {
-    const std::string name = selectedName();
-    // Without a name nothing could be stored any more.
-    system_.selectedConfiguration = name.empty() ? system_.configurationName : name;
+    const std::string name = nameOf(Liste.selectedText());
+    // Without a name nothing could be stored any more, and under the reserved one the lines would
+    // go among the global settings.
+    const bool chosen = !name.empty() && !isReserved(name);
+    system_.selectedConfiguration = chosen ? name : system_.configurationName;
+    // What is chosen here is no longer a name that was only tried.
+    if (chosen) system_.askedConfiguration.clear();
     if (RepMaxCb.selection() >= 0) {
         system_.pendingMaximumIndex =
             static_cast<std::int16_t>(leadingNumber(RepMaxCb.selectedText()) - 1);

@@ -39,7 +39,11 @@ class ConfigForm final : public Window {
     void loadSounds();
     std::vector<std::string> soundFiles();
 
-    std::string selectedName() const;
+    static std::string nameOf(const std::string& listed);
+    bool refuseReserved(const std::string& name);
+    bool isListed(const std::string& name) const;
+    bool isTaken(const std::string& name) const;
+    bool belongsToAnother(const std::string& name) const;
     void add();
     void erase();
     void eraseFiles(const std::string& name);

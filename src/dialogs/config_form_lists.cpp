@@ -18,12 +18,6 @@ bool isSoundName(const std::string& name) {
            equalIgnoringCase(name.substr(name.size() - length), soundExtension);
 }
 
-bool isFile(SystemMod& system, const std::string& path) {
-    FileEntry entry;
-    const Status found = system.platform.files.lookUp(path, LinkRule::follow, entry);
-    return found.ok() && !entry.isDirectory();
-}
-
 }  // namespace
 
 void ConfigForm::loadOptions() {
@@ -101,7 +95,9 @@ std::vector<std::string> ConfigForm::soundFiles() {
     while (directory->next(entry)) {
         if (!isSoundName(entry.name)) continue;
         const std::string name = withoutExtension(entry.name);
-        if (isFile(system_, soundFile(system_.homeDirectory, name))) sounds.push_back(name);
+        if (soundExists(system_.platform.files, system_.homeDirectory, name)) {
+            sounds.push_back(name);
+        }
     }
     return sounds;
 }

@@ -1,6 +1,7 @@
 #include "dialogs/drive_list_frm.h"
 
 #include "system/drive_size.h"
+#include "system/paths.h"
 
 namespace coffrelune {
 namespace {
@@ -31,6 +32,8 @@ DriveListFrm::DriveListFrm(SystemMod& system, Desktop& desktop)
 void DriveListFrm::fill(Desktop& desktop) {
     const Locale& locale = system_.platform.locale;
     for (const std::string& root : system_.platform.drives.roots()) {
+        // Only a letter can take the place of a destination's letter.
+        if (!isDriveRoot(root)) continue;
         const DriveDescription drive = desktop.driveInformation.describe(root);
         std::uint64_t total = 0;
         std::uint64_t free = 0;

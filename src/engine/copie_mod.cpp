@@ -175,6 +175,8 @@ void CopieMod::sourceNotListed(const Place& place, const Status& status) {
     // to copy, and the run must not look complete.
     if (!missing) errors_.nameOnce(status.code(), directory);
     if (isSpecialFolder(place.source)) return;
+    // A link that leads back to where it stands hides nothing: the rest goes on.
+    if (!isRoot && status.code() == error_number::cannotResolveName) return;
     if (missing && isRoot) statistics_.currentTally().sourceMissing = true;
     if (statistics_.analysisPass) return;
 

@@ -47,8 +47,11 @@ void ExcessWalk::cleanLine(const LineRoots& roots, const std::vector<LineRoots>&
 }
 
 bool ExcessWalk::prepare(const LineRoots& swapped, const std::vector<LineRoots>& others) {
+    FileEntry root;
     std::unique_ptr<Directory> copy;
-    // No copy, the copy of a single file, or a link that leads who knows where: nothing to clean.
+    // No copy, the copy of a single file, or a link that leads who knows where (which some systems
+    // open as a directory): nothing to clean.
+    if (!files_.lookUp(swapped.source, LinkRule::refuse, root).ok() || root.isLink()) return false;
     if (!files_.openDirectory(swapped.source, LinkRule::refuse, Wanted::directories, copy).ok()) {
         return false;
     }

@@ -1,5 +1,7 @@
 #include "mainwindow/label_drag.h"
 
+#include "system/dropped_text.h"
+
 namespace coffrelune {
 
 LabelDrag::LabelDrag(SystemMod& system, MainDialogs& dialogs, LineRows& rows)
@@ -15,10 +17,16 @@ LabelDrag::Effect LabelDrag::over(const PathLabel::Dragged& dragged) {
 
 void LabelDrag::drop(int row, LineSide side, const PathLabel::Dragged& dragged) {
     if (over(dragged) == Effect::none || !dialogs_.ready()) return;
-    const std::string dropped = dragged.isText ? dragged.text : dragged.files.front();
+    const std::string dropped = pathOf(dragged);
     // An empty text is no path; emptying a line has its own command, which asks.
     if (dropped.empty()) return;
-    rows_.edit(row, side, system_.platform.drives.fromNative(dropped));
+    rows_.edit(row, side, system_.platform.drives.fromWindow(dropped));
+}
+
+std::string LabelDrag::pathOf(const PathLabel::Dragged& dragged) const {
+    if (!dragged.isText) return dragged.files.front();
+    // What comes from one of our own labels is a path already, whatever its name looks like.
+    return dragged.text == data_ ? dragged.text : pathOfDroppedText(dragged.text);
 }
 
 }  // namespace coffrelune

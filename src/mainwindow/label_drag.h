@@ -25,6 +25,8 @@ class LabelDrag {
     void drop(int row, LineSide side, const PathLabel::Dragged& dragged);
 
   private:
+    std::string pathOf(const PathLabel::Dragged& dragged) const;
+
     SystemMod& system_;
     MainDialogs& dialogs_;
     LineRows& rows_;

@@ -74,9 +74,14 @@ void LaunchPanel::launch() {
     }
 }
 
-RunEnd LaunchPanel::backUpUnattended() {
+void LaunchPanel::backUpUnattended() {
     const MainDialogs::Hold hold(dialogs_);
-    return launcher_.LanceOperation(unattended);
+    (void)launcher_.LanceOperation(unattended);
+}
+
+ExitStatus LaunchPanel::runAuto() {
+    const MainDialogs::Hold hold(dialogs_);
+    return runUnattended(system_, launcher_);
 }
 
 }  // namespace coffrelune

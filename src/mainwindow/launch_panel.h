@@ -7,6 +7,7 @@
 #include "mainwindow/program_after.h"
 #include "mainwindow/schedule.h"
 #include "operation/lance_operation.h"
+#include "operation/run_report.h"
 
 namespace coffrelune {
 
@@ -24,13 +25,14 @@ class LaunchPanel {
 
     /// Captions, tool tip and frames of the current kind.
     void showKind();
-    /// An unattended backup, as the scheduler and "/Auto" start it.
-    RunEnd backUpUnattended();
+    /// An unattended backup, as the scheduler starts it.
+    void backUpUnattended();
+    /// The same as "/Auto" starts it: once, and for whoever reads the exit status.
+    ExitStatus runAuto();
 
   private:
     bool pickTab(const std::string& key);
     void launch();
-    void launchRestore();
 
     SystemMod& system_;
     MainDialogs& dialogs_;

@@ -39,6 +39,8 @@ void LineCommands::openMenu(int row, LineSide side) {
     MenuPop.setVisible("ModifRepFich", side == LineSide::left);
     MenuPop.setEnabled("LigneUp", canMoveUp());
     MenuPop.setEnabled("LigneDown", canMoveDown());
+    // While the menu is open nothing may start by itself.
+    const MainDialogs::Hold hold(dialogs_);
     if (onPopup) onPopup();
 }
 
@@ -78,7 +80,7 @@ void LineCommands::editPath() {
     dialogs_.show(form);
     const std::string typed = system_.dialogText;
     if (typed == LineForm::cancelled) return;
-    rows_.edit(row_, side_, typed.empty() ? typed : system_.platform.drives.fromNative(typed));
+    rows_.edit(row_, side_, system_.platform.drives.fromWindow(typed));
 }
 
 void LineCommands::showProperties() {
@@ -104,6 +106,7 @@ void LineCommands::moveTo(int other) {
     rows_.ShowLines();
     // So that pressing the button again moves the same line further.
     setTarget(other, side_);
+    if (onMoved) onMoved(row_, side_);
 }
 
 void LineCommands::writeLine(int index) {

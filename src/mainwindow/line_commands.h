@@ -20,6 +20,8 @@ class LineCommands {
     std::function<void()> onPopup;
     /// The row or side that the commands act on has changed, or the number of rows has.
     std::function<void()> onTargetChanged;
+    /// The line has been moved, and the commands now act on it where it went.
+    std::function<void(int row, LineSide side)> onMoved;
 
     /// Adds the line commands to a bar, in the menu's order.
     static void addTo(CommandBar& bar);

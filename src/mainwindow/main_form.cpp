@@ -49,7 +49,10 @@ void MainForm::connect() {
     lineCommands.onTargetChanged = [this] { toolbar.showTarget(); };
     configuration.onLoaded = [this] { configurationLoaded(); };
     toolbar.onQuit = [this] { closeBox(); };
-    schedule.runBackup = [this] { (void)launch.backUpUnattended(); };
+    schedule.runBackup = [this] {
+        program.commit();
+        launch.backUpUnattended();
+    };
     results.onDirectionChanged = [this] { ShowLines(); };
     launch.onKindChanged = [this] { ShowLines(); };
 }
@@ -58,6 +61,7 @@ void MainForm::load() {
     place.load();
     system_.AutoStart = autoStartFrom(system_.ReadSetting("Position", "AutoStart"));
     setCaption(system_.programTitle);
+    if (system_.AutoMode) autoStatus_ = ExitStatus::interrupted;
     system_.operationKind = OperationKind::backup;
     system_.comparisonReversed = false;
     launch.showKind();
@@ -90,7 +94,7 @@ void MainForm::firstActivation() {
     system_.platform.windows.runPendingEvents();
     // The user may have closed the window in the meantime.
     if (!system_.AutoMode || !open()) return;
-    autoEnd_ = launch.backUpUnattended();
+    autoStatus_ = launch.runAuto();
     closeBox();
 }
 
@@ -98,10 +102,7 @@ void MainForm::closeBox() {
     if (dialogs_.busy() || !open()) return;
     program.commit();
     schedule.commitAtClose();
-    // A name that was only tried, on the command line, must not become the usual one.
-    if (system_.configurationExists(system_.configurationName)) {
-        (void)system_.WriteSetting("Position", "Config", system_.configurationName);
-    }
+    system_.rememberConfiguration();
     place.save();
     schedule.Timer1.setEnabled(false);
     close();

@@ -17,6 +17,7 @@
 #include "mainwindow/window_place.h"
 #include "operation/lance_operation.h"
 #include "operation/operation_host.h"
+#include "operation/run_report.h"
 
 namespace coffrelune {
 
@@ -61,8 +62,10 @@ class MainForm final : public Window, public OperationHost {
     /// window.
     void closeBox() override;
 
-    /// How the backup that "/Auto" asked for ended; nothing without one.
-    std::optional<RunEnd> autoEnd() const { return autoEnd_; }
+    /// How the process is to end after the backup that "/Auto" asked for, which is refused for a
+    /// configuration that has no section, and counts as interrupted until it has run; nothing
+    /// without "/Auto".
+    std::optional<ExitStatus> autoStatus() const { return autoStatus_; }
     const RunStatistics& statistics() const { return launcher_.statistics(); }
 
     int lineCount() const override { return lines.count(); }
@@ -84,7 +87,7 @@ class MainForm final : public Window, public OperationHost {
     void firstActivation();
 
     bool activatedOnce_ = false;
-    std::optional<RunEnd> autoEnd_;
+    std::optional<ExitStatus> autoStatus_;
 };
 
 }  // namespace coffrelune

@@ -17,7 +17,7 @@ class ProgramAfter {
     CheckBox ChkProg{"&Programme à exécuter après la sauvegarde :"};
     TextBox ProgToRunTxt;        // read-only
     std::array<Button, 2> CmdP;  // 0 choose, 1 clear
-    Label PrmToRunLbl{"Para&mètres :"};
+    Label PrmToRunLbl{"Paramè&tres :"};
     TextBox PrmToRunTxt;
 
     /// Shows the values of the current configuration; stores nothing.

@@ -1,5 +1,7 @@
 #include "mainwindow/schedule.h"
 
+#include <utility>
+
 #include "platform/utf8.h"
 #include "system/date_time.h"
 
@@ -10,6 +12,10 @@ constexpr std::array<const char*, 3> captions = {"&Ecrasement sans confirmation"
                                                  "Seulement les fichiers &Modifiés",
                                                  "Sauvegarde &Automatique :"};
 constexpr std::array<const char*, 3> keys = {"Confirmation", "Modifie", "AutoSave"};
+
+// How long after a refused time the command may come whose press took the focus out of the field. A
+// toolkit may also lose that press to the message; a command given later is meant.
+constexpr std::int64_t pressLasts = 1'000;  // milliseconds
 
 // The field expects "hh:nn": what is missing is filled with zeros on the right, and whatever stands
 // between hours and minutes counts as the colon ("08h30"). So "8" is 80:00, and no time.
@@ -35,7 +41,8 @@ Schedule::Schedule(SystemMod& system, Desktop& desktop, MainDialogs& dialogs, Bu
         Opt[i].onClick = [this, i] { clickOption(i); };
     }
     AutoHr.setToolTip("Heure de la sauvegarde automatique (hh:mm)");
-    AutoHr.onLeave = [this] { (void)commit(); };
+    AutoHr.onLeave = [this] { leaveField(); };
+    AutoHr.onType = [this] { refusedAt_.reset(); };
     taskScheduler_.setCaption("Planificateur de tâches");
     taskScheduler_.setToolTip("Ouvrir le planificateur de tâches");
     taskScheduler_.onClick = [this] { openTaskScheduler(); };
@@ -79,7 +86,21 @@ bool Schedule::storeTypedTime() {
 }
 
 bool Schedule::commit() {
-    if (storeTypedTime()) return true;
+    const auto refusedAt = std::exchange(refusedAt_, std::nullopt);
+    const std::int64_t now = system_.platform.clock.monotonicMilliseconds();
+    if (refusedAt && now - *refusedAt <= pressLasts) return false;
+    return storeTypedTime() || refuseTypedTime();
+}
+
+void Schedule::leaveField() {
+    refusedAt_.reset();
+    if (storeTypedTime()) return;
+    (void)refuseTypedTime();
+    // Taken after the message, which stays open as long as the user likes.
+    refusedAt_ = system_.platform.clock.monotonicMilliseconds();
+}
+
+bool Schedule::refuseTypedTime() {
     (void)dialogs_.say("L'heure de sauvegarde saisie est incorrecte !");
     AutoHr.setText(shownTime_);
     AutoHr.takeFocus();
@@ -108,14 +129,22 @@ void Schedule::tick() {
     if (dialogs_.busy() || system_.AutoMode) return;
     // No backup starts by itself while the user is busy with a restore or a comparison.
     if (system_.operationKind != OperationKind::backup) return;
+    if (isScheduleLost(system_.nextDate, system_.platform.clock.now())) Arm(false);
+    if (!isDue()) return;
+    // A time typed in full counts before the field is left, and may put the backup off. One that is
+    // being typed is left alone: filling it up would change the text under the user's hands.
+    if (isTimeOfDay(AutoHr.text())) (void)storeTypedTime();
+    if (!isDue()) return;
     const LocalTime now = system_.platform.clock.now();
-    if (isScheduleLost(system_.nextDate, now)) Arm(false);
-    if (!isPastSchedule(system_.nextDate, system_.AutoTime, now)) return;
     const std::string& lastSave = system_.lastResult(OperationKind::backup).cleanDate;
     if (isBackupMissing(lastSave, system_.AutoTime, now)) runBackup();
     // One day on whether it ran or not: days that nobody was there for are caught up with one tick
     // each, not with one backup each.
     Arm(true);
+}
+
+bool Schedule::isDue() {
+    return isPastSchedule(system_.nextDate, system_.AutoTime, system_.platform.clock.now());
 }
 
 void Schedule::openTaskScheduler() {

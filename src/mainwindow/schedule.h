@@ -1,7 +1,9 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "mainwindow/main_dialogs.h"
@@ -35,7 +37,9 @@ class Schedule {
     void setKind(OperationKind kind);
 
     /// Stores the typed time. One that is none is refused with a message, the field keeps the old
-    /// one and takes the focus: false.
+    /// one and takes the focus: false. False as well, without a second message, when the field has
+    /// just refused one because the focus was leaving it: the command that took the focus away is
+    /// the one that comes now, and it must not go on.
     bool commit();
     /// The same while the window closes: a time that is none is dropped without a word.
     void commitAtClose();
@@ -48,7 +52,10 @@ class Schedule {
     void tick();
     void clickOption(std::size_t index);
     void openTaskScheduler();
+    void leaveField();
     bool storeTypedTime();
+    bool refuseTypedTime();
+    bool isDue();
     void showTime(const std::string& time);
 
     SystemMod& system_;
@@ -56,6 +63,8 @@ class Schedule {
     MainDialogs& dialogs_;
     Button& taskScheduler_;
     std::string shownTime_;  // what the field held before anything was typed
+    // When leaving the field refused a time, on the monotonic clock, until a command is cancelled.
+    std::optional<std::int64_t> refusedAt_;
 };
 
 }  // namespace coffrelune

@@ -31,6 +31,8 @@ class Copie final : public Window, public OperationWindow {
     std::array<Picture, 6> ImgSens;  // 0 the one shown; 1 to 3 by kind; 4, 5 with an error mark
     std::array<Picture, 2> ImgAtt;   // warning marks by kind
 
+    /// The first call starts the run. The view also calls it once when it has shown the window
+    /// without it coming to the front (minimised, or behind another program): else nothing runs.
     void activated() override;
     /// The close box acts as the button.
     void closeBox() override { Cmd.click(); }

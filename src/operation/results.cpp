@@ -1,5 +1,6 @@
 #include "operation/results.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -28,10 +29,9 @@ constexpr std::array<SummaryTexts, 3> summaryTexts = {{
 }};
 
 std::string dated(const char* prefix, const std::string& stored) {
-    if (stored.empty()) return {};
     const std::optional<LocalTime> date = parseDateTime(stored);
-    // A date that somebody wrote into the file by hand is shown as it stands there.
-    return prefix + (date ? formatLongDate(*date) : stored);
+    // A date that is none says nothing of when a run was: it counts as never.
+    return date ? prefix + formatLongDate(*date) : std::string();
 }
 
 bool isEarlier(const std::string& a, const std::string& b) {
@@ -50,7 +50,7 @@ ResultSummary summarize(const SystemMod& system, OperationKind kind) {
     summary.problemLine = dated(texts.problem, result.errorDate);
     if (isEarlier(result.errorDate, result.cleanDate)) summary.problemLine.clear();
     if (!summary.problemLine.empty()) {
-        summary.countLine = std::to_string(result.errorCount) + texts.count;
+        summary.countLine = std::to_string(std::max(result.errorCount, 0)) + texts.count;
     }
     summary.cleanToolTip = texts.duration + result.cleanDuration;
     summary.problemToolTip = texts.duration + result.errorDuration;

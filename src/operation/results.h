@@ -20,7 +20,8 @@ struct ResultSummary {
     std::string linkText;  // opens the error list
 };
 
-/// A clean run after one with problems hides the latter.
+/// A clean run after one with problems hides the latter. A stored date that is none counts as no
+/// run, a negative count as 0; what is stored stays as it is.
 ResultSummary summarize(const SystemMod& system, OperationKind kind);
 
 }  // namespace coffrelune

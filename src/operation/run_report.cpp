@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "operation/line_texts.h"
+#include "settings/reserved_name.h"
 #include "system/display_text.h"
 #include "system/paths.h"
 
@@ -41,12 +42,22 @@ bool settingsUsable(SystemMod& system) {
                        "). Il est laissé tel quel.");
         return false;
     }
-    if (system.configurationExists(system.configurationName)) return true;
-    windows.notice("La configuration « " + visibleControls(system.configurationName) +
-                   " » n'existe pas.\n" + visibleControls(namesOfConfigurations(system)) +
-                   "\nFichier de réglages : " +
+    // Who asked for the reserved name meant none of the configurations that there are.
+    const std::string& name = isReserved(system.askedConfiguration) ? system.askedConfiguration
+                                                                    : system.configurationName;
+    if (system.configurationExists(name)) return true;
+    windows.notice("La configuration « " + visibleControls(name) + " » n'existe pas.\n" +
+                   visibleControls(namesOfConfigurations(system)) + "\nFichier de réglages : " +
                    visibleControls(joinPath(system.homeDirectory, "Coffrelune.ini")));
     return false;
+}
+
+ExitStatus runUnattended(SystemMod& system, OperationLauncher& launcher) {
+    constexpr std::int16_t unattended = 0;
+    if (!settingsUsable(system)) return ExitStatus::wrongUse;
+    const RunEnd end = launcher.LanceOperation(unattended);
+    reportErrors(system, launcher.statistics());
+    return exitStatus(end, launcher.statistics());
 }
 
 void reportErrors(const SystemMod& system, const RunStatistics& statistics) {

@@ -18,6 +18,10 @@ ExitStatus exitStatus(RunEnd end, const RunStatistics& statistics);
 /// with the names that there are: a mistyped name must not pass for a backup.
 bool settingsUsable(SystemMod& system);
 
+/// An unattended backup of the current configuration, as "/Auto" starts it: refused without usable
+/// settings, its errors are named afterwards.
+ExitStatus runUnattended(SystemMod& system, OperationLauncher& launcher);
+
 /// Names every error of the run, and every line whose source was not there.
 void reportErrors(const SystemMod& system, const RunStatistics& statistics);
 

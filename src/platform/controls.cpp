@@ -27,6 +27,12 @@ void Control::setToolTip(std::string toolTip) {
     if (assign(toolTip_, std::move(toolTip))) changed();
 }
 
+void Control::setTexts(std::string caption, std::string toolTip) {
+    const bool otherCaption = assign(caption_, std::move(caption));
+    const bool otherToolTip = assign(toolTip_, std::move(toolTip));
+    if (otherCaption || otherToolTip) changed();
+}
+
 void Control::setVisible(bool visible) {
     if (assign(visible_, visible)) changed();
 }

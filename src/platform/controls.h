@@ -13,6 +13,8 @@ class ControlPeer {
   public:
     virtual ~ControlPeer() = default;
     virtual void controlChanged(Control& control) = 0;
+    /// The control ends before its peer does, which must not touch it again.
+    virtual void controlGone(Control& /*control*/) {}
 };
 
 /// State of one control of a window, free of any toolkit: the window's class sets it, a peer shows
@@ -23,8 +25,11 @@ class Control {
     explicit Control(std::string caption) : caption_(std::move(caption)) {}
     Control(const Control&) = delete;
     Control& operator=(const Control&) = delete;
-    virtual ~Control() = default;
+    virtual ~Control() {
+        if (peer_ != nullptr) peer_->controlGone(*this);
+    }
 
+    /// A peer that ends before the control is detached before, with null.
     void attach(ControlPeer* peer) { peer_ = peer; }
 
     const std::string& caption() const { return caption_; }
@@ -39,6 +44,8 @@ class Control {
 
   protected:
     void changed();
+    /// Both at once, told to the peer as one change.
+    void setTexts(std::string caption, std::string toolTip);
 
   private:
     std::string caption_;

@@ -22,7 +22,7 @@ void TextBox::takeFocus() {
 }
 
 void TextBox::enter() {
-    if (!enabled() || !visible()) return;
+    if (!enabled() || !visible() || focused_) return;
     focused_ = true;
     if (onEnter) onEnter();
 }

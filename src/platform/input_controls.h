@@ -23,8 +23,9 @@ class TextBox : public Control {
     /// The program puts the focus here; the peer follows, no event is raised.
     void takeFocus();
 
-    /// The user enters the field, replaces its whole text, leaves it for another control of the
-    /// same window. Losing the focus to another program is not leaving.
+    /// The user enters the field (nothing for one that has the focus already), replaces its whole
+    /// text, leaves it for another control of the same window. Losing the focus to another program
+    /// is not leaving.
     void enter();
     void type(const std::string& text);
     void leave();
@@ -39,7 +40,8 @@ class TextBox : public Control {
     bool focused_ = false;
 };
 
-/// A list, or a drop-down list, of texts; -1 as no selection.
+/// A list, or a drop-down list, of texts; -1 as no selection. How far it scrolls to the side is its
+/// view's affair: a native list sees to that itself, another one takes listWidth().
 class ListBox : public Control {
   public:
     using Control::Control;

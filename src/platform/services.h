@@ -25,6 +25,12 @@ class DriveService {
     /// Linux "/media/cle/Photos" gives "F:\Photos" when that volume is F:, else "C:\media\...".
     /// A text that already has the core's form comes back as it is.
     virtual std::string fromNative(const std::string& typed) = 0;
+
+    /// The same of a text that entered through a window. Nobody stands in a directory there: what
+    /// is neither in the core's form nor an absolute path comes back exactly as it is. On Linux "~"
+    /// and
+    /// "~/x" are in the home directory.
+    virtual std::string fromWindow(const std::string& entered) = 0;
 };
 
 /// A local calendar time. month 1 to 12, day 1 to 31.

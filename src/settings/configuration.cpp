@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "settings/reserved_name.h"
 #include "settings/system_mod.h"
 #include "system/date_time.h"
 #include "system/text.h"
@@ -44,11 +45,11 @@ void SystemMod::LoadSettings() {
     pendingMaximumIndex = maximumIndex;
 
     readCommandLine();
-    if (configurationName.empty()) {
-        configurationName = ReadSetting(position, "Config");
-        // The reserved section is no configuration, though an older file may name it.
-        if (equalIgnoringCase(configurationName, position)) configurationName.clear();
-    }
+    askedConfiguration = configurationName;
+    // The reserved section is no configuration, though the user or an older file may name it.
+    if (isReserved(configurationName)) configurationName.clear();
+    if (configurationName.empty()) configurationName = ReadSetting(position, "Config");
+    if (isReserved(configurationName)) configurationName.clear();
     if (configurationName.empty()) configurationName = "General";
     LoadConfiguration();
 
@@ -119,7 +120,7 @@ int SystemMod::LastUsedLineAnywhere() {
     int last = LastUsedLine();
     for (const std::string& name : file_.sections()) {
         // Of the current configuration the lines in memory count.
-        if (name == position || equalIgnoringCase(name, configurationName)) continue;
+        if (isReserved(name) || equalIgnoringCase(name, configurationName)) continue;
         for (const std::string& key : file_.keys(name)) {
             const int line = lineOfPath(key);
             if (line <= last || line > maximumIndex) continue;

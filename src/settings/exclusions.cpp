@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "settings/escape.h"
 #include "settings/system_mod.h"
 #include "system/text.h"
@@ -15,6 +17,15 @@ std::string prefix(int line) {
 
 std::string directoryKey(int line, std::size_t number) {
     return prefix(line) + "Rep" + std::to_string(number);
+}
+
+// True of every directory's key of the line, whatever its number.
+bool isDirectoryKey(const std::string& key, int line) {
+    const std::string start = prefix(line) + "Rep";
+    const bool numbered = key.size() > start.size() &&
+                          std::all_of(key.begin() + static_cast<std::ptrdiff_t>(start.size()),
+                                      key.end(), [](char c) { return c >= '0' && c <= '9'; });
+    return numbered && equalIgnoringCase(key.substr(0, start.size()), start);
 }
 
 // Quoted only where reading would take something off its ends.
@@ -68,8 +79,9 @@ void SystemMod::WriteExcludedDirectory(int line, std::size_t number, const std::
 void SystemMod::ClearExclusions(int line) {
     LoadExclusions(line);
     (void)WriteSetting(configurationName, prefix(line) + "Mode", "0");
-    for (std::size_t number = 1; number <= exclusions.directories.size(); ++number) {
-        (void)WriteSetting(configurationName, directoryKey(line, number), "");
+    // Those behind a gap as well: they would join the list that fills it.
+    for (const std::string& key : file_.keys(configurationName)) {
+        if (isDirectoryKey(key, line)) (void)WriteSetting(configurationName, key, "");
     }
 }
 

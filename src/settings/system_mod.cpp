@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "settings/command_line.h"
+#include "settings/reserved_name.h"
 #include "system/paths.h"
 #include "system/text.h"
 
@@ -44,7 +45,7 @@ Status SystemMod::WriteSetting(const std::string& section, const std::string& ke
     if (key.empty()) {
         // The settings of every configuration go under this name: no list may offer them for
         // deletion.
-        if (equalIgnoringCase(section, "Position")) {
+        if (isReserved(section)) {
             return Status::failure(error_number::accessDenied, file_.path());
         }
         return file_.deleteSection(section);
@@ -68,7 +69,13 @@ void SystemMod::ListConfigurations(std::vector<std::string>& list) {
 }
 
 bool SystemMod::configurationExists(const std::string& name) {
-    return !equalIgnoringCase(name, "Position") && file_.hasSection(name);
+    return !isReserved(name) && file_.hasSection(name);
+}
+
+void SystemMod::rememberConfiguration() {
+    if (configurationName == askedConfiguration && !configurationExists(configurationName)) return;
+    // A settings file that cannot be written keeps the name it had.
+    (void)WriteSetting("Position", "Config", configurationName);
 }
 
 int SystemMod::LastUsedLine() const {
@@ -86,6 +93,10 @@ void SystemMod::resizeLines(int newMaximum) {
     sources.resize(count);
     destinations.resize(count);
     selected.resize(count);
+}
+
+bool SystemMod::asksForAuto() const {
+    return coffrelune::readCommandLine(commandLine_).AutoMode;
 }
 
 void SystemMod::readCommandLine() {

@@ -70,7 +70,11 @@ class SystemMod {
     /// Never true of the reserved section, in any case.
     bool configurationExists(const std::string& name);
     Status settingsStatus() { return file_.status(); }
+    /// Stores the current name for the next start, unless it was only tried: asked for at this
+    /// start, without a section.
+    void rememberConfiguration();
 
+    bool asksForAuto() const;  // on the command line, before the settings are loaded as well
     void LoadSettings();
     void LoadConfiguration();
 
@@ -101,6 +105,7 @@ class SystemMod {
     std::int16_t maximumIndex = 5;
     std::int16_t pendingMaximumIndex = 5;
     std::string configurationName;
+    std::string askedConfiguration;     // named at the start, the reserved name included, or empty
     std::string selectedConfiguration;  // chosen in ConfigForm, not yet loaded
     std::string description;
     std::vector<std::string> sources;

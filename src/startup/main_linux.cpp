@@ -1,10 +1,16 @@
-// The desktop program on a system without a display: "/Auto" runs, everything else is told where to
-// go.
+// The desktop program on Linux. Without a display "/Auto" runs in the terminal; everything else is
+// told where to go.
+#include <cstdlib>
+
+#include "mainwindow/main_form.h"
+#include "platform/posix/desktop/posix_desktop.h"
 #include "platform/posix/posix_platform.h"
 #include "platform/posix/program_place.h"
 #include "platform/terminal/terminal_windows.h"
+#include "platform/wx/wx_program.h"
 #include "startup/startup.h"
 
+namespace coffrelune {
 namespace {
 
 // The arguments as one text, as the command-line rules expect them.
@@ -14,33 +20,90 @@ std::string commandLineText(int count, char** values) {
     return text;
 }
 
-coffrelune::PosixOptions posixOptions() {
-    coffrelune::PosixOptions options;
-    options.settingsDirectory = coffrelune::settingsDirectory();
+PosixOptions posixOptions() {
+    PosixOptions options;
+    options.settingsDirectory = settingsDirectory();
     return options;
 }
 
+const char* variable(const char* name) {
+    return std::getenv(name);
+}
+
+class Program {
+  public:
+    explicit Program(std::string commandLine)
+        : posix_(posixOptions()),
+          desktop_(posix_.driveTable(), DesktopOptions::fromEnvironment(variable)),
+          context_{std::move(commandLine), posix_.drives().fromNative(settingsDirectory()),
+                   COFFRELUNE_VERSION_MAJOR, COFFRELUNE_VERSION_MINOR,
+                   posix_.drives().fromNative(executablePath())} {}
+
+    ExitStatus run() {
+        WxProgram toolkit(wxServices());
+        return hasDisplay() && toolkit.start() ? runWindows(toolkit.windows()) : runInTerminal();
+    }
+
+  private:
+    static bool hasDisplay() {
+        return std::getenv("DISPLAY") != nullptr || std::getenv("WAYLAND_DISPLAY") != nullptr;
+    }
+
+    WxServices wxServices() {
+        constexpr int allFiles = 2;  // programs bear no extension here
+        return {posix_.clock(), desktop_.desktop().driveInformation,
+                [this](const std::string& path) { return toNative(path); },
+                [this](const std::string& path) { return posix_.drives().fromNative(path); },
+                allFiles};
+    }
+
+    std::string toNative(const std::string& path) {
+        Place place;
+        return posix_.driveTable().paths().locate(path, place).ok() ? place.native : std::string();
+    }
+
+    Platform platform(WindowService& windows, SoundService& sounds) {
+        return {posix_.files(), posix_.drives(), posix_.clock(), posix_.locale(),
+                posix_.ansi(),  sounds,          windows};
+    }
+
+    ExitStatus runWindows(WindowService& windows) {
+        Platform services = platform(windows, desktop_.sounds());
+        SystemMod system(services, context_);
+        if (!startUp(system, posix_.guard())) return ExitStatus::interrupted;
+        Desktop desktop = desktop_.desktop();
+        MainForm form(system, desktop);
+        windows.showModal(form);
+        return form.autoStatus().value_or(ExitStatus::clean);
+    }
+
+    ExitStatus runInTerminal() {
+        Terminal terminal(false);
+        InterruptSignals signals(posix_.files());
+        TerminalWindows windows(terminal, posix_.clock(), signals, false);
+        Platform services = platform(windows, posix_.sounds());
+        SystemMod system(services, context_);
+        if (!startUp(system, posix_.guard())) return ExitStatus::interrupted;
+        if (!system.AutoMode) {
+            windows.notice(
+                "Aucun affichage n'est disponible : utilisez coffrelune-console, ou "
+                "« coffrelune /Auto » pour une sauvegarde sans surveillance.");
+            return ExitStatus::wrongUse;
+        }
+        const ExitStatus status = runAuto(system);
+        rememberConfiguration(system);
+        return status;
+    }
+
+    PosixPlatform posix_;
+    PosixDesktop desktop_;
+    ProgramContext context_;
+};
+
 }  // namespace
+}  // namespace coffrelune
 
 int main(int count, char** values) {
     using namespace coffrelune;
-    PosixPlatform posix(posixOptions());
-    Terminal terminal(false);
-    InterruptSignals signals(posix.files());
-    TerminalWindows windows(terminal, posix.clock(), signals, false);
-    Platform platform{posix.files(), posix.drives(), posix.clock(), posix.locale(),
-                      posix.ansi(),  posix.sounds(), windows};
-    SystemMod system(
-        platform, {commandLineText(count, values), posix.drives().fromNative(settingsDirectory()),
-                   COFFRELUNE_VERSION_MAJOR, COFFRELUNE_VERSION_MINOR});
-    if (!startUp(system, posix.guard())) return static_cast<int>(ExitStatus::interrupted);
-    if (!system.AutoMode) {
-        windows.notice(
-            "Aucun affichage n'est disponible. Utilisez coffrelune-console, ou « coffrelune /Auto »"
-            " pour\nune sauvegarde sans surveillance.");
-        return static_cast<int>(ExitStatus::wrongUse);
-    }
-    const ExitStatus status = runAuto(system);
-    rememberConfiguration(system);
-    return static_cast<int>(status);
+    return static_cast<int>(Program(commandLineText(count, values)).run());
 }

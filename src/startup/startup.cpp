@@ -7,10 +7,16 @@ namespace coffrelune {
 
 bool startUp(SystemMod& system, InstanceGuard& guard) {
     if (!guard.claim(system.homeDirectory)) {
-        (void)system.platform.windows.showMessage(
-            {"LE PROGRAMME EST DEJA EN MEMOIRE !\r\n"
-             "     (Regardez la barre des taches)",
-             system.programTitle, MessageIcon::exclamation});
+        const std::string text =
+            "LE PROGRAMME EST DEJA EN MEMOIRE !\r\n"
+            "     (Regardez la barre des taches)";
+        WindowService& windows = system.platform.windows;
+        // Nobody is there to close a message box of an unattended run: it would wait for ever.
+        if (system.asksForAuto()) {
+            windows.notice(text);
+        } else {
+            (void)windows.showMessage({text, system.programTitle, MessageIcon::exclamation});
+        }
         return false;
     }
     // What a process left that was killed while it wrote its settings.
@@ -20,18 +26,13 @@ bool startUp(SystemMod& system, InstanceGuard& guard) {
 }
 
 ExitStatus runAuto(SystemMod& system) {
-    if (!settingsUsable(system)) return ExitStatus::wrongUse;
     SharedHost host(system);
     OperationLauncher launcher(system, host);
-    const RunEnd end = launcher.LanceOperation(0);
-    reportErrors(system, launcher.statistics());
-    return exitStatus(end, launcher.statistics());
+    return runUnattended(system, launcher);
 }
 
 void rememberConfiguration(SystemMod& system) {
-    if (!system.configurationExists(system.configurationName)) return;
-    // A settings file that cannot be written keeps the name it had.
-    (void)system.WriteSetting("Position", "Config", system.configurationName);
+    system.rememberConfiguration();
 }
 
 }  // namespace coffrelune

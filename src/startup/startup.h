@@ -7,15 +7,16 @@
 namespace coffrelune {
 
 /// The first steps of every program: refuses a second process on the same settings with its
-/// message, before they are read, then loads them. False when refused.
+/// message (in a box, or as a notice with "/Auto"), before they are read, then loads them. False
+/// when refused.
 bool startUp(SystemMod& system, InstanceGuard& guard);
 
 /// An unattended backup of the current configuration, as "/Auto" starts it. A configuration that
 /// has no section is refused: a mistyped name must not pass for a backup.
 ExitStatus runAuto(SystemMod& system);
 
-/// What the main window does when it closes: the configuration in use is remembered, unless it has
-/// no section.
+/// What the main window does when it closes: the configuration in use is remembered, unless it was
+/// only tried on the command line and has no section.
 void rememberConfiguration(SystemMod& system);
 
 }  // namespace coffrelune

@@ -24,7 +24,8 @@ PathCaption pathCaption(DriveInformation& drives, const std::string& path,
 PathCaption pathCaption(DriveInformation& drives, const std::string& path, TextMeasure& measure,
                         int width);
 
-/// The unshortened text of a label: its tool tip when it has one, else its caption.
+/// The unshortened text of what is shown: its tool tip when it has one, else its caption. For what
+/// knows the caption alone; a PathLabel holds its path.
 std::string fullText(const PathCaption& caption);
 
 }  // namespace coffrelune

@@ -8,13 +8,16 @@ std::string soundFile(const std::string& homeDirectory, const std::string& name)
     return joinPath(homeDirectory, name + ".wav");
 }
 
+bool soundExists(FileService& files, const std::string& homeDirectory, const std::string& name) {
+    FileEntry file;
+    const Status found = files.lookUp(soundFile(homeDirectory, name), LinkRule::follow, file);
+    return found.ok() && !file.isDirectory();
+}
+
 void playEndOfCopySound(SoundService& sounds, FileService& files, const std::string& homeDirectory,
                         const std::string& name) {
-    const std::string path = soundFile(homeDirectory, name);
-    FileEntry file;
-    if (sounds.deviceCount() < 1) return;
-    if (!files.lookUp(path, LinkRule::follow, file).ok() || file.isDirectory()) return;
-    sounds.play(path);
+    if (sounds.deviceCount() < 1 || !soundExists(files, homeDirectory, name)) return;
+    sounds.play(soundFile(homeDirectory, name));
 }
 
 void playSystemSound(SoundService& sounds, ShellService& shell, const std::string& name) {

@@ -11,6 +11,9 @@ namespace coffrelune {
 /// The file of an end-of-copy sound: `name` + ".wav" in the settings directory.
 std::string soundFile(const std::string& homeDirectory, const std::string& name);
 
+/// True when that file is there and is one.
+bool soundExists(FileService& files, const std::string& homeDirectory, const std::string& name);
+
 /// Plays an end-of-copy sound asynchronously; silent without a sound device or without its file.
 void playEndOfCopySound(SoundService& sounds, FileService& files, const std::string& homeDirectory,
                         const std::string& name);

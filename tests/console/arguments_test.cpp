@@ -16,14 +16,9 @@ class ArgumentsTest : public testing::Test {
   protected:
     std::optional<Arguments> parse(std::vector<std::string> words) {
         words.insert(words.begin(), "coffrelune-console");
-        std::vector<char*> values;
-        values.reserve(words.size() + 1);
-        values.reserve(words.size() + 1);
-        for (std::string& word : words) values.push_back(word.data());
-        values.push_back(nullptr);
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
-        auto arguments = parseArguments(static_cast<int>(words.size()), values.data(), status);
+        auto arguments = parseArguments(words, status);
         output = testing::internal::GetCapturedStdout();
         errors = testing::internal::GetCapturedStderr();
         return arguments;

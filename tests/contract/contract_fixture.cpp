@@ -78,6 +78,13 @@ std::uint32_t Contract::openCode(const std::string& path, LinkRule links) {
     return files().openDirectory(path, links, Wanted::everything, opened).code();
 }
 
+std::uint32_t commonAttributes(const FileEntry& entry) {
+    constexpr std::uint32_t common =
+        attribute::readOnly | attribute::hidden | attribute::directory | attribute::link;
+    const std::uint32_t kept = entry.attributes & common;
+    return kept == 0 ? attribute::normal : kept;
+}
+
 std::string patternOf(std::size_t size) {
     std::string text(size, '\0');
     std::uint32_t state = 12345;
@@ -97,8 +104,10 @@ std::string contractName(const testing::TestParamInfo<ContractParam>& info) {
 }
 
 std::vector<ContractParam> contractSystems(Capability capability) {
+    std::vector<ContractParam> all = nativeContracts();
+    all.insert(all.begin(), memoryContract());
     std::vector<ContractParam> chosen;
-    for (auto& param : {memoryContract(), posixDirectoryContract(), posixSmallVolumeContract()}) {
+    for (const ContractParam& param : all) {
         const auto& has = param.capabilities;
         if (capability == Capability::none || std::count(has.begin(), has.end(), capability) > 0) {
             chosen.push_back(param);

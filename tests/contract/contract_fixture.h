@@ -50,6 +50,9 @@ class Contract : public testing::TestWithParam<ContractParam> {
     std::string directory_;
 };
 
+/// The attribute word with what every system keeps: Windows marks new files for archiving.
+std::uint32_t commonAttributes(const FileEntry& entry);
+
 /// Text that repeats at no convenient distance, with zero bytes in it.
 std::string patternOf(std::size_t size);
 

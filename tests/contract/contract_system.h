@@ -51,7 +51,15 @@ class ContractSystem {
     virtual std::uint64_t capacity() = 0;
 };
 
-enum class Capability { none, special, unreadable, small };
+/// What not every implementation can show.
+enum class Capability {
+    none,
+    special,     // things in a directory that are neither file, directory nor link
+    unreadable,  // files and directories that may not be read
+    small,       // a volume that can be filled
+    links,       // every link is an entry of its own, also one to a directory or to nothing
+    deep,        // paths of more than 4096 bytes
+};
 
 struct ContractParam {
     std::string name;
@@ -63,9 +71,8 @@ struct ContractParam {
 /// The implementations that have a capability.
 std::vector<ContractParam> contractSystems(Capability capability = Capability::none);
 
-// Each in a source of its own.
+// Each in a source of its own; the second is that of the system that the tests run on.
 ContractParam memoryContract();
-ContractParam posixDirectoryContract();
-ContractParam posixSmallVolumeContract();
+std::vector<ContractParam> nativeContracts();
 
 }  // namespace coffrelune

@@ -55,7 +55,7 @@ class MemoryContractSystem final : public ContractSystem {
 ContractParam memoryContract() {
     return {"Memory",
             [](std::string&) { return std::make_unique<MemoryContractSystem>(); },
-            {Capability::unreadable, Capability::small}};
+            {Capability::unreadable, Capability::small, Capability::links, Capability::deep}};
 }
 
 }  // namespace coffrelune

@@ -8,6 +8,7 @@ namespace {
 using testing::AnyOf;
 using testing::Contains;
 using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::Not;
 
 class PathContract : public Contract {
@@ -28,9 +29,12 @@ class PathContract : public Contract {
     }
 };
 
+class DeepPathContract : public Contract {};
 class DriveContract : public Contract {};
 
 INSTANTIATE_TEST_SUITE_P(On, PathContract, testing::ValuesIn(contractSystems()), contractName);
+INSTANTIATE_TEST_SUITE_P(On, DeepPathContract, testing::ValuesIn(contractSystems(Capability::deep)),
+                         contractName);
 INSTANTIATE_TEST_SUITE_P(On, DriveContract, testing::ValuesIn(contractSystems()), contractName);
 
 TEST_P(PathContract, TakesNamesOfEveryKind) {
@@ -42,7 +46,23 @@ TEST_P(PathContract, TakesNamesOfEveryKind) {
     expectUsable(std::string(255, 'x'));
 }
 
-TEST_P(PathContract, ReachesFilesBeyondFourThousandBytes) {
+TEST_P(PathContract, ReachesFilesBeyondTheShortPathsOfOldPrograms) {
+    std::string deep = directory();
+    for (int level = 0; level < 8; ++level) {
+        deep += "\\" + std::string(100, 'n');
+        ASSERT_EQ(files().createDirectory(deep).code(), 0U) << level;
+    }
+    make("a.txt", "abc", oldTime);
+    ASSERT_EQ(copy(at("a.txt"), deep + "\\b.txt"), 0U);
+    EXPECT_THAT(listed(deep), ElementsAre("b.txt"));
+    EXPECT_EQ(identity(files().resolve(deep + "\\b.txt")), identity(deep + "\\b.txt"));
+    ASSERT_EQ(copy(deep + "\\b.txt", at("retour.txt")), 0U);
+    EXPECT_TRUE(holds(at("retour.txt"), "abc"));
+    ASSERT_TRUE(files().removeFile(deep + "\\b.txt").ok());
+    EXPECT_THAT(listed(deep), IsEmpty());
+}
+
+TEST_P(DeepPathContract, ReachesFilesBeyondFourThousandBytes) {
     std::string deep = directory();
     for (int level = 0; level < 45; ++level) {
         deep += "\\" + std::string(100, 'n');
@@ -145,6 +165,13 @@ TEST_P(DriveContract, PathOfTheCoreStaysAsItIsWhereTypedPathsEnter) {
     for (const std::string& path :
          {at("a.txt"), system().drive(), std::string("\\\\nas\\photos\\x")}) {
         EXPECT_EQ(system().drives().fromNative(path), path);
+        EXPECT_EQ(system().drives().fromWindow(path), path);
+    }
+}
+
+TEST_P(DriveContract, TextThatIsNoAbsolutePathStaysAsItIsWhereAWindowTakesIt) {
+    for (const char* text : {"", "x", "hello world", "Docs/x", ".."}) {
+        EXPECT_EQ(system().drives().fromWindow(text), text);
     }
 }
 

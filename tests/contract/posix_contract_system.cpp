@@ -167,14 +167,16 @@ std::vector<std::string> PosixContractSystem::names(const std::string& directory
     return names;
 }
 
-ContractParam posixDirectoryContract() {
+namespace {
+
+ContractParam directoryContract() {
     ContractParam param{"Linux",
                         [](std::string&) {
                             auto system = std::make_unique<PosixContractSystem>();
                             system->start();
                             return system;
                         },
-                        {Capability::special}};
+                        {Capability::special, Capability::links, Capability::deep}};
     if (canGiveUpPrivileges()) {
         param.capabilities.push_back(Capability::unreadable);
     } else {
@@ -185,7 +187,7 @@ ContractParam posixDirectoryContract() {
     return param;
 }
 
-ContractParam posixSmallVolumeContract() {
+ContractParam smallVolumeContract() {
     return {"LinuxSmallVolume",
             [](std::string& reason) -> std::unique_ptr<ContractSystem> {
                 auto system = std::make_unique<PosixContractSystem>();
@@ -193,7 +195,13 @@ ContractParam posixSmallVolumeContract() {
                 system->start();
                 return system;
             },
-            {Capability::special, Capability::small}};
+            {Capability::special, Capability::small, Capability::links, Capability::deep}};
+}
+
+}  // namespace
+
+std::vector<ContractParam> nativeContracts() {
+    return {directoryContract(), smallVolumeContract()};
 }
 
 }  // namespace coffrelune

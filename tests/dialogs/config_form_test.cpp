@@ -283,17 +283,6 @@ TEST_F(ConfigFormTest, DeletedConfigurationWithADescriptionStaysOnViewUntilReope
     EXPECT_THAT(ConfigForm(system).Liste.entries(), ElementsAre("General", "Photos"));
 }
 
-TEST_F(ConfigFormTest, DeletionNeverTakesAnotherConfigurationForTheOneShown) {
-    loadSettings("[Photos]\nSource0=C:\\A\n[Photos (2023)]\nSource0=C:\\B\n");
-    system.configurationName = "Travail";
-    placeErrorLists("Photos");
-    ConfigForm form(system);
-    erase(form, 1);
-    EXPECT_THAT(settings(), HasSubstr("[Photos]"));
-    EXPECT_EQ(errorLists("Photos"), 3);
-    EXPECT_EQ(form.Liste.entries().size(), 2U);
-}
-
 TEST_F(ConfigFormTest, AddedConfigurationCanBeDeletedAgain) {
     ConfigForm form(system);
     add(form, "Vacances");

@@ -45,6 +45,28 @@ TEST_F(DriveListFrmTest, ListsEveryDriveInTheSystemsOrder) {
     EXPECT_THAT(roots, ElementsAre(R"(C:\)", R"(D:\)", R"(E:\)", R"(F:\)"));
 }
 
+class OddDrives final : public DriveService {
+  public:
+    std::vector<std::string> roots() override {
+        return {R"(\\srv\share)", R"(D:\)", "", R"(E:\Mount\)", "F:", R"(1:\)", R"(g:\)"};
+    }
+    std::string windowsDirectory() override { return {}; }
+    std::string fromNative(const std::string& typed) override { return typed; }
+    std::string fromWindow(const std::string& entered) override { return entered; }
+};
+
+TEST_F(DriveListFrmTest, SkipsWhatHasNoDriveLetter) {
+    OddDrives odd;
+    Platform services{memory.files(),  odd,           memory.clock(),
+                      memory.locale(), platform.ansi, memory.sounds(),
+                      memory.windows()};
+    SystemMod other(services, {"", home, 3, 5});
+    DriveListFrm form(other, desktop);
+    Texts roots;
+    for (const ReportList::Row& row : form.ListDrive.rows()) roots.push_back(row.cells[0]);
+    EXPECT_THAT(roots, ElementsAre(R"(D:\)", R"(g:\)"));
+}
+
 TEST_F(DriveListFrmTest, ShowsDescriptionAndSizes) {
     DriveListFrm form(system, desktop);
     EXPECT_THAT(form.ListDrive.rows()[0].cells,

@@ -15,6 +15,8 @@ import time
 import traceback
 
 PATIENCE = 120  # seconds after which a program counts as hung
+# Where the programs see a native directory: the first that holds a path counts.
+DRIVES = [("/", "C:\\")]
 
 
 class Report:
@@ -244,8 +246,11 @@ def read(path):
 
 
 def drive_path(path):
-    """A native path as the settings file holds it: C: is the system's own root."""
-    return "C:" + path.replace("/", "\\")
+    """A native path as the settings file holds it: C: is the system's own root on Linux."""
+    for directory, root in DRIVES:
+        if path == directory or path.startswith(directory.rstrip("/") + "/"):
+            return root + path[len(directory):].lstrip("/").replace("/", "\\")
+    raise ValueError(f"{path} is on no drive")
 
 
 def touch(path, seconds):
@@ -297,10 +302,10 @@ def incomplete(source, copy):
     return wrong
 
 
-def run_all(scenarios, programs, report):
+def run_all(scenarios, programs, report, make_place=Place):
     """Runs every scenario in a place of its own; one that breaks off counts as failed."""
     for scenario in scenarios:
-        place = Place(programs)
+        place = make_place(programs)
         report.begin(scenario)
         try:
             scenario(place, report)

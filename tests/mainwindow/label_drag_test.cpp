@@ -70,6 +70,22 @@ TEST_F(LabelDragTest, AnEmptyTextEmptiesNothing) {
     EXPECT_EQ(left(0), R"(C:\Docs)");
 }
 
+TEST_F(LabelDragTest, ATextOfNothingButALineEndOrQuotesEmptiesNothing) {
+    startWithLine();
+    for (const char* nothing : {"\n", "\r\n", "\"\"", "''\n"}) {
+        row(0).LblS.drop(text(nothing));
+        EXPECT_EQ(left(0), R"(C:\Docs)");
+    }
+}
+
+TEST_F(LabelDragTest, APathFromOneOfItsLabelsStaysAsItIs) {
+    startWithLine();
+    form->lines.edit(0, LineSide::left, "C:\\Docs\n");
+    row(0).LblS.press();
+    row(1).LblS.drop(text(form->drag.data()));
+    EXPECT_EQ(system->sources[1], "C:\\Docs\n") << "a line end may belong to a name";
+}
+
 TEST_F(LabelDragTest, ADropInTheReversedLayoutIsTakenApartAsAnEditIs) {
     startWithLine();
     pickTab("R");
@@ -89,16 +105,6 @@ TEST_F(LabelDragTest, NothingIsDroppedWhileSomethingIsOpen) {
     EXPECT_EQ(left(0), R"(C:\Docs)");
 }
 
-// A system whose own paths are not those of the program.
-class NativeDrives final : public DriveService {
-  public:
-    std::vector<std::string> roots() override { return {"C:\\"}; }
-    std::string windowsDirectory() override { return {}; }
-    std::string fromNative(const std::string& typed) override {
-        return typed.rfind('/', 0) == 0 ? "C:" + std::string(typed).replace(0, 1, "\\") : typed;
-    }
-};
-
 TEST_F(LabelDragTest, ANativePathIsTurnedIntoItsDriveFormWhereItEnters) {
     NativeDrives drives;
     Platform native{memory.files(), drives,          memory.clock(), memory.locale(),
@@ -110,6 +116,12 @@ TEST_F(LabelDragTest, ANativePathIsTurnedIntoItsDriveFormWhereItEnters) {
     window.lines.row(0).LblD.drop(text("/Save"));
     EXPECT_EQ(other.sources[0], R"(C:\Photos)");
     EXPECT_EQ(other.destinations[0], R"(C:\Save)");
+    window.lines.row(1).LblS.drop(text("file:///Mes%20photos\r\n"));
+    window.lines.row(1).LblD.drop(text("\"/Save\"\n"));
+    EXPECT_EQ(other.sources[1], R"(C:\Mes photos)");
+    EXPECT_EQ(other.destinations[1], R"(C:\Save)");
+    window.lines.row(2).LblS.drop(text("hello world"));
+    EXPECT_EQ(other.sources[2], "hello world");
 }
 
 }  // namespace

@@ -1,10 +1,14 @@
 // How the main window comes up, starts an unattended backup, remembers its place and closes.
-#include "dialogs/frm_about.h"
+#include "dialogs/config_form.h"
+#include "dialogs/config_name_form.h"
 #include "mainwindow/main_form_fixture.h"
 
 namespace coffrelune {
 namespace {
 
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 class LifecycleTest : public MainFormTest {
@@ -129,6 +133,41 @@ TEST_F(LifecycleTest, DoesNotRememberAConfigurationThatDoesNotExist) {
     EXPECT_EQ(stored("Position", "Config"), "General");
 }
 
+TEST_F(LifecycleTest, RemembersAConfigurationThatWasJustAdded) {
+    start("[General]\nModifie=1\n");
+    user().stepIn<ConfigForm>([this](ConfigForm& dialog) {
+        user().stepIn<ConfigNameForm>([](ConfigNameForm& name) {
+            name.Txt.type("vacances");
+            name.Cmd[0].click();
+        });
+        dialog.Cmd[2].click();
+        dialog.Cmd[0].click();
+    });
+    form->toolbar.TB.pick("Config");
+    ASSERT_EQ(system->configurationName, "Vacances");
+    restart();
+    EXPECT_EQ(stored("Position", "Config"), "Vacances");
+    EXPECT_EQ(system->configurationName, "Vacances");
+}
+
+TEST_F(LifecycleTest, RemembersTheDefaultConfigurationBeforeItHasASection) {
+    start();
+    form->closeBox();
+    EXPECT_EQ(stored("Position", "Config"), "General");
+}
+
+TEST_F(LifecycleTest, NeverWorksOnTheReservedSection) {
+    const std::string before =
+        "[Position]\nConfig=Travail\nSource0=\"C:\\Docs\"\nSelect0=1\n[Travail]\nModifie=1\n";
+    start(before, "/position");
+    EXPECT_EQ(form->configuration.ConfigLbl.caption(), "Travail");
+    EXPECT_EQ(left(0), "");
+    EXPECT_EQ(settings(), before);
+    row(0).LblS.drop({true, R"(C:\Photos)", {}});
+    EXPECT_EQ(stored("Travail", "Source0"), R"(C:\Photos)");
+    EXPECT_EQ(stored("Position", "Source0"), R"(C:\Docs)");
+}
+
 TEST_F(LifecycleTest, QuittingFromTheToolbarCloses) {
     startWithLine();
     form->toolbar.TB.pick("Quitter");
@@ -154,7 +193,7 @@ TEST_F(LifecycleTest, StartedByHandTheFirstActivationStartsNothing) {
     EXPECT_EQ(user().pendingEventsCount(), 1U) << "coming back to the front is no start";
     EXPECT_THAT(user().shown(), IsEmpty());
     EXPECT_TRUE(form->open());
-    EXPECT_FALSE(form->autoEnd());
+    EXPECT_FALSE(form->autoStatus());
 }
 
 TEST_F(LifecycleTest, AutoRunsTheBackupAndCloses) {
@@ -170,7 +209,7 @@ TEST_F(LifecycleTest, AutoRunsTheBackupAndCloses) {
     EXPECT_FALSE(form->open());
     EXPECT_EQ(stored("Position", "Config"), "General");
     EXPECT_EQ(stored("LastSave"), "14/03/2025 10:00:00");
-    EXPECT_EQ(form->autoEnd(), RunEnd::finished);
+    EXPECT_EQ(form->autoStatus(), ExitStatus::clean);
     EXPECT_EQ(form->statistics().errorCount, 0);
 }
 
@@ -197,7 +236,7 @@ TEST_F(LifecycleTest, AutoStartedMinimisedRunsTheBackupToo) {
     start({}, "/Auto");
     EXPECT_EQ(place().state, WindowPlace::minimised);
     form->shown();
-    EXPECT_EQ(form->autoEnd(), RunEnd::finished);
+    EXPECT_EQ(form->autoStatus(), ExitStatus::clean);
     EXPECT_FALSE(form->open());
 }
 
@@ -208,6 +247,7 @@ TEST_F(LifecycleTest, AutoClosedBeforeItBeganRunsNothing) {
     form->activated();
     EXPECT_THAT(user().shown(), IsEmpty());
     EXPECT_FALSE(form->open());
+    EXPECT_EQ(form->autoStatus(), ExitStatus::interrupted) << "no backup was made";
 }
 
 TEST_F(LifecycleTest, TheTimerDoesNothingInAutoMode) {
@@ -215,6 +255,38 @@ TEST_F(LifecycleTest, TheTimerDoesNothingInAutoMode) {
     startWithLine("AutoSave=1\nAutoTime=12:00\n");
     start({}, "/Auto");
     EXPECT_EQ(tickUntil(2025, 3, 14, 13, 0), 0);
+}
+
+TEST_F(LifecycleTest, AutoRefusesAConfigurationThatDoesNotExist) {
+    startWithLine("[Position]\nConfig=General\n");
+    start({}, "/Auto /Travial");
+    form->activated();
+    EXPECT_THAT(user().shown(), IsEmpty());
+    EXPECT_THAT(user().messages(), IsEmpty()) << "nobody is there to answer";
+    EXPECT_THAT(user().notices(),
+                ElementsAre(HasSubstr("La configuration « Travial » n'existe pas.")));
+    EXPECT_EQ(form->autoStatus(), ExitStatus::wrongUse);
+    EXPECT_FALSE(form->open());
+    EXPECT_EQ(stored("Position", "Config"), "General");
+    EXPECT_EQ(stored("Travial", "LastSave"), "");
+}
+
+TEST_F(LifecycleTest, AutoRefusesTheReservedName) {
+    startWithLine();
+    start({}, "/Auto /position");
+    form->activated();
+    EXPECT_THAT(user().shown(), IsEmpty());
+    EXPECT_EQ(form->autoStatus(), ExitStatus::wrongUse);
+    EXPECT_FALSE(form->open());
+}
+
+TEST_F(LifecycleTest, AutoTellsThatTheDestinationIsAbsent) {
+    startWithLine();
+    disk().volume(R"(F:\)").present = false;
+    start({}, "/Auto");
+    form->activated();
+    EXPECT_EQ(form->autoStatus(), ExitStatus::interrupted);
+    EXPECT_FALSE(form->open());
 }
 
 TEST_F(LifecycleTest, AutoWithErrorsClosesAndKeepsTheErrorList) {
@@ -226,6 +298,8 @@ TEST_F(LifecycleTest, AutoWithErrorsClosesAndKeepsTheErrorList) {
     EXPECT_FALSE(form->open());
     EXPECT_EQ(stored("LastSaveNbErr"), "1");
     EXPECT_TRUE(disk().exists(R"(C:\Coffrelune\S_General.err)"));
+    EXPECT_EQ(form->autoStatus(), ExitStatus::errors);
+    EXPECT_THAT(user().notices(), Contains(R"(Erreur: 32 - Fichier: C:\Docs\a.txt)"));
     EXPECT_EQ(form->statistics().errorCount, 1);
 }
 

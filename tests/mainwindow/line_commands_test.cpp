@@ -61,6 +61,17 @@ TEST_F(LineCommandsTest, ARightClickOpensTheMenuOfItsRowAndSide) {
     EXPECT_EQ(form->lineCommands.side(), LineSide::left);
 }
 
+TEST_F(LineCommandsTest, NothingElseOpensWhileTheMenuIsOpen) {
+    start(threeLines);
+    bool asked = false;
+    form->lineCommands.onPopup = [&] {
+        form->toolbar.TB.pick("APropos");  // a window that nobody expects fails the test
+        asked = true;
+    };
+    row(0).LblS.rightClick();
+    EXPECT_TRUE(asked);
+}
+
 TEST_F(LineCommandsTest, ModifRepChoosesForTheSideThatWasPressed) {
     start(threeLines);
     user().chooseNextFolder(R"(C:\New)");
@@ -107,6 +118,27 @@ TEST_F(LineCommandsTest, EditerHandsOverThePathAndItsSide) {
     });
     command("Editer", 1, LineSide::right);
     EXPECT_EQ(stored("Destination1"), R"(H:\Typed)");
+}
+
+TEST_F(LineCommandsTest, EditerTakesANativePathButNoCurrentDirectory) {
+    NativeDrives drives;
+    Platform native{memory.files(), drives,          memory.clock(), memory.locale(),
+                    ansi,           memory.sounds(), windows};
+    SystemMod other(native, {"", home, 3, 5});
+    other.LoadSettings();
+    MainForm window(other, desktop);
+    const auto edit = [&](const char* text) {
+        user().stepIn<LineForm>([text](LineForm& dialog) {
+            dialog.Txt.type(text);
+            dialog.Cmd[0].click();
+        });
+        (void)window.lineCommands.run("Editer");
+        return other.sources[0];
+    };
+    EXPECT_EQ(edit("/Photos"), R"(C:\Photos)");
+    for (const char* text : {"relative", "hello world", R"("C:\quoted")", "file:///tmp/a%20b"}) {
+        EXPECT_EQ(edit(text), text);
+    }
 }
 
 TEST_F(LineCommandsTest, EditerCancelledChangesNothingAndAnEmptyTextEmptiesThePath) {
@@ -194,6 +226,20 @@ TEST_F(LineCommandsTest, PressingAgainMovesTheSameLineFurther) {
     EXPECT_TRUE(bar().find("LigneUp")->enabled);
 }
 
+TEST_F(LineCommandsTest, TellsWhereAMovedLineWent) {
+    start(threeLines);
+    std::vector<std::pair<int, LineSide>> moves;
+    form->lineCommands.onMoved = [&](int row, LineSide side) {
+        EXPECT_EQ(form->lineCommands.row(), row);
+        moves.emplace_back(row, side);
+    };
+    command("LigneDown", 0, LineSide::right);
+    command("LigneUp", 2);
+    command("LigneUp", 0);
+    command("LigneDown", 2);
+    EXPECT_THAT(moves, ElementsAre(std::pair(1, LineSide::right), std::pair(1, LineSide::left)));
+}
+
 TEST_F(LineCommandsTest, TheFirstLineCannotGoUpNorTheLastOneDown) {
     start(threeLines);
     const std::size_t writes = writeCount();
@@ -264,6 +310,43 @@ TEST_F(LineCommandsTest, DeleteLigneEmptiesBothPathsInTheReversedLayoutToo) {
     EXPECT_EQ(system->destinations[0], "");
     EXPECT_EQ(stored("Source0"), "");
     EXPECT_EQ(stored("Destination0"), "");
+}
+
+// ---- directories behind a gap ----------------------------------------------------------------
+
+constexpr const char* withGaps =
+    "[Position]\nRepertMax=12\n"
+    "[General]\n"
+    "Source1=\"C:\\Docs\"\nDestination1=\"F:\\Save\"\n"
+    "RepExclu1_Mode=2\nRepExclu1_Rep1=\\a\nRepExclu1_Rep3=\\c\nRepExclu1_Rep12=\\d\n"
+    "Source2=\"C:\\Photos\"\nDestination2=\"F:\\Save\"\n"
+    "RepExclu2_Mode=2\nRepExclu2_Rep1=\\x\nRepExclu2_Rep2=\\y\n"
+    "RepExclu11_Mode=2\nRepExclu11_Rep1=\\eleven\nRepExclu11_Rep3=\\hidden\n";
+
+TEST_F(LineCommandsTest, NoDirectoryBehindAGapJoinsTheLineThatTakesThePlace) {
+    start(withGaps);
+    command("LigneDown", 1);
+    system->LoadExclusions(1);
+    EXPECT_THAT(system->exclusions.directories, ElementsAre(R"(\x)", R"(\y)"));
+    system->LoadExclusions(2);
+    EXPECT_THAT(system->exclusions.directories, ElementsAre(R"(\a)"));
+    EXPECT_EQ(stored("RepExclu1_Rep3"), "");
+    EXPECT_EQ(stored("RepExclu1_Rep12"), "");
+    EXPECT_EQ(stored("RepExclu11_Rep3"), R"(\hidden)");
+}
+
+TEST_F(LineCommandsTest, DeleteLigneEmptiesAListBehindItsGapToo) {
+    start(withGaps);
+    user().answer(Answer::ok);
+    command("DeleteLigne", 1);
+    for (const char* key : {"RepExclu1_Rep1", "RepExclu1_Rep3", "RepExclu1_Rep12"}) {
+        EXPECT_EQ(stored(key), "") << key;
+    }
+    EXPECT_EQ(stored("RepExclu1_Mode"), "0");
+    EXPECT_EQ(stored("RepExclu2_Rep2"), R"(\y)");
+    EXPECT_EQ(stored("RepExclu11_Mode"), "2");
+    EXPECT_EQ(stored("RepExclu11_Rep1"), R"(\eleven)");
+    EXPECT_EQ(stored("RepExclu11_Rep3"), R"(\hidden)");
 }
 
 }  // namespace

@@ -40,6 +40,20 @@ class HookedWindows final : public WindowService {
     MemoryWindows& inner_;
 };
 
+/// Drives of a system whose own paths are not those of the program.
+class NativeDrives final : public DriveService {
+  public:
+    std::vector<std::string> roots() override { return {"C:\\"}; }
+    std::string windowsDirectory() override { return {}; }
+    std::string fromNative(const std::string& typed) override {
+        ADD_FAILURE() << "a window has no current directory: " << typed;
+        return {};
+    }
+    std::string fromWindow(const std::string& entered) override {
+        return entered.rfind('/', 0) == 0 ? "C:\\" + entered.substr(1) : entered;
+    }
+};
+
 /// The main window over a system in memory: C:\Docs\a.txt and the directory F:\Save are there, it
 /// is Friday, 14 March 2025, 10:00, and the settings file is C:\Coffrelune\Coffrelune.ini, which a
 /// test makes. What a test does not prepare is a failure at its end.

@@ -161,5 +161,16 @@ TEST_F(ProgramAfterTest, StartsAfterNoRestoreAndNoComparison) {
     EXPECT_THAT(shell().opened(), IsEmpty());
 }
 
+TEST_F(ProgramAfterTest, AScheduledBackupStoresWhatIsStillInTheField) {
+    setClock(2025, 3, 14, 11);
+    startWithLine("AutoSave=1\nAutoTime=12:00\nLastSave=13/03/2025 12:00:10\n");
+    form->program.PrmToRunTxt.enter();
+    form->program.PrmToRunTxt.type("/x");
+    EXPECT_EQ(tickUntil(2025, 3, 14, 12, 0, 0), 0);
+    EXPECT_EQ(stored("PrmToRun"), "");
+    EXPECT_EQ(tickUntil(2025, 3, 14, 12, 0, 10), 1);
+    EXPECT_EQ(stored("PrmToRun"), "/x");
+}
+
 }  // namespace
 }  // namespace coffrelune

@@ -56,6 +56,34 @@ TEST_F(ResultsAreaTest, AFailedRunAfterACleanOneShowsBoth) {
     EXPECT_EQ(results().VoirErrLbl.caption(), "Voir les erreurs");
 }
 
+TEST_F(ResultsAreaTest, ADateThatIsNoneCountsAsNever) {
+    for (const char* date : {"foo", "31/02/2026 25:00:00", "31/02/2026 10:00:00", "04/03/2025"}) {
+        const std::string spoilt = std::string("[General]\nLastSave=") + date +
+                                   "\nLastSaveErr=" + date + "\nLastSaveNbErr=4\n";
+        start(spoilt);
+        for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(line(i), "") << date;
+        EXPECT_FALSE(results().OkImg.visible());
+        EXPECT_FALSE(results().ErrImg.visible());
+        EXPECT_FALSE(results().NbErrImg.visible());
+        EXPECT_FALSE(results().VoirErrLbl.visible());
+        EXPECT_EQ(settings(), spoilt);
+    }
+}
+
+TEST_F(ResultsAreaTest, ASpoiltDateOfOneRunLeavesTheOther) {
+    start("[General]\nLastSave=foo\nLastSaveErr=04/03/2025 18:30:00\nLastSaveNbErr=4\n");
+    EXPECT_EQ(line(0), "");
+    EXPECT_EQ(line(1), "Dernière sauvegarde avec erreur le mar. 4 mars 2025 à 18:30");
+    EXPECT_EQ(line(2), "4 erreur(s)");
+}
+
+TEST_F(ResultsAreaTest, ANegativeCountShowsAsNone) {
+    const std::string spoilt = "[General]\nLastSaveErr=04/03/2025 18:30:00\nLastSaveNbErr=-4\n";
+    start(spoilt);
+    EXPECT_EQ(line(2), "0 erreur(s)");
+    EXPECT_EQ(settings(), spoilt);
+}
+
 TEST_F(ResultsAreaTest, EachKindHasItsOwnTexts) {
     start(
         "[General]\nLastRest=03/03/2025 08:05:00\nLastRestErr=04/03/2025 08:05:00\n"
@@ -76,11 +104,6 @@ TEST_F(ResultsAreaTest, EachKindHasItsOwnTexts) {
     EXPECT_EQ(results().VoirErrLbl.caption(), "Voir les copies");
     pickTab("S");
     EXPECT_EQ(line(0), "");
-}
-
-TEST_F(ResultsAreaTest, AStoredDateThatIsNoneIsShownAsItStands) {
-    start("[General]\nLastSave=hier\n");
-    EXPECT_EQ(line(0), "Dernière sauvegarde sans erreur le hier");
 }
 
 TEST_F(ResultsAreaTest, TheLinkOpensTheErrorListOfTheKind) {

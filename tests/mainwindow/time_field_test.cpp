@@ -106,6 +106,89 @@ TEST_F(TimeFieldTest, AWrongTimeCancelsTheLaunch) {
     EXPECT_EQ(AutoHr().text(), "12:00");
 }
 
+// In a toolkit, the press on the button first takes the focus out of the field and then clicks.
+TEST_F(TimeFieldTest, AWrongTimeCancelsTheLaunchWhosePressTookTheFocusAway) {
+    startWithLine("AutoTime=12:00\n");
+    user().answer(Answer::ok);
+    typeInto(AutoHr(), "99");
+    form->Cmd.at(1).click();
+    EXPECT_THAT(user().shown(), IsEmpty());
+    EXPECT_EQ(user().messages().size(), 1U) << "told once";
+    user().answer(Answer::ok);
+    form->Cmd.at(1).click();
+    EXPECT_EQ(user().shown(), Texts{"Sauvegarde ..."}) << "clicked again on purpose";
+}
+
+TEST_F(TimeFieldTest, AWrongTimeCancelsTheTabChangeWhosePressTookTheFocusAway) {
+    startWithLine("AutoTime=12:00\n");
+    user().answer(Answer::ok);
+    typeInto(AutoHr(), "99");
+    pickTab("R");
+    EXPECT_EQ(form->launch.Onglet.selectedKey(), "S");
+    pickTab("R");
+    EXPECT_EQ(form->launch.Onglet.selectedKey(), "R");
+}
+
+TEST_F(TimeFieldTest, ARefusalIsForgottenOnceAnotherTimeIsTyped) {
+    startWithLine("AutoTime=12:00\n");
+    user().answer(Answer::ok);
+    typeInto(AutoHr(), "99");
+    AutoHr().type("13:00");
+    pickTab("R");
+    EXPECT_EQ(form->launch.Onglet.selectedKey(), "R");
+    EXPECT_EQ(stored("AutoTime"), "13:00");
+}
+
+TEST_F(TimeFieldTest, ARefusalIsForgottenWhenTheFieldIsLeftAgain) {
+    startWithLine("AutoTime=12:00\n");
+    user().answer(Answer::ok);
+    typeInto(AutoHr(), "99");
+    AutoHr().leave();
+    pickTab("R");
+    EXPECT_EQ(form->launch.Onglet.selectedKey(), "R");
+}
+
+// The toolkit may have lost the press to the message; what the user does later is meant.
+TEST_F(TimeFieldTest, ARefusalCancelsNoCommandGivenLater) {
+    startWithLine("AutoTime=12:00\n");
+    windows.whileOpen = [&] { clock().advance(60'000); };
+    user().answer(Answer::ok);
+    typeInto(AutoHr(), "99");
+    clock().advance(1'000);
+    pickTab("R");
+    EXPECT_EQ(form->launch.Onglet.selectedKey(), "S") << "the time of the message does not count";
+    user().answer(Answer::ok);
+    AutoHr().leave();
+    typeInto(AutoHr(), "99");
+    clock().advance(1'001);
+    pickTab("R");
+    EXPECT_EQ(form->launch.Onglet.selectedKey(), "R");
+}
+
+TEST_F(TimeFieldTest, ATickStoresATimeTypedInFullWithoutAWord) {
+    setClock(2025, 3, 14, 11);
+    startWithLine(atNoonSavedYesterday);
+    AutoHr().enter();
+    AutoHr().type("12:10");
+    EXPECT_EQ(tickUntil(2025, 3, 14, 12, 10, 0), 0) << "put off at the last moment";
+    EXPECT_EQ(stored("AutoTime"), "12:10");
+    EXPECT_EQ(tickUntil(2025, 3, 14, 12, 10, 10), 1);
+}
+
+TEST_F(TimeFieldTest, ATickLeavesATimeThatIsBeingTypedAlone) {
+    for (const char* typed : {"1", "99", "12:3"}) {
+        setClock(2025, 3, 14, 11);
+        startWithLine(atNoonSavedYesterday);
+        AutoHr().enter();
+        AutoHr().type(typed);
+        disk().file(R"(C:\Docs\a.txt)", "aaaaa", fileTimeAt(2025, 3, 2));
+        EXPECT_EQ(tickUntil(2025, 3, 14, 12, 0, 10), 1);
+        EXPECT_EQ(AutoHr().text(), typed);
+        EXPECT_EQ(stored("AutoTime"), "12:00");
+    }
+    EXPECT_THAT(user().messages(), IsEmpty());
+}
+
 TEST_F(TimeFieldTest, AWrongTimeCancelsTheTabChange) {
     startWithLine("AutoTime=12:00\n");
     AutoHr().enter();

@@ -56,6 +56,16 @@ TEST_F(RunReport, NamesTheConfigurationsWhenTheCurrentOneDoesNotExist) {
                             "Fichier de réglages : C:\\Coffrelune\\Coffrelune.ini"));
 }
 
+TEST_F(RunReport, NamesTheReservedNameThatWasAskedFor) {
+    disk().file(settings, "[Position]\r\n[Travail]\r\nSource0=x\r\n");
+    system.askedConfiguration = "Position";
+    EXPECT_FALSE(settingsUsable(system));
+    EXPECT_THAT(user().notices(),
+                ElementsAre("La configuration « Position » n'existe pas.\n"
+                            "Configurations enregistrées : Travail\n"
+                            "Fichier de réglages : C:\\Coffrelune\\Coffrelune.ini"));
+}
+
 TEST_F(RunReport, SaysThatThereIsNoConfigurationAtAll) {
     EXPECT_FALSE(settingsUsable(system));
     EXPECT_THAT(user().notices(),

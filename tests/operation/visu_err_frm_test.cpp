@@ -96,9 +96,19 @@ TEST_F(Summary, HasItsOwnWordsForEachKind) {
     EXPECT_EQ(comparison.linkText, "Voir les copies");
 }
 
-TEST_F(Summary, ShowsADateThatIsNoneAsItStands) {
-    backup().cleanDate = "hier";
-    EXPECT_EQ(of(OperationKind::backup).cleanLine, "Dernière sauvegarde sans erreur le hier");
+TEST_F(Summary, ADateThatIsNoneCountsAsNever) {
+    backup() = {"hier", "00:00:01", "31/02/2026 25:00:00", "00:00:02", 5};
+    const ResultSummary summary = of(OperationKind::backup);
+    EXPECT_EQ(summary.cleanLine, "");
+    EXPECT_EQ(summary.problemLine, "");
+    EXPECT_EQ(summary.countLine, "");
+    EXPECT_EQ(backup().cleanDate, "hier");
+}
+
+TEST_F(Summary, ANegativeCountIsNone) {
+    backup() = {"", "", "04/03/2025 09:30:00", "00:00:02", -5};
+    EXPECT_EQ(of(OperationKind::backup).countLine, "0 erreur(s)");
+    EXPECT_EQ(backup().errorCount, -5);
 }
 
 }  // namespace

@@ -85,6 +85,16 @@ TEST_F(ExclusionsTest, ClearsTheListAndKeepsAModeOfZero) {
     EXPECT_EQ(mod.ReadSetting("General", "RepExclu7_Mode"), "0");
 }
 
+TEST_F(ExclusionsTest, ClearsWhatAGapHidesAndNoOtherLine) {
+    put("RepExclu1_Rep1=\\x\nrepexclu1_rep4=\\y\nRepExclu1_Rep07=\\z\nRepExclu1_Rep9=\n"
+        "RepExclu1_Report=mine\nRepExclu1_Rep=mine\nRepExclu11_Rep1=\\a\nRepExclu11_Rep3=\\b\n"
+        "RepExclu10_Rep1=\\c\nRepExclu_Rep1=mine\n");
+    mod.ClearExclusions(1);
+    EXPECT_EQ(onDisk(),
+              "[General]\nRepExclu1_Report=mine\nRepExclu1_Rep=mine\nRepExclu11_Rep1=\\a\n"
+              "RepExclu11_Rep3=\\b\nRepExclu10_Rep1=\\c\nRepExclu_Rep1=mine\nRepExclu1_Mode=0\n");
+}
+
 TEST_F(ExclusionsTest, DoesNotLetADuplicateKeyComeBack) {
     put("RepExclu0_Rep1=\\x\nRepExclu0_Rep1=\\y\n");
     mod.ClearExclusions(0);

@@ -7,10 +7,10 @@ namespace coffrelune {
 namespace {
 
 /// The last line in use anywhere, with ten lines on view and this settings file.
-int lastUsedLine(const std::string& content) {
+int lastUsedLine(const std::string& content, const std::string& global = "[Position]\n") {
     MemoryPlatform memory;
     memory.disk().file(R"(C:\Coffrelune\Coffrelune.ini)",
-                       "[Position]\nRepertMax=10\nConfig=Travail\n" + content);
+                       global + "RepertMax=10\nConfig=Travail\n" + content);
     Platform platform = memory.platform();
     SystemMod system(platform, {"", R"(C:\Coffrelune)", 3, 5});
     system.LoadSettings();
@@ -35,6 +35,10 @@ TEST(LineCount, CountsNoEmptyValueAndNoOtherKey) {
     EXPECT_EQ(lastUsedLine("[Photos]\nSource5=\nDestination6=\"\"\nSelect7=1\nRepExclu8_Mode=2\n"
                            "Source=C:\\\nSource09=C:\\\nSource8x=C:\\\n"),
               0);
+}
+
+TEST(LineCount, CountsNoReservedSection) {
+    EXPECT_EQ(lastUsedLine("", "[POSITION]\nSource5=C:\\A\n"), 0);
 }
 
 TEST(LineCount, CountsNoLineThatIsOutOfSightAlready) {

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "platform/memory/memory_platform.h"
+#include "settings/reserved_name.h"
 #include "system/text.h"
 
 namespace coffrelune {
@@ -58,7 +59,34 @@ TEST_F(SystemModTest, NeverDeletesTheReservedSection) {
     memory.disk().file(path, "[Position]\r\nRepertMax=3\r\n");
     EXPECT_EQ(start().WriteSetting("POSITION", "", "").code(), error_number::accessDenied);
     EXPECT_EQ(onDisk(), "[Position]\r\nRepertMax=3\r\n");
+    EXPECT_EQ(start().WriteSetting(" position ", "", "").code(), error_number::accessDenied);
     EXPECT_FALSE(start().configurationExists("position"));
+}
+
+TEST_F(SystemModTest, TakesTheReservedNameOfTheCommandLineForNone) {
+    put("[Position]\nConfig=Photos\n");
+    for (const char* commandLine : {"/position", "POSITION", " position", "/Auto /Position"}) {
+        EXPECT_EQ(start(commandLine).configurationName, "Photos") << commandLine;
+        EXPECT_TRUE(isReserved(state->askedConfiguration));
+    }
+    put("[Position]\nConfig=\" position\"\n");
+    EXPECT_EQ(start("/position").configurationName, "General");
+}
+
+TEST_F(SystemModTest, RemembersEveryConfigurationButOneThatWasOnlyTried) {
+    put("[Position]\nConfig=Photos\n[Travail]\nSource0=x\n");
+    const auto remembered = [this] {
+        state->rememberConfiguration();
+        return state->ReadSetting("Position", "Config");
+    };
+    start("/travial");
+    EXPECT_EQ(remembered(), "Photos");
+    start("/travail");
+    EXPECT_EQ(remembered(), "Travail");
+    start("/travial").configurationName = "Nouvelle";
+    EXPECT_EQ(remembered(), "Nouvelle");
+    start("/travial").configurationName = "Travail";
+    EXPECT_EQ(remembered(), "Travail");
 }
 
 TEST_F(SystemModTest, TakesTheReservedNameForNoRememberedConfiguration) {

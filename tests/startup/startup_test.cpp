@@ -52,7 +52,8 @@ TEST_F(StartUp, ClaimsTheDirectoryOfTheSettings) {
 TEST_F(StartUp, RefusesASecondProcessWithItsMessage) {
     memory.guard().setHeldByAnother(home);
     memory.windows().answer(Answer::ok);
-    EXPECT_FALSE(start("/Auto"));
+    EXPECT_FALSE(start("/Travail"));
+    EXPECT_THAT(notices(), IsEmpty());
     ASSERT_EQ(memory.windows().messages().size(), 1U);
     const MessageBoxText& message = memory.windows().messages()[0];
     EXPECT_EQ(message.text,
@@ -62,10 +63,20 @@ TEST_F(StartUp, RefusesASecondProcessWithItsMessage) {
     EXPECT_EQ(message.buttons, MessageButtons::ok);
 }
 
+TEST_F(StartUp, RefusesASecondUnattendedProcessWithoutABoxToClose) {
+    for (const char* arguments : {"/Auto", "/Travail /auto"}) {
+        memory.guard().setHeldByAnother(home);
+        EXPECT_FALSE(start(arguments));
+    }
+    const std::string text =
+        "LE PROGRAMME EST DEJA EN MEMOIRE !\r\n     (Regardez la barre des taches)";
+    EXPECT_THAT(notices(), ElementsAre(text, text));
+    EXPECT_THAT(memory.windows().messages(), IsEmpty());
+}
+
 TEST_F(StartUp, RefusesASecondProcessBeforeItReadsTheSettings) {
     memory.guard().setHeldByAnother(home);
-    memory.windows().answer(Answer::ok);
-    start("/Auto /Travail");
+    EXPECT_FALSE(start("/Auto /Travail"));
     EXPECT_THAT(memory.files().calls(), IsEmpty());
     EXPECT_EQ(system->configurationName, "");
     EXPECT_FALSE(system->AutoMode);
@@ -188,6 +199,19 @@ TEST_F(StartUp, TheReservedSectionIsNoConfiguration) {
     EXPECT_EQ(runAuto(*system), ExitStatus::wrongUse);
     rememberConfiguration(*system);
     EXPECT_EQ(system->ReadSetting("Position", "Config"), "Maison");
+}
+
+TEST_F(StartUp, TheReservedSectionIsNeverWorkedOn) {
+    ASSERT_TRUE(start("/position"));
+    EXPECT_EQ(system->configurationName, "Maison");
+    EXPECT_EQ(system->sources[0], R"(C:\Photos)");
+}
+
+TEST_F(StartUp, ARememberedConfigurationWithoutASectionStaysRemembered) {
+    memory.disk().file(settings, "[Position]\r\nConfig=Nouvelle\r\n");
+    ASSERT_TRUE(start(""));
+    rememberConfiguration(*system);
+    EXPECT_EQ(system->ReadSetting("Position", "Config"), "Nouvelle");
 }
 
 TEST_F(StartUp, AMistypedConfigurationIsNotRemembered) {

@@ -40,6 +40,14 @@ TEST_F(SoundsTest, AreSilentWithoutTheirFile) {
     EXPECT_THAT(memory.sounds().played(), IsEmpty());
 }
 
+TEST_F(SoundsTest, ExistWhereTheirFileIs) {
+    memory.disk().directory(R"(C:\Coffrelune\Dossier.wav)");
+    FileService& files = memory.platform().files;
+    EXPECT_TRUE(soundExists(files, home, "Ok"));
+    EXPECT_FALSE(soundExists(files, home, "Erreur"));
+    EXPECT_FALSE(soundExists(files, home, "Dossier"));
+}
+
 TEST_F(SoundsTest, AreSilentWithoutADevice) {
     memory.sounds().setDeviceCount(0);
     playEnd("Ok");

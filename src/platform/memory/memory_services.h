@@ -31,6 +31,7 @@ class MemoryDrives final : public DriveService {
     std::vector<std::string> roots() override { return disk_.driveRoots(); }
     std::string windowsDirectory() override { return windowsDirectory_; }
     std::string fromNative(const std::string& typed) override { return typed; }
+    std::string fromWindow(const std::string& entered) override { return entered; }
     void setWindowsDirectory(const std::string& path) { windowsDirectory_ = path; }
 
   private:

@@ -101,6 +101,12 @@ std::string DriveTable::fromNative(const std::string& typed,
     return core;
 }
 
+std::string DriveTable::fromWindow(const std::string& entered, const std::string& home) const {
+    const bool inHome = home.starts_with('/') && (entered == "~" || entered.starts_with("~/"));
+    const std::string path = inHome ? home + entered.substr(1) : entered;
+    return path.starts_with('/') ? fromNative(path, "/") : entered;
+}
+
 std::vector<std::string> DriveTable::driveRoots() const {
     std::vector<std::string> roots;
     for (const PathRoot& root : paths_.roots()) {

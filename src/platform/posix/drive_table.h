@@ -42,6 +42,10 @@ class DriveTable {
     /// mount point of the system disk.
     std::string fromNative(const std::string& typed, const std::string& currentDirectory) const;
 
+    /// The same of a text that entered through a window: unless it is absolute or begins with "~"
+    /// alone, it stays as it is. `home`: native path of the home directory; not absolute: unknown.
+    std::string fromWindow(const std::string& entered, const std::string& home) const;
+
     bool isPseudo(dev_t device) const { return pseudoDevices_.contains(device); }
 
     /// The path with links resolved, in one spelling for one place; `path` when it names none.

@@ -41,6 +41,11 @@ std::string PosixDrives::fromNative(const std::string& typed) {
     return table_.fromNative(typed, currentDirectory());
 }
 
+std::string PosixDrives::fromWindow(const std::string& entered) {
+    const char* home = std::getenv("HOME");
+    return table_.fromWindow(entered, home == nullptr ? "" : home);
+}
+
 LocalTime toLocalTime(const timespec& time) {
     tm fields{};
     localtime_r(&time.tv_sec, &fields);

@@ -18,6 +18,7 @@ class PosixDrives final : public DriveService {
     std::vector<std::string> roots() override;
     std::string windowsDirectory() override { return {}; }
     std::string fromNative(const std::string& typed) override;
+    std::string fromWindow(const std::string& entered) override;
 
   private:
     DriveTable& table_;

@@ -5,6 +5,7 @@
 #include <array>
 #include <climits>
 #include <cstdlib>
+#include <string_view>
 
 namespace coffrelune {
 namespace {
@@ -14,13 +15,21 @@ std::string currentDirectory() {
     return ::getcwd(buffer.data(), buffer.size()) != nullptr ? buffer.data() : "/";
 }
 
+}  // namespace
+
 std::string executablePath() {
     std::array<char, PATH_MAX> buffer{};
     const ssize_t length = ::readlink("/proc/self/exe", buffer.data(), buffer.size());
-    return length > 0 ? std::string(buffer.data(), static_cast<std::size_t>(length)) : "";
+    if (length <= 0) return {};
+    std::string path(buffer.data(), static_cast<std::size_t>(length));
+    // What the system adds once the file has been replaced, as an update does; its successor bears
+    // the name without it.
+    constexpr std::string_view replaced = " (deleted)";
+    if (path.ends_with(replaced) && ::access(path.c_str(), F_OK) != 0) {
+        path.resize(path.size() - replaced.size());
+    }
+    return path;
 }
-
-}  // namespace
 
 std::string settingsDirectory() {
     const char* chosen = std::getenv("COFFRELUNE_HOME");

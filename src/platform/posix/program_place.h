@@ -8,4 +8,8 @@ namespace coffrelune {
 /// environment variable COFFRELUNE_HOME when it is set and not empty, else the executable's own.
 std::string settingsDirectory();
 
+/// Absolute native path of the running program's file, links resolved; empty when the system does
+/// not tell. DriveService::fromNative turns it into the core's form.
+std::string executablePath();
+
 }  // namespace coffrelune

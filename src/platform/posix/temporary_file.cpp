@@ -6,22 +6,12 @@
 #include <sys/random.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 
 namespace coffrelune {
 namespace {
-
-constexpr std::string_view prefix = ".~coffrelune-";
-constexpr std::string_view suffix = ".tmp";
-constexpr std::size_t digits = 16;
-
-bool isHexDigit(char c) {
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
-}
 
 int lockNow(int fd) {
     while (flock(fd, LOCK_EX | LOCK_NB) != 0) {
@@ -54,13 +44,6 @@ int removeTemporary(int directory, const char* name) {
 
 }  // namespace
 
-bool isTemporaryName(std::string_view name) {
-    if (name.size() != prefix.size() + digits + suffix.size()) return false;
-    const std::string_view number = name.substr(prefix.size(), digits);
-    return name.starts_with(prefix) && name.ends_with(suffix) &&
-           std::all_of(number.begin(), number.end(), isHexDigit);
-}
-
 std::string makeTemporaryName() {
     std::uint64_t number = 0;
     if (getrandom(&number, sizeof number, 0) != sizeof number) {
@@ -70,9 +53,7 @@ std::string makeTemporaryName() {
         number = static_cast<std::uint64_t>(now.tv_nsec) << 32U ^
                  static_cast<std::uint64_t>(now.tv_sec) ^ static_cast<std::uint64_t>(getpid());
     }
-    char text[digits + 1];
-    std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(number));
-    return std::string(prefix).append(text).append(suffix);
+    return temporaryName(number);
 }
 
 TemporaryFile::~TemporaryFile() {

@@ -3,17 +3,13 @@
 #include <sys/types.h>
 
 #include <string>
-#include <string_view>
 
 #include "platform/posix/unique_fd.h"
+#include "platform/temporary_name.h"
 
 namespace coffrelune {
 
-/// True for the names that unfinished copies bear: ".~coffrelune-", 16 lower-case hexadecimal
-/// digits, ".tmp", and nothing else.
-bool isTemporaryName(std::string_view name);
-
-/// A new such name.
+/// A new name of an unfinished copy.
 std::string makeTemporaryName();
 
 /// A file that has not got its name yet. It is locked for as long as this object holds it, so that

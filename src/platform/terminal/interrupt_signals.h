@@ -1,7 +1,6 @@
 #pragma once
 
-#include <array>
-#include <csignal>
+#include <memory>
 
 #include "platform/file_service.h"
 
@@ -9,8 +8,9 @@ namespace coffrelune {
 
 /// Turns Ctrl-C, SIGTERM and the loss of the terminal into requests: the first asks the run to stop
 /// after the file in progress, the second gives that file up, the third ends the process at once.
-/// A signal that whoever started the process ignores stays ignored. One object at a time; with its
-/// end the signals mean again what they meant before.
+/// On Windows Ctrl-Break counts as Ctrl-C; closing the window, logging off and shutting down, which
+/// leave a few seconds, count as two. A signal that whoever started the process ignores stays
+/// ignored. One object at a time; with its end the signals mean again what they meant before.
 class InterruptSignals {
   public:
     explicit InterruptSignals(FileService& files);
@@ -22,7 +22,8 @@ class InterruptSignals {
     int count() const;
 
   private:
-    std::array<struct sigaction, 4> before_{};
+    struct Before;  // what the signals meant
+    std::unique_ptr<Before> before_;
 };
 
 }  // namespace coffrelune

@@ -3,6 +3,8 @@
 #include <functional>
 #include <string>
 
+#include "platform/terminal/streams.h"
+
 namespace coffrelune {
 
 /// The streams of the process. Text is UTF-8, lines end with LF. Output that cannot be written is
@@ -39,10 +41,10 @@ class Terminal {
     bool showsProgress() const { return showsProgress_; }
 
   private:
-    void write(int descriptor, const std::string& text);
+    void write(streams::Stream stream, const std::string& text);
 
-    int sayDescriptor_;
-    int askDescriptor_;
+    streams::Stream sayStream_;
+    streams::Stream askStream_;
     bool canAsk_;
     bool showsProgress_;
     bool progressShown_ = false;

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "platform/posix/program_place.h"
 #include "platform/posix/temporary_directory.h"
 
 namespace coffrelune {
@@ -50,6 +51,22 @@ TEST_F(AutostartEntryTest, AProgramThatIsReallyCalledSoKeepsItsName) {
     disk_.write("d/Copie.exe", "");
     EXPECT_EQ(set("D:\\Copie.exe"), 0U);
     EXPECT_THAT(disk_.read(entry), HasSubstr("Exec=\"" + disk_.at("d/Copie.exe") + "\"\n"));
+}
+
+TEST_F(AutostartEntryTest, WithoutADirectoryNothingIsWrittenNorRemoved) {
+    AutostartEntry nowhere(table_, "");
+    EXPECT_EQ(nowhere.setText(Root::currentUser, run, "Coffrelune", "D:\\b").code(),
+              error_number::pathNotFound);
+    EXPECT_EQ(nowhere.deleteValue(Root::currentUser, run, "Coffrelune").code(),
+              error_number::fileNotFound);
+    EXPECT_FALSE(std::filesystem::exists("Coffrelune.desktop"));
+    EXPECT_FALSE(std::filesystem::exists("/Coffrelune.desktop"));
+}
+
+TEST_F(AutostartEntryTest, TheRunningProgramIsFoundAgainByItsEntry) {
+    const std::string program = executablePath();
+    EXPECT_EQ(set(table_.fromNative(program, "/")), 0U);
+    EXPECT_THAT(disk_.read(entry), HasSubstr("Exec=\"" + program + "\"\n"));
 }
 
 TEST_F(AutostartEntryTest, SettingAgainReplacesTheEntry) {

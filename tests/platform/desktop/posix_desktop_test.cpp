@@ -40,6 +40,18 @@ TEST(DesktopOptions, HaveDefaults) {
     EXPECT_THAT(options.sounds.serverSockets, IsEmpty());
 }
 
+TEST(DesktopOptions, KnowNoPlaceForEntriesOfAUserWithoutAHome) {
+    for (const auto variable : {+[](const char*) -> const char* { return nullptr; },
+                                +[](const char*) -> const char* { return ""; },
+                                +[](const char*) -> const char* { return "relatif"; }}) {
+        EXPECT_EQ(DesktopOptions::fromEnvironment(variable).autostartDirectory, "");
+    }
+    const auto noHome = [](const char* name) {
+        return std::strcmp(name, "XDG_CONFIG_HOME") == 0 ? "/conf" : nullptr;
+    };
+    EXPECT_EQ(DesktopOptions::fromEnvironment(noHome).autostartDirectory, "/conf/autostart");
+}
+
 TEST(PosixDesktop, OffersItsServices) {
     const TemporaryDirectory disk;
     DriveTable table({PathRoot::drive('D', disk.at())});

@@ -20,8 +20,8 @@ class CountingPeer final : public ControlPeer {
 };
 
 TEST(Control, TellsItsPeerOfEachChangeAndOnlyOfChanges) {
-    Label label("De: ");
     CountingPeer peer;
+    Label label("De: ");
     label.attach(&peer);
     label.setCaption("De: ");
     label.setVisible(true);
@@ -41,8 +41,8 @@ TEST(Control, TellsItsPeerOfEachChangeAndOnlyOfChanges) {
 }
 
 TEST(Control, WorksWithoutAPeer) {
-    Label label;
     CountingPeer peer;
+    Label label;
     label.attach(&peer);
     label.attach(nullptr);
     label.setCaption("x");
@@ -66,8 +66,8 @@ TEST(Button, ClicksOnlyWhenEnabledAndVisible) {
 }
 
 TEST(CheckBox, ClickTogglesBeforeItRaisesTheEvent) {
-    CheckBox box;
     CountingPeer peer;
+    CheckBox box;
     box.attach(&peer);
     std::vector<bool> seen;
     box.onClick = [&] { seen.push_back(box.checked()); };
@@ -91,8 +91,8 @@ TEST(CheckBox, SettingItRaisesNoEvent) {
 }
 
 TEST(Picture, TellsItsPeerOfAnotherImage) {
-    Picture picture;
     CountingPeer peer;
+    Picture picture;
     picture.attach(&peer);
     picture.setImage("erreur");
     picture.setImage("erreur");
@@ -101,8 +101,8 @@ TEST(Picture, TellsItsPeerOfAnotherImage) {
 }
 
 TEST(ProgressBar, KeepsItsValueBetweenZeroAndAHundred) {
-    ProgressBar bar;
     CountingPeer peer;
+    ProgressBar bar;
     bar.attach(&peer);
     bar.setValue(-5);
     EXPECT_EQ(bar.value(), 0);
@@ -115,8 +115,8 @@ TEST(ProgressBar, KeepsItsValueBetweenZeroAndAHundred) {
 }
 
 TEST(TextLog, KeepsItsLinesAndItsWholeText) {
-    TextLog log;
     CountingPeer peer;
+    TextLog log;
     log.attach(&peer);
     log.append("first");
     log.append("second\r\nthird");

@@ -24,8 +24,8 @@ TEST(LinkLabel, OpensForAClickAndADropUnlessDisabled) {
 }
 
 TEST(LinkLabel, TellsItsPeerWhenThePointerComesAndGoes) {
-    LinkLabel link("Site");
     CountingPeer peer;
+    LinkLabel link("Site");
     link.attach(&peer);
     link.hover(true);
     link.hover(true);

@@ -24,8 +24,8 @@ class ReportListTest : public testing::Test {
         list.onPick = [this] { ++picks; };
         list.onDoubleClick = [this] { ++doubleClicks; };
     }
-    ReportList list;
     CountingPeer peer;
+    ReportList list;
     int picks = 0;
     int doubleClicks = 0;
 };

@@ -103,6 +103,45 @@ TEST_F(PosixDrivesTest, FstabAndSharesCount) {
     EXPECT_EQ(platform.files().resolve("C:\\srv\\nas\\x"), "\\\\nas\\photos\\x");
 }
 
+TEST_F(PosixDrivesTest, ATextFromAWindowKnowsNoCurrentDirectory) {
+    write("2 1 8:17 / /media/cle rw - vfat /dev/sdb1 rw\n", "");
+    PosixPlatform platform(options());
+    for (const char* text : {"", "relative", "hello world", "./x", "..", "~other", "a~",
+                             "\"C:\\x\"", "file:///tmp", "C:x", "D:\\x", "\\\\nas\\photos"}) {
+        EXPECT_EQ(platform.drives().fromWindow(text), text);
+    }
+    EXPECT_EQ(platform.drives().fromWindow("/media/cle/../cle/x/"), "D:\\x");
+    EXPECT_EQ(platform.drives().fromWindow("/tmp/x\n"), "C:\\tmp\\x\n");
+    EXPECT_TRUE(platform.drives().fromNative("relative").ends_with("\\relative"));
+}
+
+TEST_F(PosixDrivesTest, ATildeFromAWindowIsTheHomeDirectoryWhenThereIsOne) {
+    write("2 1 8:17 / /media/cle rw - vfat /dev/sdb1 rw\n", "");
+    PosixPlatform platform(options());
+    const DriveTable& table = platform.driveTable();
+    EXPECT_EQ(table.fromWindow("~", "/home/luc"), "C:\\home\\luc");
+    EXPECT_EQ(table.fromWindow("~/Mes photos/", "/home/luc/"), "C:\\home\\luc\\Mes photos");
+    EXPECT_EQ(table.fromWindow("~/x", "/media/cle"), "D:\\x");
+    EXPECT_EQ(table.fromWindow("~", "/"), "C:\\");
+    for (const char* unknown : {"", "luc"}) {
+        EXPECT_EQ(table.fromWindow("~", unknown), "~");
+        EXPECT_EQ(table.fromWindow("~/x", unknown), "~/x");
+    }
+}
+
+TEST_F(PosixDrivesTest, TheHomeDirectoryIsThatOfTheEnvironment) {
+    PosixPlatform platform(options());
+    const char* old = std::getenv("HOME");
+    const std::string saved = old == nullptr ? "" : old;
+    setenv("HOME", "/home/luc", 1);
+    const std::string known = platform.drives().fromWindow("~/x");
+    unsetenv("HOME");
+    const std::string unknown = platform.drives().fromWindow("~/x");
+    if (old != nullptr) setenv("HOME", saved.c_str(), 1);
+    EXPECT_EQ(known, "C:\\home\\luc\\x");
+    EXPECT_EQ(unknown, "~/x");
+}
+
 TEST_F(PosixDrivesTest, BoundDirectoryIsTheSamePlace) {
     write("2 1 8:1 /srv/bind /mnt/bind rw - ext4 /dev/sda1 rw\n", "");
     PosixPlatform platform(options());

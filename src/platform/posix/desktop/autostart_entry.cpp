@@ -111,6 +111,7 @@ Status AutostartEntry::setText(Root root, const std::string& key, const std::str
                                const std::string& data) {
     Status allowed = checkValue(root, key, name);
     if (!allowed.ok()) return allowed;
+    if (directory_.empty()) return Status::failure(error_number::pathNotFound, key);
     Place place;
     Status located = table_.paths().locate(data, place);
     if (!located.ok()) return located;
@@ -128,6 +129,7 @@ Status AutostartEntry::setNumber(Root root, const std::string& key, const std::s
 Status AutostartEntry::deleteValue(Root root, const std::string& key, const std::string& name) {
     Status allowed = checkValue(root, key, name);
     if (!allowed.ok()) return allowed;
+    if (directory_.empty()) return Status::failure(error_number::fileNotFound, key);
     return unlink(file().c_str()) == 0 ? Status() : systemFailure(errno, key);
 }
 

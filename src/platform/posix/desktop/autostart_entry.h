@@ -14,7 +14,8 @@ namespace coffrelune {
 class AutostartEntry final : public RegistryService {
   public:
     /// `table` is not owned and must outlive this object. `directory`: native, of the user's
-    /// autostart entries; made when the first one is written.
+    /// autostart entries; made when the first one is written. An empty one stands for a user
+    /// without a home: no entry can be written (3) and there is none (2).
     AutostartEntry(const DriveTable& table, std::string directory)
         : table_(table), directory_(std::move(directory)) {}
 

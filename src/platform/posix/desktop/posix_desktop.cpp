@@ -12,8 +12,14 @@ DesktopOptions DesktopOptions::fromEnvironment(const char* (*variable)(const cha
     DesktopOptions options;
     std::string configuration = textOf("XDG_CONFIG_HOME");
     // A relative one is to be ignored, say those who defined it.
-    if (!configuration.starts_with('/')) configuration = joinNative(textOf("HOME"), ".config");
-    options.autostartDirectory = joinNative(configuration, "autostart");
+    const std::string home = textOf("HOME");
+    if (!configuration.starts_with('/') && home.starts_with('/')) {
+        configuration = joinNative(home, ".config");
+    }
+    // Without either there is no user to start anything for.
+    if (configuration.starts_with('/')) {
+        options.autostartDirectory = joinNative(configuration, "autostart");
+    }
 
     options.sounds.searchPath = textOf("PATH");
     const std::string runtime = textOf("XDG_RUNTIME_DIR");

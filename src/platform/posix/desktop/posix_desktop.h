@@ -10,7 +10,7 @@
 namespace coffrelune {
 
 struct DesktopOptions {
-    std::string autostartDirectory;  // native
+    std::string autostartDirectory;  // native; empty when the environment tells no home
     SoundSources sounds;             // its search path serves the shell too
     VolumeSources volumes = {};
 

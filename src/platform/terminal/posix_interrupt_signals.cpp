@@ -1,8 +1,8 @@
-#include "platform/terminal/interrupt_signals.h"
-
 #include <array>
 #include <atomic>
 #include <csignal>
+
+#include "platform/terminal/interrupt_signals.h"
 
 namespace coffrelune {
 namespace {
@@ -28,23 +28,31 @@ extern "C" void onInterrupt(int signal) {
 
 }  // namespace
 
-InterruptSignals::InterruptSignals(FileService& files) {
+struct InterruptSignals::Before {
+    std::array<struct sigaction, watched.size()> watchedOnes{};
+    struct sigaction readerGoneOne {};
+};
+
+InterruptSignals::InterruptSignals(FileService& files) : before_(std::make_unique<Before>()) {
     requests = 0;
     abandoned = &files;
     struct sigaction action {};
     action.sa_handler = onInterrupt;  // without SA_RESTART: a question being read must end
     for (std::size_t i = 0; i < watched.size(); ++i) {
-        sigaction(watched[i], nullptr, &before_[i]);
+        struct sigaction& before = before_->watchedOnes[i];
+        sigaction(watched[i], nullptr, &before);
         // nohup, or a shell that starts a job in the background, ignores it on purpose.
-        if (before_[i].sa_handler != SIG_IGN) sigaction(watched[i], &action, nullptr);
+        if (before.sa_handler != SIG_IGN) sigaction(watched[i], &action, nullptr);
     }
     action.sa_handler = SIG_IGN;
-    sigaction(readerGone, &action, &before_.back());
+    sigaction(readerGone, &action, &before_->readerGoneOne);
 }
 
 InterruptSignals::~InterruptSignals() {
-    for (std::size_t i = 0; i < watched.size(); ++i) sigaction(watched[i], &before_[i], nullptr);
-    sigaction(readerGone, &before_.back(), nullptr);
+    for (std::size_t i = 0; i < watched.size(); ++i) {
+        sigaction(watched[i], &before_->watchedOnes[i], nullptr);
+    }
+    sigaction(readerGone, &before_->readerGoneOne, nullptr);
     abandoned = nullptr;
 }
 

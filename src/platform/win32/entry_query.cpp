@@ -1,0 +1,186 @@
+#include "platform/win32/entry_query.h"
+
+#include <windows.h>
+
+#include "platform/win32/unique_handle.h"
+#include "platform/win32/wide_text.h"
+
+namespace coffrelune {
+namespace {
+
+constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+std::uint64_t joined(DWORD high, DWORD low) {
+    return std::uint64_t{high} << 32 | low;
+}
+
+std::uint64_t unitsOf(const FILETIME& time) {
+    return joined(time.dwHighDateTime, time.dwLowDateTime);
+}
+
+/// Many files are reparse points without being links (deduplicated, compressed, kept in a cloud):
+/// those are what they seem. A file system that does not tell the tag has links alone.
+std::uint32_t attributesOf(DWORD attributes, DWORD tag) {
+    const bool isLink = (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+                        (tag == 0 || IsReparseTagNameSurrogate(tag));
+    return isLink ? attributes : attributes & ~DWORD{FILE_ATTRIBUTE_REPARSE_POINT};
+}
+
+// The records of the system that tell of a file name these members alike.
+template <typename Record>
+void fill(const Record& record, DWORD tag, FileEntry& entry) {
+    entry.attributes = attributesOf(record.dwFileAttributes, tag);
+    entry.size = entry.isDirectory() ? 0 : joined(record.nFileSizeHigh, record.nFileSizeLow);
+    entry.times = {unitsOf(record.ftCreationTime), unitsOf(record.ftLastAccessTime),
+                   unitsOf(record.ftLastWriteTime)};
+    entry.id = {};
+}
+
+void* findFirst(const wchar_t* pattern, WIN32_FIND_DATAW& found) {
+    return FindFirstFileExW(pattern, FindExInfoBasic, &found, FindExSearchNameMatch, nullptr,
+                            FIND_FIRST_EX_LARGE_FETCH);
+}
+
+/// Asks the directory that holds the entry: the answer is there even for what may not be opened.
+std::uint32_t queryByListing(const NativePath& path, FileEntry& entry) {
+    if (path.isRoot() ||
+        path.text.find_first_of(L"*?<>\"", path.rootLength) != std::wstring::npos) {
+        return ERROR_INVALID_NAME;
+    }
+    WIN32_FIND_DATAW found;
+    void* find = findFirst(path.text.c_str(), found);
+    if (find == INVALID_HANDLE_VALUE) return GetLastError();
+    FindClose(find);
+    fill(found, found.dwReserved0, entry);
+    return 0;
+}
+
+UniqueHandle openForAttributes(const NativePath& path) {
+    return UniqueHandle(CreateFileW(path.text.c_str(), FILE_READ_ATTRIBUTES, shareAll, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+}
+
+FileId checkedIdentity(std::uint64_t volume, std::uint64_t file) {
+    return file == 0 ? FileId{} : FileId{volume, file};
+}
+
+/// Of an open file; unknown where the number of the file is zero, as some servers say of every one.
+/// Identities of 128 bits are folded; on NTFS the upper half is zero.
+FileId identityOf(void* handle, const BY_HANDLE_FILE_INFORMATION& information) {
+    FILE_ID_INFO id;
+    if (GetFileInformationByHandleEx(handle, FileIdInfo, &id, sizeof id) == 0) {
+        return checkedIdentity(information.dwVolumeSerialNumber,
+                               joined(information.nFileIndexHigh, information.nFileIndexLow));
+    }
+    std::uint64_t half[2] = {0, 0};
+    for (std::size_t i = 0; i < sizeof id.FileId.Identifier; ++i) {
+        half[i / 8] |= std::uint64_t{id.FileId.Identifier[i]} << (i % 8 * 8);
+    }
+    constexpr std::uint64_t odd = 0x9E3779B97F4A7C15;
+    return checkedIdentity(id.VolumeSerialNumber, half[0] ^ half[1] * odd);
+}
+
+bool isDirectory(const NativePath& path) {
+    const DWORD attributes = GetFileAttributesW(path.text.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+}  // namespace
+
+std::uint32_t Listing::open(const NativePath& directory, const wchar_t* pattern) {
+    close();
+    WIN32_FIND_DATAW found;
+    void* find = findFirst(directory.child(pattern).text.c_str(), found);
+    if (find == INVALID_HANDLE_VALUE) {
+        const DWORD error = GetLastError();
+        return error == ERROR_FILE_NOT_FOUND || error == ERROR_NO_MORE_FILES ? 0 : error;
+    }
+    find_ = find;
+    fill(found, found.dwReserved0, first_);
+    first_.name = narrow(found.cFileName);
+    hasFirst_ = true;
+    return 0;
+}
+
+bool Listing::next(FileEntry& entry) {
+    if (find_ == nullptr) return false;
+    if (hasFirst_) {
+        entry = std::move(first_);
+        hasFirst_ = false;
+        return true;
+    }
+    WIN32_FIND_DATAW found;
+    if (FindNextFileW(find_, &found) == 0) {
+        const DWORD error = GetLastError();
+        error_ = error == ERROR_NO_MORE_FILES ? 0 : error;
+        close();
+        return false;
+    }
+    fill(found, found.dwReserved0, entry);
+    entry.name = narrow(found.cFileName);
+    return true;
+}
+
+void Listing::close() {
+    if (find_ != nullptr) FindClose(find_);
+    find_ = nullptr;
+}
+
+std::uint32_t queryEntry(const NativePath& path, FileEntry& entry) {
+    entry.name = narrow(path.name());
+    WIN32_FILE_ATTRIBUTE_DATA data;
+    if (GetFileAttributesExW(path.text.c_str(), GetFileExInfoStandard, &data) == 0) {
+        const DWORD error = GetLastError();
+        const bool shut = error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED;
+        return shut && queryByListing(path, entry) == 0 ? 0 : error;
+    }
+    fill(data, 0, entry);
+    // The tag alone tells whether this is a link, and the cheap call does not give it.
+    if (entry.isLink() && !path.isRoot()) return queryByListing(path, entry);
+    return 0;
+}
+
+std::uint32_t queryTarget(const NativePath& path, FileEntry& entry) {
+    const std::uint32_t error = queryEntry(path, entry);
+    if (error != 0 || !entry.isLink()) return error;
+    const UniqueHandle handle = openForAttributes(path);
+    return handle.valid() ? queryOpenFile(handle.get(), entry) : GetLastError();
+}
+
+std::uint32_t queryIdentity(const NativePath& path, FileId& id) {
+    const UniqueHandle handle = openForAttributes(path);
+    FileEntry entry;
+    const std::uint32_t error =
+        handle.valid() ? queryOpenFile(handle.get(), entry) : GetLastError();
+    if (error == 0) id = entry.id;
+    return error;
+}
+
+std::uint32_t queryOpenFile(void* handle, FileEntry& entry) {
+    BY_HANDLE_FILE_INFORMATION information;
+    if (GetFileInformationByHandle(handle, &information) == 0) return GetLastError();
+    // What is open is the end of every link.
+    information.dwFileAttributes &= ~DWORD{FILE_ATTRIBUTE_REPARSE_POINT};
+    fill(information, 0, entry);
+    entry.id = identityOf(handle, information);
+    return 0;
+}
+
+bool leadsToAncestor(const NativePath& link) {
+    FileId target;
+    if (queryIdentity(link, target) != 0 || !target.known()) return false;
+    for (NativePath place = link; !place.isRoot();) {
+        place = place.holder();
+        FileId id;
+        if (queryIdentity(place, id) == 0 && id == target) return true;
+    }
+    return false;
+}
+
+Status failureAt(std::uint32_t error, const NativePath& path, const std::string& core) {
+    const bool holderMissing =
+        error == ERROR_FILE_NOT_FOUND && (path.isRoot() || !isDirectory(path.holder()));
+    return Status::failure(holderMissing ? ERROR_PATH_NOT_FOUND : error, core);
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/file_entry.h"
+#include "platform/win32/native_path.h"
+
+namespace coffrelune {
+
+/// A directory's entries in the order of the system, with all that an entry needs, so that nothing
+/// is asked file by file. Identities are not given.
+///
+/// On NTFS a file with several names may show the size and time that it had when it was last opened
+/// by the name that is listed: that is the price of not opening what has not changed.
+class Listing {
+  public:
+    Listing() = default;
+    Listing(const Listing&) = delete;
+    Listing& operator=(const Listing&) = delete;
+    ~Listing() { close(); }
+
+    /// Starts with what fits `pattern` in the directory. 0 or a system error; a directory without
+    /// any entry opens successfully.
+    std::uint32_t open(const NativePath& directory, const wchar_t* pattern);
+
+    /// The next entry and true; false at the end or after a failure, which error() then tells. "."
+    /// and ".." are among the entries.
+    bool next(FileEntry& entry);
+
+    std::uint32_t error() const { return error_; }
+    void close();
+
+  private:
+    void* find_ = nullptr;
+    FileEntry first_;
+    bool hasFirst_ = false;
+    std::uint32_t error_ = 0;
+};
+
+/// The entry itself, a link when it is one, named as it was asked for. 0 or a system error. Works
+/// for a file that others hold open without sharing.
+std::uint32_t queryEntry(const NativePath& path, FileEntry& entry);
+
+/// The same of what a link leads to; its identity is given for a link alone.
+std::uint32_t queryTarget(const NativePath& path, FileEntry& entry);
+
+/// Identity of what the path leads to. 0 or a system error.
+std::uint32_t queryIdentity(const NativePath& path, FileId& id);
+
+/// All of an open file but its name. 0 or a system error.
+std::uint32_t queryOpenFile(void* handle, FileEntry& entry);
+
+/// True for a directory link that leads to a directory on the way to itself: to walk it would never
+/// end.
+bool leadsToAncestor(const NativePath& link);
+
+/// A failed Status with a system error about `path`. What the system calls 2 is 3 when the
+/// directory that should hold it is missing as well.
+Status failureAt(std::uint32_t error, const NativePath& path, const std::string& core);
+
+}  // namespace coffrelune

@@ -1,0 +1,140 @@
+#include "platform/win32/file_copier.h"
+
+#include <windows.h>
+#include <winioctl.h>
+
+#include "platform/win32/entry_query.h"
+
+namespace coffrelune {
+namespace {
+
+constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+UniqueHandle openForReading(const std::wstring& path) {
+    return UniqueHandle(CreateFileW(path.c_str(), GENERIC_READ, shareAll, nullptr, OPEN_EXISTING,
+                                    FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+}
+
+/// Errors that say that links cannot be made there, or not by this user.
+bool saysNoLinks(std::uint32_t error) {
+    return error == ERROR_PRIVILEGE_NOT_HELD || error == ERROR_NOT_SUPPORTED ||
+           error == ERROR_INVALID_FUNCTION || error == ERROR_INVALID_PARAMETER;
+}
+
+/// The temporary file as what its source is kept as. 0 or a system error.
+std::uint32_t prepare(const FileEntry& source, TemporaryFile& output, bool& sparse) {
+    if ((source.attributes & FILE_ATTRIBUTE_ENCRYPTED) != 0) {
+        FileEntry made;
+        const std::uint32_t error = queryOpenFile(output.handle(), made);
+        if (error != 0) return error;
+        if ((made.attributes & FILE_ATTRIBUTE_ENCRYPTED) == 0) return ERROR_ENCRYPTION_FAILED;
+    }
+    DWORD unused = 0;
+    sparse = (source.attributes & FILE_ATTRIBUTE_SPARSE_FILE) != 0 &&
+             DeviceIoControl(output.handle(), FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &unused,
+                             nullptr) != 0;
+    return 0;
+}
+
+}  // namespace
+
+Status Win32FileCopier::copy(const std::string& source, const std::string& destination,
+                             LinkRule sourceLinks, CopyObserver* observer) {
+    Pair pair{source, destination, {}, {}};
+    Status status = toNative(source, pair.from);
+    if (status.ok()) status = toNative(destination, pair.to);
+    if (!status.ok()) return status;
+    if (abandoned_.load(std::memory_order_relaxed)) {
+        return Status::failure(error_number::requestAborted, source);
+    }
+    FileEntry entry;
+    const std::uint32_t error = queryEntry(pair.from, entry);
+    if (error != 0) return failureAt(error, pair.from, source);
+    if (entry.isDirectory()) return Status::failure(error_number::accessDenied, source);
+    if (entry.isLink() && sourceLinks == LinkRule::refuse) return copyLink(pair, entry, observer);
+    return copyContent(pair, nullptr, observer);
+}
+
+/// `times`: null for the source's own.
+Status Win32FileCopier::copyContent(const Pair& pair, const FileTimes* times,
+                                    CopyObserver* observer) {
+    const UniqueHandle input = openForReading(pair.from.text);
+    if (!input.valid()) return failureAt(GetLastError(), pair.from, pair.source);
+    // Taken before the reading: a source that changes meanwhile keeps a later time than its copy
+    // and is copied again by the next run.
+    FileEntry before;
+    std::uint32_t error = queryOpenFile(input.get(), before);
+    if (error != 0) return failureAt(error, pair.from, pair.source);
+    error = checkReplaceable(pair.to, before.id);
+
+    TemporaryFile output;
+    if (error == 0) {
+        error = output.create(pair.to.holder(), before.attributes & FILE_ATTRIBUTE_ENCRYPTED);
+    }
+    if (error == 0) error = fill(pair, input.get(), before, output, observer);
+    if (error == 0) {
+        const std::uint64_t lastWrite = (times != nullptr ? *times : before.times).lastWrite;
+        error = output.stamp({0, 0, lastWrite}, before.attributes);
+    }
+    if (error == 0) error = output.commit(pair.to);
+    return error == 0 ? Status() : failureAt(error, pair.to, pair.destination);
+}
+
+std::uint32_t Win32FileCopier::fill(const Pair& pair, void* source, const FileEntry& before,
+                                    TemporaryFile& output, CopyObserver* observer) {
+    bool sparse = false;
+    std::uint32_t error = prepare(before, output, sparse);
+    if (error == 0) error = data_.copy(source, before.size, output.handle(), sparse, observer);
+    return error == 0 ? copyStreams(pair, output.path()) : error;
+}
+
+/// What a program attached to the file under a name of its own ("downloaded from there").
+std::uint32_t Win32FileCopier::copyStreams(const Pair& pair, const NativePath& output) {
+    WIN32_FIND_STREAM_DATA stream;
+    void* find = FindFirstStreamW(pair.from.text.c_str(), FindStreamInfoStandard, &stream, 0);
+    // No streams at all, or a volume that does not know them.
+    if (find == INVALID_HANDLE_VALUE) return 0;
+    std::uint32_t error = 0;
+    do {
+        const std::wstring name = stream.cStreamName;
+        if (name == L"::$DATA") continue;
+        error = copyStream(pair.from.text + name, output.text + name,
+                           static_cast<std::uint64_t>(stream.StreamSize.QuadPart));
+    } while (error == 0 && FindNextStreamW(find, &stream) != 0);
+    FindClose(find);
+    return error;
+}
+
+std::uint32_t Win32FileCopier::copyStream(const std::wstring& source,
+                                          const std::wstring& destination, std::uint64_t size) {
+    const UniqueHandle output(
+        CreateFileW(destination.c_str(), GENERIC_WRITE, shareAll, nullptr, CREATE_NEW, 0, nullptr));
+    // A volume without streams takes the name for a bad one; the file is worth keeping without.
+    if (!output.valid() && GetLastError() == ERROR_INVALID_NAME) return 0;
+    if (!output.valid()) return GetLastError();
+    const UniqueHandle input = openForReading(source);
+    if (!input.valid()) return GetLastError();
+    return data_.copy(input.get(), size, output.get(), false, nullptr);
+}
+
+Status Win32FileCopier::copyLink(const Pair& pair, const FileEntry& link, CopyObserver* observer) {
+    std::uint32_t error = checkReplaceable(pair.to, {});
+    if (error != 0) return failureAt(error, pair.to, pair.destination);
+    const NativePath made = temporaryPath(pair.to.holder());
+    if (CopyFileExW(pair.from.text.c_str(), made.text.c_str(), nullptr, nullptr, nullptr,
+                    COPY_FILE_COPY_SYMLINK | COPY_FILE_FAIL_IF_EXISTS) == 0) {
+        error = GetLastError();
+        // The content with the link's own time: so the next run finds it up to date.
+        if (saysNoLinks(error)) return copyContent(pair, &link.times, observer);
+        return failureAt(error, pair.to, pair.destination);
+    }
+    TemporaryFile output;
+    error = output.adopt(made);
+    if (error == 0) error = output.stamp({0, 0, link.times.lastWrite}, 0);
+    if (error == 0) error = output.commit(pair.to);
+    if (error != 0) return failureAt(error, pair.to, pair.destination);
+    if (observer != nullptr) observer->chunkFinished(link.size);
+    return {};
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <atomic>
+#include <string>
+
+#include "platform/file_service.h"
+#include "platform/win32/data_copier.h"
+#include "platform/win32/native_path.h"
+#include "platform/win32/temporary_file.h"
+
+namespace coffrelune {
+
+/// Copies single files and links; see FileService::copyFile. The named streams of a file go with
+/// it where the destination's volume knows them; an encrypted file is copied encrypted or not at
+/// all.
+class Win32FileCopier {
+  public:
+    Status copy(const std::string& source, const std::string& destination, LinkRule sourceLinks,
+                CopyObserver* observer);
+
+    /// From any thread.
+    void abandon() { abandoned_.store(true, std::memory_order_relaxed); }
+
+  private:
+    struct Pair {
+        const std::string& source;  // in the core's form
+        const std::string& destination;
+        NativePath from;
+        NativePath to;
+    };
+
+    Status copyContent(const Pair& pair, const FileTimes* times, CopyObserver* observer);
+    std::uint32_t fill(const Pair& pair, void* source, const FileEntry& before,
+                       TemporaryFile& output, CopyObserver* observer);
+    std::uint32_t copyStreams(const Pair& pair, const NativePath& output);
+    std::uint32_t copyStream(const std::wstring& source, const std::wstring& destination,
+                             std::uint64_t size);
+    Status copyLink(const Pair& pair, const FileEntry& link, CopyObserver* observer);
+
+    static_assert(std::atomic<bool>::is_always_lock_free);
+    std::atomic<bool> abandoned_ = false;
+    DataCopier data_{abandoned_};
+};
+
+}  // namespace coffrelune

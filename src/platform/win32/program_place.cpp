@@ -1,0 +1,37 @@
+#include "platform/win32/program_place.h"
+
+#include <windows.h>
+
+#include "platform/win32/native_path.h"
+#include "platform/win32/wide_text.h"
+
+namespace coffrelune {
+namespace {
+
+constexpr std::size_t longestPath = 32768;
+
+std::string environmentText(const wchar_t* name) {
+    std::wstring text(longestPath, L'\0');
+    const DWORD length =
+        GetEnvironmentVariableW(name, text.data(), static_cast<DWORD>(text.size()));
+    return length < text.size() ? narrow({text.data(), length}) : std::string();
+}
+
+}  // namespace
+
+std::string executablePath() {
+    std::wstring path(longestPath, L'\0');
+    const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    return toCore({path.data(), length});
+}
+
+std::string settingsDirectory() {
+    const std::string chosen = environmentText(L"COFFRELUNE_HOME");
+    if (!chosen.empty()) return fromTyped(chosen);
+    const std::string program = executablePath();
+    const std::size_t separator = program.rfind('\\');
+    // "C:\coffrelune.exe" lies in the root, whose backslash belongs to it.
+    return program.substr(0, separator == 2 ? 3 : separator);
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,180 @@
+#include "platform/win32/temporary_file.h"
+
+#include <windows.h>
+
+#include <cstddef>
+#include <cstring>
+#include <vector>
+
+#include "platform/temporary_name.h"
+#include "platform/win32/entry_query.h"
+#include "platform/win32/wide_text.h"
+
+namespace coffrelune {
+namespace {
+
+constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/// Names need to differ, not to be secret: CREATE_NEW refuses one that is taken.
+std::uint64_t nextNumber() {
+    LARGE_INTEGER ticks;
+    QueryPerformanceCounter(&ticks);
+    FILETIME now;
+    GetSystemTimeAsFileTime(&now);
+    const std::uint64_t time = std::uint64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime;
+    constexpr std::uint64_t odd = 0x9E3779B97F4A7C15;
+    return (time ^ (static_cast<std::uint64_t>(ticks.QuadPart) << 20) ^
+            (std::uint64_t{GetCurrentProcessId()} << 44)) *
+           odd;
+}
+
+FILETIME fileTimeOf(std::uint64_t units) {
+    FILETIME time;
+    time.dwLowDateTime = static_cast<DWORD>(units);
+    time.dwHighDateTime = static_cast<DWORD>(units >> 32);
+    return time;
+}
+
+// Not in every compiler's headers; the values are part of the system's interface.
+constexpr auto renameExtended = static_cast<FILE_INFO_BY_HANDLE_CLASS>(22);
+constexpr DWORD replaceIfExists = 1;
+constexpr DWORD posixSemantics = 2;
+
+/// FILE_RENAME_INFO with the name behind it.
+std::vector<std::byte> renameRecord(const std::wstring& name, DWORD flags) {
+    const std::size_t length = name.size() * sizeof(wchar_t);
+    std::vector<std::byte> record(sizeof(FILE_RENAME_INFO) + length);
+    FILE_RENAME_INFO head{};
+    std::memcpy(&head, &flags, sizeof flags);  // the flags share their place with the older BOOL
+    head.FileNameLength = static_cast<DWORD>(length);
+    std::memcpy(record.data(), &head, sizeof head);
+    std::memcpy(record.data() + offsetof(FILE_RENAME_INFO, FileName), name.data(), length);
+    return record;
+}
+
+bool rename(void* handle, FILE_INFO_BY_HANDLE_CLASS kind, const std::wstring& name, DWORD flags) {
+    std::vector<std::byte> record = renameRecord(name, flags);
+    return SetFileInformationByHandle(handle, kind, record.data(),
+                                      static_cast<DWORD>(record.size())) != 0;
+}
+
+void removeEvenReadOnly(const std::wstring& path) {
+    if (DeleteFileW(path.c_str()) != 0 || GetLastError() != ERROR_ACCESS_DENIED) return;
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+    DeleteFileW(path.c_str());
+}
+
+std::uint32_t removeTemporary(const NativePath& path) {
+    {
+        // Whoever still writes it does not share the right to delete it.
+        const UniqueHandle lock(CreateFileW(path.text.c_str(), DELETE, 0, nullptr, OPEN_EXISTING,
+                                            FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+        if (!lock.valid()) return 0;
+    }
+    removeEvenReadOnly(path.text);
+    const DWORD left = GetFileAttributesW(path.text.c_str());
+    return left == INVALID_FILE_ATTRIBUTES ? 0 : ERROR_ACCESS_DENIED;
+}
+
+}  // namespace
+
+TemporaryFile::~TemporaryFile() {
+    if (path_.text.empty()) return;
+    file_.reset();
+    removeEvenReadOnly(path_.text);
+}
+
+NativePath temporaryPath(const NativePath& directory) {
+    return directory.child(wide(temporaryName(nextNumber())));
+}
+
+std::uint32_t TemporaryFile::create(const NativePath& directory, std::uint32_t attributes) {
+    std::uint32_t error = ERROR_FILE_EXISTS;
+    for (int attempt = 0; attempt < 100 && error == ERROR_FILE_EXISTS; ++attempt) {
+        NativePath path = temporaryPath(directory);
+        file_ = UniqueHandle(CreateFileW(path.text.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE,
+                                         FILE_SHARE_READ, nullptr, CREATE_NEW,
+                                         FILE_ATTRIBUTE_NORMAL | attributes, nullptr));
+        error = file_.valid() ? 0 : GetLastError();
+        if (error == 0) path_ = std::move(path);
+    }
+    return error;
+}
+
+std::uint32_t TemporaryFile::adopt(const NativePath& path) {
+    path_ = path;
+    file_ =
+        UniqueHandle(CreateFileW(path.text.c_str(), DELETE | FILE_WRITE_ATTRIBUTES, shareAll,
+                                 nullptr, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    return file_.valid() ? 0 : GetLastError();
+}
+
+std::uint32_t TemporaryFile::stamp(const FileTimes& times, std::uint32_t attributes) {
+    return stampFile(file_.get(), times, attributes);
+}
+
+std::uint32_t TemporaryFile::commit(const NativePath& destination) {
+    // The newer call also replaces a file that somebody reads; systems and volumes that do not know
+    // it replace what nobody holds open. Either is one step for whoever looks.
+    if (rename(file_.get(), renameExtended, destination.text, replaceIfExists | posixSemantics) ||
+        rename(file_.get(), FileRenameInfo, destination.text, TRUE)) {
+        path_ = {};
+        return 0;
+    }
+    return GetLastError();
+}
+
+std::uint32_t settableAttributes(std::uint32_t attributes) {
+    constexpr DWORD settable = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN |
+                               FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE |
+                               FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+    const DWORD kept = attributes & settable;
+    return kept == 0 ? FILE_ATTRIBUTE_NORMAL : kept;
+}
+
+std::uint32_t stampFile(void* handle, const FileTimes& times, std::uint32_t attributes) {
+    const FILETIME creation = fileTimeOf(times.creation);
+    const FILETIME access = fileTimeOf(times.lastAccess);
+    const FILETIME write = fileTimeOf(times.lastWrite);
+    if (SetFileTime(handle, times.creation == 0 ? nullptr : &creation,
+                    times.lastAccess == 0 ? nullptr : &access,
+                    times.lastWrite == 0 ? nullptr : &write) == 0) {
+        return GetLastError();
+    }
+    if (attributes == 0) return 0;
+    FILE_BASIC_INFO basic{};  // a time of zero stays as it is
+    basic.FileAttributes = settableAttributes(attributes);
+    return SetFileInformationByHandle(handle, FileBasicInfo, &basic, sizeof basic) != 0
+               ? 0
+               : GetLastError();
+}
+
+std::uint32_t checkReplaceable(const NativePath& destination, const FileId& source) {
+    FileEntry old;
+    const std::uint32_t error = queryEntry(destination, old);
+    if (error == ERROR_FILE_NOT_FOUND || error == ERROR_NO_MORE_FILES) return 0;
+    if (error != 0) return error;
+    if (old.isDirectory() || old.isReadOnly()) return ERROR_ACCESS_DENIED;
+    // To write into it would be refused while another program holds it; to replace it behind that
+    // program's back would leave the two with different files.
+    const UniqueHandle probe(CreateFileW(destination.text.c_str(), DELETE | FILE_WRITE_DATA,
+                                         shareAll, nullptr, OPEN_EXISTING,
+                                         FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    if (!probe.valid()) return GetLastError();
+    const std::uint32_t queried = queryOpenFile(probe.get(), old);
+    if (queried != 0) return queried;
+    return source.known() && old.id == source ? ERROR_SHARING_VIOLATION : 0;
+}
+
+std::uint32_t removeTemporaries(const NativePath& directory) {
+    Listing listing;
+    std::uint32_t failure = listing.open(directory, L".~coffrelune-*");
+    for (FileEntry entry; listing.next(entry);) {
+        if (entry.isDirectory() || !isTemporaryName(entry.name)) continue;
+        const std::uint32_t error = removeTemporary(directory.child(wide(entry.name)));
+        if (error != 0) failure = error;
+    }
+    return failure != 0 ? failure : listing.error();
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/file_entry.h"
+#include "platform/win32/native_path.h"
+#include "platform/win32/unique_handle.h"
+
+namespace coffrelune {
+
+/// A file that has not got its name yet. It is open for as long as this object holds it, so that
+/// another process that clears leftovers keeps away, and removed unless it was committed.
+class TemporaryFile {
+  public:
+    TemporaryFile() = default;
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile();
+
+    /// Creates it in a directory. `attributes`: what only the creation can give (encrypted). 0 or a
+    /// system error.
+    std::uint32_t create(const NativePath& directory, std::uint32_t attributes = 0);
+
+    /// Takes over what was made under a temporary name of create()'s kind. 0 or a system error.
+    std::uint32_t adopt(const NativePath& path);
+
+    void* handle() const { return file_.get(); }
+    const NativePath& path() const { return path_; }
+
+    /// Gives it attributes and times; a time of 0 stays as it is. 0 or a system error.
+    std::uint32_t stamp(const FileTimes& times, std::uint32_t attributes);
+
+    /// Gives it its name, over what bears that name, in one step. 0 or a system error.
+    std::uint32_t commit(const NativePath& destination);
+
+  private:
+    UniqueHandle file_;
+    NativePath path_;  // empty: nothing to remove
+};
+
+/// A new temporary path in a directory.
+NativePath temporaryPath(const NativePath& directory);
+
+/// Attributes that a caller may set, with 128 for none of them.
+std::uint32_t settableAttributes(std::uint32_t attributes);
+
+/// Times and attributes of an open file; 0 leaves one of them as it is. 0 or a system error.
+std::uint32_t stampFile(void* handle, const FileTimes& times, std::uint32_t attributes);
+
+/// Success when a copy may take the place of what is there: nothing, or a file or a link that can
+/// be written. 5 for a directory or a read-only file, 32 for one in use or the `source` itself.
+std::uint32_t checkReplaceable(const NativePath& destination, const FileId& source);
+
+/// Removes the temporaries in a directory that no running process writes. 0 or a system error.
+std::uint32_t removeTemporaries(const NativePath& directory);
+
+}  // namespace coffrelune

@@ -1,0 +1,69 @@
+#include "platform/win32/win32_directory.h"
+
+#include <windows.h>
+
+#include "platform/temporary_name.h"
+#include "platform/win32/wide_text.h"
+
+namespace coffrelune {
+namespace {
+
+/// Errors that only say that nothing here bears the name. 3 is none of them: the directory itself
+/// is gone then.
+bool isAbsence(std::uint32_t error) {
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_INVALID_NAME ||
+           error == ERROR_NO_MORE_FILES;
+}
+
+bool mayBeOldName(const FileEntry& entry) {
+    constexpr DWORD marks = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+    return entry.isDirectory() && entry.isLink() && (entry.attributes & marks) == marks;
+}
+
+}  // namespace
+
+std::uint32_t Win32Directory::open() {
+    return wanted_ == Wanted::nothing ? 0 : listing_.open(path_, L"*");
+}
+
+bool Win32Directory::next(FileEntry& entry) {
+    while (listing_.next(entry)) {
+        if (!isWanted(entry)) continue;
+        if (mayBeOldName(entry) && isShut(entry.name)) continue;
+        // A walk of directories must know the place that it copies to when it meets it, whatever
+        // the path or the link that leads there.
+        if (wanted_ == Wanted::directories) {
+            (void)queryIdentity(path_.child(wide(entry.name)), entry.id);
+        }
+        return true;
+    }
+    if (listing_.error() != 0) status_ = Status::failure(listing_.error(), core_);
+    return false;
+}
+
+bool Win32Directory::isWanted(const FileEntry& entry) const {
+    if (entry.name == "." || entry.name == "..") return false;
+    if (entry.isDirectory()) return wanted_ != Wanted::files;
+    return wanted_ != Wanted::directories && !isTemporaryName(entry.name);
+}
+
+bool Win32Directory::isShut(const std::string& name) const {
+    return Listing().open(path_.child(wide(name)), L"*") == ERROR_ACCESS_DENIED;
+}
+
+bool Win32Directory::lookUp(const std::string& name, FileEntry& entry) {
+    if (name.empty() || name.find_first_of(std::string("\\/:\0", 4)) != std::string::npos) {
+        return false;
+    }
+    const NativePath path = path_.child(wide(name));
+    if (path.name().size() > 255) return false;
+    const std::uint32_t error = queryEntry(path, entry);
+    if (error == 0) {
+        entry.name = name;
+        return true;
+    }
+    if (!isAbsence(error)) status_ = Status::failure(error, core_);
+    return false;
+}
+
+}  // namespace coffrelune

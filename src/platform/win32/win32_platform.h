@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/win32/ansi_code_page.h"
+#include "platform/win32/win32_files.h"
+#include "platform/win32/win32_services.h"
+
+namespace coffrelune {
+
+/// Every service of a Windows system but its windows and the desktop's.
+class Win32Platform {
+  public:
+    /// From here on the calling thread gets an error, instead of the user a system box, when it
+    /// reads a drive without a medium. Programs that it starts do not inherit this.
+    Win32Platform();
+    Win32Platform(const Win32Platform&) = delete;
+    Win32Platform& operator=(const Win32Platform&) = delete;
+
+    FileService& files() { return files_; }
+    DriveService& drives() { return drives_; }
+    Clock& clock() { return clock_; }
+    Locale& locale() { return locale_; }
+    AnsiCodec& ansi() { return ansi_; }
+    SoundService& sounds() { return sounds_; }
+    InstanceGuard& guard() { return guard_; }
+
+  private:
+    Win32Files files_;
+    Win32Drives drives_;
+    Win32Guard guard_;
+    Win32Clock clock_;
+    Win32Locale locale_;
+    SilentSounds sounds_;
+    AnsiCodePage ansi_;
+};
+
+}  // namespace coffrelune

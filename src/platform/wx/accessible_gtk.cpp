@@ -1,0 +1,39 @@
+#include <gtk/gtk.h>
+#include <wx/stattext.h>
+
+#include "platform/wx/accessible.h"
+
+namespace coffrelune {
+namespace {
+
+AtkObject* readersViewOf(wxWindow& widget) {
+    return gtk_widget_get_accessible(widget.GetHandle());
+}
+
+}  // namespace
+
+void nameForReaders(wxWindow& widget, const std::string& name) {
+    atk_object_set_name(readersViewOf(widget), name.c_str());
+    // What takes the focus in a list is inside the part that scrolls.
+    if (!GTK_IS_SCROLLED_WINDOW(widget.GetHandle())) return;
+    GtkWidget* inside = gtk_bin_get_child(GTK_BIN(widget.GetHandle()));
+    if (inside != nullptr) atk_object_set_name(gtk_widget_get_accessible(inside), name.c_str());
+}
+
+void presentAsLabel(wxWindow& widget, const std::string& text) {
+    AtkObject* object = readersViewOf(widget);
+    if (atk_object_get_role(object) != ATK_ROLE_LABEL) atk_object_set_role(object, ATK_ROLE_LABEL);
+    atk_object_set_name(object, text.c_str());
+}
+
+void presentWindow(wxWindow& window, WindowRole role) {
+    atk_object_set_role(readersViewOf(window),
+                        role == WindowRole::message ? ATK_ROLE_ALERT : ATK_ROLE_DIALOG);
+}
+
+void labelFor(wxStaticText& label, wxWindow& control) {
+    if (!GTK_IS_LABEL(label.GetHandle())) return;
+    gtk_label_set_mnemonic_widget(GTK_LABEL(label.GetHandle()), control.GetHandle());
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,8 @@
+#pragma once
+
+namespace coffrelune {
+
+/// What the program asks of the desktop's look for its own windows; once, when the toolkit is up.
+void adaptDesktopLook();
+
+}  // namespace coffrelune

@@ -1,0 +1,91 @@
+#include "platform/wx/wx_windows.h"
+
+#include <wx/evtloop.h>
+#include <wx/filedlg.h>
+#include <wx/utils.h>
+
+#include <iostream>
+
+#include "mainwindow/main_form.h"
+#include "platform/wx/folder_chooser.h"
+#include "platform/wx/main_view.h"
+#include "platform/wx/message_view.h"
+#include "platform/wx/text.h"
+#include "platform/wx/views.h"
+
+namespace coffrelune {
+namespace {
+
+constexpr std::int64_t servedEvery = 15;  // milliseconds: a screen shows no more than that
+
+}  // namespace
+
+WxWindows::WxWindows(const WxServices& services)
+    : services_(services), context_{refresher_, pictures_, services.drives} {}
+
+template <typename View>
+void WxWindows::run(View& view) {
+    open_.push_back(&view);
+    view.run();
+    open_.pop_back();
+}
+
+void WxWindows::showModal(Window& window) {
+    if (auto* form = dynamic_cast<MainForm*>(&window); form != nullptr) {
+        // The toolkit deletes a frame itself, when nothing of it is under way any more.
+        auto* view = new MainView(context_, *form);
+        run(*view);
+        view->Destroy();
+        return;
+    }
+    const std::unique_ptr<DialogView> view = makeDialogView(front(), context_, window);
+    if (view != nullptr) run(*view);
+}
+
+void WxWindows::runPendingEvents() {
+    const std::int64_t now = services_.clock.monotonicMilliseconds();
+    if (now - servedAt_ < servedEvery) return;
+    refresher_.flush();
+    wxEventLoopBase* loop = wxEventLoopBase::GetActive();
+    if (loop != nullptr && !loop->IsYielding()) (void)loop->Yield(true);
+    servedAt_ = services_.clock.monotonicMilliseconds();
+}
+
+Answer WxWindows::showMessage(const MessageBoxText& message) {
+    MessageView box(front(), pictures_, message);
+    open_.push_back(&box);
+    const Answer answer = box.ask();
+    open_.pop_back();
+    return answer;
+}
+
+void WxWindows::showWaiting(bool waiting) {
+    if (waiting) {
+        wxBeginBusyCursor();
+    } else if (wxIsBusy()) {
+        wxEndBusyCursor();
+    }
+}
+
+std::string WxWindows::chooseFolder(bool includeFiles, const std::string& prompt,
+                                    const std::string& start) {
+    const std::string begin = start.empty() ? start : services_.toNative(start);
+    const std::string chosen = chooseNativeFolder(front(), includeFiles, prompt, begin);
+    return chosen.empty() ? chosen : services_.fromNative(chosen);
+}
+
+std::string WxWindows::chooseFile(const std::string& title, const std::string& filter) {
+    wxFileDialog dialog(front(), toWx(title), wxEmptyString, wxEmptyString, toWx(filter),
+                        wxFD_OPEN | wxFD_FILE_MUST_EXIST);
+    dialog.SetFilterIndex(services_.firstFilter);
+    if (dialog.ShowModal() != wxID_OK) return {};
+    return services_.fromNative(fromWx(dialog.GetPath()));
+}
+
+void WxWindows::notice(const std::string& text) {
+    std::cerr << text << '\n';
+    auto* main = open_.empty() ? nullptr : dynamic_cast<MainView*>(open_.front());
+    if (main != nullptr) main->showNotice(toWx(text));
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,225 @@
+"""Backups, restores and comparisons, from the button to the last message."""
+
+import os
+import re
+import time
+
+from harness import differences, names_below, read, touch, write
+from settings_scenarios import DATE, DURATION
+from window_harness import comes, written
+
+CLEAN_END = re.compile(rf"Sauvegarde terminée sans erreur\.\n\nDurée : {DURATION}")
+
+
+def tree(place):
+    write(f"{place.source}/Été.txt", "été")
+    write(f"{place.source}/sous/b.txt", "b" * 1000)
+
+
+def backup(place, report):
+    """Une sauvegarde par le bouton : le message, les fichiers, le résumé, les clés"""
+    tree(place)
+    place.write_line()
+    program = place.open()
+    program.launch("Sauvegarde")
+    message = program.message()
+    report.equal("le titre du message", message.title, program.main.name)
+    report.check("le message", CLEAN_END.fullmatch(message.text), message.text)
+    report.equal("diff ne trouve rien", differences(place.source, place.copy), [])
+    report.check("la ligne est marquée", program.main.has("picture", "Ligne terminée"))
+    message.press("OK")
+    report.check("la marque s'en va",
+                 comes(lambda: not program.main.has("picture", "Ligne terminée")))
+    report.check("LastSave", re.fullmatch(DATE, place.key("LastSave")), place.key("LastSave"))
+    report.check("LastDureeSave", re.fullmatch(DURATION, place.key("LastDureeSave")))
+    day = r"\w+\. \d+ \w+ \d{4} à \d\d:\d\d"
+    report.check("le résumé le dit", comes(lambda: any(
+        re.fullmatch(f"Dernière sauvegarde sans erreur le {day}", label)
+        for label in program.main.labels())), program.main.labels())
+
+    program.launch("Sauvegarde")
+    report.equal("une deuxième n'a rien à copier", program.answer("OK").text,
+                 "Rien à sauvegarder !")
+    report.equal("le programme finit bien", program.close().status, 0)
+
+
+def restore(place, report):
+    """Une restauration : deux questions, chacune peut l'arrêter"""
+    tree(place)
+    place.write_line()
+    program = place.open()
+    program.launch("Sauvegarde")
+    program.answer("OK")
+    os.remove(f"{place.source}/sous/b.txt")
+    program.show_tab("Restauration")
+    report.check("la source est la copie",
+                 comes(lambda: program.path("Source", 1).endswith("Disque de sauvegarde\\Données")),
+                 program.path("Source", 1))
+
+    program.launch("Restauration")
+    first = program.answer("Annuler")
+    report.equal("la première question", first.text,
+                 "Confirmez-vous la restauration des fichiers ?")
+    program.launch("Restauration")
+    program.answer("OK")
+    second = program.answer("Annuler")
+    report.equal("la deuxième question", second.text,
+                 "Vous êtes bien sûr de vous ?\n(Restauration des fichiers)")
+    report.check("rien n'est restauré", not os.path.exists(f"{place.source}/sous/b.txt"))
+
+    program.launch("Restauration")
+    program.answer("OK")
+    program.answer("OK")
+    end = program.answer("OK")
+    report.check("le message", re.fullmatch(
+        rf"Restauration terminée sans erreur\.\n\nDurée : {DURATION}", end.text), end.text)
+    report.equal("le fichier est revenu", differences(place.source, place.copy), [])
+    report.check("LastRest", re.fullmatch(DATE, place.key("LastRest")))
+
+
+def compare(place, report):
+    """Une comparaison dans les deux sens : la liste, le résumé, et rien n'est copié"""
+    tree(place)
+    write(f"{place.copy}/à rendre.txt", "12345")
+    place.write_line()
+    program = place.open()
+    program.show_tab("Comparaison")
+
+    def compared(verb, count):
+        program.launch("Comparaison")
+        summary = f"{count} fichier(s) à copier"
+        report.check(f"{verb} : le résumé", comes(lambda: any(
+            label.startswith(summary) for label in program.main.labels()), 30),
+            program.main.labels())
+        lines = program.main.find("list").entries()
+        report.equal(f"{verb} : la liste", (lines[0], lines[-1]),
+                     (f"***** {verb} n°1", "***** Fin de la comparaison"))
+        return "\n".join(lines)
+
+    lines = compared("Sauvegarde", 2)
+    report.check("les deux fichiers sont dans la liste", "Été.txt" in lines and "b.txt" in lines,
+                 lines)
+    program.main.find("button", "Comparaison Source -> Destination").press()
+    report.check("le bouton dit l'autre sens", comes(
+        lambda: program.main.has("button", "Comparaison Destination -> Source")))
+    lines = compared("Restauration", 1)
+    report.check("le fichier à rendre est dans la liste", "à rendre.txt" in lines, lines)
+    report.equal("rien n'est copié", names_below(place.copy), {"à rendre.txt".encode()})
+    report.check("LastCompErr", re.fullmatch(DATE, place.key("LastCompErr")))
+    written(place, report, "LastCompNbErr", "1")
+
+
+def errors(place, report):
+    """Une erreur : la fenêtre attend « Fermer », le message compte, la liste des erreurs se lit"""
+    tree(place)
+    os.makedirs(f"{place.copy}/Été.txt/dans le chemin")
+    place.write_line("ContinueOnError=-1\n")
+    program = place.open()
+    program.launch("Sauvegarde")
+    window = program.window("Sauvegarde ...")
+    close = window.find("button", "Fermer")
+    journal = window.find("list").entries()
+    report.equal("le début du journal", journal[0], "Début de la Sauvegarde ...")
+    report.check("sa fin", re.fullmatch(rf"Durée de la Sauvegarde \.\.\. : {DURATION}",
+                                        journal[-1]), journal)
+    report.equal("le compte", journal[-2], "Fin de la Sauvegarde ... 1 erreur(s).")
+    report.check("la marque d'erreur", window.has("picture", "Sauvegarde avec erreur") and
+                 window.has("picture", "Attention"))
+    close.press()
+    message = program.answer("OK")
+    report.check("le message", message.text.startswith(
+        "Sauvegarde terminée, nombre d'erreur(s): 1"), message.text)
+    report.check("le reste est copié", os.path.exists(f"{place.copy}/sous/b.txt"))
+    written(place, report, "LastSaveNbErr", "1")
+
+    program.main.find("button", "Voir les erreurs").press()
+    viewer = program.window("Liste des dernières erreurs de sauvegarde")
+    labels = viewer.labels()
+    report.check("la configuration", "Configuration : General (Sauvegarde)" in labels, labels)
+    report.check("le compte", "Nombre d'erreur(s): 1" in labels, labels)
+    lines = viewer.find("list").entries()
+    report.equal("le fichier est le journal", read(f"{place.home}/S_General.err").decode("cp1252"),
+                 "".join(line + "\r\n" for line in lines))
+    report.equal("la liste est le journal", lines, journal)
+    place.screen.keys("Escape")
+    program.gone(viewer.name)
+
+
+def replacement(place, report):
+    """La question du remplacement : non, oui, tous, annuler"""
+    title = "Confirmation du remplacement du fichier"
+    names = [f"{letter}.txt" for letter in "abcdef"]
+    for name in names:
+        write(f"{place.source}/{name}", "nouveau")
+        write(f"{place.copy}/{name}", "ancien")
+        touch(f"{place.source}/{name}", 60)
+    place.write_line()
+    place.write_settings(place.read_settings().decode("cp1252").replace("\r\n", "\n").replace(
+        "Confirmation=1", "Confirmation=0"))
+    program = place.open()
+
+    def answer(button):
+        window = program.window(title)
+        asked = window.labels()[0]
+        window.find("button", button).press()
+        comes(lambda: not window.showing or window.labels()[:1] != [asked])
+        return re.fullmatch(r"Ce dossier contient déjà un fichier appelé '(.*)'", asked).group(1)
+
+    def copied():
+        return [name for name in names if read(f"{place.copy}/{name}") == b"nouveau"]
+
+    program.launch("Sauvegarde")
+    kept, replaced = answer("Non"), answer("Oui")
+    stopped = answer("Annuler")
+    report.equal("l'annulation est dite", program.answer("OK").text.splitlines()[0],
+                 "Sauvegarde interrompue !")
+    report.equal("seul le oui est copié", copied(), [replaced])
+    report.check("trois fichiers différents", len({kept, replaced, stopped}) == 3)
+    program.launch("Sauvegarde")
+    answer("Tous")
+    program.answer("OK")
+    report.equal("tous sont copiés", copied(), names)
+
+
+def stop(place, report):
+    """« Annuler » répond pendant une sauvegarde de 100 000 fichiers"""
+    for i in range(100_000):
+        write(f"{place.source}/d{i % 100}/f{i}.txt", "x")
+    place.write_line()
+    program = place.open()
+    program.launch("Sauvegarde")
+    window = program.window("Sauvegarde ...")
+    button = window.find("button", "Annuler")
+    comes(lambda: os.path.exists(f"{place.copy}/d0"), 30)
+    start = time.monotonic()
+    button.press()
+    question = program.message()
+    taken = time.monotonic() - start
+    print(f"    du clic à la question, outils compris : {taken * 1000:.0f} ms")
+    report.equal("la question", (question.title, question.text),
+                 ("Sauvegarde ...", "Voulez-vous interrompre la sauvegarde ?"))
+    start = time.monotonic()
+    question.press("Oui")
+    end = program.message()
+    print(f"    du oui au message, outils compris : {(time.monotonic() - start) * 1000:.0f} ms")
+    report.check("le message", end.text in ("Sauvegarde interrompue !\n\n", "Sauvegarde interrompue !",
+                                            "Rien à sauvegarder !"), end.text)
+    count = sum(name.endswith(b".txt") for name in names_below(place.copy))
+    report.check("elle s'est arrêtée avant la fin", count < 100_000, count)
+    end.press("OK")
+
+
+def reader_launches(place, report):
+    """Un lecteur d'écran presse le bouton : le programme lui répond encore pendant le message"""
+    tree(place)
+    place.write_line()
+    program = place.open()
+    program.main.find("button", "Lancer la Sauvegarde").activate()
+    report.check("le fichier est copié", comes(lambda: os.path.exists(f"{place.copy}/Été.txt"), 20))
+    start = time.monotonic()
+    text = program.message().text
+    report.check("le message se lit", CLEAN_END.fullmatch(text), text)
+    report.check("sans attendre", time.monotonic() - start < 5, time.monotonic() - start)
+
+
+SCENARIOS = (backup, restore, compare, errors, replacement, stop, reader_launches)

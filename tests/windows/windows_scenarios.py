@@ -1,0 +1,185 @@
+"""What only Windows has: its console, its drives, its names, its other copying programs."""
+
+import os
+import re
+import subprocess
+
+from harness import (PATIENCE, differences, drive_path, incomplete, names_below, read, times_of,
+                     touch, wait, wait_until, write)
+from settings_scenarios import DATE, section
+
+MOON = "\N{CRESCENT MOON}"
+
+
+def write_tree(root):
+    """Names and sizes that Windows can hold and that break simple programs."""
+    write(f"{root}/Été/À lire d'abord.txt", "accents")
+    write(f"{root}/{MOON} 日本/Ωmega.txt", "hors de la page de codes")
+    write(f"{root}/vide.txt", "")
+    write(f"{root}/grand.bin", os.urandom(20 * 1024 * 1024 + 1))
+    deep = "/".join(f"un répertoire dont le nom est assez long {i}" for i in range(12))
+    write(f"{root}/{deep}/au-delà de 260 caractères.txt", "loin")
+    os.makedirs(f"{root}/répertoire vide/encore un")
+    write(f"{root}/lecture seule.txt", "ne pas toucher")
+    os.chmod(f"{root}/lecture seule.txt", 0o444)
+    for number in range(50):
+        write(f"{root}/beaucoup/f{number}.txt", str(number))
+        touch(f"{root}/beaucoup/f{number}.txt", -86400 * number - 1)
+
+
+def whole_tree(place, report):
+    """Un arbre entier de E: vers F:"""
+    write_tree(place.source)
+    outcome = place.backup("--ecraser", "--json")
+    report.equal("état 0", outcome.status, 0)
+    report.equal("56 fichiers", (outcome.json() or {}).get("files"), 56)
+    report.equal("diff ne trouve rien", differences(place.source, place.copy), [])
+    report.equal("les dates sont égales à 100 ns", times_of(place.copy), times_of(place.source))
+    again = place.backup("--ecraser", "--json").json() or {}
+    report.equal("la deuxième fois, rien", (again.get("files"), again.get("outcome")),
+                 (0, "nothing"))
+
+
+def as_xcopy(place, report):
+    """Les mêmes fichiers que xcopy"""
+    write(f"{place.source}/Été/À lire.txt", "accents")
+    write(f"{place.source}/vide.txt", "")
+    write(f"{place.source}/grand.bin", os.urandom(3 * 1024 * 1024 + 1))
+    os.makedirs(f"{place.source}/répertoire vide")
+    other = f"{place.destination}/xcopy"
+    place.prefix.run("xcopy.exe", drive_path(place.source), drive_path(other), "/E", "/I", "/Y")
+    report.equal("état 0", place.backup("--ecraser").status, 0)
+    report.equal("les mêmes noms", names_below(place.copy), names_below(other))
+    report.equal("les mêmes contenus", differences(other, place.copy), [])
+
+
+def accents_in_a_pipe(place, report):
+    """Dans un tube, le texte est en UTF-8, avec les fins de ligne de partout"""
+    write(f"{place.source}/été.txt", "1")
+    outcome = place.start("coffrelune-console", *place.backup_arguments("--ecraser"))
+    out, err = outcome.communicate(timeout=PATIENCE)
+    report.check("« Sauvegarde terminée »", "Sauvegarde terminée sans erreur.\n".encode() in out, out)
+    report.check("aucun retour chariot", b"\r" not in out + err, out + err)
+    wrong = place.console("sauvegarder", f"--été{MOON}")
+    report.equal("argument inconnu : état 2", wrong.status, 2)
+    report.check("l'argument est redit tel quel", f"--été{MOON}" in wrong.err, wrong)
+
+
+def accents_on_a_console(place, report):
+    """Sur une console, les accents de l'aide et des messages"""
+    for arguments, text in ((["--help"], "Résume les dernières opérations de chaque sorte"),
+                            (["tout"], "« coffrelune-console --help » montre l'utilisation."),
+                            (["resultats"], "Aucune configuration n'est enregistrée.")):
+        outcome = place.converse([], *arguments)
+        report.check(f"{arguments[0]} : « {text} »", text in outcome.out, outcome)
+
+
+def arguments_as_typed(place, report):
+    """Un argument n'est ni développé ni relu dans la page de codes"""
+    source = f"{place.source}/{MOON} à *"
+    # "*" stands for itself here; no such file may be found in its place.
+    outcome = place.console("sauvegarder", "--source", drive_path(source), "--destination",
+                            drive_path(place.destination), "--ecraser")
+    report.equal("une source qui n'existe pas : état 2", outcome.status, 2)
+    report.check("elle est redite telle quelle", f"{MOON} à *" in outcome.err, outcome)
+    write(f"{place.source}/{MOON} à/x.txt")
+    outcome = place.console("sauvegarder", "--source", drive_path(source[:-2]), "--destination",
+                            drive_path(place.destination), "--ecraser")
+    report.equal("une source hors de la page de codes : état 0", outcome.status, 0)
+    report.equal("copiée", names_below(place.destination),
+                 {f"{MOON} à".encode(), f"{MOON} à/x.txt".encode()})
+
+
+def absent_drive(place, report):
+    """Un lecteur absent : état 3 et la cause, sans rien écrire"""
+    write(f"{place.source}/a.txt")
+    place.write_settings(place.line().replace('"F:\\"', '"Q:\\Sauvegardes"'))
+    outcome = place.console("sauvegarder")
+    report.equal("état 3", outcome.status, 3)
+    report.check("la cause est dite", "Le disque destination n'existe pas." in outcome.all, outcome)
+    report.check("aucun résultat n'est noté", b"LastSave" not in place.read_settings())
+
+
+def other_alphabet_in_settings(place, report):
+    """Un chemin hors de la page de codes : les réglages sont en UTF-16, et le restent"""
+    place.source = f"{place.prefix.drives['e']}/{MOON} 日本"
+    place.copy = f"{place.destination}/{MOON} 日本"
+    write(f"{place.source}/a.txt", "a")
+    with open(place.settings, "wb") as file:
+        file.write(place.line().replace("\n", "\r\n").encode("utf-16"))
+    outcome = place.console("sauvegarder")
+    report.equal("état 0", outcome.status, 0)
+    report.equal("diff ne trouve rien", differences(place.source, place.copy), [])
+    text = read(place.settings).decode("utf-16")
+    report.check("le résultat est noté", re.search(rf"^LastSave={DATE}\r$", text, re.M), text)
+    report.check("la source est gardée", f'Source0="E:\\{MOON} 日本"' in text, text)
+
+
+def case_of_names(place, report):
+    """Un nom qui ne diffère que par la casse est le même fichier"""
+    write(f"{place.source}/Lettre.txt", "nouveau")
+    write(f"{place.copy}/LETTRE.TXT", "ancien")
+    touch(f"{place.source}/Lettre.txt", 60)
+    outcome = place.backup("--ecraser", "--json")
+    report.equal("état 0", outcome.status, 0)
+    report.equal("un seul fichier dans la copie", len(os.listdir(place.copy)), 1)
+    report.equal("son contenu est remplacé",
+                 read(f"{place.copy}/{os.listdir(place.copy)[0]}"), b"nouveau")
+    report.equal("la deuxième fois, rien", (place.backup("--json", "--ecraser").json() or {})
+                 .get("files"), 0)
+
+
+def killed(place, report):
+    """Tué pendant la copie : rien d'abîmé sous un nom définitif, et rien n'en reste ensuite"""
+    for number in range(40):
+        write(f"{place.source}/f{number}.bin", os.urandom(8 * 1024 * 1024))
+    place.write_settings(place.line())
+    program = place.start("coffrelune-console", "sauvegarder")
+    started = wait_until(lambda: os.path.isdir(place.copy) and os.listdir(place.copy), program)
+    place.prefix.run("taskkill", "/F", "/IM", "coffrelune-console.exe")
+    wait(program)
+    report.check("il était en route", started)
+    copied = {name for name in names_below(place.copy) if re.fullmatch(rb"f\d+\.bin", name)}
+    report.check("tout n'était pas copié", len(copied) < 40, copied)
+    report.equal("ce qui porte son nom est entier",
+                 [name for name in incomplete(place.source, place.copy) if name in copied], [])
+    report.equal("la sauvegarde suivante : état 0", place.console("sauvegarder").status, 0)
+    report.equal("diff ne trouve rien", differences(place.source, place.copy), [])
+
+
+def two_at_once(place, report):
+    """Un deuxième programme sur les mêmes réglages est refusé avant de les lire"""
+    for number in range(40):
+        write(f"{place.source}/f{number}.bin", os.urandom(8 * 1024 * 1024))
+    place.write_settings(place.line())
+    first = place.start("coffrelune-console", "sauvegarder")
+    report.check("le premier est en route", wait_until(lambda: os.path.isdir(place.copy), first))
+    before = place.read_settings()
+    second = place.console("sauvegarder")
+    if report.check("le premier l'est encore", first.poll() is None):
+        report.equal("le deuxième : état 3", second.status, 3)
+        report.check("il dit pourquoi", "LE PROGRAMME EST DEJA EN MEMOIRE !" in second.all, second)
+        report.equal("les réglages n'ont pas changé", place.read_settings(), before)
+    report.equal("le premier finit", wait(first).status, 0)
+    report.equal("après lui, un autre peut courir", place.console("sauvegarder").status, 0)
+
+
+def window_program(place, report):
+    """Le programme à fenêtres s'ouvre, se ferme par sa fenêtre et retient sa configuration"""
+    place.write_settings(place.line("Travail"))
+    program = place.start("coffrelune", "/Travail")
+    title = ["xdotool", "search", "--onlyvisible", "--name", "^Coffrelune Version "]
+    shown = wait_until(lambda: subprocess.run(title, capture_output=True, check=False).returncode == 0,
+                       program)
+    report.check("sa fenêtre est là", shown)
+    report.check("elle reste", program.poll() is None)
+    place.prefix.run("taskkill", "/IM", "coffrelune.exe")  # asks its windows to close
+    report.equal("état 0", wait(program).status, 0)
+    keys = section(place.read_settings(), "Position")
+    report.equal("la configuration est retenue", keys.get("Config"), "Travail")
+    report.check("la place de la fenêtre aussi", "Left" in keys and "Top" in keys, keys)
+
+
+SCENARIOS = (whole_tree, as_xcopy, accents_in_a_pipe, accents_on_a_console, arguments_as_typed, absent_drive,
+             other_alphabet_in_settings, case_of_names, killed, two_at_once,
+             window_program)
