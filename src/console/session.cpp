@@ -15,7 +15,12 @@ ProgramContext Session::context(const Arguments& arguments) {
     // A run without settings neither reads nor writes any.
     const std::string home =
         arguments.direct() ? std::string() : native_.drives().fromNative(settingsPlace());
-    return {"", home, COFFRELUNE_VERSION_MAJOR, COFFRELUNE_VERSION_MINOR};
+    return {"",
+            home,
+            COFFRELUNE_VERSION_MAJOR,
+            COFFRELUNE_VERSION_MINOR,
+            std::string(),
+            nativeSystemLevel()};
 }
 
 }  // namespace coffrelune::console

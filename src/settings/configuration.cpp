@@ -58,6 +58,7 @@ void SystemMod::LoadSettings() {
     if (soundNames[0].empty()) soundNames[0] = "Ok";
     if (soundNames[1].empty()) soundNames[1] = "Erreur";
     SuiviAnalyse = leadingNumber(ReadSetting(position, "SuiviAnalyse"));
+    OsLevel = systemLevel_;
 }
 
 void SystemMod::readOptions() {

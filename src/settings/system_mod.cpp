@@ -31,7 +31,8 @@ SystemMod::SystemMod(Platform& services, const ProgramContext& context)
       executablePath(context.executablePath),
       homeDirectory(context.homeDirectory),
       file_(services.files, services.ansi, settingsPath(context)),
-      commandLine_(context.commandLine) {
+      commandLine_(context.commandLine),
+      systemLevel_(context.systemLevel) {
     resizeLines(maximumIndex);
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/platform.h"
+#include "settings/program_context.h"
 #include "settings/settings_file.h"
 
 namespace coffrelune {
@@ -38,16 +39,6 @@ struct LastResult {
     std::string errorDate;
     std::string errorDuration;
     std::int32_t errorCount = 0;
-};
-
-/// How the process was started; gathered once by the start-up.
-struct ProgramContext {
-    std::string commandLine;    // the arguments after the program path, as one text
-    std::string homeDirectory;  // of the settings file, in the core's form; empty: no such file
-    int versionMajor = 0;
-    int versionMinor = 0;
-    /// The running program's file in the core's form, to be started again at logon.
-    std::string executablePath = {};
 };
 
 /// The shared state: everything that the settings file mirrors, and what windows hand each other.
@@ -128,7 +119,7 @@ class SystemMod {
     std::int16_t AutoStart = 0;
     ExclusionList exclusions;  // of the line loaded last
     /// 1 or more: the system copies with progress; 0: plain copies only.
-    std::int16_t OsLevel = 2;
+    std::int16_t OsLevel = newestSystemLevel;
     OperationKind operationKind = OperationKind::backup;
     bool comparisonReversed = false;  // comparison from destination to source
     std::string dialogText;           // between a window and its small dialogs
@@ -144,6 +135,7 @@ class SystemMod {
 
     SettingsFile file_;
     std::string commandLine_;
+    std::int16_t systemLevel_;
 };
 
 }  // namespace coffrelune

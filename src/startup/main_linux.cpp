@@ -35,9 +35,12 @@ class Program {
     explicit Program(std::string commandLine)
         : posix_(posixOptions()),
           desktop_(posix_.driveTable(), DesktopOptions::fromEnvironment(variable)),
-          context_{std::move(commandLine), posix_.drives().fromNative(settingsDirectory()),
-                   COFFRELUNE_VERSION_MAJOR, COFFRELUNE_VERSION_MINOR,
-                   posix_.drives().fromNative(executablePath())} {}
+          context_{std::move(commandLine),
+                   posix_.drives().fromNative(settingsDirectory()),
+                   COFFRELUNE_VERSION_MAJOR,
+                   COFFRELUNE_VERSION_MINOR,
+                   posix_.drives().fromNative(executablePath()),
+                   newestSystemLevel} {}
 
     ExitStatus run() {
         WxProgram toolkit(wxServices());

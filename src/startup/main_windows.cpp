@@ -29,7 +29,7 @@ ExitStatus run(const std::string& commandLine) {
     Platform platform{native.files(), native.drives(),   native.clock(),   native.locale(),
                       native.ansi(),  services.sounds(), toolkit.windows()};
     SystemMod system(platform, {commandLine, settingsDirectory(), COFFRELUNE_VERSION_MAJOR,
-                                COFFRELUNE_VERSION_MINOR, executablePath()});
+                                COFFRELUNE_VERSION_MINOR, executablePath(), nativeSystemLevel()});
     if (!startUp(system, native.guard())) return ExitStatus::interrupted;
     MainForm form(system, desktop);
     platform.windows.showModal(form);

@@ -112,6 +112,16 @@ TEST_F(SystemModTest, StartsWithDefaultsWithoutAFile) {
     EXPECT_EQ(onDisk(), "(absent)") << "reading creates nothing";
 }
 
+TEST_F(SystemModTest, TakesTheLevelOfTheSystemWhenItLoads) {
+    ProgramContext context{"", "C:\\Program", 3, 5};
+    for (const int level : {0, 1, 2}) {
+        context.systemLevel = static_cast<std::int16_t>(level);
+        SystemMod mod(services, context);
+        mod.LoadSettings();
+        EXPECT_EQ(mod.OsLevel, level);
+    }
+}
+
 TEST_F(SystemModTest, ReadsTheNumberOfLines) {
     const std::vector<std::pair<std::string, int>> cases = {
         {"0", 5},   {"abc", 5}, {"-3", 5},        {"", 5},           {"1", 0},

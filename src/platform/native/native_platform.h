@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,9 @@ std::string settingsPlace();
 /// The arguments of the process, the program's name first, as UTF-8; raw bytes on Linux. What the
 /// entry procedure was given counts only where the system hands it over unharmed.
 std::vector<std::string> programArguments(int count, char** values);
+
+/// systemLevel() of the system that the program runs on.
+std::int16_t nativeSystemLevel();
 
 /// Where volumes are mounted, in the core's form: a directory missing there is a volume that is not
 /// plugged in. None where every volume has a letter.

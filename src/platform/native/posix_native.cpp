@@ -1,5 +1,6 @@
 #include "platform/native/native_platform.h"
 #include "platform/posix/program_place.h"
+#include "platform/system_level.h"
 
 namespace coffrelune {
 
@@ -15,6 +16,11 @@ std::string settingsPlace() {
 
 std::vector<std::string> programArguments(int count, char** values) {
     return {values, values + count};
+}
+
+// The copy is the program's own here and reports its progress.
+std::int16_t nativeSystemLevel() {
+    return newestSystemLevel;
 }
 
 std::vector<std::string> volumePlaces() {

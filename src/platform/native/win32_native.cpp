@@ -3,6 +3,7 @@
 #include <shellapi.h>
 
 #include "platform/native/native_platform.h"
+#include "platform/win32/own_version.h"
 #include "platform/win32/program_place.h"
 #include "platform/win32/wide_text.h"
 
@@ -26,6 +27,10 @@ std::vector<std::string> programArguments(int /*count*/, char** /*values*/) {
     for (int i = 0; i < count; ++i) arguments.push_back(narrow(words[i]));
     LocalFree(words);
     return arguments;
+}
+
+std::int16_t nativeSystemLevel() {
+    return ownSystemLevel();
 }
 
 std::vector<std::string> volumePlaces() {

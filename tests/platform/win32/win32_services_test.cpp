@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "platform/win32/own_version.h"
 #include "platform/win32/program_place.h"
 #include "platform/win32/test_disk.h"
 #include "platform/win32/wide_text.h"
@@ -33,6 +34,11 @@ TEST(Win32Drives, KnowTheSystemsOwnDirectory) {
     const std::string directory = Win32Drives().windowsDirectory();
     EXPECT_TRUE((disk::attributes(directory).value_or(0) & attribute::directory) != 0) << directory;
     EXPECT_TRUE(disk::attributes(directory + "\\system32").has_value()) << directory;
+}
+
+// The programs are linked for systems that came after version 5.
+TEST(OwnVersion, GivesTheLevelOfASystemThatCopiesWithProgress) {
+    EXPECT_EQ(ownSystemLevel(), 2);
 }
 
 TEST(Win32Clock, CountsInTheTimeZoneOfTheSystem) {
