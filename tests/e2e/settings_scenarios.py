@@ -9,9 +9,9 @@ DATE = r"\d\d/\d\d/\d{4} \d\d:\d\d:\d\d"
 DURATION = r"\d\d:\d\d:\d\d"
 
 
-def section(settings, name):
+def section(settings, name, page="cp1252"):
     """Key to value of one section, as text."""
-    text = settings.decode("cp1252").replace("\r\n", "\n")
+    text = settings.decode(page).replace("\r\n", "\n")
     found = re.search(rf"^\[{re.escape(name)}\]\n(.*?)(?=^\[|\Z)", text, re.M | re.S)
     return dict(re.findall(r"^([^=;\n]+)=(.*)$", found.group(1), re.M)) if found else {}
 

@@ -115,6 +115,38 @@ def other_alphabet_in_settings(place, report):
     report.check("la source est gardée", f'Source0="E:\\{MOON} 日本"' in text, text)
 
 
+def other_code_pages(place, report):
+    """Les réglages et la liste des erreurs sont dans la page de codes du système, quelle qu'elle soit"""
+    # The second bytes of the Japanese names are "\\", "[", "]" and "|" in that page.
+    for language, page, name in (("ru_RU", "cp1251", "Мои фото"), ("pl_PL", "cp1250", "Łódź"),
+                                 ("ja_JP", "cp932", "構ゼゾポ 表")):
+        place.prefix.empty_drives()
+        place.speak(language)
+        place.move_source(name)
+        write(f"{place.source}/{name} 1/été.txt", "hors de la page, parfois")
+        write(f"{place.source}/{name}.txt", "un répertoire est à sa place")
+        os.makedirs(f"{place.copy}/{name}.txt")
+        lines = place.line(name, f'Description="{name}"\nRepExclu0_Mode=0\n')
+        text = f"; {name}\n[Position]\nContinueOnError=-1\nConfig={name}\n{lines}"
+        with open(place.settings, "wb") as file:
+            file.write(text.replace("\n", "\r\n").encode(page))
+        outcome = place.console("sauvegarder")
+        report.equal(f"{page} : état 1, une erreur", outcome.status, 1)
+        report.equal(f"{page} : le reste est copié", names_below(place.copy),
+                     names_below(place.source))
+        after = place.read_settings().decode(page)
+        report.check(f"{page} : ce qui y était est gardé",
+                     after.startswith(text.partition("[Position]")[0]) and
+                     all(line in after.split("\r\n") for line in text.split("\n")), after)
+        report.equal(f"{page} : le résultat est noté sous ce nom",
+                     section(place.read_settings(), name, page).get("LastSaveNbErr"), "1")
+        journal = read(f"{place.home}/S_{name}.err").decode(page)
+        report.check(f"{page} : la liste des erreurs nomme le fichier",
+                     f"{drive_path(place.source)}\\{name}.txt" in journal, journal)
+        shown = place.console("journal")
+        report.check(f"{page} : et se relit", f"{name}.txt" in shown.out, shown)
+
+
 def case_of_names(place, report):
     """Un nom qui ne diffère que par la casse est le même fichier"""
     write(f"{place.source}/Lettre.txt", "nouveau")
@@ -181,5 +213,5 @@ def window_program(place, report):
 
 
 SCENARIOS = (whole_tree, as_xcopy, accents_in_a_pipe, accents_on_a_console, arguments_as_typed, absent_drive,
-             other_alphabet_in_settings, case_of_names, killed, two_at_once,
+             other_alphabet_in_settings, other_code_pages, case_of_names, killed, two_at_once,
              window_program)
