@@ -77,6 +77,10 @@ void LaunchPanel::launch() {
 void LaunchPanel::backUpUnattended() {
     const MainDialogs::Hold hold(dialogs_);
     (void)launcher_.LanceOperation(unattended);
+    // With nothing else to copy the run ends as one that had nothing to do.
+    if (!launcher_.statistics().copyPassStarted) {
+        reportMissingSources(system_, launcher_.statistics());
+    }
 }
 
 ExitStatus LaunchPanel::runAuto() {

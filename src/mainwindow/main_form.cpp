@@ -20,6 +20,7 @@ MainForm::MainForm(SystemMod& system, Desktop& desktop)
     : system_(system),
       dialogs_(system),
       launcher_(system, *this),
+      notices(system.platform.clock),
       lines(system, dialogs_),
       lineCommands(system, desktop, dialogs_, lines),
       drag(system, dialogs_, lines),

@@ -10,6 +10,7 @@
 #include "mainwindow/launch_panel.h"
 #include "mainwindow/line_commands.h"
 #include "mainwindow/line_rows.h"
+#include "mainwindow/notice_area.h"
 #include "mainwindow/program_after.h"
 #include "mainwindow/results_area.h"
 #include "mainwindow/schedule.h"
@@ -37,6 +38,7 @@ class MainForm final : public Window, public OperationHost {
     OperationLauncher launcher_;
 
   public:
+    NoticeArea notices;
     LineRows lines;
     LineCommands lineCommands;
     LabelDrag drag;

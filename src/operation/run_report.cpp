@@ -66,6 +66,11 @@ void reportErrors(const SystemMod& system, const RunStatistics& statistics) {
         windows.notice("Erreur: " + std::to_string(error.number) +
                        " - Fichier: " + visibleControls(error.path));
     }
+    reportMissingSources(system, statistics);
+}
+
+void reportMissingSources(const SystemMod& system, const RunStatistics& statistics) {
+    WindowService& windows = system.platform.windows;
     for (std::size_t line = 0; line < statistics.tallies.size(); ++line) {
         if (!statistics.tallies[line].sourceMissing) continue;
         windows.notice("Ligne " + std::to_string(line + 1) + " : la source " +

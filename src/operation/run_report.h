@@ -25,4 +25,7 @@ ExitStatus runUnattended(SystemMod& system, OperationLauncher& launcher);
 /// Names every error of the run, and every line whose source was not there.
 void reportErrors(const SystemMod& system, const RunStatistics& statistics);
 
+/// Names every line whose source was not there.
+void reportMissingSources(const SystemMod& system, const RunStatistics& statistics);
+
 }  // namespace coffrelune

@@ -37,6 +37,30 @@ def schedule(place, report):
                  [program.main.name])
 
 
+def missing_at_the_hour(place, report):
+    """Une sauvegarde planifiée dont la source a disparu le dit en haut de la fenêtre"""
+    if not os.path.exists(FAKE_CLOCK):
+        report.leave_out("source disparue à l'heure dite", f"{FAKE_CLOCK} est absent")
+        return
+    place.write_line(more="AutoSave=1\nAutoTime=12:00\n")
+    os.rmdir(place.source)
+    program = place.open_at("2026-11-21 11:59:45")
+    main = program.main
+    report.check("rien n'est dit d'abord", not main.has("button", "Masquer"))
+    notice = wait_for(lambda: [name for name in main.labels() if "est introuvable" in name],
+                      "le message", 90)
+    report.check("la ligne et la source sont nommées",
+                 notice[0].endswith(f"Ligne 1 : la source {drive_path(place.source)} est introuvable."),
+                 notice)
+    report.check("l'heure aussi", notice[0].startswith("21/11/2026 12:0"), notice)
+    report.equal("aucune boîte", [window.name for window in program.windows], [main.name])
+    report.equal("aucun résultat n'est noté", place.key("LastSave"), "")
+    main.find("button", "Masquer").press()
+    report.check("« Masquer » l'enlève", comes(
+        lambda: not any("introuvable" in name for name in main.labels())))
+    report.check("et s'en va aussi", comes(lambda: not main.has("button", "Masquer")))
+
+
 def wrong_time(place, report):
     """Une heure qui n'en est pas une est refusée, l'ancienne revient"""
     place.write_line(more="AutoTime=08:30\n")
@@ -252,5 +276,5 @@ def reach(place, element):
     raise RuntimeError(f"les tabulations n'arrivent jamais à {element}")
 
 
-SCENARIOS = (first_sight, schedule, wrong_time, program_after, place_kept, second_start, automatic,
+SCENARIOS = (first_sight, schedule, missing_at_the_hour, wrong_time, program_after, place_kept, second_start, automatic,
              no_display, keyboard)

@@ -22,6 +22,7 @@ constexpr int twipsPerPixel = 15;
 constexpr int wide = 12;  // density-independent pixels
 constexpr int narrow = 6;
 constexpr int resultPicture = 16;
+constexpr int noticePicture = 24;
 
 wxPoint placeOf(const WindowPlace& place) {
     return {wxWindow::FromDIP(place.left / twipsPerPixel, nullptr),
@@ -52,6 +53,7 @@ MainView::~MainView() {
     form_.lines.onRowsChanged = rowsChanged_;
     form_.lineCommands.onPopup = nullptr;
     form_.lineCommands.onMoved = nullptr;
+    form_.notices.onChanged = nullptr;
     peers_.context.refresher.unwatch(this);
     peers_.context.refresher.forgetWindow(this);
 }
@@ -86,6 +88,11 @@ void MainView::bindForm() {
         popUp(*this, form_.lineCommands.MenuPop, peers_.context.pictures);
     };
     form_.lineCommands.onMoved = [this](int row, LineSide side) { linesView_->focus(row, side); };
+    form_.notices.onChanged = [this] {
+        peers_.context.refresher.flush();
+        if (!IsMaximized() && !IsIconized()) fit();
+        Layout();
+    };
     driveTimer(peers_, form_.schedule.Timer1);
 }
 
@@ -107,9 +114,7 @@ void MainView::build() {
     const auto row = [this](int proportion = 0) {
         return wxSizerFlags(proportion).Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(wide));
     };
-    notices_ = new wxStaticText(page_, wxID_ANY, wxEmptyString);
-    notices_->Hide();
-    whole->Add(notices_, wxSizerFlags().Expand().Border(wxALL, FromDIP(wide)));
+    whole->Add(makeNotices(), wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT, FromDIP(wide)));
     whole->Add(makeToolbar(peers_, page_, form_.toolbar.TB),
                wxSizerFlags().Expand().Border(wxALL, FromDIP(narrow)));
     whole->Add(new wxStaticLine(page_), wxSizerFlags().Expand().Border(wxBOTTOM, FromDIP(wide)));
@@ -130,6 +135,22 @@ void MainView::build() {
     auto* frame = new wxBoxSizer(wxVERTICAL);
     frame->Add(page_, wxSizerFlags(1).Expand());
     SetSizer(frame);
+}
+
+wxSizer* MainView::makeNotices() {
+    NoticeArea& notices = form_.notices;
+    auto* lines = new wxBoxSizer(wxVERTICAL);
+    for (Label& label : notices.Lbl) {
+        lines->Add(makeLine(peers_, page_, label),
+                   wxSizerFlags().Expand().Border(wxTOP, FromDIP(narrow)));
+    }
+    auto* sizer = new wxBoxSizer(wxHORIZONTAL);
+    sizer->Add(makePicture(peers_, page_, notices.Img, noticePicture),
+               wxSizerFlags().CentreVertical().Border(wxTOP | wxRIGHT, FromDIP(narrow)));
+    sizer->Add(lines, wxSizerFlags(1).CentreVertical());
+    sizer->Add(makeButton(peers_, page_, notices.Cmd),
+               wxSizerFlags().Top().Border(wxLEFT | wxTOP, FromDIP(narrow)));
+    return sizer;
 }
 
 wxSizer* MainView::makeHeader() {
@@ -274,17 +295,6 @@ void MainView::rememberPlace() {
 void MainView::keepFocus() {
     const wxWindow* focused = FindFocus();
     if (IsActive() && focused != nullptr && !focused->IsEnabled()) tabs_->SetFocus();
-}
-
-void MainView::showNotice(const wxString& text) {
-    wxString all = notices_->GetLabelText();
-    if (!all.empty()) all += "\n";
-    wxString added = text;
-    all += added.Trim().Trim(false);
-    notices_->SetLabelText(all);
-    notices_->Show();
-    if (!IsMaximized() && !IsIconized()) fit();
-    Layout();
 }
 
 void MainView::run() {

@@ -25,13 +25,13 @@ class MainView final : public wxFrame {
 
     /// Shows the window and returns when it has closed: the main loop of the program.
     void run();
-    /// Lines at the top that stay, for what nobody is asked about.
-    void showNotice(const wxString& text);
+    NoticeArea& notices() { return form_.notices; }
 
   private:
     void bindWindow();
     void bindForm();
     void build();
+    wxSizer* makeNotices();
     wxSizer* makeHeader();
     wxSizer* makeLaunch();
     wxSizer* makeSchedule();
@@ -45,7 +45,6 @@ class MainView final : public wxFrame {
 
     MainForm& form_;
     wxPanel* page_ = nullptr;
-    wxStaticText* notices_ = nullptr;
     wxWindow* tabs_ = nullptr;
     LinesView* linesView_ = nullptr;
     Peers peers_;

@@ -85,7 +85,7 @@ std::string WxWindows::chooseFile(const std::string& title, const std::string& f
 void WxWindows::notice(const std::string& text) {
     std::cerr << text << '\n';
     auto* main = open_.empty() ? nullptr : dynamic_cast<MainView*>(open_.front());
-    if (main != nullptr) main->showNotice(toWx(text));
+    if (main != nullptr) main->notices().add(text);
 }
 
 }  // namespace coffrelune
