@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "engine/exclusion_rules.h"
+#include "settings/unfinished_copies.h"
 #include "system/paths.h"
 
 namespace coffrelune {
@@ -59,7 +60,7 @@ bool ExcessWalk::prepare(const LineRoots& swapped, const std::vector<LineRoots>&
         return false;
     }
     protected_.clear();
-    if (!referenceHoldsFiles(swapped)) return false;
+    if (!referenceHoldsFiles(swapped) || !referenceFinished(swapped)) return false;
     // The reference itself may be mounted, or lie, inside the tree that is cleaned.
     protect(swapped.target);
     for (const LineRoots& other : others) {
@@ -90,6 +91,17 @@ bool ExcessWalk::referenceHoldsFiles(const LineRoots& swapped) {
     window_.AjouteECTxt("Fichiers excédentaires conservés dans " + swapped.source + " : " +
                         swapped.target + " ne contient aucun fichier.");
     errors_.nameOnce(error_number::fileNotFound, swapped.target);
+    return false;
+}
+
+// What a stopped backup never copied exists in the original alone.
+bool ExcessWalk::referenceFinished(const LineRoots& swapped) {
+    if (swapped.layout == Layout::normal) return true;
+    if (!UnfinishedCopies(system_).hold(swapped.target)) return true;
+    window_.AjouteECTxt("Fichiers excédentaires conservés dans " + swapped.source +
+                        " : la dernière sauvegarde dans " + swapped.target +
+                        " n'a pas tout copié.");
+    errors_.nameOnce(error_number::invalidData, swapped.target);
     return false;
 }
 

@@ -44,6 +44,7 @@ class ExcessWalk {
 
     bool prepare(const LineRoots& swapped, const std::vector<LineRoots>& others);
     bool referenceReadable(const std::string& reference);
+    bool referenceFinished(const LineRoots& swapped);
     bool referenceHoldsFiles(const LineRoots& swapped);
     bool anyFileBelow(const std::string& directory, LinkRule links);
     bool sharedWithAnother(const std::string& copy, const std::vector<LineRoots>& others);

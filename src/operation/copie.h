@@ -72,6 +72,9 @@ class Copie final : public Window, public OperationWindow {
     void showTreePhase();
     void startAnalysis();
     void analyseLines();
+    bool backsUp() const;
+    bool nothingToCopy(int line) const;
+    bool hasErrors(int line) const;
     bool prepareCopy();
     void copyLines();
     void endRun();

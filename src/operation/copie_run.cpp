@@ -1,6 +1,9 @@
 // The run of a backup or a restore: its passes over the lines, in their order.
+#include <algorithm>
+
 #include "operation/copie.h"
 #include "operation/line_texts.h"
+#include "settings/unfinished_copies.h"
 #include "system/date_time.h"
 
 namespace coffrelune {
@@ -105,8 +108,26 @@ void Copie::startAnalysis() {
 
 void Copie::analyseLines() {
     for (int line = 0; line < host_.lineCount() && !statistics_.interruptionRequested; ++line) {
-        if (takesPart(line)) walkLine(line, true);
+        if (!takesPart(line)) continue;
+        walkLine(line, true);
+        if (backsUp() && !statistics_.interruptionRequested && nothingToCopy(line)) {
+            UnfinishedCopies(system_).remove(rootsOfLine(system_, line).copy());
+        }
     }
+}
+
+bool Copie::backsUp() const {
+    return system_.operationKind == OperationKind::backup && system_.options.ArbreMode == 0;
+}
+
+bool Copie::nothingToCopy(int line) const {
+    const LineTally& tally = statistics_.tallies[static_cast<std::size_t>(line)];
+    return tally.filesToCopy == 0 && !tally.sourceMissing && !hasErrors(line);
+}
+
+bool Copie::hasErrors(int line) const {
+    return std::any_of(statistics_.errors.begin(), statistics_.errors.end(),
+                       [line](const CopyError& error) { return error.line == line; });
 }
 
 // False when there is nothing to copy. The test is on the bytes, not on the files: a run whose only
@@ -128,8 +149,13 @@ void Copie::copyLines() {
     for (int line = 0; line < host_.lineCount(); ++line) {
         if (!takesPart(line)) continue;
         statistics_.copyPassStarted = true;
+        UnfinishedCopies unfinished(system_);
+        const std::string copy = rootsOfLine(system_, line).copy();
+        // From the first file to the last, so that it stays marked whatever stops the program.
+        if (backsUp()) unfinished.add(copy);
         walkLine(line, false);
         if (statistics_.interruptionRequested) return;
+        if (backsUp() && !hasErrors(line)) unfinished.remove(copy);
         host_.showLineDone(line, true);
         runPendingEvents();
     }

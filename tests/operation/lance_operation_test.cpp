@@ -43,10 +43,12 @@ TEST_F(LanceOperation, TheErrorListIsWrittenBeforeTheResultIsRecorded) {
     for (const std::string& call : faults.calls()) {
         if (call.rfind("writeWhole ", 0) == 0) writes.push_back(call.substr(11));
     }
-    // The check box of the analysis, the list, then date, duration and count of the result.
+    // Before the list: a mark on each copy while it is written, which the second one loses, and the
+    // check box of the analysis. After it: date, duration and count of the result.
     const std::string settings = R"(C:\Coffrelune\Coffrelune.ini)";
-    EXPECT_THAT(writes, ElementsAre(settings, R"(C:\Coffrelune\S_Travail.err)", settings, settings,
-                                    settings));
+    EXPECT_THAT(writes,
+                ElementsAre(settings, settings, settings, settings,
+                            R"(C:\Coffrelune\S_Travail.err)", settings, settings, settings));
     EXPECT_EQ(setting("Travail", "LastSaveNbErr"), "1");
 }
 

@@ -152,6 +152,77 @@ TEST_F(ExcessPass, RunsAfterTheTreeAndBeforeTheAnalysis) {
     EXPECT_FALSE(statistics.deletionWalk);
 }
 
+class RestoreOfAnUnfinishedCopy : public Restore {
+  protected:
+    RestoreOfAnUnfinishedCopy() {
+        system.options.SynchroCopie = -1;
+        system.options.ContinueOnError = -1;
+        selectOnly({0});
+    }
+    std::string mark() { return setting("Position", "CopieIncomplete1"); }
+    /// The next run ends with an error, and its window waits.
+    void closeAtFermer() {
+        user().stepIn<Copie>([](Copie& window) { window.Cmd.click(); });
+    }
+    void stopBackUpAtItsFirstFile() {
+        whenEventsRun([](Copie& window) { return window.Lbl[3].caption().starts_with("Vers: "); },
+                      [](Copie& window) { window.requestInterruption(); });
+        backUp();
+        ASSERT_TRUE(statistics.interruptionRequested);
+        ASSERT_TRUE(disk().exists(R"(F:\Save\Docs\a.txt)"));
+        ASSERT_FALSE(disk().exists(R"(F:\Save\Docs\Sub\b.txt)"));
+    }
+};
+
+TEST_F(RestoreOfAnUnfinishedCopy, DeletesNothingThatWasNeverCopied) {
+    stopBackUpAtItsFirstFile();
+    EXPECT_EQ(mark(), R"(F:\Save\Docs)");
+    closeAtFermer();
+    restore();
+    EXPECT_EQ(disk().content(R"(C:\Docs\Sub\b.txt)"), "bbb");
+    EXPECT_THAT(journal(), Contains("Fichiers excédentaires conservés dans C:\\Docs : la dernière "
+                                    "sauvegarde dans F:\\Save\\Docs n'a pas tout copié."));
+    EXPECT_EQ(statistics.errorCount, 1);
+}
+
+TEST_F(RestoreOfAnUnfinishedCopy, DeletesAgainOnceABackupHasFinished) {
+    stopBackUpAtItsFirstFile();
+    backUp();
+    EXPECT_EQ(mark(), "");
+    disk().file(R"(C:\Docs\new.txt)", "new");
+    restore();
+    EXPECT_FALSE(disk().exists(R"(C:\Docs\new.txt)"));
+    EXPECT_EQ(statistics.errorCount, 0);
+}
+
+TEST_F(RestoreOfAnUnfinishedCopy, DeletesAgainOnceABackupFoundNothingLeftToCopy) {
+    stopBackUpAtItsFirstFile();
+    disk().remove(R"(C:\Docs\Sub\b.txt)");
+    backUp();
+    EXPECT_FALSE(statistics.copyPassStarted);
+    EXPECT_EQ(mark(), "");
+}
+
+TEST_F(RestoreOfAnUnfinishedCopy, KeepsWhatCouldNotBeCopied) {
+    failCopyOf(R"(C:\Docs\Sub\b.txt)", error_number::sharingViolation);
+    closeAtFermer();
+    backUp();
+    EXPECT_EQ(statistics.errorCount, 1);
+    EXPECT_EQ(mark(), R"(F:\Save\Docs)");
+    closeAtFermer();
+    restore();
+    EXPECT_EQ(disk().content(R"(C:\Docs\Sub\b.txt)"), "bbb");
+}
+
+TEST_F(RestoreOfAnUnfinishedCopy, IsNotMarkedByTheErrorOfAnotherLine) {
+    selectOnly({0, 1});
+    failCopyOf(R"(D:\Photos\c.jpg)", error_number::sharingViolation);
+    closeAtFermer();
+    backUp();
+    EXPECT_EQ(mark(), R"(G:\Save\Photos)");
+    EXPECT_EQ(setting("Position", "CopieIncomplete2"), "");
+}
+
 TEST_F(ExcessPass, DoesNotRunWithoutTheOption) {
     system.options.SynchroCopie = 0;
     runCopie();

@@ -1,0 +1,59 @@
+#include "settings/unfinished_copies.h"
+
+#include <algorithm>
+
+#include "system/paths.h"
+#include "system/text.h"
+
+namespace coffrelune {
+namespace {
+
+const std::string section = "Position";
+
+std::string key(std::size_t number) {
+    return "CopieIncomplete" + std::to_string(number);
+}
+
+auto sameAs(const std::string& copy) {
+    return [path = withoutTrailingBackslash(copy)](const std::string& marked) {
+        return equalIgnoringCase(marked, path);
+    };
+}
+
+}  // namespace
+
+bool UnfinishedCopies::hold(const std::string& copy) const {
+    const std::vector<std::string> all = marked();
+    return std::any_of(all.begin(), all.end(), sameAs(copy));
+}
+
+void UnfinishedCopies::add(const std::string& copy) {
+    const std::vector<std::string> all = marked();
+    if (std::any_of(all.begin(), all.end(), sameAs(copy))) return;
+    (void)system_.WriteSetting(section, key(all.size() + 1),
+                               QuoteValue(withoutTrailingBackslash(copy)));
+}
+
+// The last one takes the place of the one that goes, before its own place is cleared: whatever
+// stops the program in between, no mark is lost.
+void UnfinishedCopies::remove(const std::string& copy) {
+    const std::vector<std::string> all = marked();
+    const auto found = std::find_if(all.begin(), all.end(), sameAs(copy));
+    if (found == all.end()) return;
+    const auto number = static_cast<std::size_t>(found - all.begin()) + 1;
+    if (number < all.size()) {
+        (void)system_.WriteSetting(section, key(number), QuoteValue(all.back()));
+    }
+    (void)system_.WriteSetting(section, key(all.size()), "");
+}
+
+std::vector<std::string> UnfinishedCopies::marked() const {
+    std::vector<std::string> all;
+    while (true) {
+        std::string copy = system_.ReadSetting(section, key(all.size() + 1));
+        if (copy.empty()) return all;
+        all.push_back(std::move(copy));
+    }
+}
+
+}  // namespace coffrelune
