@@ -11,11 +11,20 @@ void LabelDrag::press(int row, LineSide side) {
     data_ = rows_.row(row).label(side).path();
 }
 
+void LabelDrag::setUnderWay(bool underWay) {
+    if (underWay) {
+        hold_.emplace(dialogs_);
+    } else {
+        hold_.reset();
+    }
+}
+
 LabelDrag::Effect LabelDrag::over(const PathLabel::Dragged& dragged) {
     return dragged.acceptable() ? Effect::copy : Effect::none;
 }
 
 void LabelDrag::drop(int row, LineSide side, const PathLabel::Dragged& dragged) {
+    hold_.reset();  // the drag ends here
     if (over(dragged) == Effect::none || !dialogs_.ready()) return;
     const std::string dropped = pathOf(dragged);
     // An empty text is no path; emptying a line has its own command, which asks.

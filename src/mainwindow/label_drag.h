@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "mainwindow/line_rows.h"
@@ -19,6 +20,9 @@ class LabelDrag {
     /// The text that the press offers; empty when there is nothing to drag.
     const std::string& data() const { return data_; }
 
+    /// While a path is dragged no backup may start by itself: its window would take the mouse away.
+    void setUnderWay(bool underWay);
+
     /// What dropping this on a label would do.
     static Effect over(const PathLabel::Dragged& dragged);
     /// The text, or the first of several files, becomes the label's path and is stored.
@@ -31,6 +35,7 @@ class LabelDrag {
     MainDialogs& dialogs_;
     LineRows& rows_;
     std::string data_;
+    std::optional<MainDialogs::Hold> hold_;  // during a drag
 };
 
 }  // namespace coffrelune

@@ -18,6 +18,9 @@ void LineRows::bindLabel(PathLabel& label, int index, LineSide side) {
     label.onDrop = [this, index, side](const PathLabel::Dragged& dragged) {
         if (onDrop) onDrop(index, side, dragged);
     };
+    label.onDrag = [this](bool underWay) {
+        if (onDrag) onDrag(underWay);
+    };
 }
 
 std::unique_ptr<LineRow> LineRows::makeRow(int index) {

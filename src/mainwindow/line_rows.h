@@ -41,6 +41,7 @@ class LineRows {
     std::function<void(int row, LineSide side)> onPress;
     std::function<void(int row, LineSide side)> onRightClick;
     std::function<void(int row, LineSide side, const PathLabel::Dragged& dragged)> onDrop;
+    std::function<void(bool underWay)> onDrag;
 
     int count() const { return static_cast<int>(rows_.size()); }
     LineRow& row(int index) { return *rows_[static_cast<std::size_t>(index)]; }

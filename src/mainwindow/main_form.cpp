@@ -47,6 +47,7 @@ void MainForm::connect() {
     lines.onDrop = [this](int row, LineSide side, const PathLabel::Dragged& dragged) {
         drag.drop(row, side, dragged);
     };
+    lines.onDrag = [this](bool underWay) { drag.setUnderWay(underWay); };
     lineCommands.onTargetChanged = [this] { toolbar.showTarget(); };
     configuration.onLoaded = [this] { configurationLoaded(); };
     toolbar.onQuit = [this] { closeBox(); };

@@ -6,15 +6,15 @@
 namespace coffrelune {
 
 void Copie::showSource(const std::string& path) {
-    Lbl[1].setCaption("De: " + path);
+    Lbl[1].setCaption("De: " + visibleControls(path));
 }
 
 void Copie::showDestination(const std::string& path) {
-    Lbl[3].setCaption("Vers: " + path);
+    Lbl[3].setCaption("Vers: " + visibleControls(path));
 }
 
 void Copie::showFile(const std::string& path) {
-    Lbl[4].setCaption(path);
+    Lbl[4].setCaption(visibleControls(path));
 }
 
 void Copie::showPercentage(int percent, const std::string& caption) {

@@ -20,4 +20,8 @@ void PathLabel::drop(const Dragged& dragged) {
     if (enabled() && visible() && dragged.acceptable() && onDrop) onDrop(dragged);
 }
 
+void PathLabel::drag(bool underWay) {
+    if (onDrag) onDrag(underWay);
+}
+
 }  // namespace coffrelune

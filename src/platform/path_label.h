@@ -37,10 +37,12 @@ class PathLabel : public Label {
     void press();       // left button down: records the row, may start a drag
     void rightClick();  // opens the row menu
     void drop(const Dragged& dragged);
+    void drag(bool underWay);  // the path is being dragged away, or no longer
 
     std::function<void()> onPress;
     std::function<void()> onRightClick;
     std::function<void(const Dragged&)> onDrop;
+    std::function<void(bool underWay)> onDrag;
 
   private:
     std::string path_;

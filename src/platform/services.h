@@ -28,8 +28,7 @@ class DriveService {
 
     /// The same of a text that entered through a window. Nobody stands in a directory there: what
     /// is neither in the core's form nor an absolute path comes back exactly as it is. On Linux "~"
-    /// and
-    /// "~/x" are in the home directory.
+    /// and "~/x" are in the home directory.
     virtual std::string fromWindow(const std::string& entered) = 0;
 };
 

@@ -15,6 +15,7 @@ void TextLog::append(std::string_view text) {
 }
 
 void TextLog::clear() {
+    ++generation_;
     text_.clear();
     starts_.clear();
     changed();

@@ -17,6 +17,8 @@ class TextLog : public Control {
     void append(std::string_view text);
     void clear();
 
+    /// Raised by each clear(): other lines may stand where a peer has shown some.
+    std::size_t generation() const { return generation_; }
     std::size_t lineCount() const { return starts_.size(); }
     std::string_view line(std::size_t index) const;    // without its line end
     const std::string& text() const { return text_; }  // every line ended by CR LF
@@ -24,6 +26,7 @@ class TextLog : public Control {
   private:
     std::string text_;
     std::vector<std::size_t> starts_;
+    std::size_t generation_ = 0;
 };
 
 }  // namespace coffrelune

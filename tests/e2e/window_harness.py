@@ -13,7 +13,7 @@ from window_elements import Element, atspi, wait_for
 FAKE_CLOCK = "/usr/lib/x86_64-linux-gnu/faketime/libfaketime.so.1"
 
 
-def comes(question, patience=5):
+def comes(question, patience=30):
     """Whether something is so as soon as the program has done what it was asked to do."""
     try:
         return wait_for(question, "", patience)
@@ -175,7 +175,8 @@ class Program:
         if self.process.poll() is None:
             with contextlib.suppress(ProcessLookupError):
                 os.killpg(self.process.pid, signal.SIGKILL)
-        self.process.communicate()
+        with contextlib.suppress(subprocess.TimeoutExpired):  # what it started may keep the pipes
+            self.process.communicate(timeout=30)
 
 
 class WindowPlace(harness.Place):
@@ -188,7 +189,7 @@ class WindowPlace(harness.Place):
 
     def environment(self):
         passed = ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR", "GSETTINGS_BACKEND",
-                  "GTK_THEME", "GDK_SCALE")
+                  "GTK_THEME", "GDK_SCALE", "ASAN_OPTIONS")
         return {**super().environment(), "NO_AT_BRIDGE": "0",
                 "GTK_MODULES": "gail:atk-bridge", "XDG_CONFIG_HOME": f"{self.root}/config",
                 **{name: os.environ[name] for name in passed if name in os.environ}}

@@ -1,5 +1,7 @@
 """The lines: their paths, their tick, the commands on them."""
 
+import os
+
 from drive_scenarios import letter_of, volume
 from harness import drive_path, write
 from window_elements import wait_for
@@ -107,6 +109,32 @@ def drag_path(place, report):
     report.equal("la source est restée", place.key("Source0"), drive_path(place.source))
 
 
+def raw_name(place, report):
+    """Un nom qui n'est pas de l'UTF-8 se montre, se copie d'une ligne à l'autre et se sauvegarde"""
+    name = b"caf\xe9"
+    raw = os.path.join(os.fsencode(place.root), name)
+    write(os.path.join(raw, b"a.txt"), "a")
+    source = drive_path(os.fsdecode(raw))
+    text = place.line().replace(drive_path(place.source), source)
+    with open(place.settings, "wb") as file:
+        file.write(("\ufeff" + text).encode("utf-16-le", "surrogatepass"))
+    program = place.open()
+    shown = program.path("Source", 1)
+    report.check("la ligne se lit", shown.startswith(source[:-1]), shown)
+    program.label("Source", 1).press()
+    place.screen.keys("ctrl+c")
+    program.label("Source", 4).press()
+    place.screen.keys("ctrl+v")
+    report.check("la copie se lit de même", comes(lambda: program.path("Source", 4) == shown))
+    settings = place.read_settings().decode("utf-16-le", "surrogatepass")
+    report.check("le même nom est noté", f'Source3="{source}"' in settings, ascii(settings))
+    program.launch("Sauvegarde")
+    report.check("elle finit sans erreur", program.answer("OK").text.startswith(
+        "Sauvegarde terminée sans erreur."))
+    copy = os.path.join(os.fsencode(place.destination), name, b"a.txt")
+    report.check("le fichier est copié sous ce nom", os.path.exists(copy))
+
+
 def all_destinations(place, report):
     """Toutes les destinations changent de lecteur ; sur deux lecteurs, c'est refusé"""
     two_lines(place)
@@ -155,4 +183,4 @@ def chooser(place, report):
     written(place, report, "Source0", drive_path(place.destination))
 
 
-SCENARIOS = (type_paths, row_menu, reset_line, drag_path, all_destinations, chooser)
+SCENARIOS = (type_paths, row_menu, reset_line, drag_path, raw_name, all_destinations, chooser)

@@ -7,7 +7,7 @@ import tempfile
 import time
 
 SIZE = (1280, 900)
-TOOLS = ("Xvfb", "icewm", "dbus-daemon", "xdotool", "xprop", "import")
+TOOLS = ("Xvfb", "icewm", "icesh", "dbus-daemon", "xdotool", "xprop", "import")
 BUS_LAUNCHER = "/usr/libexec/at-spi-bus-launcher"
 
 # Windows alone, with plain frames: no task bar that takes room, no workspaces that keys lead to.
@@ -103,6 +103,23 @@ class Screen:
         answer = subprocess.run(["xdotool", *map(str, arguments)], capture_output=True,
                                 timeout=60, check=False)
         return answer.stdout.decode()
+
+    def find(self, title):
+        """The windows whose title matches, shown or not."""
+        return self.xdotool("search", "--name", title).split()
+
+    @staticmethod
+    def state(window):
+        """What the window manager says of it: "Normal", "Iconic" or nothing."""
+        answer = subprocess.run(["xprop", "-id", window, "WM_STATE"], capture_output=True,
+                                timeout=60, check=False)
+        return answer.stdout.decode(errors="replace")
+
+    @staticmethod
+    def ask_to_close(window):
+        """What a press on the close box of a window's frame does, minimised or not."""
+        subprocess.run(["icesh", "-w", window, "close"], capture_output=True, timeout=60,
+                       check=True)
 
     def keys(self, *names):
         """Presses keys one after the other: "Tab", "alt+s", "Return"..."""

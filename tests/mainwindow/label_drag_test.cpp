@@ -56,6 +56,26 @@ TEST_F(LabelDragTest, APathGoesFromOneRowAndSideToAnother) {
     EXPECT_EQ(right(0), R"(F:\Save)");
 }
 
+TEST_F(LabelDragTest, NoBackupStartsWhileAPathIsDragged) {
+    startWithLine("AutoSave=1\nAutoTime=12:00\n");
+    setClock(2025, 3, 14, 12, 0, 5);
+    row(0).LblS.press();
+    row(0).LblS.drag(true);
+    EXPECT_EQ(tick(), 0);
+    row(1).LblS.drop(text(form->drag.data()));
+    EXPECT_EQ(stored("Source1"), R"(C:\Docs)") << "the drag itself is no obstacle to its end";
+    row(0).LblS.drag(false);
+    EXPECT_EQ(tick(), 1);
+}
+
+TEST_F(LabelDragTest, ADragThatWasGivenUpLetsBackupsStartAgain) {
+    startWithLine("AutoSave=1\nAutoTime=12:00\n");
+    setClock(2025, 3, 14, 12, 0, 5);
+    row(0).LblS.drag(true);
+    row(0).LblS.drag(false);
+    EXPECT_EQ(tick(), 1);
+}
+
 TEST_F(LabelDragTest, OfSeveralFilesTheFirstCounts) {
     startWithLine();
     row(1).LblS.drop(files({R"(C:\One)", R"(C:\Two)"}));

@@ -1,6 +1,7 @@
 #include <gtk/gtk.h>
 #include <wx/stattext.h>
 
+#include "platform/shown_bytes.h"
 #include "platform/wx/accessible.h"
 
 namespace coffrelune {
@@ -10,20 +11,25 @@ AtkObject* readersViewOf(wxWindow& widget) {
     return gtk_widget_get_accessible(widget.GetHandle());
 }
 
+// The bus to the readers ends the program for a text that is no UTF-8.
+void setName(AtkObject* object, const std::string& name) {
+    atk_object_set_name(object, shownBytes(name).c_str());
+}
+
 }  // namespace
 
 void nameForReaders(wxWindow& widget, const std::string& name) {
-    atk_object_set_name(readersViewOf(widget), name.c_str());
+    setName(readersViewOf(widget), name);
     // What takes the focus in a list is inside the part that scrolls.
     if (!GTK_IS_SCROLLED_WINDOW(widget.GetHandle())) return;
     GtkWidget* inside = gtk_bin_get_child(GTK_BIN(widget.GetHandle()));
-    if (inside != nullptr) atk_object_set_name(gtk_widget_get_accessible(inside), name.c_str());
+    if (inside != nullptr) setName(gtk_widget_get_accessible(inside), name);
 }
 
 void presentAsLabel(wxWindow& widget, const std::string& text) {
     AtkObject* object = readersViewOf(widget);
     if (atk_object_get_role(object) != ATK_ROLE_LABEL) atk_object_set_role(object, ATK_ROLE_LABEL);
-    atk_object_set_name(object, text.c_str());
+    setName(object, text);
 }
 
 void presentWindow(wxWindow& window, WindowRole role) {

@@ -15,7 +15,13 @@ enum class TextKind { growing, line, prompt };
 class TextPeer final : public Peer {
   public:
     TextPeer(ViewContext& context, Label& label, wxStaticText& widget, TextKind kind)
-        : Peer(context, label, widget), label_(label), widget_(widget), kind_(kind) {}
+        : Peer(context, label, widget), label_(label), widget_(widget), kind_(kind) {
+        if (kind != TextKind::line) return;
+        widget.Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+            event.Skip();
+            tellWhole();
+        });
+    }
 
   private:
     void show() override {

@@ -3,6 +3,7 @@
 #include <wx/bmpbuttn.h>
 #include <wx/dnd.h>
 #include <wx/hyperlink.h>
+#include <wx/settings.h>
 #include <wx/sizer.h>
 #include <wx/timer.h>
 
@@ -151,6 +152,9 @@ class LinkPeer final : public Peer {
 
   private:
     void show() override {
+        widget_.SetForegroundColour(
+            link_.hovered() ? wxSystemSettings::GetColour(wxSYS_COLOUR_HIGHLIGHT) : wxNullColour);
+        widget_.Refresh();
         const wxString caption = toWx(link_.caption());
         if (caption.empty() || caption == widget_.GetLabel()) return;
         widget_.SetLabel(caption);

@@ -32,7 +32,7 @@ DialogView::~DialogView() {
 void DialogView::bindEvents() {
     Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent& event) {
         model_.closeBox();
-        event.Veto();
+        if (event.CanVeto()) event.Veto();
         wxWakeUpIdle();
     });
     Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {

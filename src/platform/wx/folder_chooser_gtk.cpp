@@ -12,6 +12,14 @@
 namespace coffrelune {
 namespace {
 
+// Asked of the desktop itself: its names are bytes, the toolkit's are text. Takes the string, which
+// may be null.
+std::string takeBytes(gchar* path) {
+    std::string bytes = path == nullptr ? "" : path;
+    g_free(path);
+    return bytes;
+}
+
 // The desktop has choosers for directories and for files, none for either. A list selects its first
 // entry by itself, so one button for both would take that one from whoever means the directory
 // shown: each has its own button.
@@ -50,13 +58,10 @@ class EitherChooser final : public wxDialog {
     GtkFileChooser* chooser() { return GTK_FILE_CHOOSER(files_->GetHandle()); }
     void acceptSelection() { accept(gtk_file_chooser_get_filename(chooser())); }
 
-    // Asked of the desktop itself: its names are bytes, the toolkit's are text. Null when there is
-    // no such place, as among the recent files.
+    // Empty when there is no such place, as among the recent files.
     void accept(gchar* path) {
-        if (path == nullptr) return;
-        chosen_ = path;
-        g_free(path);
-        EndModal(wxID_OK);
+        chosen_ = takeBytes(path);
+        if (!chosen_.empty()) EndModal(wxID_OK);
     }
 
     wxFileCtrl* files_;
@@ -80,7 +85,8 @@ std::string chooseNativeFolder(wxWindow* parent, bool includeFiles, const std::s
     }
     wxDirDialog dialog(parent, toWx(prompt), existing(start),
                        wxDD_DEFAULT_STYLE | wxDD_DIR_MUST_EXIST);
-    return dialog.ShowModal() == wxID_OK ? fromWx(dialog.GetPath()) : std::string();
+    if (dialog.ShowModal() != wxID_OK) return {};
+    return takeBytes(gtk_file_chooser_get_filename(GTK_FILE_CHOOSER(dialog.GetHandle())));
 }
 
 }  // namespace coffrelune

@@ -52,14 +52,16 @@ class LogPeer final : public Peer {
 
     void show() override {
         const std::size_t count = log_.lineCount();
-        if (count < shown_) longest_ = 0;
-        widen(count < shown_ ? 0 : shown_, count);
-        if (count > shown_ && count - shown_ <= fewLines) {
+        const bool others = generation_ != log_.generation();
+        generation_ = log_.generation();
+        if (others) longest_ = 0;
+        widen(others ? 0 : shown_, count);
+        if (!others && count > shown_ && count - shown_ <= fewLines) {
             while (shown_ < count) {
                 model_->RowAppended();
                 ++shown_;
             }
-        } else if (count != shown_) {
+        } else if (others || count != shown_) {
             model_->Reset(static_cast<unsigned int>(count));
             shown_ = count;
         } else {
@@ -69,7 +71,8 @@ class LogPeer final : public Peer {
             widget_.EnsureVisible(model_->GetItem(static_cast<unsigned int>(count - 1)));
     }
 
-    // The column is as wide as its longest line, so that every path can be scrolled into view.
+    // The column is about as wide as its longest line (the one of the most bytes), so that every
+    // path can be scrolled into view.
     void widen(std::size_t from, std::size_t to) {
         std::size_t longest = longest_;
         std::string_view widest;
@@ -104,6 +107,7 @@ class LogPeer final : public Peer {
     Follow follow_;
     LogModel* model_ = nullptr;  // the widget's
     std::size_t shown_ = 0;
+    std::size_t generation_ = 0;
     std::size_t longest_ = 0;  // bytes
 };
 

@@ -50,18 +50,24 @@ MainView::MainView(ViewContext& context, MainForm& form)
 }
 
 MainView::~MainView() {
+    peers_.context.refresher.unwatch(this);
+    peers_.context.refresher.forgetWindow(this);
+}
+
+// The toolkit deletes a frame when nothing of it is under way any more: the form is gone by then.
+void MainView::leaveForm() {
     form_.lines.onRowsChanged = rowsChanged_;
     form_.lineCommands.onPopup = nullptr;
     form_.lineCommands.onMoved = nullptr;
     form_.notices.onChanged = nullptr;
     peers_.context.refresher.unwatch(this);
-    peers_.context.refresher.forgetWindow(this);
 }
 
 void MainView::bindWindow() {
     Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent& event) {
         form_.closeBox();
-        event.Veto();
+        // A window that has closed must not keep the session from ending.
+        if (form_.open() && event.CanVeto()) event.Veto();
         wxWakeUpIdle();
     });
     const auto moved = [this](wxEvent& event) {
@@ -311,11 +317,13 @@ void MainView::run() {
         form_.shown();
     });
     if (form_.open()) {
-        Show();
+        // Giving the focus to what is already shown would bring a minimised window up.
         tabs_->SetFocus();
+        Show();
         loop.Run();
     }
     Hide();
+    leaveForm();
 }
 
 }  // namespace coffrelune

@@ -30,6 +30,7 @@ class MainView final : public wxFrame {
   private:
     void bindWindow();
     void bindForm();
+    void leaveForm();
     void build();
     wxSizer* makeNotices();
     wxSizer* makeHeader();

@@ -164,8 +164,10 @@ void PathView::startDrag() {
     if (label_.path().empty()) return;
     wxTextDataObject text(toWx(label_.path()));
     wxDropSource source(text, this);
+    label_.drag(true);
     // What the target made of the text is its own business: the label keeps its path.
     (void)source.DoDragDrop(wxDrag_CopyOnly);
+    label_.drag(false);
 }
 
 void PathView::copy() const {

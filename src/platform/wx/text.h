@@ -6,8 +6,8 @@
 
 namespace coffrelune {
 
-/// Text as the toolkit wants it. Bytes that are no UTF-8 (a file name may hold any) are shown as
-/// U+FFFD, so that nothing vanishes from the screen.
+/// Text as the toolkit wants it, and back. Bytes that are no UTF-8 (a file name may hold any) pass
+/// as characters of their own: see shown_bytes.h.
 wxString toWx(const std::string& text);
 std::string fromWx(const wxString& text);
 

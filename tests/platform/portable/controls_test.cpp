@@ -138,6 +138,7 @@ TEST(TextLog, StartsAgainAfterClear) {
     EXPECT_EQ(log.text(), "");
     log.append("again");
     EXPECT_EQ(log.line(0), "again");
+    EXPECT_NE(log.generation(), TextLog().generation()) << "the same number of lines, but others";
 }
 
 TEST(TextLog, HoldsAMillionLines) {
