@@ -152,9 +152,9 @@ class LinkPeer final : public Peer {
 
   private:
     void show() override {
+        // Where the desktop draws links itself, its own style answers to the pointer.
         widget_.SetForegroundColour(
-            link_.hovered() ? wxSystemSettings::GetColour(wxSYS_COLOUR_HIGHLIGHT) : wxNullColour);
-        widget_.Refresh();
+            link_.hovered() ? wxSystemSettings::GetColour(wxSYS_COLOUR_BTNTEXT) : wxNullColour);
         const wxString caption = toWx(link_.caption());
         if (caption.empty() || caption == widget_.GetLabel()) return;
         widget_.SetLabel(caption);
