@@ -14,6 +14,9 @@ import tempfile
 import time
 import traceback
 
+# Who starts this in the background may have it ignore Ctrl-C, and the programs would with it.
+signal.signal(signal.SIGINT, signal.default_int_handler)
+
 PATIENCE = 120  # seconds after which a program counts as hung
 # Where the programs see a native directory: the first that holds a path counts.
 DRIVES = [("/", "C:\\")]
