@@ -35,5 +35,9 @@ function(coffrelune_windows_resources target)
       # The entry procedure is main on every system.
       target_link_options(${target} PRIVATE /ENTRY:mainCRTStartup)
     endif()
+  else()
+    # On a terminal server Windows shows other directories and keys to a program that does not say
+    # that it serves several users at once. The other linker says so by itself.
+    target_link_options(${target} PRIVATE LINKER:--tsaware)
   endif()
 endfunction()

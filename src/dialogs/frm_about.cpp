@@ -6,9 +6,9 @@
 namespace coffrelune {
 namespace {
 
-constexpr const char* productTitle = "Coffrelune";
-constexpr const char* comments =
-    "Sauvegarde, restaure et compare des répertoires entre deux disques.";
+// The build gives both to the properties of the program's file too.
+constexpr const char* productTitle = COFFRELUNE_PRODUCT;
+constexpr const char* comments = COFFRELUNE_COMMENTS;
 constexpr const char* notice =
     "Ce logiciel est fourni « en l'état », sans garantie d'aucune sorte. Il est libre, sous "
     "licence "

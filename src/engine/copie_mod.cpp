@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "engine/exclusion_rules.h"
+#include "engine/folded_names.h"
 #include "system/paths.h"
 
 namespace coffrelune {
@@ -82,14 +83,9 @@ Status CopieMod::findSource(const LineRoots& roots, FileEntry& entry) {
 }
 
 bool CopieMod::refuseLine(const LineRoots& roots) {
-    if (!guard_.copyHoldsOriginal()) return false;
-    if (!errors_.namedInLine(roots.source)) {
-        window_.AjouteECTxt("Ligne " + std::to_string(statistics_.currentLine + 1) +
-                            " refusée : la destination " + roots.target +
-                            " contient la source elle-même.");
-    }
-    errors_.countOnceInLine(error_number::invalidParameter, roots.source);
-    return true;
+    const std::string reason = guard_.refusal(roots);
+    if (!reason.empty()) errors_.refuseLine(reason, roots.source);
+    return !reason.empty();
 }
 
 void CopieMod::createTarget(const LineRoots& roots) {
@@ -188,11 +184,18 @@ void CopieMod::sourceNotListed(const Place& place, const Status& status) {
     statistics_.interruptionRequested = true;
 }
 
+// A backup makes no directory links: one that stands in the copy leads to somebody else's files. A
+// restore goes back through the links that the backup has entered.
+LinkRule CopieMod::targetLinks(const Place& place) const {
+    const bool isBackup = roots_.layout == Layout::normal;
+    return isBackup && place.links == LinkRule::enter ? LinkRule::refuse : place.links;
+}
+
 // False when nothing below this place can be written: its target could not be made.
 bool CopieMod::openTarget(const Place& place, std::unique_ptr<Directory>& target) {
     FileService& files = system_.platform.files;
     const Status opened =
-        files.openDirectory(place.destination, place.links, Wanted::nothing, target);
+        files.openDirectory(place.destination, targetLinks(place), Wanted::nothing, target);
     if (opened.ok()) {
         // Once per run and directory is enough: the tree pass meets every one of them.
         // What cannot be removed now stays hidden from every listing until a later run can.
@@ -208,7 +211,7 @@ bool CopieMod::createMissingTarget(const Place& place, std::unique_ptr<Directory
     Status status = copier_.createPath(place.destination, created);
     if (created) ++statistics_.directoriesCreated;
     if (status.ok()) {
-        status = system_.platform.files.openDirectory(place.destination, place.links,
+        status = system_.platform.files.openDirectory(place.destination, targetLinks(place),
                                                       Wanted::nothing, target);
     }
     if (!status.ok()) {
@@ -228,8 +231,10 @@ void CopieMod::showTreeCounts() {
 void CopieMod::walkSubdirectories(const Place& place) {
     std::vector<std::string> names;
     if (!namesOfSubdirectories(place, names)) return;
+    FoldedNames handled;
     for (const std::string& name : names) {
-        walkTree({place.source + name + "\\", place.destination + name + "\\", LinkRule::refuse});
+        if (!handled.add(name) && isTaken(name, place, Wanted::directories)) continue;
+        walkTree({place.source + name + "\\", place.destination + name + "\\", LinkRule::enter});
         window_.runPendingEvents();
         if (stopped()) return;
     }

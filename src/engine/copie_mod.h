@@ -37,7 +37,7 @@ class CopieMod {
     struct Place {
         std::string source;
         std::string destination;
-        LinkRule links = LinkRule::refuse;  // only the roots of a line may be links
+        LinkRule links = LinkRule::enter;  // only the roots of a line are links that are followed
     };
 
     bool comparing() const { return system_.operationKind == OperationKind::comparison; }
@@ -55,11 +55,14 @@ class CopieMod {
     void walkTree(const Place& place);
     bool hasVanished(const Status& status);
     void sourceNotListed(const Place& place, const Status& status);
+    LinkRule targetLinks(const Place& place) const;
     bool openTarget(const Place& place, std::unique_ptr<Directory>& target);
     bool createMissingTarget(const Place& place, std::unique_ptr<Directory>& target);
     void showTreeCounts();
     void walkSubdirectories(const Place& place);
     bool namesOfSubdirectories(const Place& place, std::vector<std::string>& names);
+
+    bool isTaken(const std::string& name, const Place& place, Wanted kind);
 
     void scanDirectory(Directory& files, Directory* target, const Place& place);
     bool keepsSome() const;

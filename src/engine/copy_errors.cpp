@@ -45,6 +45,14 @@ void CopyErrors::countOnceInLine(std::uint32_t number, const std::string& direct
     if (namedInLine_.insert({statistics_.currentLine, path}).second) count(number, path, path);
 }
 
+void CopyErrors::refuseLine(const std::string& reason, const std::string& source) {
+    if (!namedInLine(source)) {
+        window_.AjouteECTxt("Ligne " + std::to_string(statistics_.currentLine + 1) +
+                            " refusée : " + reason);
+    }
+    countOnceInLine(error_number::invalidParameter, source);
+}
+
 bool CopyErrors::namedInLine(const std::string& directory) const {
     return namedInLine_.count({statistics_.currentLine, inOneSpelling(directory)}) != 0;
 }

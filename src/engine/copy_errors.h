@@ -30,6 +30,9 @@ class CopyErrors {
     /// The same, once per line, for a directory that this line cannot write: another line may copy
     /// the same directory to a better place.
     void countOnceInLine(std::uint32_t number, const std::string& directory);
+
+    /// Counts and names a line that must not be run, once whatever the number of passes.
+    void refuseLine(const std::string& reason, const std::string& source);
     bool namedInLine(const std::string& directory) const;
 
   private:

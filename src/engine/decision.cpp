@@ -36,7 +36,9 @@ int compareDates(std::uint64_t source, std::uint64_t destination, bool forgiveHo
 
 Decision decide(const FileEntry& source, const FileEntry* destination,
                 const DecisionOptions& options) {
-    const bool isNew = destination == nullptr;
+    // A directory is no copy of a file, whatever its time: the attempt to write the file fails by
+    // its name, which is how the user learns that it was never saved.
+    const bool isNew = destination == nullptr || destination->isDirectory();
     if (!options.compare) return {true, isNew, isNew ? " à copier" : " à remplacer"};
     if (isNew) return {true, true, " n'existe pas"};
 

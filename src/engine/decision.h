@@ -17,12 +17,12 @@ struct DecisionOptions {
 /// What is to be done with a file, and the words that a comparison gives as the reason.
 struct Decision {
     bool copy = false;
-    bool isNew = false;       // nothing bears the name on the destination
+    bool isNew = false;       // no file or link bears the name on the destination
     std::string_view status;  // begins with a blank; "No" when the file is left alone
 };
 
 /// The one rule of every pass: copy, comparison and the search for excess files all use it.
-/// `destination` is null when the destination has no such entry.
+/// `destination` is null when the destination has no such entry; a directory there counts as none.
 Decision decide(const FileEntry& source, const FileEntry* destination,
                 const DecisionOptions& options);
 

@@ -1,13 +1,49 @@
 // The files of one directory: what each of them is compared with, and what becomes of it.
 #include "engine/copie_mod.h"
 #include "engine/exclusion_rules.h"
+#include "engine/folded_names.h"
 #include "system/paths.h"
+#include "system/text.h"
 
 namespace coffrelune {
+namespace {
+
+// One entry under two names. The identity that a look-up gives is that of a link itself.
+bool isOneEntry(FileService& files, const std::string& a, const std::string& b) {
+    FileEntry first;
+    FileEntry second;
+    if (!files.lookUp(a, LinkRule::refuse, first).ok()) return false;
+    if (!files.lookUp(b, LinkRule::refuse, second).ok()) return false;
+    if (first.id.known() && second.id.known()) return first.id == second.id;
+    const bool known = files.identify(a, first.id).ok() && files.identify(b, second.id).ok();
+    return known && first.id.known() && first.id == second.id;
+}
+
+}  // namespace
+
+// Two names that differ in their case alone are one name to many volumes: the copy of the second
+// would replace that of the first, run after run, and both would count as saved. Asked for names
+// that came up again without their case, which is rare, so the source may be listed once more.
+bool CopieMod::isTaken(const std::string& name, const Place& place, Wanted kind) {
+    FileService& files = system_.platform.files;
+    std::unique_ptr<Directory> listing;
+    if (!files.openDirectory(place.source, place.links, kind, listing).ok()) return false;
+    for (FileEntry other; listing->next(other);) {
+        if (other.name == name || !equalIgnoringCase(other.name, name)) continue;
+        if (!isOneEntry(files, place.destination + other.name, place.destination + name)) continue;
+        errors_.nameOnce(error_number::alreadyExists, place.source + name);
+        return true;
+    }
+    return false;
+}
 
 void CopieMod::scanDirectory(Directory& files, Directory* target, const Place& place) {
+    FoldedNames handled;
     for (FileEntry entry; files.next(entry);) {
-        if (!entry.isDirectory() && !isSystemFile(entry.name)) scanFile(entry, target, place);
+        const bool isWanted = !entry.isDirectory() && !isSystemFile(entry.name);
+        if (isWanted && (handled.add(entry.name) || !isTaken(entry.name, place, Wanted::files))) {
+            scanFile(entry, target, place);
+        }
         window_.runPendingEvents();
         if (stopped()) return;
     }
@@ -24,7 +60,7 @@ bool CopieMod::keepsSome() const {
 
 void CopieMod::scanFile(const FileEntry& entry, Directory* target, const Place& place) {
     // Listed, but not to be looked at: its age is unknown, and no rule may take it for up to date.
-    if (entry.times.lastWrite == 0 && !entry.id.known()) {
+    if (entry.unreadable) {
         errors_.nameOnce(error_number::accessDenied, place.source + entry.name);
         return;
     }

@@ -35,7 +35,8 @@ ExcessWalk::ExcessWalk(SystemMod& system, RunStatistics& statistics, OperationWi
 
 void ExcessWalk::cleanLine(const LineRoots& roots, const std::vector<LineRoots>& others) {
     guard_.watch(roots);
-    if (guard_.copyHoldsOriginal()) return;  // refused and named by the tree pass
+    const std::string reason = guard_.refusal(roots);
+    if (!reason.empty()) return errors_.refuseLine(reason, roots.source);
     const LineRoots swapped = CheminsExcedents(roots);
     statistics_.analysisPass = true;
     statistics_.windowsDirectory = system_.platform.drives.windowsDirectory();
@@ -219,6 +220,7 @@ bool ExcessWalk::isExcess(const FileEntry& entry, Directory* reference, const Pl
             return false;
         }
     }
+    if (entry.unreadable) return false;  // of unknown age
     // What the copy pass would leave alone must not be deleted either: with `RecentSeul` a newer
     // file of the copy is kept by both.
     return decide(entry, &counterpart, decision_).copy &&

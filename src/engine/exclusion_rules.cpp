@@ -23,22 +23,40 @@ bool contains(const List& list, std::string_view text) {
     return std::find(list.begin(), list.end(), text) != list.end();
 }
 
-// The entries that the exclusions dialog makes begin with a backslash ("\Tmp") unless the source is
-// a drive root: joined with exactly one backslash, both kinds name the directory that was chosen.
-bool isListed(const std::string& path, const std::string& root, const ExclusionList& list) {
-    return std::any_of(list.directories.begin(), list.directories.end(),
-                       [&](const std::string& entry) { return joinPath(root, entry) == path; });
+// How a directory is compared with what the line leaves out.
+using Equal = bool (*)(std::string_view, std::string_view);
+
+bool equalExactly(std::string_view a, std::string_view b) {
+    return a == b;
 }
 
-bool isLeftOut(const std::string& path, const std::string& root, const ExclusionList& list) {
+// The entries that the exclusions dialog makes begin with a backslash ("\Tmp") unless the source is
+// a drive root: joined with exactly one backslash, both kinds name the directory that was chosen.
+bool isListed(const std::string& path, const std::string& root, const ExclusionList& list,
+              Equal equal) {
+    return std::any_of(
+        list.directories.begin(), list.directories.end(),
+        [&](const std::string& entry) { return equal(joinPath(root, entry), path); });
+}
+
+bool isLeftOut(const std::string& path, const std::string& root, const ExclusionList& list,
+               Equal equal) {
     switch (list.mode) {
         case 1:
             return true;
         case 2:
-            return isListed(path, root, list);
+            return isListed(path, root, list, equal);
         default:
             return false;
     }
+}
+
+bool isExcluded(const std::string& parent, const std::string& name, const RunStatistics& statistics,
+                Equal equal) {
+    if (contains(systemFolders, name)) return true;
+    const std::string path = parent + name;
+    return equal(path, statistics.windowsDirectory) ||
+           isLeftOut(path, statistics.lineSourceRoot, statistics.exclusions, equal);
 }
 
 }  // namespace
@@ -51,16 +69,14 @@ bool isSystemFile(const std::string& name) {
 
 bool isExcludedDirectory(const std::string& parent, const std::string& name,
                          const RunStatistics& statistics) {
-    if (contains(systemFolders, name)) return true;
-    const std::string path = parent + name;
-    if (path == statistics.windowsDirectory) return true;
-    return isLeftOut(path, statistics.lineSourceRoot, statistics.exclusions);
+    return isExcluded(parent, name, statistics, equalExactly);
 }
 
 bool isExcludedFromDeletion(const std::string& parent, const std::string& name,
                             const RunStatistics& statistics) {
-    return isExcludedDirectory(parent, name, statistics) ||
-           isLeftOut(parent + name, statistics.lineSourceRoot, statistics.ownExclusions);
+    return isExcluded(parent, name, statistics, equalIgnoringCase) ||
+           isLeftOut(parent + name, statistics.lineSourceRoot, statistics.ownExclusions,
+                     equalIgnoringCase);
 }
 
 bool isSpecialFolder(const std::string& path) {

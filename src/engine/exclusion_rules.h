@@ -16,7 +16,9 @@ bool isExcludedDirectory(const std::string& parent, const std::string& name,
                          const RunStatistics& statistics);
 
 /// The same for the deletion walk, which leaves out besides what the current line itself leaves
-/// out: a restore would otherwise empty folders that were never backed up.
+/// out: a restore would otherwise empty folders that were never backed up. The list and the
+/// system's own directory are compared in any case here: the copy of a directory may spell its name
+/// in another one than the original, and to keep a file too many does no harm.
 bool isExcludedFromDeletion(const std::string& parent, const std::string& name,
                             const RunStatistics& statistics);
 

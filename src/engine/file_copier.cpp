@@ -47,18 +47,17 @@ Status FileCopier::createPath(const std::string& path, bool& created) {
     const std::string whole = withTrailingBackslash(path);
     Status failure;
     created = false;
-    // The first component of a network path is its share. An empty component ends the path.
-    std::size_t end = volumeOf(whole).size();
-    if (end > 0 && whole[end - 1] == '\\') --end;
-    while (end != std::string::npos && end < whole.size()) {
+    // A drive or a share is not made: the system's refusal (5) would pass for the reason why a
+    // level below it could not be. An empty component ends the path.
+    std::size_t start = withTrailingBackslash(volumeOf(whole)).size();
+    for (std::size_t end = whole.find('\\', start); end != std::string::npos && end != start;
+         end = whole.find('\\', start)) {
         const Status level = files.createDirectory(whole.substr(0, end));
         created = level.ok();
         if (!level.ok() && level.code() != error_number::alreadyExists && failure.ok()) {
             failure = level;
         }
-        const std::size_t next = end + 1;
-        end = whole.find('\\', next);
-        if (end == next) break;
+        start = end + 1;
     }
     std::unique_ptr<Directory> directory;
     const Status opened = files.openDirectory(path, LinkRule::follow, Wanted::nothing, directory);

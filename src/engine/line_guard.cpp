@@ -1,5 +1,6 @@
 #include "engine/line_guard.h"
 
+#include "platform/core_path.h"
 #include "system/paths.h"
 
 namespace coffrelune {
@@ -21,6 +22,23 @@ void LineGuard::watch(const LineRoots& roots) {
     copyHoldsOriginal_ =
         isBelow(original, files_.resolve(roots.copy())) ||
         (files_.identify(roots.copy(), copy).ok() && anyAncestorIs(original, copy));
+}
+
+bool LineGuard::copyHasNoPlace(const LineRoots& roots) {
+    const std::string& copy = roots.copy();
+    const std::string name = splitPath(copy).last;
+    if (name.empty() || name == "." || name == ".." || inPlainSpelling(copy) != copy) return true;
+    // A line that is read backwards no longer bears its destination; the name alone must do there.
+    return roots.layout == Layout::normal &&
+           (isBelow(roots.destination, copy) || !isBelow(copy, roots.destination));
+}
+
+std::string LineGuard::refusal(const LineRoots& roots) const {
+    if (copyHasNoPlace(roots)) {
+        return "la copie " + roots.copy() + " ne serait pas à l'intérieur de la destination.";
+    }
+    if (!copyHoldsOriginal_) return {};
+    return "la destination " + roots.target + " contient la source elle-même.";
 }
 
 // One place may be mounted under two paths, which no text tells: the identities do.

@@ -21,6 +21,14 @@ class LineGuard {
     /// original is allowed, both ways.
     bool copyHoldsOriginal() const { return copyHoldsOriginal_; }
 
+    /// True when the line's copy would not lie strictly below the line's destination: in the
+    /// destination itself or beside it are the files of others, which a copy would write over and
+    /// the deletion of excess files would delete.
+    static bool copyHasNoPlace(const LineRoots& roots);
+
+    /// Why the line must not be run, for the user; empty when nothing speaks against it.
+    std::string refusal(const LineRoots& roots) const;
+
     /// True when the directory `path`, listed as `entry`, is the line's own target.
     bool isTarget(const std::string& path, const FileEntry& entry) const;
 

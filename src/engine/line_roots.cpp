@@ -1,14 +1,16 @@
 #include "engine/line_roots.h"
 
+#include "platform/core_path.h"
 #include "system/paths.h"
 
 namespace coffrelune {
 namespace {
 
 // "E:" alone would be the current directory of that drive to some systems: a line means its root.
-// Of several trailing backslashes one counts, or the last component would be an empty one and the
-// copy would lie in the destination itself, among those of other lines.
-std::string inFull(std::string path) {
+// With a last component that is empty, "." or ".." the copy would be the destination itself or lie
+// beside it, among the files of others: whoever wrote the path, it is read in its plain spelling.
+std::string inFull(const std::string& text) {
+    std::string path = inPlainSpelling(text);
     while (path.size() > 2 && path.ends_with(R"(\\)")) path.pop_back();
     return path.size() == 2 && path[1] == ':' ? path + "\\" : path;
 }

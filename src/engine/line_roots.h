@@ -22,7 +22,8 @@ struct LineRoots {
 
 /// Normal: C:\Data\Docs with F:\Save is read from C:\Data\Docs and written to F:\Save\Docs; the
 /// drive root E:\ is written to F:\Save\E. Reversed: exactly the other way round, and only the
-/// target's drive or share must exist, since a lost disk is what backups are for.
+/// target's drive or share must exist, since a lost disk is what backups are for. "." and "..", "/"
+/// and doubled backslashes are resolved first, wherever the two texts come from.
 LineRoots lineRoots(const std::string& source, const std::string& destination, Layout layout);
 
 /// The name under which a line's source lies in its destination: its last component, or the letter

@@ -110,8 +110,14 @@ void Copie::analyseLines() {
     for (int line = 0; line < host_.lineCount() && !statistics_.interruptionRequested; ++line) {
         if (!takesPart(line)) continue;
         walkLine(line, true);
-        if (backsUp() && !statistics_.interruptionRequested && nothingToCopy(line)) {
-            UnfinishedCopies(system_).remove(rootsOfLine(system_, line).copy());
+        if (!backsUp()) continue;
+        UnfinishedCopies unfinished(system_);
+        const std::string copy = rootsOfLine(system_, line).copy();
+        // What could not be read is not in the copy, whether or not there is something else to do.
+        if (hasErrors(line)) {
+            unfinished.add(copy);
+        } else if (!statistics_.interruptionRequested && nothingToCopy(line)) {
+            unfinished.remove(copy);
         }
     }
 }

@@ -40,7 +40,8 @@ struct FileEntry {
     std::uint32_t attributes = 0;
     std::uint64_t size = 0;  // bytes; for a link the length of its text
     FileTimes times;
-    FileId id;  // may be unknown where a listing does not give it
+    FileId id;                // may be unknown where a listing does not give it
+    bool unreadable = false;  // listed by its name alone: size and times are not known
 
     bool isDirectory() const { return (attributes & attribute::directory) != 0; }
     bool isReadOnly() const { return (attributes & attribute::readOnly) != 0; }

@@ -13,6 +13,8 @@ namespace coffrelune {
 enum class LinkRule {
     follow,  // the link's target is meant: for the root of a line, which the user chose
     refuse,  // the link itself is meant, or refused: for everything below a root
+    enter,   // refuse, but for a directory link that the system takes for a part of the tree that
+             // is read (Windows): its directory is meant, unless it leads back to where it stands
 };
 
 /// Which entries a listing gives. Leaving the others out spares the system a call per entry.
@@ -35,7 +37,8 @@ class Directory {
     virtual const Status& status() const = 0;
 
     /// Looks `name` (one component) up in this directory without following a link. False when there
-    /// is no such entry or it cannot be read. Sees every write made before the call.
+    /// is no such entry or it cannot be read. Sees every write that this service made before the
+    /// call; what others write while the directory is open may be missed.
     virtual bool lookUp(const std::string& name, FileEntry& entry) = 0;
 };
 

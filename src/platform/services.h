@@ -23,7 +23,7 @@ class DriveService {
 
     /// Turns what a person typed, dropped or chose into the core's form, once, where it enters. On
     /// Linux "/media/cle/Photos" gives "F:\Photos" when that volume is F:, else "C:\media\...".
-    /// A text that already has the core's form comes back as it is.
+    /// A text that already has the core's form comes back in its plain spelling (core_path.h).
     virtual std::string fromNative(const std::string& typed) = 0;
 
     /// The same of a text that entered through a window. Nobody stands in a directory there: what

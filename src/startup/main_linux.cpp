@@ -54,7 +54,9 @@ class Program {
 
     WxServices wxServices() {
         constexpr int allFiles = 2;  // programs bear no extension here
-        return {posix_.clock(), desktop_.desktop().driveInformation,
+        return {posix_.files(),
+                posix_.clock(),
+                desktop_.desktop().driveInformation,
                 [this](const std::string& path) { return toNative(path); },
                 [this](const std::string& path) { return posix_.drives().fromNative(path); },
                 allFiles};

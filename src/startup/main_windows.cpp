@@ -1,21 +1,19 @@
 // The desktop program on Windows.
+#include <iostream>
+
 #include "mainwindow/main_form.h"
 #include "platform/native/native_platform.h"
 #include "platform/win32/desktop/win32_desktop.h"
 #include "platform/win32/program_place.h"
 #include "platform/wx/wx_program.h"
+#include "startup/raw_command_line.h"
 #include "startup/startup.h"
 
 namespace coffrelune {
 namespace {
 
-// The arguments as one text, as the command-line rules expect them; quotes round a name with blanks
-// are no part of it.
-std::string commandLineText(const std::vector<std::string>& arguments) {
-    std::string text;
-    for (std::size_t i = 1; i < arguments.size(); ++i) text += (i > 1 ? " " : "") + arguments[i];
-    return text;
-}
+constexpr int allPrograms = 0;     // the first filter of the file chooser: programs bear ".exe"
+constexpr int noticeSeconds = 30;  // a window program has no stderr that anybody reads
 
 ExitStatus run(const std::string& commandLine) {
     const auto samePath = [](const std::string& path) { return path; };
@@ -23,9 +21,13 @@ ExitStatus run(const std::string& commandLine) {
     Win32Desktop services;
     Desktop desktop = services.desktop();
     WxProgram toolkit(
-        {native.clock(), desktop.driveInformation, samePath,
-         [&native](const std::string& path) { return native.drives().fromNative(path); }});
-    if (!toolkit.start()) return ExitStatus::interrupted;
+        {native.files(), native.clock(), desktop.driveInformation, samePath,
+         [&native](const std::string& path) { return native.drives().fromNative(path); },
+         allPrograms, noticeSeconds});
+    if (!toolkit.start()) {
+        std::cerr << "Aucun affichage n'est disponible : utilisez coffrelune-console.\n";
+        return ExitStatus::wrongUse;
+    }
     Platform platform{native.files(), native.drives(),   native.clock(),   native.locale(),
                       native.ansi(),  services.sounds(), toolkit.windows()};
     SystemMod system(platform, {commandLine, settingsDirectory(), COFFRELUNE_VERSION_MAJOR,
@@ -33,13 +35,14 @@ ExitStatus run(const std::string& commandLine) {
     if (!startUp(system, native.guard())) return ExitStatus::interrupted;
     MainForm form(system, desktop);
     platform.windows.showModal(form);
-    return form.autoStatus().value_or(ExitStatus::clean);
+    const bool interrupted = toolkit.interruptedBySession();
+    return form.autoStatus().value_or(interrupted ? ExitStatus::interrupted : ExitStatus::clean);
 }
 
 }  // namespace
 }  // namespace coffrelune
 
-int main(int count, char** values) {
+int main() {
     using namespace coffrelune;
-    return static_cast<int>(run(commandLineText(programArguments(count, values))));
+    return static_cast<int>(run(argumentText(rawCommandLine())));
 }

@@ -132,6 +132,7 @@ TEST_P(LinkListingContract, EntersALinkOnlyWhenAskedTo) {
     make("Sous\\a.txt", "");
     system().makeLink(at("lien"), "Sous");
     EXPECT_EQ(openCode(at("lien"), LinkRule::refuse), error_number::notADirectory);
+    EXPECT_EQ(openCode(at("lien"), LinkRule::enter), error_number::notADirectory);
 
     const auto opened = open(at("lien"), LinkRule::follow);
     FileEntry found;

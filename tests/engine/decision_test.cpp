@@ -110,6 +110,25 @@ TEST(Decision, CopiesWhatTheDestinationLacks) {
     expectCopied(decide(file(noon), nullptr, {true, true, true}), " n'existe pas", true);
 }
 
+TEST(Decision, TakesADirectoryForNoCopyOfAFile) {
+    const FileEntry directory = file(noon, 0, attribute::directory);
+    for (const bool newerOnly : {false, true}) {
+        expectCopied(decide(file(noon), &directory, {true, newerOnly, true}), " n'existe pas",
+                     true);
+        expectCopied(decide(file(noon - 1), &directory, {true, newerOnly, true}), " n'existe pas",
+                     true);
+    }
+    expectCopied(decide(file(noon), &directory, {false, false, false}), " à copier", true);
+}
+
+// A volume that holds no links has the content of a link's target under its name.
+TEST(Decision, TakesALinkAndAFileOfTheSameTimeForCopiesOfEachOther) {
+    const FileEntry link = file(noon, 5, attribute::link);
+    const FileEntry plain = file(noon);
+    expectLeft(decide(link, &plain, {}));
+    expectLeft(decide(plain, &link, {}));
+}
+
 TEST(Decision, LeavesEqualFilesAlone) {
     expectLeft(between(noon, noon, {}));
     expectLeft(between(noon, noon, {true, true, true}));

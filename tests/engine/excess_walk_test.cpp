@@ -194,6 +194,47 @@ TEST_F(ExcessFiles, WhatTheLineItselfLeavesOutIsNotEntered) {
     EXPECT_TRUE(kept("C:\\Docs\\Sub\\precious.txt"));
 }
 
+// The copy may have been made when the directory was spelled otherwise, or by another system.
+TEST_F(ExcessFiles, WhatTheLineLeavesOutIsNotEnteredInAnotherCaseEither) {
+    pair("a.txt");
+    disk().file("F:\\Save\\Docs\\TMP\\precious.txt", "no longer backed up");
+    disk().file("F:\\Save\\Docs\\été\\precious.txt", "no longer backed up");
+    disk().file("F:\\Save\\Docs\\Sub\\gone.txt", "x");
+    statistics.ownExclusions = {2, {"\\Tmp"}};
+    statistics.exclusions = {2, {"\\Été"}};
+    clean();
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\TMP\\precious.txt"));
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\été\\precious.txt"));
+    EXPECT_FALSE(kept("F:\\Save\\Docs\\Sub\\gone.txt"));
+}
+
+TEST_F(ExcessFiles, TheSystemsDirectoryIsNotEnteredHoweverItIsSpelled) {
+    memory.drives().setWindowsDirectory("C:\\WINDOWS");
+    disk().file("C:\\Windows\\system.dll", "live");
+    disk().file("C:\\a.txt", "a");
+    disk().file("F:\\Save\\C\\a.txt", "a");
+    clean(lineRoots("C:\\", "F:\\Save", Layout::reversed));
+    EXPECT_TRUE(kept("C:\\Windows\\system.dll"));
+}
+
+TEST_F(ExcessFiles, AFileOfUnknownAgeStaysWhereItHasACounterpart) {
+    pair("same.txt");
+    pair("a.txt");
+    disk().find("F:\\Save\\Docs\\a.txt")->nameAlone = true;
+    disk().file("F:\\Save\\Docs\\gone.txt", "x");
+    clean();
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\a.txt"));
+    EXPECT_FALSE(kept("F:\\Save\\Docs\\gone.txt"));
+}
+
+TEST_F(ExcessFiles, AFileWhoseCounterpartBecameADirectoryStays) {
+    pair("a.txt");
+    disk().file("F:\\Save\\Docs\\x", "the last of it");
+    disk().directory("C:\\Docs\\x");
+    clean();
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\x"));
+}
+
 TEST_F(ExcessFiles, TheListLeftOverFromTheLastLineHoldsToo) {
     pair("a.txt");
     disk().file("F:\\Save\\Docs\\Old\\x.txt", "x");

@@ -83,6 +83,18 @@ TEST(ExcludedDirectories, AreNoneForAnEmptyListOrEntry) {
     EXPECT_FALSE(isExcludedDirectory("C:\\Data\\", "Photos", rules(2, {""})));
 }
 
+TEST(DirectoriesKeptFromDeletion, AreThoseLeftOutInAnyCase) {
+    RunStatistics statistics = rules(2, {"\\Tmp", "Été"});
+    statistics.ownExclusions = {2, {"Docs\\Brouillons"}};
+    EXPECT_TRUE(isExcludedFromDeletion("C:\\Data\\", "TMP", statistics));
+    EXPECT_TRUE(isExcludedFromDeletion("C:\\Data\\", "éTÉ", statistics));
+    EXPECT_TRUE(isExcludedFromDeletion("C:\\Data\\docs\\", "BROUILLONS", statistics));
+    EXPECT_TRUE(isExcludedFromDeletion("c:\\", "Windows", statistics));
+    EXPECT_FALSE(isExcludedFromDeletion("C:\\Data\\", "Tmp2", statistics));
+    EXPECT_FALSE(isExcludedFromDeletion("C:\\Data\\Docs\\", "Tmp", statistics));
+    EXPECT_FALSE(isExcludedDirectory("C:\\Data\\", "TMP", statistics)) << "the copy is exact";
+}
+
 TEST(SpecialFolders, AreTheThreeOfWindowsInTheirExactCase) {
     EXPECT_TRUE(isSpecialFolder("C:\\Docs\\Ma musique"));
     EXPECT_TRUE(isSpecialFolder("C:\\Docs\\Mes images\\"));

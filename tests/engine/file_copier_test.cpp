@@ -168,10 +168,9 @@ TEST_F(FileCopierTest, IsToldNothingByASystemThatCannot) {
 
 TEST_F(FileCopierTest, CreatesEveryMissingLevel) {
     EXPECT_TRUE(make("F:\\Save\\Docs\\Mai"));
-    EXPECT_THAT(
-        memory.files().calls("createDirectory"),
-        ElementsAre("createDirectory F:", "createDirectory F:\\Save",
-                    "createDirectory F:\\Save\\Docs", "createDirectory F:\\Save\\Docs\\Mai"));
+    EXPECT_THAT(memory.files().calls("createDirectory"),
+                ElementsAre("createDirectory F:\\Save", "createDirectory F:\\Save\\Docs",
+                            "createDirectory F:\\Save\\Docs\\Mai"));
     EXPECT_TRUE(disk().exists("F:\\Save\\Docs\\Mai"));
 }
 
@@ -187,10 +186,9 @@ TEST_F(FileCopierTest, StartsBelowTheShareOfANetworkPath) {
     disk().volume("\\\\nas\\photos");
     EXPECT_TRUE(make("\\\\nas\\photos\\Save\\Docs"));
     EXPECT_TRUE(disk().exists("\\\\nas\\photos\\Save\\Docs"));
-    EXPECT_THAT(
-        memory.files().calls("createDirectory"),
-        ElementsAre("createDirectory \\\\nas\\photos", "createDirectory \\\\nas\\photos\\Save",
-                    "createDirectory \\\\nas\\photos\\Save\\Docs"));
+    EXPECT_THAT(memory.files().calls("createDirectory"),
+                ElementsAre("createDirectory \\\\nas\\photos\\Save",
+                            "createDirectory \\\\nas\\photos\\Save\\Docs"));
 }
 
 TEST_F(FileCopierTest, StopsAtAnEmptyComponent) {
@@ -202,8 +200,9 @@ TEST_F(FileCopierTest, StopsAtAnEmptyComponent) {
 
 TEST_F(FileCopierTest, SucceedsThoughALevelCannotBeMadeThatIsThere) {
     disk().directory("F:\\Save");
-    faulty.fail("createDirectory", "F:", error_number::accessDenied);
+    faulty.fail("createDirectory", "F:\\Save", error_number::accessDenied);
     EXPECT_TRUE(make("F:\\Save\\Docs"));
+    EXPECT_EQ(faulty.failureCount(), 1U);
 }
 
 TEST_F(FileCopierTest, TellsWhyADirectoryCouldNotBeMade) {
@@ -212,6 +211,22 @@ TEST_F(FileCopierTest, TellsWhyADirectoryCouldNotBeMade) {
     EXPECT_EQ(copier.createPath("F:\\Save\\Docs", created).code(), error_number::writeProtect);
     EXPECT_FALSE(created);
     EXPECT_EQ(copier.createPath("G:\\Save", created).code(), error_number::pathNotFound);
+}
+
+// Systems refuse to make a root with a number of their own.
+TEST_F(FileCopierTest, AsksForNoRootSoThatItsRefusalHidesNothing) {
+    for (const char* root : {"F:", "F:\\", "\\\\nas\\photos", "\\\\nas\\photos\\"}) {
+        faulty.fail("createDirectory", root, error_number::accessDenied);
+    }
+    disk().volume("F:\\").writeProtected = true;
+    disk().volume("\\\\nas\\photos").writeProtected = true;
+    bool created = true;
+    for (const char* path : {"F:\\Save", "F:\\Save\\Docs\\", "\\\\nas\\photos\\Docs"}) {
+        EXPECT_EQ(copier.createPath(path, created).code(), error_number::writeProtect) << path;
+        EXPECT_FALSE(created);
+    }
+    for (const char* path : {"F:\\", "\\\\nas\\photos"}) EXPECT_FALSE(make(path)) << path;
+    EXPECT_EQ(faulty.failureCount(), 0U);
 }
 
 TEST_F(FileCopierTest, FailsWhereAFileBearsTheName) {

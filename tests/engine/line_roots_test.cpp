@@ -59,6 +59,26 @@ TEST(LineRoots, NeverMakeTheDestinationItselfTheTarget) {
     EXPECT_EQ(normal("Docs", "F:\\Save").target, "F:\\Save\\Docs");
 }
 
+TEST(LineRoots, AreTheSameHoweverTheLineSpellsItsPlaces) {
+    for (const char* source : {R"(E:\Docs\.)", R"(E:\Docs\Mai\..)", R"(E:\.\Docs)", "E:/Docs",
+                               R"(E:\\Docs\\.)", R"(E:\..\Docs)", R"(\\?\E:\Docs)"}) {
+        for (const char* destination :
+             {R"(F:\Save)", R"(F:\Save\.)", "F:/Save", R"(F:\\Save)", R"(F:\Autre\..\Save)"}) {
+            expectRoots(normal(source, destination), R"(E:\Docs)", R"(F:\Save)", R"(F:\Save\Docs)");
+            expectRoots(reversed(source, destination), R"(F:\Save\Docs)", "E:\\", R"(E:\Docs)");
+        }
+    }
+    for (const char* source : {R"(E:\.)", R"(E:\Docs\..)", R"(E:\..)", "E:/", R"(E:\\.\)"}) {
+        expectRoots(normal(source, R"(F:\..)"), "E:\\", "F:\\", R"(F:\E)");
+    }
+    EXPECT_EQ(normal(R"(\\nas\photos\..)", "F:").target, R"(F:\photos)");
+}
+
+TEST(LineRoots, KeepTheBlanksOfNames) {
+    expectRoots(normal(R"(C:\ Docs \a. )", R"(F:\Save )"), R"(C:\ Docs \a. )", R"(F:\Save )",
+                R"(F:\Save \a. )");
+}
+
 TEST(LineRoots, LeadBackToTheVerySourceWhenReversed) {
     expectRoots(reversed("C:\\Data\\Docs", "F:\\Save"), "F:\\Save\\Docs", "C:\\", "C:\\Data\\Docs");
     expectRoots(reversed("E:\\", "F:\\Save"), "F:\\Save\\E", "E:\\", "E:\\");

@@ -124,6 +124,50 @@ TEST_F(Scan, CountsTheSameInTheAnalysis) {
     EXPECT_EQ(statistics.filesToCopy, 0);
 }
 
+// A directory in the way is no copy: whatever its time says, the file must not pass for saved.
+TEST_F(Scan, CountsAFileWhoseNameADirectoryBearsOnTheDestination) {
+    system.options.ContinueOnError = -1;
+    for (const bool newerOnly : {false, true}) {
+        system.options.RecentSeul = newerOnly ? -1 : 0;
+        for (const bool keepExisting : {false, true}) {
+            EngineBench bench;
+            bench.system.options = system.options;
+            bench.statistics.keepExisting = keepExisting;
+            bench.disk().file("C:\\Docs\\a", "new", old);
+            bench.disk().directory("F:\\Docs\\a", old);
+            bench.run("C:\\Docs", "F:\\");
+            EXPECT_EQ(bench.statistics.errorCount, 1);
+            EXPECT_THAT(bench.window.journal, ElementsAre("Erreur: 5 - Fichier: C:\\Docs\\a"));
+            EXPECT_GT(bench.statistics.tallies[0].filesToCopy, 0);
+            EXPECT_TRUE(bench.disk().find("F:\\Docs\\a")->isDirectory());
+        }
+    }
+}
+
+TEST_F(Scan, ListsAFileWhoseNameADirectoryBearsOnTheDestination) {
+    disk().file("C:\\Docs\\plus", "new", old);
+    disk().directory("F:\\Docs\\plus", old);
+    EXPECT_EQ(compare().back(), "F:\\Docs\\plus n'existe pas");
+}
+
+// Entries of some volumes have no date, and some systems then say 0.
+TEST_F(Engine, CopiesAFileWithoutADate) {
+    disk().file("C:\\Docs\\a", "x", 0).id = {};
+    run("C:\\Docs", "F:\\");
+    EXPECT_EQ(disk().content("F:\\Docs\\a"), "x");
+    EXPECT_EQ(statistics.errorCount, 0);
+}
+
+TEST_F(Engine, NamesOnceAFileThatTheListingCouldNotLookAt) {
+    disk().file("C:\\Docs\\a", "new", old + 1).nameAlone = true;
+    disk().file("C:\\Docs\\b", "x");
+    disk().file("F:\\Docs\\a", "old", old);
+    run("C:\\Docs", "F:\\");
+    EXPECT_THAT(window.journal, ElementsAre("Erreur: 5 - Fichier: C:\\Docs\\a"));
+    EXPECT_EQ(disk().content("F:\\Docs\\a"), "old");
+    EXPECT_EQ(disk().content("F:\\Docs\\b"), "x");
+}
+
 TEST_F(Scan, HasNothingLeftAfterARun) {
     run("C:\\Docs", "F:\\");
     statistics.totalBytes = 0;

@@ -31,6 +31,21 @@ TEST_F(Restore, OfAnEmptiedSourceGivesBackTheSameTree) {
     EXPECT_FALSE(disk().exists(R"(C:\Docs\Docs)"));
 }
 
+// An error of the analysis counts too: nothing else may have been left to copy.
+TEST_F(Restore, DeletesNoFileThatTheBackupCouldNotRead) {
+    system.AutoMode = true;
+    system.options.ContinueOnError = -1;
+    selectOnly({0});
+    backUp();
+    disk().file(R"(C:\Docs\secret.txt)", "never saved").nameAlone = true;
+    backUp();
+    EXPECT_EQ(statistics.errorCount, 1);
+    disk().find(R"(C:\Docs\secret.txt)")->nameAlone = false;
+    system.options.SynchroCopie = -1;
+    restore();
+    EXPECT_EQ(disk().content(R"(C:\Docs\secret.txt)"), "never saved");
+}
+
 TEST_F(Restore, MakesTheDirectoriesAboveAgain) {
     system.sources[0] = R"(C:\Far\Away\Docs)";
     disk().file(R"(C:\Far\Away\Docs\x.txt)", "x");

@@ -10,6 +10,7 @@ from wine_place import ROOT
 OBJDUMP = "x86_64-w64-mingw32-objdump"
 LARGEST = 8 * 1024 * 1024  # bytes
 CONSOLE, WINDOWS = 3, 2  # the subsystems of a program
+TERMINAL_SERVER_AWARE = 0x8000
 
 # Libraries that every Windows 10 has in its system directory.
 SYSTEM_LIBRARIES = {
@@ -49,6 +50,9 @@ def check_program(name, subsystem, directory, report):
     report.check(f"{name}.exe fait moins de 8 Mo", size < LARGEST, f"{size} octets")
     report.check(f"{name}.exe a le bon sous-système",
                  re.search(rf"^Subsystem\s+0*{subsystem}\b", text, re.M), text[:3000])
+    marks = re.search(r"^DllCharacteristics\s+([0-9a-f]+)", text, re.M)
+    report.check(f"{name}.exe est prévu pour un serveur à plusieurs utilisateurs",
+                 marks and int(marks.group(1), 16) & TERMINAL_SERVER_AWARE, text[:3000])
     with open(path, "rb") as file:
         data = file.read()
     for wanted in (b"Microsoft.Windows.Common-Controls", b"asInvoker", b"PerMonitorV2",

@@ -10,6 +10,9 @@
 //   window_driver tab TITLE INDEX        shows a tab
 //   window_driver pick TITLE INDEX       selects an entry of the window's first list
 //   window_driver close TITLE            the close box
+//   window_driver session TITLE          asks whether the session may end, and prints the answer
+//   window_driver ends TITLE             tells that it ends now
+//   window_driver goes-on TITLE          tells that it does not end
 //   window_driver stay                   starts the desktop, says so, stays until ended
 // Exit status 0 when it was done, 1 when there was nothing to do it to.
 #include <windows.h>
@@ -184,14 +187,36 @@ bool pick(HWND window, int index) {
                         reinterpret_cast<LPARAM>(list)) != 0;
 }
 
+// The system asks every window; each speaks for its program.
+bool askSession(HWND window) {
+    DWORD_PTR answer = 0;
+    if (SendMessageTimeoutW(window, WM_QUERYENDSESSION, 0, 0, SMTO_NORMAL, patience, &answer) == 0)
+        return false;
+    std::printf("%d\n", static_cast<int>(answer));
+    return true;
+}
+
+bool tellSession(HWND window, bool ends) {
+    return SendMessageTimeoutW(window, WM_ENDSESSION, ends ? TRUE : FALSE, 0, SMTO_NORMAL, patience,
+                               nullptr) != 0;
+}
+
 bool act(HWND window, const std::wstring& command, const std::vector<std::wstring>& rest) {
     if (command == L"texts") return print(window);
     if (command == L"close") return PostMessageW(window, WM_CLOSE, 0, 0) != 0;
+    if (command == L"session") return askSession(window);
+    if (command == L"ends" || command == L"goes-on") return tellSession(window, command == L"ends");
     if (command == L"press" && rest.size() == 1) return press(window, rest[0]);
     if (command == L"tab" && rest.size() == 1) return showTab(window, std::stoi(rest[0]));
     if (command == L"pick" && rest.size() == 1) return pick(window, std::stoi(rest[0]));
     if (command == L"type" && rest.size() == 2) return type(window, std::stoi(rest[0]), rest[1]);
     return false;
+}
+
+// What a user does needs the window in front; the others come from the system, whatever is there.
+bool isUsers(const std::wstring& command) {
+    return command != L"texts" && command != L"session" && command != L"ends" &&
+           command != L"goes-on";
 }
 
 bool run(const std::vector<std::wstring>& words) {
@@ -203,7 +228,7 @@ bool run(const std::vector<std::wstring>& words) {
     // A window comes before what is in it.
     return comes([&] {
         HWND window = command == L"press" && !rest.empty() ? find(title, {rest[0]}) : find(title);
-        if (window == nullptr || (command != L"texts" && !isInFront(window))) return false;
+        if (window == nullptr || (isUsers(command) && !isInFront(window))) return false;
         return act(window, command, rest);
     });
 }

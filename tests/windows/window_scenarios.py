@@ -3,7 +3,8 @@
 import os
 import subprocess
 
-from harness import differences, names_below, read, touch, wait, write
+from harness import differences, drive_path, names_below, read, touch, wait, wait_until, write
+from package_checks import file_version
 from settings_scenarios import section
 from wine_place import WINE, driver
 
@@ -15,11 +16,11 @@ SURE = "Vous êtes bien sûr de vous ?"
 class WindowProgram:
     """The program, started, and what a user does with it. Every step waits for what it needs."""
 
-    def __init__(self, place, report, *arguments):
+    def __init__(self, place, report, *arguments, process=None):
         self.place = place
         self.report = report
         self.driver = driver(place.programs)
-        self.process = place.start("coffrelune", *arguments)
+        self.process = process or place.start("coffrelune", *arguments)
         self.title = TITLE + "0.01"
 
     def step(self, name, *words):
@@ -48,6 +49,10 @@ class WindowProgram:
         if directory := os.environ.get("COFFRELUNE_CAPTURES"):
             subprocess.run(["import", "-silent", "-window", "root",
                             os.path.join(directory, f"{name}.png")], timeout=20, check=True)
+
+    def session(self, title=None):
+        """What a window answers when the system asks whether the session may end."""
+        return self.drive("session", title or self.title).stdout.decode().strip()
 
     def close(self):
         self.step("la fenêtre se ferme", "close", self.title)
@@ -182,5 +187,138 @@ def window_second(place, report):
     report.equal("le premier vit toujours : état 0", program.close(), 0)
 
 
+def window_second_auto(place, report):
+    """Un second programme lancé par /Auto le dit aussi, et se ferme de lui-même"""
+    place.write_settings(place.line())
+    program = WindowProgram(place, report)
+    program.sees("le premier est ouvert", "Lancer la Sauvegarde")
+    second = place.start("coffrelune", "/Auto")
+    program.sees("le second le dit", "LE PROGRAMME EST DEJA EN MEMOIRE !", title="Coffrelune")
+    report.equal("personne ne répond : état 3", wait(second).status, 3)
+    report.equal("rien n'a été sauvegardé", names_below(place.copy), set())
+    report.equal("le premier vit toujours : état 0", program.close(), 0)
+
+
+def window_command_line(place, report):
+    """La ligne de commande est lue telle quelle : les blancs comptent, pas les guillemets"""
+    write(f"{place.source}/a.txt", "contenu")
+    place.write_settings(place.line("Mes  photos"))
+    # Who passes words puts quotes round those with blanks; a shortcut has none.
+    for argument, name in ((" travail", " travail"), ("/mes  photos", "Mes  photos")):
+        program = WindowProgram(place, report, argument)
+        program.sees(f"« {argument} » entre guillemets", name)
+        report.equal("état 0", program.close(), 0)
+    typed = drive_path(os.path.join(place.programs, "coffrelune.exe")) + " /mes  photos"
+    process = subprocess.Popen([WINE, "cmd.exe", "/c", typed], env=place.environment(),
+                               cwd=place.root, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                               stderr=subprocess.PIPE)
+    program = WindowProgram(place, report, process=process)
+    program.sees("« /mes  photos » sans guillemets", "Mes  photos")
+    report.equal("état 0, encore", program.close(), 0)
+
+
+def window_about(place, report):
+    """La fenêtre « À propos » dit ce que disent les propriétés du fichier"""
+    place.write_settings(place.line())
+    program = WindowProgram(place, report)
+    about = "À propos de Coffrelune"
+    program.press(about)
+    with open(os.path.join(place.programs, "coffrelune.exe"), "rb") as file:
+        data = file.read()
+    major, minor = file_version(data)
+    texts = [version_text(data, name) for name in ("ProductName", "Comments")]
+    report.check("les propriétés ont un nom et un commentaire", all(texts), str(texts))
+    program.sees("la fenêtre montre les mêmes", *texts, f"Version {major}.{minor:02}", title=about)
+    program.press("OK", about)
+    program.step("elle est fermée", "gone", about)
+    report.equal("état 0", program.close(), 0)
+
+
+def version_text(data, name):
+    """A text of the version resource: name, padding to four bytes, text, each ended by a zero."""
+    mark = (name + "\0").encode("utf-16-le")
+    at = data.find(mark)
+    if at < 0:
+        return ""
+    rest = data[at + len(mark):at + len(mark) + 400].decode("utf-16-le", "replace")
+    return rest.lstrip("\0").partition("\0")[0]
+
+
+def window_session_idle(place, report):
+    """Fin de session, rien en cours : elle peut finir, les réglages sont notés"""
+    place.write_settings(place.line("Travail"))
+    program = WindowProgram(place, report, "/Travail")
+    program.sees("la fenêtre principale", "Lancer la Sauvegarde")
+    report.equal("la session peut finir", program.session(), "1")
+    program.step("elle continue, à cause d'un autre", "goes-on", program.title)
+    program.sees("le programme est toujours là", "Lancer la Sauvegarde")
+    report.equal("la session peut finir, encore", program.session(), "1")
+    program.step("elle finit", "ends", program.title)
+    kept = section(place.read_settings(), "Position")
+    report.equal("état 0", wait(program.process).status, 0)
+    report.equal("la configuration était déjà retenue", kept.get("Config"), "Travail")
+
+
+def window_session_run(place, report):
+    """Fin de session pendant une sauvegarde : refusée ; si elle finit quand même, interrompue"""
+    write(f"{place.source}/a.txt", "nouveau")
+    write(f"{place.copy}/a.txt", "ancien")
+    touch(f"{place.copy}/a.txt", -60)
+    settings = place.line().replace("Confirmation=1", "Confirmation=0")
+    place.write_settings(settings)
+    program = WindowProgram(place, report)
+    program.press("Lancer la Sauvegarde")
+    question = "Confirmation du remplacement du fichier"
+    program.sees("la sauvegarde demande", "Etes-vous sûr de vouloir remplacer ce fichier ?",
+                 title=question)
+    for title in (program.title, "Sauvegarde ...", question):
+        report.equal(f"« {title} » refuse", program.session(title), "0")
+    program.sees("la question est toujours là", "Annuler", title=question)
+    program.step("la session finit quand même", "ends", program.title)
+    report.equal("état 3", wait(program.process).status, 3)
+    report.equal("la copie n'a pas changé", read(f"{place.copy}/a.txt"), b"ancien")
+    report.equal("rien d'autre n'est là", names_below(place.copy), {b"a.txt"})
+    report.check("aucun résultat n'est noté",
+                 "LastSave" not in section(place.read_settings(), "General"))
+
+
+def window_session_copy(place, report):
+    """La session finit au milieu d'un fichier : il est abandonné, rien ne porte son nom"""
+    with open(f"{place.source}/gros.bin", "wb") as file:
+        file.truncate(3 << 30)  # seconds of copying, of which the first few are enough
+    place.write_settings(place.line("Travail"))
+    program = WindowProgram(place, report, "/Auto", "/Travail")
+    report.check("la copie commence", wait_until(lambda: names_below(place.copy), program.process))
+    report.equal("la fin est refusée", program.session(), "0")
+    program.step("la session finit quand même", "ends", program.title)
+    report.equal("état 3", wait(program.process).status, 3)
+    report.equal("rien n'est resté", names_below(place.copy), set())
+
+
+def window_session_dialog(place, report):
+    """Fin de session, une fenêtre ouverte : refusée ; si elle finit quand même, tout se ferme"""
+    place.write_settings(place.line())
+    program = WindowProgram(place, report)
+    program.press("Exclusions")
+    dialog = "Sous-répertoires à exclure"
+    program.sees("la fenêtre s'ouvre", "Annuler", title=dialog)
+    report.equal("refusée", program.session(), "0")
+    program.step("la session finit quand même", "ends", program.title)
+    report.equal("état 0", wait(program.process).status, 0)
+    report.equal("la configuration est retenue",
+                 section(place.read_settings(), "Position").get("Config"), "General")
+
+
+def window_no_display(place, report):
+    """Sans affichage : une ligne le dit, état 2"""
+    environment = {**place.environment(), "DISPLAY": ""}
+    outcome = wait(place.start("coffrelune", env=environment))
+    report.equal("état 2", outcome.status, 2)
+    report.equal("une ligne le dit", outcome.err.replace("\r", ""),
+                 "Aucun affichage n'est disponible : utilisez coffrelune-console.\n")
+
+
 SCENARIOS = (window_backup, window_edit_line, window_restore, window_compare, window_dialogs,
-             window_auto, window_second)
+             window_auto, window_second, window_second_auto, window_command_line, window_about,
+             window_session_idle, window_session_run, window_session_copy, window_session_dialog,
+             window_no_display)

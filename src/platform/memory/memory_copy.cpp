@@ -78,7 +78,8 @@ Status MemoryFiles::finish(const Copy& copy, const MemoryNode::Pointer& temporar
     temporary->times = {now, now, copy.times.lastWrite};
     if (temporary->isLink()) temporary->times = copy.times;
     const MemoryPlace& to = copy.destination;
-    to.parent->rename(disk_.key(copy.temporaryName), disk_.key(to.name), to.name);
+    to.parent->rename(disk_.key(*to.volume, copy.temporaryName), disk_.key(*to.volume, to.name),
+                      to.name);
     return {};
 }
 
@@ -102,11 +103,11 @@ Status MemoryFiles::copyFile(const std::string& source, const std::string& desti
     const MemoryNode::Pointer parent = copy.destination.parent;
     const auto temporary =
         disk_.newNode(*copy.destination.volume, copy.temporaryName, attribute::normal);
-    parent->add(disk_.key(copy.temporaryName), temporary);
+    parent->add(disk_.key(*copy.destination.volume, copy.temporaryName), temporary);
     running_.insert(copy.temporaryName);
     status = transfer(copy, *temporary, observer);
     if (status.ok()) status = finish(copy, temporary);
-    if (!status.ok()) parent->remove(disk_.key(copy.temporaryName));
+    if (!status.ok()) parent->remove(disk_.key(*copy.destination.volume, copy.temporaryName));
     running_.erase(copy.temporaryName);
     return status;
 }

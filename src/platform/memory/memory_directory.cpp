@@ -21,7 +21,7 @@ bool MemoryDirectory::gives(const MemoryNode& node) const {
     if (wanted_ != Wanted::everything && node.isDirectory() != (wanted_ == Wanted::directories)) {
         return false;
     }
-    return node_->find(disk_.key(node.name())).get() == &node;
+    return node_->find(disk_.key(volume_, node.name())).get() == &node;
 }
 
 bool MemoryDirectory::nextDots(FileEntry& entry) {
@@ -41,6 +41,11 @@ bool MemoryDirectory::next(FileEntry& entry) {
         const MemoryNode& node = *listing_[next_++];
         if (!gives(node)) continue;
         entry = node.entry();
+        if (!node.nameAlone) return true;
+        entry.size = 0;
+        entry.times = {};
+        entry.id = {};
+        entry.unreadable = true;
         return true;
     }
     return false;
@@ -48,7 +53,7 @@ bool MemoryDirectory::next(FileEntry& entry) {
 
 bool MemoryDirectory::lookUp(const std::string& name, FileEntry& entry) {
     calls_.push_back("find " + path_ + name);
-    const MemoryNode::Pointer node = node_->find(disk_.key(name));
+    const MemoryNode::Pointer node = node_->find(disk_.key(volume_, name));
     if (node == nullptr || !volume_.present) return false;
     entry = node->entry();
     return true;

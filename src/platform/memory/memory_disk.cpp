@@ -78,7 +78,7 @@ class MemoryWalk {
             if (trail_.size() > 1) trail_.pop_back();
             return {};
         }
-        const MemoryNode::Pointer child = trail_.back()->find(disk_.key(name));
+        const MemoryNode::Pointer child = trail_.back()->find(disk_.key(*place_.volume, name));
         if (child == nullptr) return miss(name);
         if (child->isLink() && (!rest_.empty() || links == LinkRule::follow)) {
             return follow(volumes, *child);
@@ -142,8 +142,8 @@ Status MemoryDisk::locate(const std::string& path, LinkRule links, MemoryPlace& 
     return MemoryWalk(*this, place).run(volumes_, path, links);
 }
 
-std::string MemoryDisk::key(const std::string& name) const {
-    return names_ == Names::caseInsensitive ? foldCase(name) : name;
+std::string MemoryDisk::key(const MemoryVolume& volume, const std::string& name) const {
+    return names_ == Names::caseInsensitive || volume.foldsCase ? foldCase(name) : name;
 }
 
 MemoryVolume& MemoryDisk::volume(const std::string& path) {
@@ -176,15 +176,15 @@ MemoryNode& MemoryDisk::make(const std::string& path, std::uint32_t attributes,
         const std::string& name = split.components[i];
         const bool last = i + 1 == split.components.size();
         const bool directory = !last || attributes == attribute::directory;
-        MemoryNode::Pointer child = node->find(key(name));
+        MemoryNode::Pointer child = node->find(key(on, name));
         if (child != nullptr && !(directory && child->isDirectory())) {
-            node->remove(key(name));
+            node->remove(key(on, name));
             child = nullptr;
         }
         if (child == nullptr) {
             child = newNode(on, name, directory ? attribute::directory : attributes);
             child->times = {lastWrite, lastWrite, lastWrite};
-            node->add(key(name), child);
+            node->add(key(on, name), child);
         }
         node = child;
     }
@@ -217,7 +217,7 @@ void MemoryDisk::leftover(const std::string& directory) {
 void MemoryDisk::remove(const std::string& path) {
     MemoryPlace place;
     if (!locate(path, LinkRule::refuse, place).ok() || !place.node || !place.parent) return;
-    place.parent->remove(key(place.name));
+    place.parent->remove(key(*place.volume, place.name));
 }
 
 void MemoryDisk::setUnreadable(const std::string& path, bool unreadable) {

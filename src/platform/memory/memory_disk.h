@@ -81,7 +81,7 @@ class MemoryDisk {
     Status locate(const std::string& path, LinkRule links, MemoryPlace& place) const;
 
     /// Under which a directory indexes a name.
-    std::string key(const std::string& name) const;
+    std::string key(const MemoryVolume& volume, const std::string& name) const;
 
     MemoryNode::Pointer newNode(const MemoryVolume& volume, const std::string& name,
                                 std::uint32_t attributes);

@@ -128,7 +128,7 @@ Status MemoryFiles::createDirectory(const std::string& path) {
     if (!status.ok()) return status;
     auto node = disk_.newNode(*place.volume, place.name, attribute::directory);
     node->times = {clock_.fileTime(), clock_.fileTime(), clock_.fileTime()};
-    place.parent->add(disk_.key(place.name), std::move(node));
+    place.parent->add(disk_.key(*place.volume, place.name), std::move(node));
     return {};
 }
 
@@ -159,7 +159,7 @@ Status MemoryFiles::removeFile(const std::string& path) {
     if (!status.ok()) return status;
     // Removing asks of the name what replacing asks.
     status = prepareDestination(path, LinkRule::refuse, place);
-    if (status.ok()) place.parent->remove(disk_.key(place.name));
+    if (status.ok()) place.parent->remove(disk_.key(*place.volume, place.name));
     return status;
 }
 
@@ -176,7 +176,7 @@ Status MemoryFiles::removeLeftovers(const std::string& directory) {
         if (place.volume->writeProtected) {
             return Status::failure(error_number::writeProtect, directory);
         }
-        place.node->remove(disk_.key(name));
+        place.node->remove(disk_.key(*place.volume, name));
     }
     return {};
 }
@@ -209,8 +209,9 @@ Status MemoryFiles::writeWhole(const std::string& path, const std::string& bytes
     node->content = bytes;
     const std::uint64_t now = clock_.fileTime();
     node->times = {place.node ? place.node->times.creation : now, now, now};
-    place.parent->add(disk_.key(temporary), std::move(node));
-    place.parent->rename(disk_.key(temporary), disk_.key(place.name), place.name);
+    place.parent->add(disk_.key(*place.volume, temporary), std::move(node));
+    place.parent->rename(disk_.key(*place.volume, temporary), disk_.key(*place.volume, place.name),
+                         place.name);
     return {};
 }
 

@@ -23,6 +23,7 @@ class MemoryNode {
     FileId id;
     std::string content;           // a file's bytes, a link's target
     std::uint64_t hole = 0;        // zero bytes after `content`, for files too large to hold
+    bool nameAlone = false;        // a listing cannot tell more of it than its name and kind
     std::uint32_t readError = 0;   // what opening, reading or listing it fails with; 0 succeeds
     std::uint32_t writeError = 0;  // what replacing, changing or removing it fails with; for a
                                    // directory also what making or removing something in it does
@@ -60,6 +61,7 @@ struct MemoryVolume {
     bool present = true;                    // false: unplugged
     bool ready = true;                      // false: a drive without a medium, 21 for every call
     bool writeProtected = false;            // 19 for every writing call
+    bool foldsCase = false;                 // names without their case; before its first file
     bool holdsLinks = true;                 // false: as FAT
     std::optional<std::uint64_t> capacity;  // bytes of all its files; 112 beyond
     MemoryNode::Pointer top;

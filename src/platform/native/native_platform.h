@@ -29,6 +29,11 @@ std::string settingsPlace();
 /// entry procedure was given counts only where the system hands it over unharmed.
 std::vector<std::string> programArguments(int count, char** values);
 
+#ifdef _WIN32
+/// The command line of the process as the system keeps it, the program's name first.
+std::string rawCommandLine();
+#endif
+
 /// systemLevel() of the system that the program runs on.
 std::int16_t nativeSystemLevel();
 

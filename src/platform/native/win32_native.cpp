@@ -29,6 +29,10 @@ std::vector<std::string> programArguments(int /*count*/, char** /*values*/) {
     return arguments;
 }
 
+std::string rawCommandLine() {
+    return narrow(GetCommandLineW());
+}
+
 std::int16_t nativeSystemLevel() {
     return ownSystemLevel();
 }

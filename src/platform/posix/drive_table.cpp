@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/core_path.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/whole_file.h"
 
@@ -104,7 +105,8 @@ std::string DriveTable::fromNative(const std::string& typed,
 std::string DriveTable::fromWindow(const std::string& entered, const std::string& home) const {
     const bool inHome = home.starts_with('/') && (entered == "~" || entered.starts_with("~/"));
     const std::string path = inHome ? home + entered.substr(1) : entered;
-    return path.starts_with('/') ? fromNative(path, "/") : entered;
+    if (path.starts_with('/')) return fromNative(path, "/");
+    return hasCoreForm(entered) ? inPlainSpelling(entered) : entered;
 }
 
 std::vector<std::string> DriveTable::driveRoots() const {

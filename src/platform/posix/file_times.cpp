@@ -94,6 +94,7 @@ bool fillEntry(const struct statx& information, std::string name, FileEntry& ent
                                : std::min({entry.times.lastAccess, entry.times.lastWrite,
                                            fileTimeOf(information.stx_ctime)});
     entry.id = {deviceOf(information), information.stx_ino};
+    entry.unreadable = false;
     entry.name = std::move(name);
     return true;
 }

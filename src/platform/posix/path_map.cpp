@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/core_path.h"
 #include "platform/posix/names.h"
 #include "platform/posix/native_path.h"
 
@@ -118,7 +119,7 @@ std::string PathMap::toCore(const std::string& native) const {
 
 std::string PathMap::fromNative(const std::string& typed,
                                 const std::string& currentDirectory) const {
-    if (typed.empty() || hasCoreForm(typed)) return typed;
+    if (typed.empty() || hasCoreForm(typed)) return inPlainSpelling(typed);
     const std::string absolute =
         typed.starts_with('/') ? typed : joinNative(currentDirectory, typed);
     const std::vector<std::string> components = splitNative(absolute);

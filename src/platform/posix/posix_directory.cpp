@@ -115,6 +115,7 @@ bool PosixDirectory::describe(const dirent& found, FileEntry& entry) const {
     if (error != 0) {
         entry.times = {};
         entry.id = {};
+        entry.unreadable = true;
     }
     if (wanted_ == Wanted::files && entry.isDirectory()) return false;
     if (wanted_ == Wanted::directories && !entry.isDirectory()) return false;

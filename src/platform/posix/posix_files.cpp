@@ -64,7 +64,7 @@ Status PosixFiles::openDirectory(const std::string& path, LinkRule links, Wanted
     Status status = locate(path, place);
     if (!status.ok()) return status;
     int flags = O_DIRECTORY | (wanted == Wanted::nothing ? O_PATH : O_RDONLY);
-    if (links == LinkRule::refuse) flags |= O_NOFOLLOW;
+    if (links != LinkRule::follow) flags |= O_NOFOLLOW;
     UniqueFd fd;
     const int error = openPath(place.native, flags, fd);
     if (error != 0) return failureAt(error, place);

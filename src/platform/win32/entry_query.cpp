@@ -26,6 +26,10 @@ std::uint32_t attributesOf(DWORD attributes, DWORD tag) {
     return isLink ? attributes : attributes & ~DWORD{FILE_ATTRIBUTE_REPARSE_POINT};
 }
 
+std::uint32_t tagOf(const WIN32_FIND_DATAW& found) {
+    return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 ? found.dwReserved0 : 0;
+}
+
 // The records of the system that tell of a file name these members alike.
 template <typename Record>
 void fill(const Record& record, DWORD tag, FileEntry& entry) {
@@ -34,6 +38,15 @@ void fill(const Record& record, DWORD tag, FileEntry& entry) {
     entry.times = {unitsOf(record.ftCreationTime), unitsOf(record.ftLastAccessTime),
                    unitsOf(record.ftLastWriteTime)};
     entry.id = {};
+    entry.unreadable = false;
+}
+
+/// False for what no listing gives.
+bool take(const WIN32_FIND_DATAW& found, FileEntry& entry) {
+    if (isSpecial(found.dwFileAttributes, tagOf(found))) return false;
+    fill(found, tagOf(found), entry);
+    entry.name = narrow(found.cFileName);
+    return true;
 }
 
 void* findFirst(const wchar_t* pattern, WIN32_FIND_DATAW& found) {
@@ -51,7 +64,7 @@ std::uint32_t queryByListing(const NativePath& path, FileEntry& entry) {
     void* find = findFirst(path.text.c_str(), found);
     if (find == INVALID_HANDLE_VALUE) return GetLastError();
     FindClose(find);
-    fill(found, found.dwReserved0, entry);
+    fill(found, tagOf(found), entry);
     return 0;
 }
 
@@ -96,9 +109,7 @@ std::uint32_t Listing::open(const NativePath& directory, const wchar_t* pattern)
         return error == ERROR_FILE_NOT_FOUND || error == ERROR_NO_MORE_FILES ? 0 : error;
     }
     find_ = find;
-    fill(found, found.dwReserved0, first_);
-    first_.name = narrow(found.cFileName);
-    hasFirst_ = true;
+    hasFirst_ = take(found, first_);
     return 0;
 }
 
@@ -110,14 +121,14 @@ bool Listing::next(FileEntry& entry) {
         return true;
     }
     WIN32_FIND_DATAW found;
-    if (FindNextFileW(find_, &found) == 0) {
-        const DWORD error = GetLastError();
-        error_ = error == ERROR_NO_MORE_FILES ? 0 : error;
-        close();
-        return false;
-    }
-    fill(found, found.dwReserved0, entry);
-    entry.name = narrow(found.cFileName);
+    do {
+        if (FindNextFileW(find_, &found) == 0) {
+            const DWORD error = GetLastError();
+            error_ = error == ERROR_NO_MORE_FILES ? 0 : error;
+            close();
+            return false;
+        }
+    } while (!take(found, entry));
     return true;
 }
 
@@ -166,15 +177,34 @@ std::uint32_t queryOpenFile(void* handle, FileEntry& entry) {
     return 0;
 }
 
-bool leadsToAncestor(const NativePath& link) {
+std::uint32_t checkLeadsAway(const NativePath& link) {
     FileId target;
-    if (queryIdentity(link, target) != 0 || !target.known()) return false;
+    const std::uint32_t error = queryIdentity(link, target);
+    if (error != 0) return error;
+    // Without identities nothing would stop a walk that goes in a circle.
+    if (!target.known()) return ERROR_CANT_RESOLVE_FILENAME;
     for (NativePath place = link; !place.isRoot();) {
         place = place.holder();
         FileId id;
-        if (queryIdentity(place, id) == 0 && id == target) return true;
+        if (queryIdentity(place, id) == 0 && id == target) return ERROR_CANT_RESOLVE_FILENAME;
     }
-    return false;
+    return 0;
+}
+
+bool isSpecial(std::uint32_t attributes, std::uint32_t tag) {
+    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return false;
+    // Not in every compiler's headers; the values are part of the system's interface:
+    // https://learn.microsoft.com/windows/win32/fileio/reparse-point-tags
+    switch (tag) {
+        case 0x8000001B:  // APPEXECLINK
+        case 0x80000023:  // AF_UNIX
+        case 0x80000024:  // LX_FIFO
+        case 0x80000025:  // LX_CHR
+        case 0x80000026:  // LX_BLK
+            return true;
+        default:
+            return false;
+    }
 }
 
 Status failureAt(std::uint32_t error, const NativePath& path, const std::string& core) {

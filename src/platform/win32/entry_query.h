@@ -51,9 +51,14 @@ std::uint32_t queryIdentity(const NativePath& path, FileId& id);
 /// All of an open file but its name. 0 or a system error.
 std::uint32_t queryOpenFile(void* handle, FileEntry& entry);
 
-/// True for a directory link that leads to a directory on the way to itself: to walk it would never
-/// end.
-bool leadsToAncestor(const NativePath& link);
+/// 1921 for a directory link that leads to a directory on the way to itself, or of which nobody can
+/// tell where it leads: to walk it might never end. 0 or a system error for others.
+std::uint32_t checkLeadsAway(const NativePath& link);
+
+/// True for what the word and the reparse tag of a listing show to be no file with a content:
+/// sockets, the FIFOs and devices of the Linux that lives beside Windows, and the stand-ins under
+/// which programs of the store are started. To open one fails, or waits for ever.
+bool isSpecial(std::uint32_t attributes, std::uint32_t tag);
 
 /// A failed Status with a system error about `path`. What the system calls 2 is 3 when the
 /// directory that should hold it is missing as well.

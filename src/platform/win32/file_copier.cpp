@@ -3,6 +3,7 @@
 #include <windows.h>
 #include <winioctl.h>
 
+#include "platform/win32/access_rights.h"
 #include "platform/win32/entry_query.h"
 
 namespace coffrelune {
@@ -21,9 +22,27 @@ bool saysNoLinks(std::uint32_t error) {
            error == ERROR_INVALID_FUNCTION || error == ERROR_INVALID_PARAMETER;
 }
 
+/// Errors that say that the volume of the source has no streams, or does not list them:
+/// https://learn.microsoft.com/windows/win32/api/fileapi/nf-fileapi-findfirststreamw
+bool saysNoStreams(std::uint32_t error) {
+    return error == ERROR_INVALID_PARAMETER || error == ERROR_NOT_SUPPORTED ||
+           error == ERROR_INVALID_FUNCTION || error == ERROR_CALL_NOT_IMPLEMENTED ||
+           error == ERROR_INVALID_LEVEL;
+}
+
+/// False when the volume of an open file says that it knows no named streams. To create one there
+/// fails with whatever its driver or its server makes of the name.
+bool mayHoldStreams(void* file) {
+    DWORD flags = 0;
+    return GetVolumeInformationByHandleW(file, nullptr, 0, nullptr, nullptr, &flags, nullptr, 0) ==
+               0 ||
+           (flags & FILE_NAMED_STREAMS) != 0;
+}
+
 /// The temporary file as what its source is kept as. 0 or a system error.
-std::uint32_t prepare(const FileEntry& source, TemporaryFile& output, bool& sparse) {
-    if ((source.attributes & FILE_ATTRIBUTE_ENCRYPTED) != 0) {
+std::uint32_t prepare(const FileEntry& source, std::uint32_t encryption, TemporaryFile& output,
+                      bool& sparse) {
+    if (encryption != 0) {
         FileEntry made;
         const std::uint32_t error = queryOpenFile(output.handle(), made);
         if (error != 0) return error;
@@ -65,13 +84,20 @@ Status Win32FileCopier::copyContent(const Pair& pair, const FileTimes* times,
     FileEntry before;
     std::uint32_t error = queryOpenFile(input.get(), before);
     if (error != 0) return failureAt(error, pair.from, pair.source);
-    error = checkReplaceable(pair.to, before.id);
+    std::optional<FileEntry> old;
+    error = checkReplaceable(pair.to, before.id, old);
 
+    const std::uint32_t encryption = encryptionOf(before) | encryptionOf(old);
     TemporaryFile output;
+    if (error == 0) error = output.create(pair.to.holder(), encryption);
+    // While there is nothing in it: nobody reads what the old file would have kept from him.
+    if (error == 0 && old) keepAccessRights(pair.to, output.path());
+    bool sparse = false;
+    if (error == 0) error = prepare(before, encryption, output, sparse);
     if (error == 0) {
-        error = output.create(pair.to.holder(), before.attributes & FILE_ATTRIBUTE_ENCRYPTED);
+        error = data_.copy(input.get(), before.size, output.handle(), sparse, observer);
     }
-    if (error == 0) error = fill(pair, input.get(), before, output, observer);
+    if (error == 0) error = copyStreams(pair, output);
     if (error == 0) {
         const std::uint64_t lastWrite = (times != nullptr ? *times : before.times).lastWrite;
         error = output.stamp({0, 0, lastWrite}, before.attributes);
@@ -80,36 +106,40 @@ Status Win32FileCopier::copyContent(const Pair& pair, const FileTimes* times,
     return error == 0 ? Status() : failureAt(error, pair.to, pair.destination);
 }
 
-std::uint32_t Win32FileCopier::fill(const Pair& pair, void* source, const FileEntry& before,
-                                    TemporaryFile& output, CopyObserver* observer) {
-    bool sparse = false;
-    std::uint32_t error = prepare(before, output, sparse);
-    if (error == 0) error = data_.copy(source, before.size, output.handle(), sparse, observer);
-    return error == 0 ? copyStreams(pair, output.path()) : error;
-}
-
 /// What a program attached to the file under a name of its own ("downloaded from there").
-std::uint32_t Win32FileCopier::copyStreams(const Pair& pair, const NativePath& output) {
+std::uint32_t Win32FileCopier::copyStreams(const Pair& pair, const TemporaryFile& output) {
     WIN32_FIND_STREAM_DATA stream;
     void* find = FindFirstStreamW(pair.from.text.c_str(), FindStreamInfoStandard, &stream, 0);
-    // No streams at all, or a volume that does not know them.
-    if (find == INVALID_HANDLE_VALUE) return 0;
+    if (find == INVALID_HANDLE_VALUE) {
+        const DWORD error = GetLastError();
+        return error == ERROR_HANDLE_EOF || saysNoStreams(error) ? 0 : error;
+    }
     std::uint32_t error = 0;
-    do {
+    bool asked = false;
+    while (error == 0) {
         const std::wstring name = stream.cStreamName;
-        if (name == L"::$DATA") continue;
-        error = copyStream(pair.from.text + name, output.text + name,
-                           static_cast<std::uint64_t>(stream.StreamSize.QuadPart));
-    } while (error == 0 && FindNextStreamW(find, &stream) != 0);
+        if (name != L"::$DATA") {
+            // The file is worth keeping without. Asked once, and for files that have some alone.
+            if (!asked && !mayHoldStreams(output.handle())) break;
+            asked = true;
+            error = copyStream(pair.from.text + name, output.path().text + name,
+                               static_cast<std::uint64_t>(stream.StreamSize.QuadPart));
+        }
+        if (error == 0 && FindNextStreamW(find, &stream) == 0) {
+            error = GetLastError();
+            if (error == ERROR_HANDLE_EOF) break;
+        }
+    }
     FindClose(find);
-    return error;
+    return error == ERROR_HANDLE_EOF ? 0 : error;
 }
 
 std::uint32_t Win32FileCopier::copyStream(const std::wstring& source,
                                           const std::wstring& destination, std::uint64_t size) {
-    const UniqueHandle output(
-        CreateFileW(destination.c_str(), GENERIC_WRITE, shareAll, nullptr, CREATE_NEW, 0, nullptr));
-    // A volume without streams takes the name for a bad one; the file is worth keeping without.
+    // No more than the old file's rights had to grant for it to be replaced.
+    const UniqueHandle output(CreateFileW(destination.c_str(), FILE_WRITE_DATA, shareAll, nullptr,
+                                          CREATE_NEW, 0, nullptr));
+    // Some servers say that they know streams and still take the name for a bad one.
     if (!output.valid() && GetLastError() == ERROR_INVALID_NAME) return 0;
     if (!output.valid()) return GetLastError();
     const UniqueHandle input = openForReading(source);
@@ -118,7 +148,8 @@ std::uint32_t Win32FileCopier::copyStream(const std::wstring& source,
 }
 
 Status Win32FileCopier::copyLink(const Pair& pair, const FileEntry& link, CopyObserver* observer) {
-    std::uint32_t error = checkReplaceable(pair.to, {});
+    std::optional<FileEntry> old;
+    std::uint32_t error = checkReplaceable(pair.to, {}, old);
     if (error != 0) return failureAt(error, pair.to, pair.destination);
     const NativePath made = temporaryPath(pair.to.holder());
     if (CopyFileExW(pair.from.text.c_str(), made.text.c_str(), nullptr, nullptr, nullptr,

@@ -12,7 +12,8 @@ namespace coffrelune {
 
 /// Copies single files and links; see FileService::copyFile. The named streams of a file go with
 /// it where the destination's volume knows them; an encrypted file is copied encrypted or not at
-/// all.
+/// all, and the new content of an encrypted copy as well. A copy that is replaced leaves its access
+/// rights to the new one.
 class Win32FileCopier {
   public:
     Status copy(const std::string& source, const std::string& destination, LinkRule sourceLinks,
@@ -30,9 +31,7 @@ class Win32FileCopier {
     };
 
     Status copyContent(const Pair& pair, const FileTimes* times, CopyObserver* observer);
-    std::uint32_t fill(const Pair& pair, void* source, const FileEntry& before,
-                       TemporaryFile& output, CopyObserver* observer);
-    std::uint32_t copyStreams(const Pair& pair, const NativePath& output);
+    std::uint32_t copyStreams(const Pair& pair, const TemporaryFile& output);
     std::uint32_t copyStream(const std::wstring& source, const std::wstring& destination,
                              std::uint64_t size);
     Status copyLink(const Pair& pair, const FileEntry& link, CopyObserver* observer);

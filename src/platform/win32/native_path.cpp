@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "platform/core_path.h"
 #include "platform/win32/unique_handle.h"
 #include "platform/win32/wide_text.h"
 
@@ -167,6 +168,19 @@ std::wstring plainPath(const std::string& core) {
     return toNative(core, native).ok() ? wide(toCore(native.text)) : wide(core);
 }
 
+std::wstring finalPath(void* handle) {
+    // To spell the name as the disk does, the system must be able to read every directory on the
+    // way, and some file systems do not know how:
+    // https://learn.microsoft.com/windows/win32/api/fileapi/nf-fileapi-getfinalpathnamebyhandlew
+    for (const DWORD spelling : {FILE_NAME_NORMALIZED, FILE_NAME_OPENED}) {
+        std::wstring path = filled([&](wchar_t* buffer, DWORD size) {
+            return GetFinalPathNameByHandleW(handle, buffer, size, spelling);
+        });
+        if (!path.empty()) return path;
+    }
+    return {};
+}
+
 std::string resolvedPath(const std::string& core) {
     NativePath native;
     if (!toNative(core, native).ok()) return core;
@@ -176,9 +190,8 @@ std::string resolvedPath(const std::string& core) {
             native.text.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
             OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
         if (handle.valid()) {
-            native.text = filled([&](wchar_t* buffer, DWORD size) {
-                return GetFinalPathNameByHandleW(handle.get(), buffer, size, FILE_NAME_NORMALIZED);
-            });
+            const std::wstring path = finalPath(handle.get());
+            if (!path.empty()) native.text = path;
         }
         if (handle.valid() || native.isRoot()) break;
         tail.insert(0, std::wstring(1, L'\\').append(native.name()));
@@ -193,11 +206,25 @@ std::string resolvedPath(const std::string& core) {
     return toCore(path + tail);
 }
 
+std::string usualForm(const std::string& core) {
+    NativePath native;
+    if (!toNative(core, native).ok()) return core;
+    const std::wstring plain = wide(toCore(native.text));
+    const std::wstring usual = filled([&](wchar_t* buffer, DWORD size) {
+        return GetFullPathNameW(plain.c_str(), size, buffer, nullptr);
+    });
+    // The disk is asked for odd names alone: a share that is gone would make the user wait.
+    if (usual.empty() || usual == plain) return core;
+    const bool exists = GetFileAttributesW(native.text.c_str()) != INVALID_FILE_ATTRIBUTES;
+    return exists ? core : narrow(usual);
+}
+
 std::string fromTyped(const std::string& typed) {
-    if (hasCoreForm(typed)) return typed;
+    if (hasCoreForm(typed)) return inPlainSpelling(typed);
     const std::wstring text = tidied(typed);
-    if (text.empty() || hasCoreForm(narrow(text))) return narrow(text);
-    if (text.starts_with(verbatim)) return toCore(text);
+    if (text.empty() || hasCoreForm(narrow(text)) || text.starts_with(verbatim)) {
+        return inPlainSpelling(narrow(text));
+    }
     const std::wstring full = filled([&](wchar_t* buffer, DWORD size) {
         return GetFullPathNameW(text.c_str(), size, buffer, nullptr);
     });
@@ -205,12 +232,12 @@ std::string fromTyped(const std::string& typed) {
 }
 
 std::string fromEntered(const std::string& entered) {
-    if (hasCoreForm(entered)) return entered;
+    if (hasCoreForm(entered)) return inPlainSpelling(entered);
     std::wstring text = tidied(entered);
     const bool drive = text.size() > 2 && text[0] == L'\\' && text[2] == L':';
     if (drive && hasCoreForm(narrow(text.substr(1)))) text.erase(0, 1);
-    if (text.starts_with(verbatim)) return toCore(text);
-    return hasCoreForm(narrow(text)) ? narrow(text) : entered;
+    const bool isPath = text.starts_with(verbatim) || hasCoreForm(narrow(text));
+    return isPath ? inPlainSpelling(narrow(text)) : entered;
 }
 
 }  // namespace coffrelune

@@ -38,12 +38,22 @@ bool hasCoreForm(std::string_view text);
 /// The path of `core` for calls that do not know the prefix: as the core writes it.
 std::wstring plainPath(const std::string& core);
 
+/// Where an open file lies, links resolved, in the long form. Empty when the system does not tell.
+std::wstring finalPath(void* handle);
+
 /// The path with every link and substituted drive resolved, as the disk spells it. What does not
 /// exist is kept as it is after the deepest part that does; `core` itself when it is no path.
 std::string resolvedPath(const std::string& core);
 
+/// A path that a person gave, as every other program would take it: without the blanks and dots at
+/// the end of a name, where nothing bears the name with them. A copy would else go to a directory
+/// of its own that few programs can open, beside the one that is meant. A device ("F:\CON") becomes
+/// what no path of a file is.
+std::string usualForm(const std::string& core);
+
 /// What a person typed, dropped or chose: quotes round it are taken off, "/" becomes "\", a
-/// relative path is completed from the current directory. The core's own form stays as it is.
+/// relative path is completed from the current directory. "." and ".." are resolved by the text;
+/// the core's own form is changed in nothing else.
 std::string fromTyped(const std::string& typed);
 
 /// What a person entered in a window, where there is no current directory: an absolute path as

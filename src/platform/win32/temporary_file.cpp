@@ -149,21 +149,28 @@ std::uint32_t stampFile(void* handle, const FileTimes& times, std::uint32_t attr
                : GetLastError();
 }
 
-std::uint32_t checkReplaceable(const NativePath& destination, const FileId& source) {
-    FileEntry old;
-    const std::uint32_t error = queryEntry(destination, old);
+std::uint32_t checkReplaceable(const NativePath& destination, const FileId& source,
+                               std::optional<FileEntry>& old) {
+    FileEntry entry;
+    const std::uint32_t error = queryEntry(destination, entry);
     if (error == ERROR_FILE_NOT_FOUND || error == ERROR_NO_MORE_FILES) return 0;
     if (error != 0) return error;
-    if (old.isDirectory() || old.isReadOnly()) return ERROR_ACCESS_DENIED;
+    if (entry.isDirectory() || entry.isReadOnly()) return ERROR_ACCESS_DENIED;
+    // Of a link nothing is kept but its place: what else it shows is its target's.
+    if (!entry.isLink()) old = entry;
     // To write into it would be refused while another program holds it; to replace it behind that
     // program's back would leave the two with different files.
     const UniqueHandle probe(CreateFileW(destination.text.c_str(), DELETE | FILE_WRITE_DATA,
                                          shareAll, nullptr, OPEN_EXISTING,
                                          FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
     if (!probe.valid()) return GetLastError();
-    const std::uint32_t queried = queryOpenFile(probe.get(), old);
+    const std::uint32_t queried = queryOpenFile(probe.get(), entry);
     if (queried != 0) return queried;
-    return source.known() && old.id == source ? ERROR_SHARING_VIOLATION : 0;
+    return source.known() && entry.id == source ? ERROR_SHARING_VIOLATION : 0;
+}
+
+std::uint32_t encryptionOf(const std::optional<FileEntry>& entry) {
+    return entry ? entry->attributes & FILE_ATTRIBUTE_ENCRYPTED : 0;
 }
 
 std::uint32_t removeTemporaries(const NativePath& directory) {

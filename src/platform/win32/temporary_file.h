@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "platform/file_entry.h"
 #include "platform/win32/native_path.h"
@@ -49,7 +50,12 @@ std::uint32_t stampFile(void* handle, const FileTimes& times, std::uint32_t attr
 
 /// Success when a copy may take the place of what is there: nothing, or a file or a link that can
 /// be written. 5 for a directory or a read-only file, 32 for one in use or the `source` itself.
-std::uint32_t checkReplaceable(const NativePath& destination, const FileId& source);
+/// `old`: the file that will be replaced, nothing when there is none.
+std::uint32_t checkReplaceable(const NativePath& destination, const FileId& source,
+                               std::optional<FileEntry>& old);
+
+/// What a file that takes the place of `entry` must be created with, to be as hard to read.
+std::uint32_t encryptionOf(const std::optional<FileEntry>& entry);
 
 /// Removes the temporaries in a directory that no running process writes. 0 or a system error.
 std::uint32_t removeTemporaries(const NativePath& directory);

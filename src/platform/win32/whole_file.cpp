@@ -2,8 +2,9 @@
 
 #include <windows.h>
 
-#include <vector>
+#include <optional>
 
+#include "platform/win32/access_rights.h"
 #include "platform/win32/data_copier.h"
 #include "platform/win32/entry_query.h"
 #include "platform/win32/temporary_file.h"
@@ -13,20 +14,6 @@ namespace {
 
 constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-/// Who may do what with the old file holds for the new one as well. A volume without access rights
-/// has none to give, and a user may lack the right to set them: the new file then has those that
-/// its directory gives.
-void keepAccessRights(const NativePath& old, const NativePath& fresh) {
-    DWORD size = 0;
-    GetFileSecurityW(old.text.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
-    if (size == 0) return;
-    std::vector<unsigned char> rights(size);
-    if (GetFileSecurityW(old.text.c_str(), DACL_SECURITY_INFORMATION, rights.data(), size, &size) !=
-        0) {
-        SetFileSecurityW(fresh.text.c_str(), DACL_SECURITY_INFORMATION, rights.data());
-    }
-}
-
 /// What a link leads to in the end; 0 and the path itself when it is none.
 std::uint32_t followLink(NativePath& path) {
     FileEntry entry;
@@ -34,11 +21,8 @@ std::uint32_t followLink(NativePath& path) {
     const UniqueHandle file(CreateFileW(path.text.c_str(), FILE_READ_ATTRIBUTES, shareAll, nullptr,
                                         OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     if (!file.valid()) return GetLastError();
-    std::wstring target(32768, L'\0');
-    const DWORD length = GetFinalPathNameByHandleW(
-        file.get(), target.data(), static_cast<DWORD>(target.size()), FILE_NAME_NORMALIZED);
-    if (length == 0 || length >= target.size()) return ERROR_CANT_RESOLVE_FILENAME;
-    target.resize(length);
+    const std::wstring target = finalPath(file.get());
+    if (target.empty()) return ERROR_CANT_RESOLVE_FILENAME;
     return toNative(toCore(target), path).code();
 }
 
@@ -64,16 +48,13 @@ std::uint32_t readWholeFile(const NativePath& path, std::uint64_t limit, std::st
 std::uint32_t writeWholeFile(const NativePath& path, const std::string& bytes) {
     NativePath target = path;
     std::uint32_t error = followLink(target);
-    if (error == 0) error = checkReplaceable(target, {});
-    FileEntry old;
-    const bool exists = error == 0 && queryEntry(target, old) == 0;
+    std::optional<FileEntry> old;
+    if (error == 0) error = checkReplaceable(target, {}, old);
     TemporaryFile file;
-    if (error == 0) error = file.create(target.holder());
+    if (error == 0) error = file.create(target.holder(), encryptionOf(old));
+    if (error == 0 && old) keepAccessRights(target, file.path());
     if (error == 0) error = writeAll(file.handle(), bytes.data(), bytes.size());
-    if (error == 0 && exists) {
-        keepAccessRights(target, file.path());
-        error = file.stamp({old.times.creation, 0, 0}, old.attributes);
-    }
+    if (error == 0 && old) error = file.stamp({old->times.creation, 0, 0}, old->attributes);
     if (error == 0 && FlushFileBuffers(file.handle()) == 0) error = GetLastError();
     if (error == 0) error = file.commit(target);
     // The new name too; should this fail, the old content is still whole under it.

@@ -55,6 +55,7 @@ bool Win32Directory::lookUp(const std::string& name, FileEntry& entry) {
     if (name.empty() || name.find_first_of(std::string("\\/:\0", 4)) != std::string::npos) {
         return false;
     }
+    if (known_->find(path_, name, entry)) return true;
     const NativePath path = path_.child(wide(name));
     if (path.name().size() > 255) return false;
     const std::uint32_t error = queryEntry(path, entry);

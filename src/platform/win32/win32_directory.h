@@ -1,20 +1,28 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "platform/file_service.h"
 #include "platform/win32/entry_query.h"
+#include "platform/win32/known_entries.h"
 
 namespace coffrelune {
 
-/// An open directory. Look-ups ask the system each time, so that nothing can be out of date.
+/// An open directory. Many look-ups are served from a listing of its own, made when the first few
+/// have shown that more will come; see KnownEntries.
 ///
 /// The links under old names that Windows keeps in every profile ("Mes documents") are not listed:
 /// nobody may read through them, and what they lead to is there under its present name.
 class Win32Directory final : public Directory {
   public:
-    Win32Directory(NativePath path, std::string core, Wanted wanted)
-        : path_(std::move(path)), core_(std::move(core)), wanted_(wanted) {}
+    /// `known`: empty yet; somebody tells it of what the program writes.
+    Win32Directory(NativePath path, std::string core, Wanted wanted,
+                   std::shared_ptr<KnownEntries> known)
+        : path_(std::move(path)),
+          core_(std::move(core)),
+          wanted_(wanted),
+          known_(std::move(known)) {}
 
     /// Opens the listing unless look-ups alone are wanted. 0 or a system error.
     std::uint32_t open();
@@ -31,6 +39,7 @@ class Win32Directory final : public Directory {
     std::string core_;
     Wanted wanted_;
     Listing listing_;
+    std::shared_ptr<KnownEntries> known_;
     Status status_;
 };
 

@@ -30,8 +30,9 @@ std::uint32_t checkEnterable(const NativePath& path, LinkRule links) {
     const std::uint32_t error = queryEntry(path, entry);
     if (error != 0) return error;
     if (!entry.isDirectory()) return ERROR_DIRECTORY;
-    const bool turnsBack = entry.isLink() && links == LinkRule::refuse && leadsToAncestor(path);
-    return turnsBack ? ERROR_CANT_RESOLVE_FILENAME : 0;
+    // The root of a drive may bear the mark of the place where its volume is mounted.
+    if (!entry.isLink() || path.isRoot() || links == LinkRule::follow) return 0;
+    return links == LinkRule::refuse ? ERROR_DIRECTORY : checkLeadsAway(path);
 }
 
 }  // namespace
@@ -41,11 +42,26 @@ Status Win32Files::openDirectory(const std::string& path, LinkRule links, Wanted
     return at(path, [&](const NativePath& native) {
         std::uint32_t error = checkEnterable(native, links);
         if (error != 0) return error;
-        auto opened = std::make_unique<Win32Directory>(native, path, wanted);
+        auto opened = std::make_unique<Win32Directory>(native, path, wanted, watch());
         error = opened->open();
         if (error == 0) directory = std::move(opened);
         return error;
     });
+}
+
+std::shared_ptr<KnownEntries> Win32Files::watch() {
+    std::erase_if(watched_, [](const auto& known) { return known.expired(); });
+    auto known = std::make_shared<KnownEntries>();
+    watched_.push_back(known);
+    return known;
+}
+
+void Win32Files::forget(const std::string& path) {
+    NativePath native;
+    if (watched_.empty() || !toNative(path, native).ok()) return;
+    for (const std::weak_ptr<KnownEntries>& one : watched_) {
+        if (const auto known = one.lock()) known->forget(native.name());
+    }
 }
 
 Status Win32Files::lookUp(const std::string& path, LinkRule links, FileEntry& entry) {
@@ -63,6 +79,7 @@ std::string Win32Files::resolve(const std::string& path) {
 }
 
 Status Win32Files::createDirectory(const std::string& path) {
+    forget(path);
     return at(path, [&](const NativePath& native) {
         return lastErrorUnless(CreateDirectoryW(native.text.c_str(), nullptr));
     });
@@ -70,10 +87,12 @@ Status Win32Files::createDirectory(const std::string& path) {
 
 Status Win32Files::copyFile(const std::string& source, const std::string& destination,
                             LinkRule sourceLinks, CopyObserver* observer) {
+    forget(destination);
     return copier_.copy(source, destination, sourceLinks, observer);
 }
 
 Status Win32Files::setAttributes(const std::string& path, std::uint32_t attributes) {
+    forget(path);
     return at(path, [&](const NativePath& native) {
         return lastErrorUnless(
             SetFileAttributesW(native.text.c_str(), settableAttributes(attributes)));
@@ -81,6 +100,7 @@ Status Win32Files::setAttributes(const std::string& path, std::uint32_t attribut
 }
 
 Status Win32Files::setTimes(const std::string& path, const FileTimes& times) {
+    forget(path);
     return at(path, [&](const NativePath& native) -> std::uint32_t {
         const UniqueHandle file(CreateFileW(
             native.text.c_str(), FILE_WRITE_ATTRIBUTES, shareAll, nullptr, OPEN_EXISTING,
@@ -90,6 +110,7 @@ Status Win32Files::setTimes(const std::string& path, const FileTimes& times) {
 }
 
 Status Win32Files::removeFile(const std::string& path) {
+    forget(path);
     return at(path, [&](const NativePath& native) -> std::uint32_t {
         FileEntry entry;
         const std::uint32_t error = queryEntry(native, entry);
@@ -114,6 +135,7 @@ Status Win32Files::readWhole(const std::string& path, std::uint64_t limit, std::
 }
 
 Status Win32Files::writeWhole(const std::string& path, const std::string& bytes) {
+    forget(path);
     return at(path, [&](const NativePath& native) { return writeWholeFile(native, bytes); });
 }
 

@@ -2,18 +2,20 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/file_service.h"
 #include "platform/win32/file_copier.h"
+#include "platform/win32/known_entries.h"
 
 namespace coffrelune {
 
 /// The disk of a Windows system.
 ///
 /// A directory link (junction, symbolic link, mounted volume) is listed as a directory that is also
-/// a link, and is entered like one: what it shows belongs to the tree. Only one that leads back to
-/// a directory on the way to itself opens with 1921, whatever the LinkRule, unless it is asked for
-/// as a root (LinkRule::follow). Links to files are entries of their own.
+/// a link, and is entered like one where a tree is read (LinkRule::enter): what it shows belongs to
+/// the tree. Only one that leads back to a directory on the way to itself opens with 1921. Links to
+/// files are entries of their own.
 class Win32Files final : public FileService {
   public:
     Status openDirectory(const std::string& path, LinkRule links, Wanted wanted,
@@ -33,7 +35,11 @@ class Win32Files final : public FileService {
     Status writeWhole(const std::string& path, const std::string& bytes) override;
 
   private:
+    std::shared_ptr<KnownEntries> watch();
+    void forget(const std::string& path);
+
     Win32FileCopier copier_;
+    std::vector<std::weak_ptr<KnownEntries>> watched_;  // of the directories that are open
 };
 
 }  // namespace coffrelune

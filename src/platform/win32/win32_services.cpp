@@ -44,16 +44,17 @@ std::vector<std::string> Win32Drives::roots() {
 
 std::string Win32Drives::windowsDirectory() {
     std::array<wchar_t, MAX_PATH> path{};
-    const UINT length = GetWindowsDirectoryW(path.data(), static_cast<UINT>(path.size()));
+    // The other call of the kind gives each user of a terminal server a directory of his own.
+    const UINT length = GetSystemWindowsDirectoryW(path.data(), static_cast<UINT>(path.size()));
     return length < path.size() ? narrow({path.data(), length}) : std::string();
 }
 
 std::string Win32Drives::fromNative(const std::string& typed) {
-    return fromTyped(typed);
+    return usualForm(fromTyped(typed));
 }
 
 std::string Win32Drives::fromWindow(const std::string& entered) {
-    return fromEntered(entered);
+    return usualForm(fromEntered(entered));
 }
 
 LocalTime toLocalTime(std::uint64_t units) {

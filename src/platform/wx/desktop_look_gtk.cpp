@@ -25,4 +25,9 @@ void adaptDesktopLook() {
     colourLinks();
 }
 
+// The toolkit itself does not start without a display.
+bool canMakeWindows() {
+    return true;
+}
+
 }  // namespace coffrelune

@@ -24,6 +24,8 @@ constexpr int narrow = 6;
 constexpr int resultPicture = 16;
 constexpr int noticePicture = 24;
 
+// The system's density, not the window's: a place lies on the desktop, and is the same for a window
+// whichever screen it is on.
 wxPoint placeOf(const WindowPlace& place) {
     return {wxWindow::FromDIP(place.left / twipsPerPixel, nullptr),
             wxWindow::FromDIP(place.top / twipsPerPixel, nullptr)};
@@ -292,7 +294,7 @@ void MainView::rememberPlace() {
     place.state = IsMaximized() ? WindowPlace::maximised : WindowPlace::normal;
     // A maximised window keeps the place that it had before and will have again.
     if (place.state == WindowPlace::maximised) return;
-    const wxPoint position = ToDIP(GetPosition());
+    const wxPoint position = wxWindow::ToDIP(GetPosition(), nullptr);
     place.left = position.x * twipsPerPixel;
     place.top = position.y * twipsPerPixel;
 }

@@ -29,7 +29,7 @@ bool startToolkit() {
     wxChar* arguments[] = {writable.data(), nullptr};
     int count = 1;
     if (!wxEntryStart(count, arguments)) return false;
-    if (wxTheApp->CallOnInit()) return true;
+    if (wxTheApp->CallOnInit() && canMakeWindows()) return true;
     wxEntryCleanup();
     return false;
 }
@@ -46,12 +46,22 @@ class WxProgram::Running {
             windows.flush();
             event.Skip();
         });
+        bindSession();
     }
     Running(const Running&) = delete;
     Running& operator=(const Running&) = delete;
     ~Running() { wxEntryCleanup(); }
 
     WxWindows windows;
+
+  private:
+    // Left to itself the toolkit would delete the windows under a run and end the process with 0.
+    void bindSession() {
+        wxTheApp->Bind(wxEVT_QUERY_END_SESSION, [this](wxCloseEvent& event) {
+            if (!windows.sessionMayEnd()) event.Veto();
+        });
+        wxTheApp->Bind(wxEVT_END_SESSION, [this](wxCloseEvent&) { windows.endSession(); });
+    }
 };
 
 WxProgram::WxProgram(WxServices services) : services_(std::move(services)) {}
@@ -66,6 +76,10 @@ bool WxProgram::start() {
 
 WindowService& WxProgram::windows() {
     return running_->windows;
+}
+
+bool WxProgram::interruptedBySession() const {
+    return running_->windows.interruptedBySession();
 }
 
 }  // namespace coffrelune

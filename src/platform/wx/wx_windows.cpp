@@ -1,22 +1,32 @@
 #include "platform/wx/wx_windows.h"
 
+#include <wx/app.h>
 #include <wx/evtloop.h>
 #include <wx/filedlg.h>
+#include <wx/timer.h>
 #include <wx/utils.h>
 
 #include <iostream>
 
 #include "mainwindow/main_form.h"
+#include "operation/copie.h"
 #include "platform/wx/folder_chooser.h"
 #include "platform/wx/main_view.h"
 #include "platform/wx/message_view.h"
+#include "platform/wx/session_block.h"
 #include "platform/wx/text.h"
 #include "platform/wx/views.h"
+#include "system/text.h"
 
 namespace coffrelune {
 namespace {
 
 constexpr std::int64_t servedEvery = 15;  // milliseconds: a screen shows no more than that
+
+// "Sauvegarde ..." is "Une sauvegarde est en cours."; so are the others, all of one gender.
+std::string reasonToWait(const Copie& operation) {
+    return "Une " + lowerCase(splitText(operation.caption(), ' ').front()) + " est en cours.";
+}
 
 }  // namespace
 
@@ -39,7 +49,39 @@ void WxWindows::showModal(Window& window) {
         return;
     }
     const std::unique_ptr<DialogView> view = makeDialogView(front(), context_, window);
-    if (view != nullptr) run(*view);
+    if (view == nullptr) return;
+    if (auto* operation = dynamic_cast<Copie*>(&window); operation != nullptr) {
+        runOperation(*operation, *view);
+    } else {
+        run(*view);
+    }
+}
+
+void WxWindows::runOperation(Copie& operation, DialogView& view) {
+    const wxWindow& main = *open_.front();
+    giveReasonToWait(main, reasonToWait(operation));
+    operation_ = &operation;
+    run(view);
+    operation_ = nullptr;
+    withdrawReasonToWait(main);
+}
+
+void WxWindows::flush() {
+    refresher_.flush();
+    if (sessionEnds_ && !open_.empty() && open_.back()->IsShown()) open_.back()->Close();
+}
+
+// The run cannot end before this returns, as it stands below; the system ends the process some time
+// after. So the file in progress is given up: what is under its name is complete, old or new.
+void WxWindows::endSession() {
+    sessionEnds_ = true;
+    if (operation_ != nullptr && !operation_->finished()) {
+        interruptedBySession_ = true;
+        operation_->requestInterruption();
+        services_.files.abandonCopies();
+    }
+    flush();
+    wxWakeUpIdle();
 }
 
 void WxWindows::runPendingEvents() {
@@ -53,6 +95,10 @@ void WxWindows::runPendingEvents() {
 
 Answer WxWindows::showMessage(const MessageBoxText& message) {
     MessageView box(front(), pictures_, message);
+    return ask(box);
+}
+
+Answer WxWindows::ask(MessageView& box) {
     open_.push_back(&box);
     const Answer answer = box.ask();
     open_.pop_back();
@@ -85,7 +131,22 @@ std::string WxWindows::chooseFile(const std::string& title, const std::string& f
 void WxWindows::notice(const std::string& text) {
     std::cerr << text << '\n';
     auto* main = open_.empty() ? nullptr : dynamic_cast<MainView*>(open_.front());
-    if (main != nullptr) main->notices().add(text);
+    if (main != nullptr) {
+        main->notices().add(text);
+    } else if (services_.noticeSeconds > 0) {
+        showNotice(text);
+    }
+}
+
+// Where nobody reads stderr this is all that says why a program ended at once. It goes by itself,
+// so that a start that nobody watches ends too.
+void WxWindows::showNotice(const std::string& text) {
+    constexpr int second = 1'000;  // milliseconds
+    MessageView box(front(), pictures_, {text, "Coffrelune", MessageIcon::exclamation});
+    wxTimer timer;
+    timer.Bind(wxEVT_TIMER, [&box](wxTimerEvent&) { box.Close(); });
+    timer.StartOnce(services_.noticeSeconds * second);
+    (void)ask(box);
 }
 
 }  // namespace coffrelune

@@ -108,9 +108,11 @@ TEST(PathMap, TypedPathsEnterInTheCoresForm) {
 
 TEST(PathMap, TypedPathThatHasTheCoresFormStaysAsItIs) {
     const PathMap map = someMap();
-    for (const std::string text : {"X:\\a\\", "x:", "C:\\", "\\\\srv\\p\\x", "F:\\a\\..\\b", ""}) {
+    for (const std::string text : {"X:\\a\\", "x:", "C:\\", "\\\\srv\\p\\x", "F:\\a. ", ""}) {
         EXPECT_EQ(map.fromNative(text, "/etc"), text);
     }
+    EXPECT_EQ(map.fromNative("F:\\a\\..\\b\\.", "/etc"), "F:\\b");
+    EXPECT_EQ(map.fromNative("F:\\a/..\\..\\\\b\\\\", "/etc"), "F:\\b\\");
 }
 
 TEST(PathMap, TypedParentStepFollowsTheLinkBeforeIt) {

@@ -50,6 +50,37 @@ TEST_F(PosixFilesTest, ListingKeepsToFilesDirectoriesAndLinks) {
     EXPECT_EQ(files().lookUp("D:\\tube", LinkRule::follow, entry).code(), 2U);
 }
 
+TEST_F(PosixFilesTest, ListingMarksWhatItCouldNotLookAt) {
+    disk_.makeDirectory("noms seuls");
+    disk_.write("noms seuls/a", "abc");
+    chmod(disk_.at("noms seuls").c_str(), 0744);
+    FileEntry entry;
+    {
+        const WithoutPrivileges user;
+        std::unique_ptr<Directory> directory;
+        ASSERT_TRUE(files()
+                        .openDirectory("D:\\noms seuls", LinkRule::refuse, Wanted::files, directory)
+                        .ok());
+        ASSERT_TRUE(directory->next(entry));
+        EXPECT_EQ(entry.name, "a");
+        EXPECT_TRUE(entry.unreadable);
+    }
+    // The same record serves for the next entry.
+    ASSERT_TRUE(files().lookUp("D:\\noms seuls\\a", LinkRule::refuse, entry).ok());
+    EXPECT_FALSE(entry.unreadable);
+}
+
+TEST_F(PosixFilesTest, FileOfTheFirstMomentIsNoneThatCouldNotBeLookedAt) {
+    disk_.write("a", "abc");
+    ASSERT_TRUE(files().setTimes("D:\\a", {1, 1, 1}).ok());
+    std::unique_ptr<Directory> directory;
+    ASSERT_TRUE(files().openDirectory("D:\\", LinkRule::refuse, Wanted::files, directory).ok());
+    FileEntry entry;
+    entry.unreadable = true;
+    ASSERT_TRUE(directory->next(entry));
+    EXPECT_FALSE(entry.unreadable);
+}
+
 TEST_F(PosixFilesTest, DirectoryThatMayNotBeReadStillServesLookUps) {
     disk_.makeDirectory("ferme");
     disk_.write("ferme/a", "abc");

@@ -111,6 +111,8 @@ TEST_F(PosixDrivesTest, ATextFromAWindowKnowsNoCurrentDirectory) {
         EXPECT_EQ(platform.drives().fromWindow(text), text);
     }
     EXPECT_EQ(platform.drives().fromWindow("/media/cle/../cle/x/"), "D:\\x");
+    EXPECT_EQ(platform.drives().fromWindow("D:\\Photos\\."), "D:\\Photos");
+    EXPECT_EQ(platform.drives().fromWindow("D:\\\\Photos/..\\x "), "D:\\x ");
     EXPECT_EQ(platform.drives().fromWindow("/tmp/x\n"), "C:\\tmp\\x\n");
     EXPECT_TRUE(platform.drives().fromNative("relative").ends_with("\\relative"));
 }

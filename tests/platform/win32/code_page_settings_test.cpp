@@ -25,7 +25,7 @@ void PrintTo(const PageCase& page, std::ostream* out) {
 class CodePageSettings : public testing::TestWithParam<PageCase> {
   protected:
     SettingsFile settings() { return SettingsFile(files_, page_, path_); }
-    std::string onDisk() const { return disk::content(path_); }
+    std::string onDisk() const { return disk::content(path_).value_or(""); }
 
     const std::string name_ = GetParam().name;
     const std::string bytes_ = GetParam().bytes;

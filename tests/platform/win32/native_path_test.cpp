@@ -87,9 +87,10 @@ TEST(NativePath, ComesBackAsTheCoreWritesIt) {
 }
 
 TEST(TypedPath, InTheCoresFormStaysAsItIs) {
-    for (const char* path : {R"(C:\Docs)", R"(c:\docs\)", "C:", R"(C:\)", R"(\\nas\photos)",
-                             R"(C:\Docs\a. )", R"(C:\a\..\b)"}) {
+    for (const char* path :
+         {R"(C:\Docs)", R"(c:\docs\)", "C:", R"(C:\)", R"(\\nas\photos)", R"(C:\Docs\a. )"}) {
         EXPECT_EQ(fromTyped(path), path);
+        EXPECT_EQ(fromEntered(path), path);
     }
     EXPECT_EQ(fromTyped(""), "");
 }
@@ -103,6 +104,18 @@ TEST(TypedPath, LosesItsQuotesAndItsSlashes) {
     EXPECT_EQ(fromTyped(R"(\\?\UNC\nas\photos)"), R"(\\nas\photos)");
     EXPECT_EQ(fromTyped("\"\""), "");
     EXPECT_EQ(fromTyped("   "), "");
+}
+
+TEST(TypedPath, LosesItsDots) {
+    for (const auto& take : {fromTyped, fromEntered}) {
+        EXPECT_EQ(take(R"(E:\Docs\.)"), R"(E:\Docs)");
+        EXPECT_EQ(take(R"(E:\Docs\..)"), R"(E:\)");
+        EXPECT_EQ(take(R"(C:\a\..\b. )"), R"(C:\b. )");
+        EXPECT_EQ(take(R"(C:\\a\\.\)"), R"(C:\a\)");
+        EXPECT_EQ(take("C:/Docs/./x"), R"(C:\Docs\x)");
+        EXPECT_EQ(take(R"(\\nas\photos\..\..\x)"), R"(\\nas\photos\x)");
+        EXPECT_EQ(take(R"(\\?\C:\Docs\.)"), R"(C:\Docs)");
+    }
 }
 
 TEST(TypedPath, IsCompletedFromTheCurrentDirectory) {

@@ -35,6 +35,10 @@ class Win32Walk : public testing::Test {
         CopieMod engine(system_, statistics_, window_);
         engine.walkLine(lineRoots(from, to, Layout::normal), false);
     }
+    void restore() {
+        CopieMod engine(system_, statistics_, window_);
+        engine.walkLine(lineRoots(base_.at("Docs"), base_.at("Save"), Layout::reversed), false);
+    }
 
     disk::Temporary base_;
     Win32Platform native_;
@@ -146,6 +150,39 @@ TEST_F(Win32Walk, ContentBehindADirectoryLinkIsCopied) {
     EXPECT_EQ(statistics_.errorCount, 0);
     EXPECT_EQ(disk::content(copy("lien\\a.txt")), "abc");
     EXPECT_EQ(*disk::attributes(copy("lien")) & attribute::link, 0U);
+}
+
+TEST_F(Win32Walk, LinkThatStandsInTheCopyIsNotWrittenThrough) {
+    disk::makeDirectory(base_.at("Travail"));
+    disk::makeFile(base_.at("Travail\\a.txt"), "mine", oldTime);
+    disk::makeDirectory(source("s"));
+    disk::makeFile(source("s\\a.txt"), "other", oldTime + 10'000'000);
+    disk::makeFile(source("z.txt"), "z", oldTime);
+    disk::makeDirectory(copies());
+    if (!disk::makeDirectoryLink(copy("s"), "..\\..\\Travail")) {
+        GTEST_SKIP() << "this user may not make links";
+    }
+    system_.options.ContinueOnError = -1;
+    backUp();
+    EXPECT_EQ(disk::content(base_.at("Travail\\a.txt")), "mine");
+    EXPECT_THAT(disk::names(base_.at("Travail")), ElementsAre("a.txt"));
+    EXPECT_EQ(statistics_.errorCount, 1);
+    EXPECT_THAT(window_.journal, ElementsAre("Erreur: 267 - Fichier: " + source("s")));
+    EXPECT_EQ(disk::content(copy("z.txt")), "z");
+}
+
+TEST_F(Win32Walk, RestoreGoesBackThroughTheLinksThatTheBackupEntered) {
+    disk::makeDirectory(base_.at("Ailleurs"));
+    disk::makeFile(base_.at("Ailleurs\\a.txt"), "abc", oldTime);
+    if (!disk::makeDirectoryLink(source("lien"), "..\\Ailleurs")) {
+        GTEST_SKIP() << "this user may not make links";
+    }
+    backUp();
+    disk::makeFile(base_.at("Ailleurs\\a.txt"), "spoilt", oldTime + 10'000'000);
+    restore();
+    EXPECT_EQ(statistics_.errorCount, 0);
+    EXPECT_EQ(disk::content(base_.at("Ailleurs\\a.txt")), "abc");
+    EXPECT_NE(*disk::attributes(source("lien")) & attribute::link, 0U);
 }
 
 TEST_F(Win32Walk, ItsOwnCopyInsideTheSourceIsNotEnteredHoweverItIsSpelled) {

@@ -25,7 +25,7 @@ class Win32FilesTest : public testing::Test {
 
     std::vector<FileEntry> listed(const std::string& name, Wanted wanted = Wanted::everything) {
         std::unique_ptr<Directory> opened;
-        EXPECT_EQ(files_.openDirectory(at(name), LinkRule::refuse, wanted, opened).code(), 0U);
+        EXPECT_EQ(files_.openDirectory(at(name), LinkRule::enter, wanted, opened).code(), 0U);
         std::vector<FileEntry> found;
         for (FileEntry entry; opened && opened->next(entry);) found.push_back(entry);
         EXPECT_TRUE(opened && opened->status().ok());
@@ -39,9 +39,10 @@ class Win32FilesTest : public testing::Test {
         return found;
     }
 
-    std::uint32_t openCode(const std::string& name, LinkRule links = LinkRule::refuse) {
+    std::uint32_t openCode(const std::string& name, LinkRule links = LinkRule::enter,
+                           Wanted wanted = Wanted::directories) {
         std::unique_ptr<Directory> opened;
-        return files_.openDirectory(at(name), links, Wanted::directories, opened).code();
+        return files_.openDirectory(at(name), links, wanted, opened).code();
     }
 
     FileEntry entry(const std::string& name) {
@@ -237,6 +238,19 @@ TEST_F(Win32FilesTest, DirectoryLinkIsEnteredAsTheDirectoryThatItShows) {
     EXPECT_EQ(found[0].id, target);
     EXPECT_THAT(names("Arbre\\lien"), ElementsAre("a.txt"));
     EXPECT_THAT(names("Arbre", Wanted::files), IsEmpty());
+}
+
+TEST_F(Win32FilesTest, DirectoryLinkIsRefusedWhereNoneIsExpected) {
+    disk::makeDirectory(at("Ailleurs"));
+    if (!disk::makeDirectoryLink(at("lien"), "Ailleurs")) {
+        GTEST_SKIP() << "this user may not make links";
+    }
+    for (const Wanted wanted : {Wanted::everything, Wanted::directories, Wanted::nothing}) {
+        EXPECT_EQ(openCode("lien", LinkRule::refuse, wanted), error_number::notADirectory);
+        EXPECT_EQ(openCode("lien", LinkRule::enter, wanted), 0U);
+        EXPECT_EQ(openCode("lien", LinkRule::follow, wanted), 0U);
+        EXPECT_EQ(openCode("Ailleurs", LinkRule::refuse, wanted), 0U);
+    }
 }
 
 TEST_F(Win32FilesTest, DirectoryLinkThatLeadsBackIsNotEntered) {

@@ -37,6 +37,30 @@ TEST(Win32Drives, KnowTheSystemsOwnDirectory) {
 }
 
 // The programs are linked for systems that came after version 5.
+TEST(Win32Drives, TakeAGivenPathAsOtherProgramsDo) {
+    const disk::Temporary base;
+    disk::makeDirectory(base.at("Save"));
+    Win32Drives drives;
+    for (const char* name : {"Save ", "Save.", "Save. .", "Save .\\", "Save"}) {
+        EXPECT_EQ(drives.fromNative(base.at(name)), base.at("Save")) << name;
+        EXPECT_EQ(drives.fromWindow(base.at(name)), base.at("Save")) << name;
+    }
+    EXPECT_EQ(drives.fromNative(base.at("nouveau.")), base.at("nouveau"));
+    // Newer Windows takes such a name for that of a file.
+    if (disk::isWine()) {
+        EXPECT_EQ(drives.fromNative(base.at("CON")), R"(\\.\CON)");
+    }
+    EXPECT_EQ(drives.fromNative("F:\\"), "F:\\");
+}
+
+TEST(Win32Drives, TakeAGivenPathLiterallyWhereSomethingBearsIt) {
+    const disk::Temporary base;
+    for (const char* name : {"Fin.", "Fin", "Blanc ", "NUL"}) {
+        disk::makeDirectory(base.at(name));
+        EXPECT_EQ(Win32Drives().fromNative(base.at(name)), base.at(name)) << name;
+    }
+}
+
 TEST(OwnVersion, GivesTheLevelOfASystemThatCopiesWithProgress) {
     EXPECT_EQ(ownSystemLevel(), 2);
 }

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cstdlib>
+#include <memory>
 #include <thread>
 
 #include "platform/memory/memory_platform.h"
@@ -9,11 +12,16 @@
 namespace coffrelune {
 namespace {
 
+template <typename Condition>
+bool comes(Condition condition) {
+    constexpr int looks = 20'000'000;
+    for (int i = 0; i < looks && !condition(); ++i) std::this_thread::yield();
+    return condition();
+}
+
 // The system calls the handler on a thread of its own.
 bool arrived(const InterruptSignals& signals, int count) {
-    constexpr int looks = 20'000'000;
-    for (int i = 0; i < looks && signals.count() < count; ++i) std::this_thread::yield();
-    return signals.count() == count;
+    return comes([&] { return signals.count() >= count; }) && signals.count() == count;
 }
 
 class ConsoleInterruptsTest : public testing::Test {
@@ -48,6 +56,26 @@ TEST_F(ConsoleInterruptsTest, TheSecondGivesTheFileInProgressUp) {
     EXPECT_EQ(copy().code(), error_number::requestAborted);
     EXPECT_TRUE(both);
     EXPECT_EQ(memory.disk().content(R"(F:\a.txt)"), "old");
+}
+
+// In a process of its own, which is closing from there on.
+TEST_F(ConsoleInterruptsTest, AClosingWindowLetsTheRunEndWithItsStatus) {
+    constexpr int ownStatus = 3;
+    const auto close = [this] {
+        auto signals = std::make_unique<InterruptSignals>(memory.files());
+        if (!OwnConsole::closeWindow() || !arrived(*signals, 2)) std::_Exit(1);
+        if (copy().code() != error_number::requestAborted) std::_Exit(1);
+        // Elsewhere, as it would be for ever when it waited for the handler.
+        std::atomic<bool> gone{false};
+        std::thread([&] {
+            signals.reset();
+            gone = true;
+        }).detach();
+        if (!comes([&] { return gone.load(); })) std::_Exit(1);
+        std::exit(ownStatus);
+    };
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(close(), testing::ExitedWithCode(ownStatus), "");
 }
 
 TEST_F(ConsoleInterruptsTest, EachRunCountsItsOwn) {

@@ -69,6 +69,21 @@ void OwnConsole::press(const std::wstring& keys) {
     WriteConsoleInputW(input_, events.data(), static_cast<DWORD>(events.size()), &count);
 }
 
+// The thread that the system starts for it begins in this function of its own.
+bool OwnConsole::closeWindow() {
+    const HMODULE system = GetModuleHandleW(L"kernelbase.dll");
+    if (system == nullptr) return false;
+    // Through a pointer without a type, as the address of a function is of another one here.
+    auto* address = reinterpret_cast<void*>(GetProcAddress(system, "CtrlRoutine"));
+    if (address == nullptr) return false;
+    const HANDLE thread =
+        CreateThread(nullptr, 0, reinterpret_cast<LPTHREAD_START_ROUTINE>(address),
+                     reinterpret_cast<void*>(CTRL_CLOSE_EVENT), 0, nullptr);
+    if (thread == nullptr) return false;
+    CloseHandle(thread);
+    return true;
+}
+
 bool OwnConsole::interrupt() {
     return GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0) != 0;
 }

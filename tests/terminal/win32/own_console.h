@@ -22,6 +22,10 @@ class OwnConsole {
     /// Presses Ctrl-C; its handlers run on a thread of their own. False when the system refuses.
     static bool interrupt();
 
+    /// Does what the system does in a process whose console window is being closed; the handlers
+    /// run on a thread of their own. False when the system refuses.
+    static bool closeWindow();
+
   private:
     void* input_;
     void* output_;

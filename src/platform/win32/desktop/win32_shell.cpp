@@ -30,6 +30,8 @@ void Win32Shell::showProperties(const std::string& path) {
     SHELLEXECUTEINFOW request{};
     request.cbSize = sizeof request;
     request.fMask = SEE_MASK_INVOKEIDLIST;
+    // In front of the window that asks for it, and with it in the task bar.
+    request.hwnd = GetActiveWindow();
     request.lpVerb = L"properties";
     request.lpFile = file.c_str();
     request.nShow = SW_SHOWNORMAL;

@@ -1,0 +1,110 @@
+#include "platform/win32/known_entries.h"
+
+#include <windows.h>
+
+#include <limits>
+
+#include "platform/win32/wide_text.h"
+
+namespace coffrelune {
+namespace {
+
+// To list costs as much as these look-ups: a directory with a few files is not worth it.
+constexpr int fewLookUps = 4;
+// At a time, so that neither a stop nor the screen waits for a directory of a million entries.
+constexpr int entriesAtOnce = 1000;
+// What the records can point to; the rest of such a directory is asked for name by name.
+constexpr std::size_t mostNameBytes = std::numeric_limits<std::uint32_t>::max() / 2;
+
+/// Hash of the name in one case. The disk takes names for the same whose capitals are the same.
+std::size_t hashInCapitals(std::wstring_view name) {
+    std::wstring upper(name.size(), L'\0');
+    const auto length = static_cast<int>(name.size());
+    const int written = LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, name.data(), length,
+                                      upper.data(), length, nullptr, nullptr, 0);
+    return std::hash<std::wstring_view>()(written == length ? upper : name);
+}
+
+/// "LETTRE~1.TXT": perhaps the short name of a file that is listed under its long one.
+bool mayBeShortName(std::wstring_view name) {
+    const std::size_t tilde = name.find(L'~');
+    return tilde != std::wstring_view::npos && tilde + 1 < name.size() && name[tilde + 1] >= L'0' &&
+           name[tilde + 1] <= L'9';
+}
+
+}  // namespace
+
+bool KnownEntries::find(const NativePath& directory, const std::string& name, FileEntry& entry) {
+    if (forgottenAll_) return false;
+    if (items_.empty() || slotOf(name) == 0) {
+        if (++unknown_ <= fewLookUps) return false;
+        readOn(directory);
+        if (items_.empty() || slotOf(name) == 0) return false;
+    }
+    if (isForgotten(name)) return false;
+    const Item& item = items_[slotOf(name) - 1];
+    entry = {};
+    entry.name = name;
+    entry.attributes = item.attributes;
+    entry.size = item.size;
+    entry.times = item.times;
+    return true;
+}
+
+void KnownEntries::forget(std::wstring_view name) {
+    forgotten_.insert(hashInCapitals(name));
+    forgottenAll_ = forgottenAll_ || mayBeShortName(name);
+}
+
+bool KnownEntries::isForgotten(const std::string& name) const {
+    return !forgotten_.empty() && forgotten_.contains(hashInCapitals(wide(name)));
+}
+
+// An error ends the listing: the look-ups that follow meet it, and tell.
+void KnownEntries::readOn(const NativePath& directory) {
+    if (closed_) return;
+    if (!open_) {
+        open_ = true;
+        closed_ = listing_.open(directory, L"*") != 0;
+    }
+    FileEntry entry;
+    for (int read = 0; read < entriesAtOnce && !closed_; ++read) {
+        closed_ = names_.size() > mostNameBytes || !listing_.next(entry);
+        if (!closed_ && entry.name != "." && entry.name != "..") add(entry);
+    }
+    if (closed_) listing_.close();
+}
+
+void KnownEntries::add(const FileEntry& entry) {
+    if (slots_.size() < 2 * (items_.size() + 1)) grow();
+    std::uint32_t& slot = slotOf(entry.name);
+    if (slot != 0) return;
+    Item item{entry.size, entry.times, entry.attributes, static_cast<std::uint32_t>(names_.size()),
+              static_cast<std::uint32_t>(entry.name.size())};
+    names_ += entry.name;
+    items_.push_back(item);
+    slot = static_cast<std::uint32_t>(items_.size());
+}
+
+void KnownEntries::grow() {
+    constexpr std::size_t first = 64;
+    slots_.assign(slots_.empty() ? first : 2 * slots_.size(), 0);
+    for (std::size_t i = 0; i < items_.size(); ++i) {
+        slotOf(nameOf(items_[i])) = static_cast<std::uint32_t>(i + 1);
+    }
+}
+
+/// The slot that holds the name, or the free one where it would go.
+std::uint32_t& KnownEntries::slotOf(std::string_view name) {
+    std::size_t at = std::hash<std::string_view>()(name) & (slots_.size() - 1);
+    while (slots_[at] != 0 && nameOf(items_[slots_[at] - 1]) != name) {
+        at = (at + 1) & (slots_.size() - 1);
+    }
+    return slots_[at];
+}
+
+std::string_view KnownEntries::nameOf(const Item& item) const {
+    return std::string_view(names_).substr(item.nameStart, item.nameLength);
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "platform/win32/entry_query.h"
+
+namespace coffrelune {
+
+/// What a listing of a directory has told, for its look-ups: one call of the system for hundreds of
+/// entries, where a look-up asks it once each, over the net as well, and has it open the file.
+///
+/// Only a name in the very spelling of the listing is answered from here. Whatever else the disk
+/// takes for the same (another case, a short name), and what is not there, is left to the system.
+class KnownEntries {
+  public:
+    /// The entry of that name and true, when it is known and nobody has forgotten it. Reads on in
+    /// the listing of `directory`, by a bounded number of entries, when that seems to pay.
+    bool find(const NativePath& directory, const std::string& name, FileEntry& entry);
+
+    /// The program is about to write something of that name, somewhere: from now on it is left to
+    /// the system, also under a name that differs by its case.
+    void forget(std::wstring_view name);
+
+  private:
+    // Without the name, which is in `names_`.
+    struct Item {
+        std::uint64_t size = 0;
+        FileTimes times;
+        std::uint32_t attributes = 0;
+        std::uint32_t nameStart = 0;
+        std::uint32_t nameLength = 0;
+    };
+
+    void readOn(const NativePath& directory);
+    void add(const FileEntry& entry);
+    void grow();
+    std::uint32_t& slotOf(std::string_view name);
+    std::string_view nameOf(const Item& item) const;
+    bool isForgotten(const std::string& name) const;
+
+    Listing listing_;
+    int unknown_ = 0;      // look-ups that found nothing here
+    bool open_ = false;    // the listing has been started
+    bool closed_ = false;  // there is no more to read in it
+    std::vector<Item> items_;
+    std::string names_;
+    // Positions in items_ and one more, found by the hash of the name; 0 in a free slot. At most
+    // half of them are taken, so that a search ends soon.
+    std::vector<std::uint32_t> slots_;
+    std::unordered_set<std::size_t> forgotten_;  // hashes of the names in one case
+    bool forgottenAll_ = false;
+};
+
+}  // namespace coffrelune

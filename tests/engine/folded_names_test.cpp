@@ -1,0 +1,97 @@
+// Names that differ in their case alone, and volumes to which they are one.
+#include "engine/folded_names.h"
+
+#include "engine/engine_fixture.h"
+
+namespace coffrelune {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(FoldedNames, KnowANameInAnyCase) {
+    FoldedNames names;
+    EXPECT_TRUE(names.add("Plan.txt"));
+    EXPECT_TRUE(names.add("été"));
+    EXPECT_TRUE(names.add("plan.txt2"));
+    EXPECT_TRUE(names.add(""));
+    EXPECT_FALSE(names.add("Plan.txt"));
+    EXPECT_FALSE(names.add("PLAN.TXT"));
+    EXPECT_FALSE(names.add("ÉtÉ"));
+    EXPECT_FALSE(names.add(""));
+}
+
+TEST(FoldedNames, HoldManyNames) {
+    FoldedNames names;
+    constexpr int many = 20'000;
+    for (int i = 0; i < many; ++i) ASSERT_TRUE(names.add("Nom " + std::to_string(i))) << i;
+    for (int i = 0; i < many; ++i) ASSERT_FALSE(names.add("NOM " + std::to_string(i))) << i;
+}
+
+/// C: tells case, F: does not.
+class CaseBlindCopy : public Engine {
+  protected:
+    CaseBlindCopy() {
+        disk().volume("F:\\").foldsCase = true;
+        disk().file("C:\\Docs\\Plan.txt", "first", fileTimeAt(2024, 5, 1));
+        disk().file("C:\\Docs\\autre", "x");
+    }
+};
+
+TEST_F(CaseBlindCopy, CountsTheSecondOfTwoFilesAndKeepsTheCopyOfTheFirst) {
+    disk().file("C:\\Docs\\PLAN.TXT", "second", fileTimeAt(2024, 6, 1));
+    for (const bool firstRun : {true, false}) {
+        EngineBench::run("C:\\Docs", "F:\\");
+        EXPECT_EQ(disk().content("F:\\Docs\\Plan.txt"), "first") << firstRun;
+        EXPECT_EQ(disk().content("F:\\Docs\\autre"), "x");
+        EXPECT_THAT(window.journal, ElementsAre("Erreur: 183 - Fichier: C:\\Docs\\PLAN.TXT"));
+        EXPECT_EQ(statistics.errorCount, 1);
+    }
+}
+
+TEST_F(CaseBlindCopy, CountsTheSecondThoughItsTimeIsThatOfTheFirst) {
+    disk().file("C:\\Docs\\PLAN.TXT", "other", fileTimeAt(2024, 5, 1));
+    disk().file("F:\\Docs\\Plan.txt", "first", fileTimeAt(2024, 5, 1));
+    analyse("C:\\Docs", "F:\\");
+    EXPECT_THAT(window.journal, ElementsAre("Erreur: 183 - Fichier: C:\\Docs\\PLAN.TXT"));
+}
+
+TEST_F(CaseBlindCopy, DoesNotMixTwoDirectories) {
+    disk().file("C:\\Docs\\Mai\\a", "first");
+    disk().file("C:\\Docs\\MAI\\A", "second", fileTimeAt(2024, 6, 1));
+    disk().file("C:\\Docs\\MAI\\b", "second");
+    run("C:\\Docs", "F:\\");
+    EXPECT_EQ(disk().content("F:\\Docs\\Mai\\a"), "first");
+    EXPECT_FALSE(disk().exists("F:\\Docs\\Mai\\b"));
+    EXPECT_THAT(window.journal, ElementsAre("Erreur: 183 - Fichier: C:\\Docs\\MAI"));
+}
+
+TEST_F(Engine, CopiesNamesThatDifferInCaseWhereTheyAreTwo) {
+    disk().file("C:\\Docs\\Plan.txt", "first");
+    disk().file("C:\\Docs\\PLAN.TXT", "second");
+    disk().link("C:\\Docs\\Lien", "Plan.txt");
+    disk().link("C:\\Docs\\LIEN", "Plan.txt");
+    disk().file("C:\\Docs\\Mai\\a", "first");
+    disk().file("C:\\Docs\\MAI\\a", "second");
+    for (int times = 0; times < 2; ++times) run("C:\\Docs", "F:\\");
+    EXPECT_EQ(disk().content("F:\\Docs\\Plan.txt"), "first");
+    EXPECT_EQ(disk().content("F:\\Docs\\PLAN.TXT"), "second");
+    EXPECT_TRUE(disk().exists("F:\\Docs\\LIEN"));
+    EXPECT_EQ(disk().content("F:\\Docs\\Mai\\a"), "first");
+    EXPECT_EQ(disk().content("F:\\Docs\\MAI\\a"), "second");
+    EXPECT_EQ(statistics.errorCount, 0);
+}
+
+TEST_F(CaseBlindCopy, AsksTheDestinationNothingMoreInTheUsualCase) {
+    run("C:\\Docs", "F:\\");
+    memory.files().clearCalls();
+    analyse("C:\\Docs", "F:\\");
+    EXPECT_THAT(memory.files().calls("lookUp"), ElementsAre("lookUp C:\\Docs"));
+    EXPECT_THAT(memory.files().calls("openDirectory"),
+                ElementsAre("openDirectory C:\\Docs\\", "openDirectory F:\\Docs\\",
+                            "openDirectory C:\\Docs\\"));
+    EXPECT_THAT(window.journal, IsEmpty());
+}
+
+}  // namespace
+}  // namespace coffrelune
