@@ -217,7 +217,9 @@ def two_at_once(place, report):
         write(f"{place.source}/f{number}.bin", os.urandom(8 * 1024 * 1024))
     place.write_settings(place.line())
     first = place.start("coffrelune-console", "sauvegarder")
-    report.check("le premier est en route", wait_until(lambda: os.path.isdir(place.copy), first))
+    # Its mark on the unfinished copy is the last that it writes before its end.
+    report.check("le premier est en route", wait_until(
+        lambda: b"CopieIncomplete1=" in place.read_settings(), first))
     before = place.read_settings()
     second = place.console("sauvegarder")
     if report.check("le premier l'est encore", first.poll() is None):
