@@ -2,6 +2,7 @@
 
 import os
 import re
+import signal
 import subprocess
 
 from harness import (PATIENCE, differences, drive_path, incomplete, names_below, read, times_of,
@@ -200,7 +201,8 @@ def killed(place, report):
     place.write_settings(place.line())
     program = place.start("coffrelune-console", "sauvegarder")
     started = wait_until(lambda: os.path.isdir(place.copy) and os.listdir(place.copy), program)
-    place.prefix.run("taskkill", "/F", "/IM", "coffrelune-console.exe")
+    # At once: another program of Windows that kills it would take longer to start than the copy.
+    program.kill()
     wait(program)
     report.check("il était en route", started)
     copied = {name for name in names_below(place.copy) if re.fullmatch(rb"f\d+\.bin", name)}
@@ -220,12 +222,15 @@ def two_at_once(place, report):
     # Its mark on the unfinished copy is the last that it writes before its end.
     report.check("le premier est en route", wait_until(
         lambda: b"CopieIncomplete1=" in place.read_settings(), first))
+    # It stands still meanwhile: else it may be done before the second one, on a slow machine.
+    first.send_signal(signal.SIGSTOP)
     before = place.read_settings()
     second = place.console("sauvegarder")
     if report.check("le premier l'est encore", first.poll() is None):
         report.equal("le deuxième : état 3", second.status, 3)
         report.check("il dit pourquoi", "LE PROGRAMME EST DEJA EN MEMOIRE !" in second.all, second)
         report.equal("les réglages n'ont pas changé", place.read_settings(), before)
+    first.send_signal(signal.SIGCONT)
     report.equal("le premier finit", wait(first).status, 0)
     report.equal("après lui, un autre peut courir", place.console("sauvegarder").status, 0)
 
