@@ -41,17 +41,31 @@ def whole_tree(place, report):
                  (0, "nothing"))
 
 
-def as_xcopy(place, report):
-    """Les mêmes fichiers que xcopy"""
+def compare_with(place, report, program, *switches):
+    """The same tree copied by another program of Windows and by ours."""
     write(f"{place.source}/Été/À lire.txt", "accents")
     write(f"{place.source}/vide.txt", "")
     write(f"{place.source}/grand.bin", os.urandom(3 * 1024 * 1024 + 1))
     os.makedirs(f"{place.source}/répertoire vide")
-    other = f"{place.destination}/xcopy"
-    place.prefix.run("xcopy.exe", drive_path(place.source), drive_path(other), "/E", "/I", "/Y")
+    other = f"{place.destination}/{program}"
+    peer = place.prefix.run(f"{program}.exe", drive_path(place.source), drive_path(other), *switches)
+    if not os.path.isdir(other) and program == "robocopy":
+        report.leave_out("comparaison avec robocopy",
+                         f"celui de Wine ne copie rien (état {peer.returncode})")
+        return
     report.equal("état 0", place.backup("--ecraser").status, 0)
     report.equal("les mêmes noms", names_below(place.copy), names_below(other))
     report.equal("les mêmes contenus", differences(other, place.copy), [])
+
+
+def as_xcopy(place, report):
+    """Les mêmes fichiers que xcopy"""
+    compare_with(place, report, "xcopy", "/E", "/I", "/Y")
+
+
+def as_robocopy(place, report):
+    """Les mêmes fichiers que robocopy"""
+    compare_with(place, report, "robocopy", "/E")
 
 
 def accents_in_a_pipe(place, report):
@@ -251,6 +265,6 @@ def window_program(place, report):
     report.check("la place de la fenêtre aussi", "Left" in keys and "Top" in keys, keys)
 
 
-SCENARIOS = (whole_tree, as_xcopy, accents_in_a_pipe, accents_on_a_console, arguments_as_typed,
+SCENARIOS = (whole_tree, as_xcopy, as_robocopy, accents_in_a_pipe, accents_on_a_console, arguments_as_typed,
              absent_drive, other_alphabet_in_settings, other_code_pages, case_of_names,
              link_in_the_copy, odd_end_of_a_destination, killed, two_at_once, window_program)
