@@ -14,9 +14,14 @@ std::string key(std::size_t number) {
     return "CopieIncomplete" + std::to_string(number);
 }
 
+// A value of the settings is read up to this many characters: of a longer mark its beginning
+// counts, which marks a copy too many rather than none.
+constexpr std::size_t longestValue = 1023;
+
 auto sameAs(const std::string& copy) {
     return [path = withoutTrailingBackslash(copy)](const std::string& marked) {
-        return equalIgnoringCase(marked, path);
+        const bool cut = marked.size() >= longestValue && path.size() > marked.size();
+        return equalIgnoringCase(marked, cut ? path.substr(0, marked.size()) : path);
     };
 }
 

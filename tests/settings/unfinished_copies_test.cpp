@@ -54,6 +54,17 @@ TEST_F(UnfinishedCopiesTest, LoseOneMarkWithoutAGap) {
     EXPECT_EQ(onDisk(), "[Position]\r\n");
 }
 
+TEST_F(UnfinishedCopiesTest, KnowACopyWhosePathIsReadUpToALimit) {
+    const std::string longPath = "F:\\" + std::string(1100, 'd') + "\\Photos";
+    copies.add(longPath);
+    const std::string once = onDisk();
+    copies.add(longPath);
+    EXPECT_EQ(onDisk(), once);
+    EXPECT_TRUE(copies.hold(longPath));
+    copies.remove(longPath);
+    EXPECT_EQ(onDisk(), "[Position]\r\n");
+}
+
 TEST_F(UnfinishedCopiesTest, KeepBlanksAtTheEndsOfAPath) {
     copies.add("F:\\Photos ");
     EXPECT_TRUE(copies.hold("F:\\Photos "));
