@@ -42,14 +42,23 @@ class Win32AccessRights : public testing::Test {
         return described(name, DACL_SECURITY_INFORMATION);
     }
 
-    /// The owner alone may do anything, and nothing comes from the directory.
+    /// Gives rights that no new file gets by itself: the owner alone may do anything, or, where
+    /// that is what new files get (a host whose users keep all to themselves), everyone may read as
+    /// well.
     void lock(const std::string& name) const {
+        setRights(name, "");
+        if (rights(name) == rights("neuf.txt")) setRights(name, "(A;;FR;;;WD)");
+        ASSERT_NE(rights(name), rights("neuf.txt"));
+    }
+
+    /// The owner may do anything, others what `others` says, and nothing comes from the directory.
+    void setRights(const std::string& name, const std::string& others) const {
         const std::string owner = described(name, OWNER_SECURITY_INFORMATION).substr(2);
         PSECURITY_DESCRIPTOR descriptor = nullptr;
-        ASSERT_NE(
-            ConvertStringSecurityDescriptorToSecurityDescriptorW(
-                wide("D:P(A;;FA;;;" + owner + ")").c_str(), SDDL_REVISION_1, &descriptor, nullptr),
-            0);
+        ASSERT_NE(ConvertStringSecurityDescriptorToSecurityDescriptorW(
+                      wide("D:P(A;;FA;;;" + owner + ")" + others).c_str(), SDDL_REVISION_1,
+                      &descriptor, nullptr),
+                  0);
         EXPECT_NE(
             SetFileSecurityW(wide(base_.at(name)).c_str(), DACL_SECURITY_INFORMATION, descriptor),
             0)
@@ -64,7 +73,6 @@ class Win32AccessRights : public testing::Test {
 TEST_F(Win32AccessRights, OfTheOldCopyHoldForTheNewOne) {
     lock("copie.txt");
     const std::string before = rights("copie.txt");
-    ASSERT_NE(before, rights("neuf.txt"));
     ASSERT_TRUE(
         files_.copyFile(base_.at("source.txt"), base_.at("copie.txt"), LinkRule::refuse, nullptr)
             .ok());

@@ -164,14 +164,16 @@ TEST(Win32Shell, KnowsWhereTheTaskSchedulerIs) {
 TEST(Win32Shell, StartsAProgramWithItsParametersAndDoesNotWait) {
     const Apartment apartment;
     const disk::Temporary base;
+    disk::makeDirectory(base.at("pris par été"));
     void* changed =
         FindFirstChangeNotificationW(wide(base.at()).c_str(), FALSE, FILE_NOTIFY_CHANGE_DIR_NAME);
     ASSERT_NE(changed, INVALID_HANDLE_VALUE);
+    // The program removes: of what it makes it would still hold a handle when the change is told.
     Win32Shell().open(Win32Drives().windowsDirectory() + "\\system32\\cmd.exe",
-                      "/c mkdir \"" + base.at("fait par été") + "\"");
+                      "/c rmdir \"" + base.at("pris par été") + "\"");
     EXPECT_EQ(WaitForSingleObject(changed, 60'000), DWORD{WAIT_OBJECT_0});
     FindCloseChangeNotification(changed);
-    EXPECT_TRUE(disk::attributes(base.at("fait par été")).has_value());
+    EXPECT_FALSE(disk::attributes(base.at("pris par été")).has_value());
 }
 
 TEST(Win32Shell, DoesNothingForWhatIsNotThere) {
