@@ -9,7 +9,9 @@ Session::Session(const Arguments& arguments)
       windows_(terminal_, native_.clock(), signals_, arguments.journal),
       platform_{native_.files(), native_.drives(), native_.clock(), native_.locale(),
                 native_.ansi(),  native_.sounds(), windows_},
-      system_(platform_, context(arguments)) {}
+      system_(platform_, context(arguments)) {
+    system_.tellWriteFailure([this](const std::string& text) { windows_.notice(text); });
+}
 
 ProgramContext Session::context(const Arguments& arguments) {
     // A run without settings neither reads nor writes any.

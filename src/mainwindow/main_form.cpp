@@ -57,6 +57,7 @@ void MainForm::connect() {
     };
     results.onDirectionChanged = [this] { ShowLines(); };
     launch.onKindChanged = [this] { ShowLines(); };
+    system_.tellWriteFailure([this](const std::string& text) { notices.add(text); });
 }
 
 void MainForm::load() {

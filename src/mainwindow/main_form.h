@@ -27,6 +27,9 @@ namespace coffrelune {
 class MainForm final : public Window, public OperationHost {
   public:
     MainForm(SystemMod& system, Desktop& desktop);
+    MainForm(const MainForm&) = delete;
+    MainForm& operator=(const MainForm&) = delete;
+    ~MainForm() override { system_.tellWriteFailure(nullptr); }
 
     /// 1 launches the operation, 3 is "Planificateur de tâches", 4 turns the comparison round.
     std::map<int, Button> Cmd;

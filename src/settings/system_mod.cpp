@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include "settings/command_line.h"
 #include "settings/reserved_name.h"
+#include "system/display_text.h"
 #include "system/paths.h"
 #include "system/text.h"
 
@@ -43,16 +45,40 @@ std::string SystemMod::ReadSetting(const std::string& section, const std::string
 Status SystemMod::WriteSetting(const std::string& section, const std::string& key,
                                const std::string& value) {
     if (section.empty()) return {};
-    if (key.empty()) {
-        // The settings of every configuration go under this name: no list may offer them for
-        // deletion.
-        if (isReserved(section)) {
-            return Status::failure(error_number::accessDenied, file_.path());
-        }
-        return file_.deleteSection(section);
+    // The settings of every configuration go under this name: no list may offer them for deletion.
+    if (key.empty() && isReserved(section)) {
+        return Status::failure(error_number::accessDenied, file_.path());
     }
+    Status status = store(section, key, value);
+    if (!status.ok() && writeFailure_.ok()) {
+        writeFailure_ = status;
+        tellOnce();
+    }
+    return status;
+}
+
+Status SystemMod::store(const std::string& section, const std::string& key,
+                        const std::string& value) {
+    if (key.empty()) return file_.deleteSection(section);
     if (value.empty()) return file_.deleteKey(section, key);
     return file_.write(section, key, value);
+}
+
+void SystemMod::tellWriteFailure(std::function<void(const std::string&)> tell) {
+    tellWriteFailure_ = std::move(tell);
+    tellOnce();
+}
+
+// One line is enough: who has lost one setting will lose the others, too. A run without settings
+// stores none, which is no failure.
+void SystemMod::tellOnce() {
+    if (writeFailure_.ok() || writeFailureTold_ || !tellWriteFailure_ || file_.path().empty()) {
+        return;
+    }
+    writeFailureTold_ = true;
+    tellWriteFailure_("Le fichier de réglages " + visibleControls(file_.path()) +
+                      " ne peut pas être écrit (erreur " + std::to_string(writeFailure_.code()) +
+                      ") : les changements ne sont pas enregistrés.");
 }
 
 void SystemMod::ListConfigurations(std::vector<std::string>& list) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -53,7 +54,7 @@ class SystemMod {
     std::string ReadSetting(const std::string& section, const std::string& key);
     /// Tested in this order: an empty section flushes (nothing to do: every write is on the disk
     /// when it returns), an empty key deletes the section, an empty value deletes the key.
-    /// The outcome may be ignored: a setting that cannot be written is not worth stopping for.
+    /// The outcome may be ignored: `tellWriteFailure` takes care of it.
     Status WriteSetting(const std::string& section, const std::string& key,
                         const std::string& value);
     /// Appends the configuration names that fit into 1023 characters with their separators.
@@ -61,6 +62,9 @@ class SystemMod {
     /// Never true of the reserved section, in any case.
     bool configurationExists(const std::string& name);
     Status settingsStatus() { return file_.status(); }
+    /// `tell` gets one line for the user, once: at the first setting that cannot be written, or now
+    /// when that has been already. Empty: nobody listens any more.
+    void tellWriteFailure(std::function<void(const std::string&)> tell);
     /// Stores the current name for the next start, unless it was only tried: asked for at this
     /// start, without a section.
     void rememberConfiguration();
@@ -80,7 +84,6 @@ class SystemMod {
     /// Highest index of a line with a source or a destination; 0 when none has (line 0 is not
     /// looked at, a configuration keeps at least one line).
     int LastUsedLine() const;
-
     /// The same over every configuration of the file, among the lines that exist now.
     int LastUsedLineAnywhere();
 
@@ -129,13 +132,18 @@ class SystemMod {
     }
 
   private:
+    Status store(const std::string& section, const std::string& key, const std::string& value);
+    void tellOnce();
     void readCommandLine();
     void readOptions();
     void readLastResults();
 
     SettingsFile file_;
+    Status writeFailure_;  // the first one
+    std::function<void(const std::string&)> tellWriteFailure_;
     std::string commandLine_;
     std::int16_t systemLevel_;
+    bool writeFailureTold_ = false;
 };
 
 }  // namespace coffrelune

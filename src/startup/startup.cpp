@@ -26,6 +26,8 @@ bool startUp(SystemMod& system, InstanceGuard& guard) {
 }
 
 ExitStatus runAuto(SystemMod& system) {
+    system.tellWriteFailure(
+        [&system](const std::string& text) { system.platform.windows.notice(text); });
     SharedHost host(system);
     OperationLauncher launcher(system, host);
     return runUnattended(system, launcher);

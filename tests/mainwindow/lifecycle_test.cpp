@@ -303,5 +303,22 @@ TEST_F(LifecycleTest, AutoWithErrorsClosesAndKeepsTheErrorList) {
     EXPECT_EQ(form->statistics().errorCount, 1);
 }
 
+TEST_F(LifecycleTest, SettingsThatCannotBeWrittenAreToldAtTheTopOfTheWindow) {
+    startWithLine();
+    disk().volume(R"(C:\)").writeProtected = true;
+    EXPECT_FALSE(form->notices.Lbl.at(0).visible());
+    row(0).ChkS.click();
+    ASSERT_TRUE(form->notices.Lbl.at(0).visible());
+    EXPECT_THAT(
+        form->notices.Lbl.at(0).caption(),
+        testing::EndsWith("Le fichier de réglages C:\\Coffrelune\\Coffrelune.ini ne peut pas "
+                          "être écrit (erreur 19) : les changements ne sont pas "
+                          "enregistrés."));
+    row(0).ChkS.click();
+    EXPECT_FALSE(form->notices.Lbl.at(1).visible());
+    form.reset();
+    EXPECT_FALSE(system->WriteSetting("General", "Select0", "0").ok());
+}
+
 }  // namespace
 }  // namespace coffrelune
