@@ -61,6 +61,7 @@ bool ExcessWalk::prepare(const LineRoots& swapped, const std::vector<LineRoots>&
         return false;
     }
     protected_.clear();
+    markedTree_ = swapped.source;
     if (!referenceHoldsFiles(swapped) || !referenceFinished(swapped)) return false;
     // The reference itself may be mounted, or lie, inside the tree that is cleaned.
     protect(swapped.target);
@@ -95,13 +96,15 @@ bool ExcessWalk::referenceHoldsFiles(const LineRoots& swapped) {
     return false;
 }
 
-// What a stopped backup never copied exists in the original alone.
+// What a stopped backup never copied exists in the original alone, and what a stopped restore has
+// deleted and not brought back yet exists in the copy alone.
 bool ExcessWalk::referenceFinished(const LineRoots& swapped) {
-    if (swapped.layout == Layout::normal) return true;
     if (!UnfinishedCopies(system_).hold(swapped.target)) return true;
-    window_.AjouteECTxt("Fichiers excédentaires conservés dans " + swapped.source +
-                        " : la dernière sauvegarde dans " + swapped.target +
-                        " n'a pas tout copié.");
+    const bool isBackup = swapped.layout == Layout::normal;
+    window_.AjouteECTxt(
+        "Fichiers excédentaires conservés dans " + swapped.source +
+        (isBackup ? " : la dernière restauration dans " : " : la dernière sauvegarde dans ") +
+        swapped.target + (isBackup ? " n'a pas tout remis." : " n'a pas tout copié."));
     errors_.nameOnce(error_number::invalidData, swapped.target);
     return false;
 }
@@ -223,9 +226,21 @@ bool ExcessWalk::isExcess(const FileEntry& entry, Directory* reference, const Pl
     if (entry.unreadable) return false;  // of unknown age
     // What the copy pass would leave alone must not be deleted either: with `RecentSeul` a newer
     // file of the copy is kept by both.
-    return decide(entry, &counterpart, decision_).copy &&
-           decide(counterpart, &entry, decision_).copy &&
-           willBeReplaced(counterpart, place.reference + entry.name);
+    if (!decide(entry, &counterpart, decision_).copy ||
+        !decide(counterpart, &entry, decision_).copy ||
+        !willBeReplaced(counterpart, place.reference + entry.name)) {
+        return false;
+    }
+    markTree();
+    return true;
+}
+
+// Until the copy pass has brought the counterparts, the tree lacks files that it had: whatever
+// stops the program before that, no deletion on the other side may go by it.
+void ExcessWalk::markTree() {
+    if (markedTree_.empty()) return;
+    UnfinishedCopies(system_).add(markedTree_);
+    markedTree_.clear();
 }
 
 // A file that merely differs goes only when the copy pass is sure to bring its counterpart: one

@@ -30,6 +30,12 @@ class ExcessWalk {
     /// places are left alone.
     void cleanLine(const LineRoots& roots, const std::vector<LineRoots>& others);
 
+    /// True of the error that only says that the reference of the line may tell nothing about what
+    /// is too much: nothing is missing in what the run copies.
+    static bool saysUnfinishedReference(const CopyError& error, const LineRoots& roots) {
+        return error.number == error_number::invalidData && error.path == roots.source;
+    }
+
   private:
     // A place of another line, known by its path and, where it exists, by its identity.
     struct Protected {
@@ -56,6 +62,7 @@ class ExcessWalk {
     bool openReference(const Place& place, std::unique_ptr<Directory>& reference);
     void scan(Directory& files, Directory* reference, const Place& place);
     bool isExcess(const FileEntry& entry, Directory* reference, const Place& place);
+    void markTree();
     bool willBeReplaced(const FileEntry& counterpart, const std::string& path);
     bool holdsSettings(const Place& place);
     void remove(const FileEntry& entry, const Place& place);
@@ -70,6 +77,7 @@ class ExcessWalk {
     FileService& files_;
     LineGuard guard_;
     std::vector<Protected> protected_;
+    std::string markedTree_;  // still to be marked as unfinished, else empty
     std::string referenceRoot_;
     FileId referenceId_;
     DecisionOptions decision_;

@@ -1,6 +1,7 @@
 #include "mainwindow/destination_change.h"
 
 #include "dialogs/drive_list_frm.h"
+#include "operation/line_texts.h"
 #include "system/text.h"
 
 namespace coffrelune {
@@ -52,7 +53,9 @@ void DestinationChange::changeTo(const std::string& drive) {
     for (std::size_t line = 0; line < system_.destinations.size(); ++line) {
         std::string& destination = system_.destinations[line];
         if (!hasDrive(destination)) continue;
+        const std::string copyBefore = copyOfLine(system_, static_cast<int>(line));
         destination.replace(0, driveLength, drive);
+        copyMoved(system_, static_cast<int>(line), copyBefore);
         (void)system_.WriteSetting(system_.configurationName, "Destination" + std::to_string(line),
                                    QuoteValue(destination));
     }

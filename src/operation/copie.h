@@ -72,6 +72,7 @@ class Copie final : public Window, public OperationWindow {
     void showTreePhase();
     void startAnalysis();
     void analyseLines();
+    void markAnalysed(int line);
     bool backsUp() const;
     bool nothingToCopy(int line) const;
     bool hasErrors(int line) const;

@@ -110,20 +110,26 @@ void Copie::analyseLines() {
     for (int line = 0; line < host_.lineCount() && !statistics_.interruptionRequested; ++line) {
         if (!takesPart(line)) continue;
         walkLine(line, true);
-        if (!backsUp()) continue;
-        UnfinishedCopies unfinished(system_);
-        const std::string copy = rootsOfLine(system_, line).copy();
-        // What could not be read is not in the copy, whether or not there is something else to do.
-        if (hasErrors(line)) {
-            unfinished.add(copy);
-        } else if (!statistics_.interruptionRequested && nothingToCopy(line)) {
-            unfinished.remove(copy);
-        }
+        if (system_.options.ArbreMode == 0) markAnalysed(line);
+    }
+}
+
+// A backup has a line marked before anything of it is copied, with the lines that come later: who
+// stops the run, or whatever ends it, may never let it come to them. What could not be read is not
+// in the copy either, nor is an empty file of a run that finds no bytes to copy.
+void Copie::markAnalysed(int line) {
+    UnfinishedCopies unfinished(system_);
+    const std::string target = rootsOfLine(system_, line).target;
+    const LineTally& tally = statistics_.tallies[static_cast<std::size_t>(line)];
+    if (backsUp() && (hasErrors(line) || tally.filesToCopy > 0)) {
+        unfinished.add(target);
+    } else if (!statistics_.interruptionRequested && nothingToCopy(line)) {
+        unfinished.remove(target);
     }
 }
 
 bool Copie::backsUp() const {
-    return system_.operationKind == OperationKind::backup && system_.options.ArbreMode == 0;
+    return system_.operationKind == OperationKind::backup;
 }
 
 bool Copie::nothingToCopy(int line) const {
@@ -131,9 +137,13 @@ bool Copie::nothingToCopy(int line) const {
     return tally.filesToCopy == 0 && !tally.sourceMissing && !hasErrors(line);
 }
 
+// Errors that leave the line's tree incomplete.
 bool Copie::hasErrors(int line) const {
-    return std::any_of(statistics_.errors.begin(), statistics_.errors.end(),
-                       [line](const CopyError& error) { return error.line == line; });
+    const LineRoots roots = rootsOfLine(system_, line);
+    return std::any_of(
+        statistics_.errors.begin(), statistics_.errors.end(), [&](const CopyError& error) {
+            return error.line == line && !ExcessWalk::saysUnfinishedReference(error, roots);
+        });
 }
 
 // False when there is nothing to copy. The test is on the bytes, not on the files: a run whose only
@@ -155,13 +165,10 @@ void Copie::copyLines() {
     for (int line = 0; line < host_.lineCount(); ++line) {
         if (!takesPart(line)) continue;
         statistics_.copyPassStarted = true;
-        UnfinishedCopies unfinished(system_);
-        const std::string copy = rootsOfLine(system_, line).copy();
-        // From the first file to the last, so that it stays marked whatever stops the program.
-        if (backsUp()) unfinished.add(copy);
         walkLine(line, false);
         if (statistics_.interruptionRequested) return;
-        if (backsUp() && !hasErrors(line)) unfinished.remove(copy);
+        // Complete from here on, and fit to tell what is too much on the other side.
+        if (!hasErrors(line)) UnfinishedCopies(system_).remove(rootsOfLine(system_, line).target);
         host_.showLineDone(line, true);
         runPendingEvents();
     }

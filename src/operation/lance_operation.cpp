@@ -3,6 +3,7 @@
 #include "operation/copie.h"
 #include "operation/error_causes.h"
 #include "operation/results.h"
+#include "operation/shared_copies.h"
 #include "system/sounds.h"
 
 namespace coffrelune {
@@ -30,7 +31,9 @@ RunEnd OperationLauncher::LanceOperation(std::int16_t mode) {
 
 RunEnd OperationLauncher::run(std::int16_t mode) {
     reset(mode);
+    if (system_.operationKind == OperationKind::backup) tellSharedCopies();
     showOperation();
+    tellRestoreDeletions();
     const bool interrupted = statistics_.interruptionRequested;
     if (statistics_.copyPassStarted) {
         report(mode, interrupted);
@@ -40,6 +43,23 @@ RunEnd OperationLauncher::run(std::int16_t mode) {
     if (interrupted) return RunEnd::interrupted;
     const bool ran = statistics_.copyPassStarted || system_.options.ArbreMode != 0;
     return ran ? RunEnd::finished : RunEnd::nothing;
+}
+
+// Both lines may be meant so, and files of different names lie well side by side: it is said, and
+// the backup runs.
+void OperationLauncher::tellSharedCopies() {
+    for (const std::string& text : sharedCopies(system_, host_)) {
+        if (toldCopies_.insert(text).second) system_.platform.windows.notice(text);
+    }
+}
+
+// What a backup deletes is a copy. What a restore deletes is the user's own, and no message of its
+// end speaks of it.
+void OperationLauncher::tellRestoreDeletions() {
+    if (system_.operationKind != OperationKind::restore || statistics_.filesDeleted == 0) return;
+    system_.platform.windows.notice("La restauration a effacé " +
+                                    std::to_string(statistics_.filesDeleted) +
+                                    " fichier(s) excédentaire(s) ou à remplacer.");
 }
 
 void OperationLauncher::showOperation() {

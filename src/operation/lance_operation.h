@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <set>
+#include <string>
 
 #include "engine/run_statistics.h"
 #include "operation/operation_host.h"
@@ -44,6 +46,8 @@ class OperationLauncher {
     RunEnd run(std::int16_t mode);
     void showOperation();
     bool confirmTreeOnly(std::int16_t mode);
+    void tellSharedCopies();
+    void tellRestoreDeletions();
     void reset(std::int16_t mode);
     void reportNothing(std::int16_t mode);
     void report(std::int16_t mode, bool interrupted);
@@ -56,6 +60,7 @@ class OperationLauncher {
     SystemMod& system_;
     OperationHost& host_;
     RunStatistics statistics_;
+    std::set<std::string> toldCopies_;  // each is told once, not at every run
     bool keepExisting_ = false;
     bool confirmed_ = false;
 };

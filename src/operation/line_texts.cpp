@@ -1,5 +1,6 @@
 #include "operation/line_texts.h"
 
+#include "settings/unfinished_copies.h"
 #include "system/paths.h"
 #include "system/text.h"
 
@@ -24,6 +25,18 @@ void writePath(SystemMod& system, const char* key, int line, const std::string& 
 }
 
 }  // namespace
+
+std::string copyOfLine(const SystemMod& system, int line) {
+    const std::string& source = system.sources[static_cast<std::size_t>(line)];
+    const std::string& destination = system.destinations[static_cast<std::size_t>(line)];
+    if (source.empty() || destination.empty()) return {};
+    return lineRoots(source, destination, Layout::normal).target;
+}
+
+void copyMoved(SystemMod& system, int line, const std::string& before) {
+    const std::string now = copyOfLine(system, line);
+    if (!before.empty() && !now.empty()) UnfinishedCopies(system).follow(before, now);
+}
 
 Layout currentLayout(const SystemMod& system) {
     const bool reversed =
@@ -50,12 +63,14 @@ void editLine(SystemMod& system, int line, LineSide side, const std::string& tex
     std::string& source = system.sources[static_cast<std::size_t>(line)];
     std::string& destination = system.destinations[static_cast<std::size_t>(line)];
     const bool reversed = currentLayout(system) == Layout::reversed;
+    const std::string copyBefore = copyOfLine(system, line);
     if ((side == LineSide::left) != reversed) {
         source = text;
     } else {
         destination = reversed ? withoutAppended(text, source) : text;
     }
     const bool sourceChanged = (side == LineSide::left) != reversed;
+    if (!sourceChanged) copyMoved(system, line, copyBefore);
     // A restore stores both together: its labels show one line from both ends.
     const bool both = system.operationKind == OperationKind::restore;
     if (sourceChanged || both) writePath(system, "Source", line, source);

@@ -24,6 +24,12 @@ LineTexts lineTexts(const SystemMod& system, int line);
 /// The places that every pass over the line uses.
 LineRoots rootsOfLine(const SystemMod& system, int line);
 
+/// Where the line's copy lies; empty when a path is missing.
+std::string copyOfLine(const SystemMod& system, int line);
+/// The line's destination has changed, its copy was at `before`: the mark of an unfinished copy
+/// goes with it.
+void copyMoved(SystemMod& system, int line, const std::string& before);
+
 enum class LineSide { left, right };
 
 /// The user has put `text` into a label: the line's source or destination takes it and its keys are

@@ -52,6 +52,11 @@ void UnfinishedCopies::remove(const std::string& copy) {
     (void)system_.WriteSetting(section, key(all.size()), "");
 }
 
+// The old place keeps its mark: it may be that of another disk, left as it was.
+void UnfinishedCopies::follow(const std::string& from, const std::string& to) {
+    if (hold(from)) add(to);
+}
+
 std::vector<std::string> UnfinishedCopies::marked() const {
     std::vector<std::string> all;
     while (true) {
