@@ -110,6 +110,8 @@ void PosixContractSystem::makeDirectory(const std::string& path) {
 void PosixContractSystem::makeFile(const std::string& path, const std::string& content,
                                    std::uint64_t lastWrite) {
     std::ofstream(native(path), std::ios::binary) << content;
+    // Whatever the umask: what a test without root's privileges wants to read it may read.
+    EXPECT_EQ(chmod(native(path).c_str(), 0644), 0) << path;
     constexpr std::uint64_t second = 10'000'000;
     constexpr std::int64_t from1601To1970 = 11'644'473'600;
     timespec time{};

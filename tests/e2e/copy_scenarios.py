@@ -4,7 +4,7 @@ import os
 import stat
 import subprocess
 
-from harness import differences, names_below, read, times_of, touch, write
+from harness import PATIENCE, differences, names_below, read, times_of, touch, write
 
 NEVER_COPIED = ("pagefile.sys", "HIBERFIL.SYS", "Thumbs.db", "NTUSER.DAT", "ntuser.dat.LOG",
                 "UsrClass.dat", "usrclass.DAT.log")
@@ -206,7 +206,7 @@ def closed_output(place, report):
                           stderr=subprocess.DEVNULL)
     process.stdout.close()
     process.stdout = None
-    process.wait(timeout=60)
+    process.wait(timeout=PATIENCE)
     report.equal("tout est copié", differences(place.source, place.copy), [])
 
 

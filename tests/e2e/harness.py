@@ -5,6 +5,7 @@ import filecmp
 import json
 import os
 import pty
+import re
 import select
 import shutil
 import signal
@@ -17,7 +18,8 @@ import traceback
 # Who starts this in the background may have it ignore Ctrl-C, and the programs would with it.
 signal.signal(signal.SIGINT, signal.default_int_handler)
 
-PATIENCE = 120  # seconds after which a program counts as hung
+PATIENCE = 240  # seconds after which a program counts as hung
+TRIES = 10  # to catch a program in its midst
 # Where the programs see a native directory: the first that holds a path counts.
 DRIVES = [("/", "C:\\")]
 
@@ -233,6 +235,39 @@ def wait_until(condition, process=None):
             return False
         time.sleep(0.001)
     return False
+
+
+def stands_still(process):
+    """Stops a program where it is; False when it had ended. Only when every thread of it stands
+    does what the disk holds stay as it is."""
+    process.send_signal(signal.SIGSTOP)
+    wait_until(lambda: process.poll() is not None or all(
+        re.search(r"^State:\s+[Tt]", text, re.M) for text in states(process)))
+    return process.poll() is None
+
+
+def states(process):
+    """What the system says of each of its threads. One may end meanwhile, or all of them."""
+    with contextlib.suppress(OSError):
+        for thread in os.listdir(f"/proc/{process.pid}/task"):
+            with contextlib.suppress(OSError):
+                yield read(f"/proc/{process.pid}/task/{thread}/status").decode(errors="replace")
+
+
+def caught(start, arrived, again=None, holds=None):
+    """A program that `start` has started and that stands still where `arrived` came to hold, and
+    `holds` when that is more. This machine may be too slow to see it pass there: then it tries
+    once more, after `again` has put the files back. None when it never succeeds."""
+    for attempt in range(TRIES):
+        if attempt > 0 and again is not None:
+            again()
+        process = start()
+        seen = wait_until(arrived, process)
+        if stands_still(process) and seen and (holds is None or holds()):
+            return process
+        process.send_signal(signal.SIGCONT)
+        wait(process)
+    return None
 
 
 def write(path, content="contenu"):

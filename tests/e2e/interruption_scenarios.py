@@ -2,9 +2,11 @@
 
 import os
 import re
+import shutil
 import signal
 
-from harness import differences, incomplete, names_below, read, touch, wait, wait_until, write
+from harness import (caught, differences, incomplete, names_below, read, stands_still, touch, wait,
+                     write)
 
 MANY = 20_000
 LARGE = 1 << 29  # bytes
@@ -21,8 +23,13 @@ def plant_large(place):
     with open(f"{place.source}/gros.bin", "wb") as file:
         for _ in range(LARGE >> 20):
             file.write(block)
-    write(f"{place.copy}/gros.bin", "ancienne copie")
     touch(f"{place.source}/gros.bin", 60)
+    plant_old_copy(place)
+
+
+def plant_old_copy(place):
+    shutil.rmtree(place.copy, ignore_errors=True)
+    write(f"{place.copy}/gros.bin", "ancienne copie")
 
 
 def entries(directory):
@@ -40,21 +47,41 @@ def signals_pending(process):
 
 
 def deliver(process, number):
-    """Sends a signal and waits until it is taken, so that two of them never melt into one."""
+    """Sends a signal to a program that stands still and lets it take it, and nothing more: the
+    stop that follows comes behind it. So two of them never melt into one."""
     process.send_signal(number)
-    wait_until(lambda: not signals_pending(process), process)
+    process.send_signal(signal.SIGCONT)
+    stands_still(process)
+    return not signals_pending(process)
 
 
-def stop_in_the_middle(place, report, arrived, arguments=None):
-    """Starts a backup and stops it (SIGSTOP) once `arrived` holds; None when it was too quick."""
-    process = place.start("coffrelune-console",
-                          *(arguments or place.backup_arguments("--ecraser")))
-    seen = wait_until(arrived, process)
-    process.send_signal(signal.SIGSTOP)
-    if report.check("la sauvegarde est arrêtée en son milieu", seen and process.poll() is None):
-        return process
-    wait(process)
-    return None
+def stop_among_many(place, report, more, arguments=None):
+    """Starts a backup of many files and stops it (SIGSTOP) once it has copied `more` of them, and
+    not nearly all; None when it was too quick."""
+    before = entries(place.copy)
+
+    def again():
+        shutil.rmtree(place.copy)
+        if arguments:
+            place.write_settings(place.line())
+
+    process = caught(
+        lambda: place.start("coffrelune-console",
+                            *(arguments or place.backup_arguments("--ecraser"))),
+        lambda: entries(place.copy) > before + more, again,
+        lambda: before < entries(place.copy) < (before + MANY) // 2)
+    report.check("la sauvegarde est arrêtée en son milieu", process)
+    return process
+
+
+def stop_in_the_large_file(place, report):
+    """The same while the large file has a temporary name beside the old copy."""
+    process = caught(
+        lambda: place.start("coffrelune-console", *place.backup_arguments("--ecraser")),
+        lambda: entries(place.copy) > 1, lambda: plant_old_copy(place),
+        lambda: entries(place.copy) > 1)
+    report.check("la sauvegarde est arrêtée en son milieu", process)
+    return process
 
 
 def check_complete(place, report):
@@ -70,7 +97,7 @@ def interrupted_once(place, report):
     plant_many(place)
     for name, number in (("SIGINT", signal.SIGINT), ("SIGTERM", signal.SIGTERM)):
         before = entries(place.copy)
-        process = stop_in_the_middle(place, report, lambda: entries(place.copy) > before + 200)
+        process = stop_among_many(place, report, 200)
         if process is None:
             return
         process.send_signal(number)
@@ -88,7 +115,7 @@ def interrupted_once(place, report):
 def interrupted_during_large_file(place, report):
     """Ctrl-C une fois pendant un gros fichier : il est fini d'abord"""
     plant_large(place)
-    process = stop_in_the_middle(place, report, lambda: entries(place.copy) > 1)
+    process = stop_in_the_large_file(place, report)
     if process is None:
         return
     process.send_signal(signal.SIGINT)
@@ -100,13 +127,12 @@ def interrupted_during_large_file(place, report):
 def interrupted_twice(place, report):
     """Ctrl-C deux fois pendant un gros fichier : l'ancienne copie est intacte"""
     plant_large(place)
-    process = stop_in_the_middle(place, report, lambda: entries(place.copy) > 1)
+    process = stop_in_the_large_file(place, report)
     if process is None:
         return
+    report.check("le premier signal est pris", deliver(process, signal.SIGINT))
     process.send_signal(signal.SIGINT)
     process.send_signal(signal.SIGCONT)
-    wait_until(lambda: not signals_pending(process), process)
-    deliver(process, signal.SIGINT)
     report.equal("état 3", wait(process).status, 3)
     report.equal("l'ancienne copie est intacte", read(f"{place.copy}/gros.bin")[:100],
                  "ancienne copie".encode())
@@ -116,7 +142,7 @@ def interrupted_twice(place, report):
 def killed_during_large_file(place, report):
     """Un processus tué pendant un gros fichier, puis une autre sauvegarde"""
     plant_large(place)
-    process = stop_in_the_middle(place, report, lambda: entries(place.copy) > 1)
+    process = stop_in_the_large_file(place, report)
     if process is None:
         return
     process.kill()
@@ -130,7 +156,7 @@ def killed_during_large_file(place, report):
 def killed_among_many(place, report):
     """Un processus tué parmi beaucoup de fichiers, puis une autre sauvegarde"""
     plant_many(place)
-    process = stop_in_the_middle(place, report, lambda: entries(place.copy) > 500)
+    process = stop_among_many(place, report, 500)
     if process is None:
         return
     process.kill()
@@ -146,8 +172,7 @@ def interrupted_result(place, report):
     """Une sauvegarde interrompue rend compte en JSON et ne note aucun résultat"""
     plant_many(place)
     place.write_settings(place.line())
-    process = stop_in_the_middle(place, report, lambda: entries(place.copy) > 200,
-                                 ["sauvegarder", "--json"])
+    process = stop_among_many(place, report, 200, ["sauvegarder", "--json"])
     if process is None:
         return
     process.send_signal(signal.SIGINT)

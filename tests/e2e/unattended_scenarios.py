@@ -1,9 +1,10 @@
 """The desktop program without a display, and two programs at once."""
 
 import os
+import shutil
 import signal
 
-from harness import differences, names_below, touch, wait, wait_until, write
+from harness import caught, differences, names_below, touch, wait, write
 from settings_scenarios import section
 
 
@@ -73,25 +74,25 @@ def two_at_once(place, report):
     for number in range(3000):
         write(f"{place.source}/f{number}", "x")
     place.write_settings(place.line())
-    first = place.start("coffrelune-console", "sauvegarder")
-    started = wait_until(lambda: os.path.isdir(place.copy), first)
-    first.send_signal(signal.SIGSTOP)
+    first = caught(lambda: place.start("coffrelune-console", "sauvegarder"),
+                   lambda: os.path.isdir(place.copy), lambda: shutil.rmtree(place.copy))
+    if not report.check("le premier est en route", first):
+        return
     try:
-        if report.check("le premier est en route", started):
-            before = place.read_settings()
-            for program, arguments in (("coffrelune", ["/Auto"]),
-                                       ("coffrelune-console", ["sauvegarder"])):
-                second = place.run(program, *arguments)
-                report.check(f"{program} est refusé", second.status not in (0, 1), second)
-                report.check(f"{program} dit pourquoi",
-                             "LE PROGRAMME EST DEJA EN MEMOIRE !" in second.all, second)
-            report.equal("les réglages n'ont pas changé", place.read_settings(), before)
-            other = f"{place.root}/autre"
-            os.mkdir(other)
-            third = place.console("sauvegarder", "--config", "General",
-                                  env={**place.environment(), "COFFRELUNE_HOME": other})
-            report.check("d'autres réglages ne sont pas concernés",
-                         "DEJA EN MEMOIRE" not in third.all, third)
+        before = place.read_settings()
+        for program, arguments in (("coffrelune", ["/Auto"]),
+                                   ("coffrelune-console", ["sauvegarder"])):
+            second = place.run(program, *arguments)
+            report.check(f"{program} est refusé", second.status not in (0, 1), second)
+            report.check(f"{program} dit pourquoi",
+                         "LE PROGRAMME EST DEJA EN MEMOIRE !" in second.all, second)
+        report.equal("les réglages n'ont pas changé", place.read_settings(), before)
+        other = f"{place.root}/autre"
+        os.mkdir(other)
+        third = place.console("sauvegarder", "--config", "General",
+                              env={**place.environment(), "COFFRELUNE_HOME": other})
+        report.check("d'autres réglages ne sont pas concernés",
+                     "DEJA EN MEMOIRE" not in third.all, third)
     finally:
         first.send_signal(signal.SIGCONT)
     report.equal("le premier finit", wait(first).status, 0)

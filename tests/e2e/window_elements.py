@@ -4,8 +4,11 @@ import functools
 import time
 import warnings
 
-PATIENCE = 30  # seconds after which an answer of the program counts as missing
+PATIENCE = 60  # seconds after which an answer of the program counts as missing
 CLOSED_ROLES = ("table", "tree table", "list", "list box", "menu", "icon")  # children on demand
+
+FRAME_ROLES = ("frame", "dialog", "file chooser", "alert")
+POPUP_ROLES = ("window", "menu")
 
 ROLES = {
     "button": ("push button", "toggle button"),
@@ -151,6 +154,14 @@ class Element:
 
     # ---- what it holds ------------------------------------------------------------------------
 
+    @property
+    def frame(self):
+        """The window that it is in, when that is one that comes to the front: a menu's is not."""
+        element = self
+        while element is not None and element.role not in (*FRAME_ROLES, *POPUP_ROLES):
+            element = element.parent
+        return None if element is None or element.role in POPUP_ROLES else element
+
     def below(self):
         """Everything below it that shows, in reading order; the entries of lists are left out."""
         for child in self.children:
@@ -213,9 +224,27 @@ class Element:
             raise RuntimeError(f"{self} ne se laisse pas presser")
 
     def press(self, button=1, count=1):
-        """Presses it with the mouse."""
+        """Presses it with the mouse, where it has come to stand."""
         wait_for(lambda: self.enabled and self.extents[2] > 1, f"{self} se laisse presser")
+        self.comes_forward()
+        wait_for(self.stands_still, f"{self} ne bouge plus")
         self.screen.click(*self.middle, button=button, count=count)
+
+    def keys(self, *names):
+        """Presses keys, once its window is the one that they go to."""
+        self.comes_forward()
+        self.screen.keys(*names)
+
+    def comes_forward(self):
+        """A window shows before the window manager has given it its place and the keyboard."""
+        frame = self.frame
+        if frame is not None:
+            wait_for(lambda: frame.active, f"{frame} passe devant")
+
+    def stands_still(self):
+        before = self.extents
+        time.sleep(0.03)
+        return self.extents == before
 
     def set(self, text):
         """Replaces the text of a field."""

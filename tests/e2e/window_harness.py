@@ -1,19 +1,22 @@
 """The real window program on a display of its own, worked by captions as with a screen reader."""
 
 import contextlib
+import datetime
 import os
 import re
 import signal
 import subprocess
+import time
 import traceback
+import zoneinfo
 
 import harness
-from window_elements import Element, atspi, wait_for
+from window_elements import Element, atspi, forgiving, wait_for
 
 FAKE_CLOCK = "/usr/lib/x86_64-linux-gnu/faketime/libfaketime.so.1"
 
 
-def comes(question, patience=30):
+def comes(question, patience=60):
     """Whether something is so as soon as the program has done what it was asked to do."""
     try:
         return wait_for(question, "", patience)
@@ -25,6 +28,12 @@ def written(place, report, key, expected, section="General"):
     """Checks that a key of the settings takes a value."""
     comes(lambda: place.key(key, section) == expected)
     report.equal(f"{key} est écrit", place.key(key, section), expected)
+
+
+def matches(place, report, key, pattern):
+    """Checks that a key of the settings takes a value of that form."""
+    comes(lambda: re.fullmatch(pattern, place.key(key)))
+    report.check(key, re.fullmatch(pattern, place.key(key)), place.key(key))
 
 
 def is_message(window):
@@ -65,13 +74,17 @@ class Program:
         """Everything that the program shows on the screen, the oldest first."""
         desktop = atspi().get_desktop(0)
         for i in range(desktop.get_child_count()):
-            node = desktop.get_child_at_index(i)
-            if node is not None and node.get_process_id() == self.process.pid:
-                node.clear_cache()
+            if (node := self.own(desktop, i)) is not None:
                 return [window for window in Element(node, self.screen).children if window.showing]
         return []
 
-    def window(self, title, patience=60):
+    @forgiving(None)
+    def own(self, desktop, index):
+        """An application of the bus when it is this program; one may go away while it is asked."""
+        node = desktop.get_child_at_index(index)
+        return node if node is not None and node.get_process_id() == self.process.pid else None
+
+    def window(self, title, patience=120):
         """The window of that title, waited for."""
         return self.wait(lambda: next((window for window in self.windows if window.name == title),
                                       None), f"la fenêtre {title!r}", patience)
@@ -82,7 +95,7 @@ class Program:
                                        if window.name.startswith("Coffrelune Version ") and
                                        window.has("tab")), None), "la fenêtre principale")
 
-    def message(self, patience=60):
+    def message(self, patience=120):
         """The message box that asks, waited for."""
         return Message(self.wait(lambda: next(filter(is_message, self.windows), None),
                                  "un message", patience))
@@ -93,7 +106,7 @@ class Program:
         message.press(caption)
         return message
 
-    def wait(self, question, what, patience=60):
+    def wait(self, question, what, patience=120):
         def asked():
             answer = question()
             if not answer and self.process.poll() is not None:
@@ -141,11 +154,11 @@ class Program:
         """Takes a path in the system's chooser, which is open."""
         window = self.wait(lambda: next((window for window in self.windows
                                          if window.role == "file chooser"), None), "le choix")
-        self.screen.keys("slash")  # opens the field for a path
+        window.keys("slash")  # opens the field for a path
         field = window.find("field")
         field.set(path)
         self.wait(lambda: field.text == path, "le chemin est écrit")
-        self.screen.keys("Return")
+        window.keys("Return")
         self.gone(window.name)
 
     def launch(self, kind):
@@ -201,11 +214,27 @@ class WindowPlace(harness.Place):
         self.started.append(program)
         return program
 
-    def open_at(self, time, *arguments):
-        """The same with a clock that starts at "yyyy-mm-dd hh:mm:ss", local time."""
+    def open_at(self, moment, *arguments):
+        """The same with a clock of its own, which starts at "yyyy-mm-dd hh:mm:ss" of local time
+        and goes on until `set_clock` moves it: no scenario has to be done with something before
+        a time comes."""
+        self.set_clock(moment)
         return self.open(*arguments, more={
-            "LD_PRELOAD": FAKE_CLOCK, "FAKETIME": f"@{time}", "NO_FAKE_STAT": "1",
-            "FAKETIME_DONT_FAKE_MONOTONIC": "1", "DONT_FAKE_MONOTONIC": "1"})
+            "LD_PRELOAD": FAKE_CLOCK, "FAKETIME_TIMESTAMP_FILE": self.clock,
+            "FAKETIME_NO_CACHE": "1", "NO_FAKE_STAT": "1", "FAKETIME_DONT_FAKE_MONOTONIC": "1",
+            "DONT_FAKE_MONOTONIC": "1"})
+
+    def set_clock(self, moment):
+        """Moves the clock of the program that `open_at` started."""
+        zone = zoneinfo.ZoneInfo(self.environment()["TZ"])
+        wanted = datetime.datetime.fromisoformat(moment).replace(tzinfo=zone).timestamp()
+        with open(f"{self.clock}.new", "w", encoding="ascii") as file:
+            file.write(f"{round(wanted - time.time()):+d}\n")
+        os.replace(f"{self.clock}.new", self.clock)
+
+    @property
+    def clock(self):
+        return os.path.join(self.root, "horloge")
 
     def key(self, name, section="General"):
         """A key of the settings file, without its quotes; empty when it is missing."""

@@ -64,11 +64,15 @@ def row_menu(place, report):
                                           for item in window.find_all("menu")), None), "le menu")
 
     def captions(found):
-        return [item.name for item in found.children if item.showing]
+        # The menu shows before the last of its entries does.
+        return program.wait(lambda: (items := found.children) and all(
+            item.showing for item in items) and [item.name for item in items], "les entrées")
 
     offered = captions(menu("Source", 1))
     report.check("la source offre le fichier", any("fichier" in name for name in offered), offered)
     place.screen.keys("Escape")
+    program.wait(lambda: not any(window.find_all("menu") for window in program.windows),
+                 "le menu se ferme")
     found = menu("Destination", 1)
     offered = captions(found)
     report.check("la destination ne l'offre pas", offered and
@@ -78,7 +82,9 @@ def row_menu(place, report):
     found.find("item", "Descendre la ligne").press()
     written(place, report, "Source1", drive_path(place.source))
     written(place, report, "Source0", drive_path(place.root) + "\\Musique")
+    comes(lambda: (place.key("Select0"), place.key("Select1")) == ("0", "1"))
     report.equal("les coches ont suivi", (place.key("Select0"), place.key("Select1")), ("0", "1"))
+    comes(lambda: program.path("Source", 2) == drive_path(place.source))
     report.equal("la ligne 2 la montre", program.path("Source", 2), drive_path(place.source))
 
 
@@ -126,8 +132,9 @@ def raw_name(place, report):
     program.label("Source", 4).press()
     place.screen.keys("ctrl+v")
     report.check("la copie se lit de même", comes(lambda: program.path("Source", 4) == shown))
-    settings = place.read_settings().decode("utf-16-le", "surrogatepass")
-    report.check("le même nom est noté", f'Source3="{source}"' in settings, ascii(settings))
+    settings = lambda: place.read_settings().decode("utf-16-le", "surrogatepass")
+    report.check("le même nom est noté", comes(lambda: f'Source3="{source}"' in settings()),
+                 ascii(settings()))
     program.launch("Sauvegarde")
     report.check("elle finit sans erreur", program.answer("OK").text.startswith(
         "Sauvegarde terminée sans erreur."))
@@ -173,8 +180,7 @@ def chooser(place, report):
     """Le bouton d'une ligne ouvre le choix d'un répertoire, avec sa question"""
     program = place.open()
     program.main.find("button", "Choisir la destination de la sauvegarde 1").press()
-    program.window("Sélectionnez le répertoire destination:")
-    place.screen.keys("Escape")
+    program.window("Sélectionnez le répertoire destination:").keys("Escape")
     program.gone("Sélectionnez le répertoire destination:")
     report.equal("annuler n'écrit rien", place.key("Destination0"), "")
     program.main.find("button", "Choisir la source de la sauvegarde 1").press()

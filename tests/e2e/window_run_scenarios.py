@@ -6,7 +6,8 @@ import time
 
 from harness import differences, names_below, read, touch, write
 from settings_scenarios import DATE, DURATION
-from window_harness import comes, written
+from window_elements import wait_for
+from window_harness import comes, matches, written
 
 CLEAN_END = re.compile(rf"Sauvegarde terminée sans erreur\.\n\nDurée : {DURATION}")
 
@@ -26,12 +27,13 @@ def backup(place, report):
     report.equal("le titre du message", message.title, program.main.name)
     report.check("le message", CLEAN_END.fullmatch(message.text), message.text)
     report.equal("diff ne trouve rien", differences(place.source, place.copy), [])
-    report.check("la ligne est marquée", program.main.has("picture", "Ligne terminée"))
+    report.check("la ligne est marquée",
+                 comes(lambda: program.main.has("picture", "Ligne terminée")))
     message.press("OK")
     report.check("la marque s'en va",
                  comes(lambda: not program.main.has("picture", "Ligne terminée")))
-    report.check("LastSave", re.fullmatch(DATE, place.key("LastSave")), place.key("LastSave"))
-    report.check("LastDureeSave", re.fullmatch(DURATION, place.key("LastDureeSave")))
+    matches(place, report, "LastSave", DATE)
+    matches(place, report, "LastDureeSave", DURATION)
     day = r"\w+\. \d+ \w+ \d{4} à \d\d:\d\d"
     report.check("le résumé le dit", comes(lambda: any(
         re.fullmatch(f"Dernière sauvegarde sans erreur le {day}", label)
@@ -74,7 +76,7 @@ def restore(place, report):
     report.check("le message", re.fullmatch(
         rf"Restauration terminée sans erreur\.\n\nDurée : {DURATION}", end.text), end.text)
     report.equal("le fichier est revenu", differences(place.source, place.copy), [])
-    report.check("LastRest", re.fullmatch(DATE, place.key("LastRest")))
+    matches(place, report, "LastRest", DATE)
 
 
 def compare(place, report):
@@ -114,7 +116,7 @@ def compare(place, report):
                  "à rendre" not in lines, lines)
     report.equal("rien n'est copié", names_below(place.copy),
                  {"à rendre.txt".encode(), "à rendre aussi.txt".encode()})
-    report.check("LastCompErr", re.fullmatch(DATE, place.key("LastCompErr")))
+    matches(place, report, "LastCompErr", DATE)
     written(place, report, "LastCompNbErr", "2")
 
 
@@ -127,13 +129,15 @@ def errors(place, report):
     program.launch("Sauvegarde")
     window = program.window("Sauvegarde ...")
     close = window.find("button", "Fermer")
-    journal = window.find("list").entries()
+    journal = wait_for(lambda: (lines := window.find("list").entries()) and lines[-1].startswith(
+        "Durée de la Sauvegarde") and lines, "la fin du journal")
     report.equal("le début du journal", journal[0], "Début de la Sauvegarde ...")
     report.check("sa fin", re.fullmatch(rf"Durée de la Sauvegarde \.\.\. : {DURATION}",
                                         journal[-1]), journal)
     report.equal("le compte", journal[-2], "Fin de la Sauvegarde ... 1 erreur(s).")
-    report.check("la marque d'erreur", window.has("picture", "Sauvegarde avec erreur") and
-                 window.has("picture", "Attention"))
+    report.check("la marque d'erreur", comes(
+        lambda: window.has("picture", "Sauvegarde avec erreur") and
+        window.has("picture", "Attention")))
     close.press()
     message = program.answer("OK")
     report.check("le message", message.text.startswith(
@@ -143,15 +147,16 @@ def errors(place, report):
 
     program.main.find("button", "Voir les erreurs").press()
     viewer = program.window("Liste des dernières erreurs de sauvegarde")
-    labels = viewer.labels()
-    report.check("la configuration", "Configuration : General (Sauvegarde)" in labels, labels)
-    report.check("le compte", "Nombre d'erreur(s): 1" in labels, labels)
+    report.check("la configuration", comes(
+        lambda: "Configuration : General (Sauvegarde)" in viewer.labels()), viewer.labels())
+    report.check("le compte", "Nombre d'erreur(s): 1" in viewer.labels(), viewer.labels())
+    comes(lambda: len(viewer.find("list").entries()) == len(journal))
     lines = viewer.find("list").entries()
     report.equal("le fichier est le journal", read(f"{place.home}/S_General.err").decode("cp1252"),
                  "".join(line + "\r\n" for line in lines))
     report.equal("la liste est le journal", lines, journal)
-    place.screen.keys("Escape")
-    program.gone(viewer.name)
+    viewer.keys("Escape")
+    program.gone("Liste des dernières erreurs de sauvegarde")
 
 
 def replacement(place, report):
@@ -169,7 +174,7 @@ def replacement(place, report):
 
     def answer(button):
         window = program.window(title)
-        asked = window.labels()[0]
+        asked = wait_for(window.labels, "la question")[0]
         window.find("button", button).press()
         comes(lambda: not window.showing or window.labels()[:1] != [asked])
         return re.fullmatch(r"Ce dossier contient déjà un fichier appelé '(.*)'", asked).group(1)
@@ -224,11 +229,37 @@ def reader_launches(place, report):
     place.write_line()
     program = place.open()
     program.main.find("button", "Lancer la Sauvegarde").activate()
-    report.check("le fichier est copié", comes(lambda: os.path.exists(f"{place.copy}/Été.txt"), 20))
+    report.check("le fichier est copié", comes(lambda: os.path.exists(f"{place.copy}/Été.txt")))
     start = time.monotonic()
     text = program.message().text
     report.check("le message se lit", CLEAN_END.fullmatch(text), text)
-    report.check("sans attendre", time.monotonic() - start < 5, time.monotonic() - start)
+    report.check("sans attendre", time.monotonic() - start < 20, time.monotonic() - start)
 
 
-SCENARIOS = (backup, restore, compare, errors, replacement, stop, reader_launches)
+def link_without_address(place, report):
+    """« Voir les erreurs » n'a pas d'adresse : ni bulle ni menu qui en montrent une"""
+    place.write_line(more="LastSaveErr=12/11/2026 10:00:00\nLastSaveNbErr=1\n")
+    program = place.open()
+    button = program.main.find("button", "Choisir la source de la sauvegarde 1")
+    link = program.main.find("button", "Voir les erreurs")
+    place.screen.xdotool("mousemove", "--sync", *button.middle)
+    report.check("le bouton d'une ligne a une bulle", comes(lambda: tips(program)))
+    place.screen.xdotool("mousemove", "--sync", *link.middle)
+    report.check("celle du bouton s'en va", comes(lambda: "Choisir" not in "".join(tips(program))),
+                 tips(program))
+    report.check("le lien n'en a pas", not comes(lambda: tips(program), 3), tips(program))
+    link.press(button=3)
+    report.check("ni de menu", not comes(lambda: any(
+        window.find_all("menu") or window.role == "window" for window in program.windows), 3))
+    link.press()
+    report.check("un clic ouvre la liste", program.window(
+        "Liste des dernières erreurs de sauvegarde"))
+
+
+def tips(program):
+    """The tool tips on the screen."""
+    return ["".join(window.labels()) for window in program.windows if window.role == "tool tip"]
+
+
+SCENARIOS = (backup, restore, compare, errors, replacement, stop, reader_launches,
+             link_without_address)

@@ -44,7 +44,9 @@ class Screen:
     def __init__(self, scale=1):
         self.processes = []
         self.scale = scale  # of the toolkit, which speaks of its own pixels on the bus
-        self.directory = tempfile.TemporaryDirectory(prefix="coffrelune-screen-")
+        # What the buses have started may still write there when they have ended.
+        self.directory = tempfile.TemporaryDirectory(prefix="coffrelune-screen-",
+                                                     ignore_cleanup_errors=True)
         runtime = os.path.join(self.directory.name, "run")
         os.mkdir(runtime, 0o700)
         # None of what the person at this machine has set may show.
@@ -77,7 +79,7 @@ class Screen:
 
     @staticmethod
     def wait_for_window_manager():
-        deadline = time.monotonic() + 20
+        deadline = time.monotonic() + 120
         while b"_NET_SUPPORTING_WM_CHECK(WINDOW)" not in subprocess.run(
                 ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], capture_output=True,
                 check=False).stdout:
@@ -101,7 +103,7 @@ class Screen:
     @staticmethod
     def xdotool(*arguments):
         answer = subprocess.run(["xdotool", *map(str, arguments)], capture_output=True,
-                                timeout=60, check=False)
+                                timeout=240, check=False)
         return answer.stdout.decode()
 
     def find(self, title):
@@ -112,13 +114,13 @@ class Screen:
     def state(window):
         """What the window manager says of it: "Normal", "Iconic" or nothing."""
         answer = subprocess.run(["xprop", "-id", window, "WM_STATE"], capture_output=True,
-                                timeout=60, check=False)
+                                timeout=240, check=False)
         return answer.stdout.decode(errors="replace")
 
     @staticmethod
     def ask_to_close(window):
         """What a press on the close box of a window's frame does, minimised or not."""
-        subprocess.run(["icesh", "-w", window, "close"], capture_output=True, timeout=60,
+        subprocess.run(["icesh", "-w", window, "close"], capture_output=True, timeout=240,
                        check=True)
 
     def keys(self, *names):
@@ -152,4 +154,4 @@ class Screen:
         if area is not None:
             x, y, width, height = (edge * self.scale for edge in area)
             target += ["-crop", f"{width}x{height}+{x}+{y}"]
-        subprocess.run(["import", "-silent", *target, path], timeout=60, check=True)
+        subprocess.run(["import", "-silent", *target, path], timeout=240, check=True)

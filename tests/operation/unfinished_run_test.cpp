@@ -8,7 +8,6 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr const char* beforeTheAnalysis = "Analyse de la copie...";
 

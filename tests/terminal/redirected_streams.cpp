@@ -57,7 +57,7 @@ void RedirectedStreams::type(const std::string& text) {
 }
 
 bool RedirectedStreams::waitFor(const std::string& text) {
-    constexpr int longest = 10'000;  // milliseconds
+    constexpr int longest = 120'000;  // milliseconds
     std::array<char, 4096> buffer{};
     while (terminalText_.find(text) == std::string::npos) {
         pollfd waiting{master_, POLLIN, 0};

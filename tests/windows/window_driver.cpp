@@ -2,7 +2,7 @@
 // finds windows and controls by caption, presses them, types, reads. One command a call, so that a
 // scenario elsewhere decides what to do next.
 //
-//   window_driver wait TITLE TEXT...     until a window of that title shows each TEXT (10 s)
+//   window_driver wait TITLE TEXT...     until a window of that title shows each TEXT (60 s)
 //   window_driver gone TITLE             until there is none
 //   window_driver texts TITLE            a line for each visible control: class, state, caption
 //   window_driver press TITLE CAPTION    presses a button, a check box, a label
@@ -25,7 +25,7 @@
 
 namespace {
 
-constexpr DWORD patience = 10'000;  // milliseconds
+constexpr DWORD patience = 60'000;  // milliseconds
 constexpr DWORD pause = 50;
 constexpr UINT moment = 1'000;  // milliseconds that a program may take to answer
 
@@ -135,12 +135,13 @@ bool print(HWND window) {
 }
 
 // Nobody clicks in a window before it has come to the front. Its program puts the focus where it
-// belongs at that moment, which lets go of a button that is held down: the press would be lost.
+// belongs at that moment, which lets go of a button that is held down: the press would be lost. Nor
+// in one that still waits for the answer to another.
 bool isInFront(HWND window) {
     GUITHREADINFO thread{};
     thread.cbSize = sizeof(thread);
     if (GetForegroundWindow() != window) SetForegroundWindow(window);
-    return GetForegroundWindow() == window && answers(window) &&
+    return GetForegroundWindow() == window && IsWindowEnabled(window) != 0 && answers(window) &&
            GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &thread) != 0 &&
            thread.hwndActive == window && thread.hwndFocus != nullptr &&
            thread.hwndCapture == nullptr;
@@ -149,7 +150,7 @@ bool isInFront(HWND window) {
 // Posted, so that a press which opens a window does not wait for that one to close.
 bool press(HWND window, const std::wstring& caption) {
     for (HWND control : controlsOf(window)) {
-        if (captionOf(control) != caption) continue;
+        if (captionOf(control) != caption || IsWindowEnabled(control) == 0) continue;
         if (classOf(control) == L"Button") return PostMessageW(control, BM_CLICK, 0, 0) != 0;
         constexpr LPARAM inside = MAKELPARAM(5, 5);
         return PostMessageW(control, WM_LBUTTONDOWN, MK_LBUTTON, inside) != 0 &&

@@ -3,7 +3,8 @@
 import os
 import subprocess
 
-from harness import differences, drive_path, names_below, read, touch, wait, wait_until, write
+from harness import (PATIENCE, differences, drive_path, names_below, read, touch, wait, wait_until,
+                     write)
 from package_checks import file_version
 from settings_scenarios import section
 from wine_place import WINE, driver
@@ -32,7 +33,7 @@ class WindowProgram:
     def drive(self, *words):
         return subprocess.run([WINE, self.driver, *words], env=self.place.environment(),
                               stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                              stderr=subprocess.DEVNULL, timeout=20, check=False)
+                              stderr=subprocess.DEVNULL, timeout=PATIENCE, check=False)
 
     def shown(self, title):
         return self.drive("texts", title).stdout.decode(errors="replace")

@@ -2,11 +2,12 @@
 
 import os
 import re
+import shutil
 import signal
 import subprocess
 
-from harness import (PATIENCE, differences, drive_path, incomplete, names_below, read, times_of,
-                     touch, wait, wait_until, write)
+from harness import (PATIENCE, caught, differences, drive_path, incomplete, names_below, read,
+                     times_of, touch, wait, wait_until, write)
 from settings_scenarios import DATE, section
 
 MOON = "\N{CRESCENT MOON}"
@@ -208,18 +209,30 @@ def odd_end_of_a_destination(place, report):
                  differences(place.source, f"{place.destination}/Save/Données"), [])
 
 
+def afresh(place):
+    """As before a backup."""
+    shutil.rmtree(place.copy, ignore_errors=True)
+    place.write_settings(place.line())
+
+
 def killed(place, report):
     """Tué pendant la copie : rien d'abîmé sous un nom définitif, et rien n'en reste ensuite"""
     for number in range(40):
         write(f"{place.source}/f{number}.bin", os.urandom(8 * 1024 * 1024))
     place.write_settings(place.line())
-    program = place.start("coffrelune-console", "sauvegarder")
-    started = wait_until(lambda: os.path.isdir(place.copy) and os.listdir(place.copy), program)
-    # At once: another program of Windows that kills it would take longer to start than the copy.
+
+    def finished():
+        return {name for name in names_below(place.copy) if re.fullmatch(rb"f\d+\.bin", name)}
+
+    # Not by another program of Windows, which would take longer to start than the copy.
+    program = caught(lambda: place.start("coffrelune-console", "sauvegarder"),
+                     lambda: os.path.isdir(place.copy) and os.listdir(place.copy),
+                     lambda: afresh(place), lambda: len(finished()) < 40)
+    if not report.check("il était en route", program):
+        return
     program.kill()
     wait(program)
-    report.check("il était en route", started)
-    copied = {name for name in names_below(place.copy) if re.fullmatch(rb"f\d+\.bin", name)}
+    copied = finished()
     report.check("tout n'était pas copié", len(copied) < 40, copied)
     report.equal("ce qui porte son nom est entier",
                  [name for name in incomplete(place.source, place.copy) if name in copied], [])
@@ -232,12 +245,14 @@ def two_at_once(place, report):
     for number in range(40):
         write(f"{place.source}/f{number}.bin", os.urandom(8 * 1024 * 1024))
     place.write_settings(place.line())
-    first = place.start("coffrelune-console", "sauvegarder")
-    # Its mark on the unfinished copy is the last that it writes before its end.
-    report.check("le premier est en route", wait_until(
-        lambda: b"CopieIncomplete1=" in place.read_settings(), first))
-    # It stands still meanwhile: else it may be done before the second one, on a slow machine.
-    first.send_signal(signal.SIGSTOP)
+    # Its mark on the unfinished copy is the last that it writes before its end. It stands still
+    # meanwhile: else it may be done before the second one, on a slow machine.
+    first = caught(lambda: place.start("coffrelune-console", "sauvegarder"),
+                   lambda: b"CopieIncomplete1=" in place.read_settings(),
+                   lambda: afresh(place),
+                   lambda: b"CopieIncomplete1=" in place.read_settings())
+    if not report.check("le premier est en route", first):
+        return
     before = place.read_settings()
     second = place.console("sauvegarder")
     if report.check("le premier l'est encore", first.poll() is None):

@@ -1,7 +1,6 @@
 """Where the scenarios run Windows programs: drives E: and F: under Wine, in a prefix of their own,
 on a screen of their own."""
 
-import contextlib
 import os
 import pty
 import select
@@ -12,10 +11,11 @@ import time
 import tty
 
 import harness
-from window_screen import FRAMES, Screen
+from window_screen import FRAMES, Screen, first_line
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 WINE = os.path.join(ROOT, "tools/wine.sh")
+SILENCE = 10  # seconds after which a console that stays has no more to show
 
 
 def driver(programs):
@@ -47,7 +47,7 @@ class Prefix:
         manager gives a new window the focus, as Windows does."""
         screen = self.launch("Xvfb", "-displayfd", "1", "-noreset", "-screen", "0", "1280x1000x24",
                              "-nolisten", "tcp", stdout=subprocess.PIPE)
-        os.environ["DISPLAY"] = ":" + screen.stdout.readline().decode().strip()
+        os.environ["DISPLAY"] = ":" + first_line(screen.stdout)
         os.environ.pop("XAUTHORITY", None)
         settings = os.path.join(self.base, "fenêtres")
         os.mkdir(settings)
@@ -63,7 +63,7 @@ class Prefix:
         if os.path.exists(program):
             keeper = self.launch(WINE, program, "stay", env=self.environment(),
                                  stdout=subprocess.PIPE)
-            keeper.stdout.readline()  # no other program may be the first
+            first_line(keeper.stdout)  # no other program may be the first
 
     def launch(self, *command, **options):
         options = {"stdin": subprocess.DEVNULL, "stdout": subprocess.DEVNULL,
@@ -88,7 +88,8 @@ class Prefix:
 
     def empty_drives(self):
         for directory in self.drives.values():
-            shutil.rmtree(directory, ignore_errors=True)
+            # A program that was killed may still be about to write its last.
+            harness.wait_until(lambda place=directory: removed(place))
             os.mkdir(directory)
 
     def remove(self):
@@ -97,6 +98,11 @@ class Prefix:
             process.terminate()
             process.wait()
         shutil.rmtree(self.base, ignore_errors=True)
+
+
+def removed(directory):
+    shutil.rmtree(directory, ignore_errors=True)
+    return not os.path.exists(directory)
 
 
 def keys(answer):
@@ -170,13 +176,17 @@ class WinePlace(harness.Place):
         os.close(slave)
         shown, rest, answers = b"", 0, list(answers)
         deadline = time.monotonic() + harness.PATIENCE
+        silent = None  # since when, after the end
         while time.monotonic() < deadline:
-            ended = process.poll() is not None
-            if select.select([master], [], [], 0.3)[0]:
-                with contextlib.suppress(OSError):  # the program has closed the terminal
+            if silent is None and process.poll() is not None:
+                silent = time.monotonic()
+            if select.select([master], [], [], 0.2)[0]:
+                try:
                     shown += os.read(master, 65536)
-                    ended = False
-            if ended:
+                except OSError:  # the console, a process of its own, has shown all and ended
+                    break
+                silent = silent and time.monotonic()
+            elif silent is not None and time.monotonic() > silent + SILENCE:
                 break
             if answers and (at := shown.find(answers[0][0].rstrip().encode(), rest)) >= 0:
                 rest = at + len(answers[0][0].encode())

@@ -46,7 +46,7 @@ class FakePrograms {
 
     /// The arguments of the program that was started under this name; waits for it to write them.
     std::vector<std::string> argumentsOf(const std::string& name) const {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(2);
         while (access(disk_.at("calls/" + name).c_str(), F_OK) != 0) {
             const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
                 end - std::chrono::steady_clock::now());

@@ -16,11 +16,17 @@ end_server() {
     wineserver -w 2>/dev/null || true
 }
 
+# A program that the server has ended may hold the drive or write in its Windows for a moment yet.
+# Whatever becomes of it: the status of this script is that of the tests.
 clean_up() {
     end_server
     [[ -z $screen ]] || kill "$screen" 2>/dev/null || true
-    ! mountpoint -q "$base/w" || umount "$base/w"
-    rm -rf "$base"
+    for _ in {1..100}; do
+        ! mountpoint -q "$base/w" || umount "$base/w" 2>/dev/null || true
+        ! mountpoint -q "$base/w" && rm -rf "$base" 2>/dev/null && return
+        sleep 0.1
+    done
+    echo "$base n'a pas pu être enlevé." >&2
 }
 trap clean_up EXIT
 trap 'exit 1' INT TERM
@@ -43,7 +49,7 @@ if command -v Xvfb >/dev/null; then
     mkfifo "$base/display"
     Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3<>"$base/display" >/dev/null 2>&1 &
     screen=$!
-    read -r -t 30 number <"$base/display" || number=
+    read -r -t 120 number <"$base/display" || number=
     [[ -z $number ]] || export DISPLAY=:$number
 fi
 

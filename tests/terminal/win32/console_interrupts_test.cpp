@@ -14,7 +14,7 @@ namespace {
 
 template <typename Condition>
 bool comes(Condition condition) {
-    constexpr int looks = 20'000'000;
+    constexpr int looks = 200'000'000;  // about a minute
     for (int i = 0; i < looks && !condition(); ++i) std::this_thread::yield();
     return condition();
 }
