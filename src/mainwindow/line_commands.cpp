@@ -21,7 +21,7 @@ void LineCommands::addTo(CommandBar& bar) {
     bar.add({"ModifRep", "&Modifier le répertoire...", "Modifier le répertoire"});
     bar.add({"ModifRepFich", "Modifier le répertoire ou le &fichier...",
              "Modifier le répertoire ou le fichier source"});
-    bar.add({"Editer", "&Editer le chemin...", "Editer le chemin"});
+    bar.add({"Editer", "Éd&iter le chemin...", "Éditer le chemin"});
     bar.add({"Prop", "&Propriétés", "Propriétés du répertoire ou du fichier"});
     bar.add({"LigneUp", "Mon&ter la ligne", "Monter la ligne"});
     bar.add({"LigneDown", "&Descendre la ligne", "Descendre la ligne"});

@@ -92,7 +92,7 @@ def dialogs(album):
     album.shoot("principale")
     visit(album, program, "Description de la configuration", "Configuration : General",
           "description")
-    visit(album, program, "Editer le chemin", "Répertoire source", "chemin")
+    visit(album, program, "Éditer le chemin", "Répertoire source", "chemin")
     visit(album, program, "Modification de toutes les destinations",
           "Choisissez un lecteur pour toutes les destinations", "lecteurs")
     visit(album, program, "À propos de Coffrelune", "À propos de Coffrelune", "a-propos")

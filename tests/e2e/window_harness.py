@@ -144,7 +144,7 @@ class Program:
     def type_path(self, side, number, path):
         """Types a line's path in the window that the toolbar opens."""
         self.label(side, number).press()
-        self.command("Editer le chemin")
+        self.command("Éditer le chemin")
         window = self.window(f"Répertoire {side.lower()}")
         window.find("field").set(path)
         window.find("button", "OK").press()

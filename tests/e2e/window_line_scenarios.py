@@ -32,7 +32,7 @@ def type_paths(place, report):
     report.check("la case est cochée", comes(lambda: program.box(1).checked))
 
     program.label("Source", 1).press()
-    program.command("Editer le chemin")
+    program.command("Éditer le chemin")
     window = program.window("Répertoire source")
     window.find("field").set("C:\\ailleurs")
     window.find("button", "Annuler").press()
@@ -40,7 +40,7 @@ def type_paths(place, report):
     report.equal("annuler garde la source", place.key("Source0"), drive_path(place.source))
 
     program.label("Source", 1).press()
-    program.command("Editer le chemin")
+    program.command("Éditer le chemin")
     window = program.window("Répertoire source")
     window.find("button", "Effacer le texte").press()
     wait_for(lambda: window.find("field").text == "", "le texte s'efface")
