@@ -102,9 +102,9 @@ bool ExcessWalk::referenceFinished(const LineRoots& swapped) {
     if (!UnfinishedCopies(system_).hold(swapped.target)) return true;
     const bool isBackup = swapped.layout == Layout::normal;
     window_.AjouteECTxt(
-        "Fichiers excédentaires conservés dans " + swapped.source +
-        (isBackup ? " : la dernière restauration dans " : " : la dernière sauvegarde dans ") +
-        swapped.target + (isBackup ? " n'a pas tout remis." : " n'a pas tout copié."));
+        "Fichiers excédentaires conservés dans " + swapped.source + " : " +
+        (isBackup ? "la dernière restauration ou copie dans " : "la dernière sauvegarde dans ") +
+        swapped.target + (isBackup ? " n'a pas été terminée." : " n'a pas tout copié."));
     errors_.nameOnce(error_number::invalidData, swapped.target);
     return false;
 }

@@ -111,7 +111,8 @@ TEST_F(UnfinishedRun, RestoreStoppedAfterItsDeletionsKeepsTheCopyFromTheNextBack
     EXPECT_EQ(disk().content(R"(F:\Save\Docs\a.txt)"), "aaaaa");
     EXPECT_EQ(statistics.errorCount, 1);
     EXPECT_THAT(journal(), Contains("Fichiers excédentaires conservés dans F:\\Save\\Docs : la "
-                                    "dernière restauration dans C:\\Docs n'a pas tout remis."));
+                                    "dernière restauration ou copie dans C:\\Docs n'a pas été "
+                                    "terminée."));
 
     restore();
     EXPECT_EQ(disk().content(R"(C:\Docs\a.txt)"), "aaaaa");
