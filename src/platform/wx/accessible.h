@@ -21,4 +21,7 @@ void presentWindow(wxWindow& window, WindowRole role);
 /// The label stands for the control beside it: readers say it there, and its mnemonic leads there.
 void labelFor(wxStaticText& label, wxWindow& control);
 
+/// To be called before the tabs go, once their window is hidden.
+void withdrawTabs(wxWindow& tabs);
+
 }  // namespace coffrelune

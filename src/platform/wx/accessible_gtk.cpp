@@ -42,4 +42,11 @@ void labelFor(wxStaticText& label, wxWindow& control) {
     gtk_label_set_mnemonic_widget(GTK_LABEL(label.GetHandle()), control.GetHandle());
 }
 
+// Readers that hear of a tab's end ask for its label, which the toolkit looks for in vain, and it
+// complains. Tabs that are not shown have none.
+void withdrawTabs(wxWindow& tabs) {
+    if (GTK_IS_NOTEBOOK(tabs.GetHandle()))
+        gtk_notebook_set_show_tabs(GTK_NOTEBOOK(tabs.GetHandle()), FALSE);
+}
+
 }  // namespace coffrelune

@@ -49,4 +49,7 @@ void labelFor(wxStaticText& label, wxWindow& control) {
     nameForReaders(control, fromWx(label.GetLabelText()));
 }
 
+// The system asks for a label only as long as there is a tab.
+void withdrawTabs(wxWindow&) {}
+
 }  // namespace coffrelune

@@ -138,6 +138,7 @@ class LinkPeer final : public Peer {
     LinkPeer(ViewContext& context, LinkLabel& link, wxHyperlinkCtrl& widget)
         : Peer(context, link, widget), link_(link), widget_(widget) {
         widget.SetDropTarget(new LinkDrop(link));
+        hideMissingAddress();
         widget.Bind(wxEVT_HYPERLINK,
                     [this](wxHyperlinkEvent&) { widget_.CallAfter([this] { link_.click(); }); });
         widget.Bind(wxEVT_ENTER_WINDOW, [this](wxMouseEvent& event) {
@@ -151,6 +152,16 @@ class LinkPeer final : public Peer {
     }
 
   private:
+    // What stands in for an address is not for the user: left to itself, the toolkit shows it as a
+    // tool tip, and has a menu that copies it.
+    void hideMissingAddress() {
+        if (!link_.address().empty()) return;
+        widget_.Bind(wxEVT_CONTEXT_MENU, [](wxContextMenuEvent&) {});
+        // Only a tool tip that there is can be taken away.
+        widget_.SetToolTip(widget_.GetLabel());
+        widget_.UnsetToolTip();
+    }
+
     void show() override {
         // Where the desktop draws links itself, its own style answers to the pointer.
         widget_.SetForegroundColour(

@@ -101,6 +101,9 @@ class TabsPeer final : public Peer {
             controlChanged(tabs_);
         });
     }
+    TabsPeer(const TabsPeer&) = delete;
+    TabsPeer& operator=(const TabsPeer&) = delete;
+    ~TabsPeer() override { withdrawTabs(widget_); }
 
   private:
     void show() override {

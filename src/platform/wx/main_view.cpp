@@ -63,19 +63,26 @@ void MainView::leaveForm() {
     form_.lineCommands.onMoved = nullptr;
     form_.notices.onChanged = nullptr;
     peers_.context.refresher.unwatch(this);
+    settling_.Stop();
 }
 
 void MainView::bindWindow() {
     Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent& event) {
+        if (settling_.IsRunning()) rememberPlace();
         form_.closeBox();
         // A window that has closed must not keep the session from ending.
         if (form_.open() && event.CanVeto()) event.Veto();
         wxWakeUpIdle();
     });
+    // A window that is being maximised moves first, and is maximised some events later.
     const auto moved = [this](wxEvent& event) {
         event.Skip();
-        rememberPlace();
+        if (!IsShown()) return;
+        constexpr int settled = 300;  // milliseconds
+        rememberState();
+        settling_.StartOnce(settled);
     };
+    settling_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { rememberPlace(); });
     Bind(wxEVT_MOVE, moved);
     Bind(wxEVT_SIZE, moved);
     Bind(wxEVT_ICONIZE, moved);
@@ -284,16 +291,18 @@ void MainView::applyPlace() {
     if (place.state == WindowPlace::minimised) Iconize();
 }
 
-void MainView::rememberPlace() {
-    WindowPlace& place = form_.place;
+void MainView::rememberState() {
     if (!IsShown()) return;
-    if (IsIconized()) {
-        place.state = WindowPlace::minimised;
-        return;
-    }
-    place.state = IsMaximized() ? WindowPlace::maximised : WindowPlace::normal;
-    // A maximised window keeps the place that it had before and will have again.
-    if (place.state == WindowPlace::maximised) return;
+    form_.place.state = IsIconized()    ? WindowPlace::minimised
+                        : IsMaximized() ? WindowPlace::maximised
+                                        : WindowPlace::normal;
+}
+
+// A maximised window keeps the place that it had before and will have again.
+void MainView::rememberPlace() {
+    rememberState();
+    WindowPlace& place = form_.place;
+    if (!IsShown() || place.state != WindowPlace::normal) return;
     const wxPoint position = wxWindow::ToDIP(GetPosition(), nullptr);
     place.left = position.x * twipsPerPixel;
     place.top = position.y * twipsPerPixel;

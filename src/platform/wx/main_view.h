@@ -3,6 +3,7 @@
 #include <wx/frame.h>
 #include <wx/panel.h>
 #include <wx/stattext.h>
+#include <wx/timer.h>
 
 #include <memory>
 
@@ -39,6 +40,7 @@ class MainView final : public wxFrame {
     wxSizer* makeProgram();
     wxSizer* makeResults();
     void applyPlace();
+    void rememberState();
     void rememberPlace();
     void keepFocus();
     void fit();
@@ -51,6 +53,7 @@ class MainView final : public wxFrame {
     Peers peers_;
     std::function<void()> rowsChanged_;  // the form's own
     wxEventLoop* loop_ = nullptr;
+    wxTimer settling_;  // runs while the window may still be on its way to another place
 };
 
 }  // namespace coffrelune

@@ -54,6 +54,8 @@ class PathPeer final : public Peer {
         : Peer(context, label, view), label_(label), view_(view) {
         view.Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
             event.Skip();
+            // The frame round what has the focus is as wide as the label, whatever its text does.
+            view_.Refresh();
             controlChanged(label_);
         });
     }
@@ -75,7 +77,8 @@ class PathPeer final : public Peer {
 }  // namespace
 
 PathView::PathView(wxWindow* parent, PathLabel& label, const std::string& name)
-    : wxWindow(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_THEME),
+    : wxWindow(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+               wxBORDER_THEME | wxFULL_REPAINT_ON_RESIZE),
       label_(label),
       name_(name) {
     SetBackgroundStyle(wxBG_STYLE_PAINT);
