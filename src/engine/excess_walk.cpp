@@ -61,7 +61,9 @@ bool ExcessWalk::prepare(const LineRoots& swapped, const std::vector<LineRoots>&
         return false;
     }
     protected_.clear();
-    markedTree_ = swapped.source;
+    swapped_ = swapped;
+    marked_ = false;
+    keepsDiffering_ = readByAnother(swapped.source, others);
     if (!referenceHoldsFiles(swapped) || !referenceFinished(swapped)) return false;
     // The reference itself may be mounted, or lie, inside the tree that is cleaned.
     protect(swapped.target);
@@ -99,12 +101,14 @@ bool ExcessWalk::referenceHoldsFiles(const LineRoots& swapped) {
 // What a stopped backup never copied exists in the original alone, and what a stopped restore has
 // deleted and not brought back yet exists in the copy alone.
 bool ExcessWalk::referenceFinished(const LineRoots& swapped) {
-    if (!UnfinishedCopies(system_).hold(swapped.target)) return true;
     const bool isBackup = swapped.layout == Layout::normal;
+    using Kind = UnfinishedCopies::Kind;
+    const UnfinishedCopies unfinished(system_, isBackup ? Kind::originals : Kind::copies);
+    if (!unfinished.hold(swapped.target)) return true;
     window_.AjouteECTxt(
         "Fichiers excédentaires conservés dans " + swapped.source + " : " +
-        (isBackup ? "la dernière restauration ou copie dans " : "la dernière sauvegarde dans ") +
-        swapped.target + (isBackup ? " n'a pas été terminée." : " n'a pas tout copié."));
+        (isBackup ? "la dernière restauration dans " : "la dernière sauvegarde dans ") +
+        swapped.target + (isBackup ? " n'a pas tout remis." : " n'a pas tout copié."));
     errors_.nameOnce(error_number::invalidData, swapped.target);
     return false;
 }
@@ -226,21 +230,28 @@ bool ExcessWalk::isExcess(const FileEntry& entry, Directory* reference, const Pl
     if (entry.unreadable) return false;  // of unknown age
     // What the copy pass would leave alone must not be deleted either: with `RecentSeul` a newer
     // file of the copy is kept by both.
-    if (!decide(entry, &counterpart, decision_).copy ||
-        !decide(counterpart, &entry, decision_).copy ||
-        !willBeReplaced(counterpart, place.reference + entry.name)) {
-        return false;
-    }
-    markTree();
-    return true;
+    return !keepsDiffering_ && decide(entry, &counterpart, decision_).copy &&
+           decide(counterpart, &entry, decision_).copy &&
+           willBeReplaced(counterpart, place.reference + entry.name) && markTree();
 }
 
 // Until the copy pass has brought the counterparts, the tree lacks files that it had: whatever
-// stops the program before that, no deletion on the other side may go by it.
-void ExcessWalk::markTree() {
-    if (markedTree_.empty()) return;
-    UnfinishedCopies(system_).add(markedTree_);
-    markedTree_.clear();
+// stops the program before that, no deletion on the other side may go by it. Without the mark
+// nothing that merely differs is deleted: the copy pass replaces it just as well.
+bool ExcessWalk::markTree() {
+    using Kind = UnfinishedCopies::Kind;
+    const Kind kind = swapped_.layout == Layout::normal ? Kind::copies : Kind::originals;
+    if (!marked_) marked_ = UnfinishedCopies(system_, kind).add(swapped_.source).ok();
+    return marked_;
+}
+
+// What lacks a file for a while, another line that reads it must not take for complete.
+bool ExcessWalk::readByAnother(const std::string& tree, const std::vector<LineRoots>& others) {
+    const std::string cleaned = withTrailingBackslash(files_.resolve(tree));
+    return std::any_of(others.begin(), others.end(), [&](const LineRoots& other) {
+        const std::string read = withTrailingBackslash(files_.resolve(other.source));
+        return cleaned.starts_with(read) || read.starts_with(cleaned);
+    });
 }
 
 // A file that merely differs goes only when the copy pass is sure to bring its counterpart: one

@@ -62,7 +62,8 @@ class ExcessWalk {
     bool openReference(const Place& place, std::unique_ptr<Directory>& reference);
     void scan(Directory& files, Directory* reference, const Place& place);
     bool isExcess(const FileEntry& entry, Directory* reference, const Place& place);
-    void markTree();
+    bool markTree();
+    bool readByAnother(const std::string& tree, const std::vector<LineRoots>& others);
     bool willBeReplaced(const FileEntry& counterpart, const std::string& path);
     bool holdsSettings(const Place& place);
     void remove(const FileEntry& entry, const Place& place);
@@ -77,7 +78,9 @@ class ExcessWalk {
     FileService& files_;
     LineGuard guard_;
     std::vector<Protected> protected_;
-    std::string markedTree_;  // still to be marked as unfinished, else empty
+    LineRoots swapped_;            // of the current line
+    bool marked_ = false;          // as unfinished
+    bool keepsDiffering_ = false;  // files that merely differ
     std::string referenceRoot_;
     FileId referenceId_;
     DecisionOptions decision_;

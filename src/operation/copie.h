@@ -9,6 +9,7 @@
 #include "operation/operation_host.h"
 #include "platform/controls.h"
 #include "platform/text_log.h"
+#include "settings/unfinished_copies.h"
 
 namespace coffrelune {
 
@@ -73,6 +74,10 @@ class Copie final : public Window, public OperationWindow {
     void startAnalysis();
     void analyseLines();
     void markAnalysed(int line);
+    void markRestored();
+    void mark(int line);
+    void unmark(int line);
+    UnfinishedCopies::Kind writtenKind() const;
     bool backsUp() const;
     bool nothingToCopy(int line) const;
     bool hasErrors(int line) const;

@@ -3,7 +3,6 @@
 
 #include "operation/copie.h"
 #include "operation/line_texts.h"
-#include "settings/unfinished_copies.h"
 #include "system/date_time.h"
 
 namespace coffrelune {
@@ -118,23 +117,44 @@ void Copie::analyseLines() {
 // stops the run, or whatever ends it, may never let it come to them. What could not be read is not
 // in the copy either, nor is an empty file of a run that finds no bytes to copy.
 void Copie::markAnalysed(int line) {
-    UnfinishedCopies unfinished(system_);
-    const std::string target = rootsOfLine(system_, line).target;
     const LineTally& tally = statistics_.tallies[static_cast<std::size_t>(line)];
     if (backsUp() && (hasErrors(line) || tally.filesToCopy > 0)) {
-        unfinished.add(target);
+        mark(line);
     } else if (!statistics_.interruptionRequested && nothingToCopy(line)) {
-        unfinished.remove(target);
+        unmark(line);
     }
+}
+
+// A restore marks what it is about to bring back: until it has, the copy alone holds it.
+void Copie::markRestored() {
+    if (backsUp()) return;
+    for (int line = 0; line < host_.lineCount(); ++line) {
+        if (takesPart(line) && !nothingToCopy(line)) mark(line);
+    }
+}
+
+// A mark that cannot be stored does not keep files from being saved; the settings tell it.
+void Copie::mark(int line) {
+    (void)UnfinishedCopies(system_, writtenKind()).add(rootsOfLine(system_, line).target);
+}
+
+void Copie::unmark(int line) {
+    UnfinishedCopies(system_, writtenKind()).remove(rootsOfLine(system_, line).target);
+}
+
+UnfinishedCopies::Kind Copie::writtenKind() const {
+    return backsUp() ? UnfinishedCopies::Kind::copies : UnfinishedCopies::Kind::originals;
 }
 
 bool Copie::backsUp() const {
     return system_.operationKind == OperationKind::backup;
 }
 
+// Empty files alone are brought back by no restore: they must not keep a line marked for ever.
 bool Copie::nothingToCopy(int line) const {
     const LineTally& tally = statistics_.tallies[static_cast<std::size_t>(line)];
-    return tally.filesToCopy == 0 && !tally.sourceMissing && !hasErrors(line);
+    const bool none = backsUp() ? tally.filesToCopy == 0 : tally.bytesToCopy == 0;
+    return none && !tally.sourceMissing && !hasErrors(line);
 }
 
 // Errors that leave the line's tree incomplete.
@@ -162,13 +182,14 @@ bool Copie::prepareCopy() {
 }
 
 void Copie::copyLines() {
+    markRestored();
     for (int line = 0; line < host_.lineCount(); ++line) {
         if (!takesPart(line)) continue;
         statistics_.copyPassStarted = true;
         walkLine(line, false);
         if (statistics_.interruptionRequested) return;
         // Complete from here on, and fit to tell what is too much on the other side.
-        if (!hasErrors(line)) UnfinishedCopies(system_).remove(rootsOfLine(system_, line).target);
+        if (!hasErrors(line)) unmark(line);
         host_.showLineDone(line, true);
         runPendingEvents();
     }

@@ -10,16 +10,12 @@ namespace {
 
 const std::string section = "Position";
 
-std::string key(std::size_t number) {
-    return "CopieIncomplete" + std::to_string(number);
-}
-
 // A value of the settings is read up to this many characters: of a longer mark its beginning
 // counts, which marks a copy too many rather than none.
 constexpr std::size_t longestValue = 1023;
 
-auto sameAs(const std::string& copy) {
-    return [path = withoutTrailingBackslash(copy)](const std::string& marked) {
+auto sameAs(const std::string& tree) {
+    return [path = withoutTrailingBackslash(tree)](const std::string& marked) {
         const bool cut = marked.size() >= longestValue && path.size() > marked.size();
         return equalIgnoringCase(marked, cut ? path.substr(0, marked.size()) : path);
     };
@@ -27,23 +23,23 @@ auto sameAs(const std::string& copy) {
 
 }  // namespace
 
-bool UnfinishedCopies::hold(const std::string& copy) const {
+bool UnfinishedCopies::hold(const std::string& tree) const {
     const std::vector<std::string> all = marked();
-    return std::any_of(all.begin(), all.end(), sameAs(copy));
+    return std::any_of(all.begin(), all.end(), sameAs(tree));
 }
 
-void UnfinishedCopies::add(const std::string& copy) {
+Status UnfinishedCopies::add(const std::string& tree) {
     const std::vector<std::string> all = marked();
-    if (std::any_of(all.begin(), all.end(), sameAs(copy))) return;
-    (void)system_.WriteSetting(section, key(all.size() + 1),
-                               QuoteValue(withoutTrailingBackslash(copy)));
+    if (std::any_of(all.begin(), all.end(), sameAs(tree))) return {};
+    return system_.WriteSetting(section, key(all.size() + 1),
+                                QuoteValue(withoutTrailingBackslash(tree)));
 }
 
 // The last one takes the place of the one that goes, before its own place is cleared: whatever
 // stops the program in between, no mark is lost.
-void UnfinishedCopies::remove(const std::string& copy) {
+void UnfinishedCopies::remove(const std::string& tree) {
     const std::vector<std::string> all = marked();
-    const auto found = std::find_if(all.begin(), all.end(), sameAs(copy));
+    const auto found = std::find_if(all.begin(), all.end(), sameAs(tree));
     if (found == all.end()) return;
     const auto number = static_cast<std::size_t>(found - all.begin()) + 1;
     if (number < all.size()) {
@@ -54,7 +50,13 @@ void UnfinishedCopies::remove(const std::string& copy) {
 
 // The old place keeps its mark: it may be that of another disk, left as it was.
 void UnfinishedCopies::follow(const std::string& from, const std::string& to) {
-    if (hold(from)) add(to);
+    // What cannot be stored is told by the settings themselves.
+    if (hold(from)) (void)add(to);
+}
+
+std::string UnfinishedCopies::key(std::size_t number) const {
+    const char* name = kind_ == Kind::copies ? "CopieIncomplete" : "RestaurationIncomplete";
+    return name + std::to_string(number);
 }
 
 std::vector<std::string> UnfinishedCopies::marked() const {

@@ -10,6 +10,8 @@ using testing::ElementsAre;
 // The deletion walk over one line: C:\Docs copied to F:\Save unless a test says otherwise.
 class ExcessFiles : public Engine {
   protected:
+    ExcessFiles() { disk().directory("H:\\Coffrelune"); }  // for the settings
+
     void clean(const std::string& source = "C:\\Docs", const std::string& destination = "F:\\Save",
                const std::vector<LineRoots>& others = {}) {
         clean(lineRoots(source, destination, Layout::normal), others);

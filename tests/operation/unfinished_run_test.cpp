@@ -34,6 +34,9 @@ class UnfinishedRun : public OperationTest {
     }
     void change(const std::string& path) { disk().file(path, "changed", fileTimeAt(2024, 3, 9)); }
     bool marked(const std::string& tree) { return UnfinishedCopies(system).hold(tree); }
+    bool markedOriginal(const std::string& tree) {
+        return UnfinishedCopies(system, UnfinishedCopies::Kind::originals).hold(tree);
+    }
 };
 
 TEST_F(UnfinishedRun, BackupStoppedAfterItsDeletionsIsMarked) {
@@ -111,8 +114,7 @@ TEST_F(UnfinishedRun, RestoreStoppedAfterItsDeletionsKeepsTheCopyFromTheNextBack
     EXPECT_EQ(disk().content(R"(F:\Save\Docs\a.txt)"), "aaaaa");
     EXPECT_EQ(statistics.errorCount, 1);
     EXPECT_THAT(journal(), Contains("Fichiers excédentaires conservés dans F:\\Save\\Docs : la "
-                                    "dernière restauration ou copie dans C:\\Docs n'a pas été "
-                                    "terminée."));
+                                    "dernière restauration dans C:\\Docs n'a pas tout remis."));
 
     restore();
     EXPECT_EQ(disk().content(R"(C:\Docs\a.txt)"), "aaaaa");
@@ -128,7 +130,84 @@ TEST_F(UnfinishedRun, RestoreThatHasReplacedNothingLeavesNoMark) {
     stopAt(1, beforeTheAnalysis);
     restore();
     ASSERT_TRUE(statistics.interruptionRequested);
-    EXPECT_FALSE(marked(R"(C:\Docs)"));
+    EXPECT_FALSE(markedOriginal(R"(C:\Docs)"));
+}
+
+// As onto a new disk: nothing had to be deleted, and most of it is in the copy alone.
+TEST_F(UnfinishedRun, RestoreStoppedInItsMidstKeepsTheRestOfTheCopy) {
+    backUp();
+    disk().remove(R"(C:\Docs)");
+    disk().remove(R"(D:\Photos)");
+    disk().file(R"(D:\Photos\mine.jpg)", "mine");
+    stopAt(3, "Vers: ");
+    restore();
+    ASSERT_TRUE(disk().exists(R"(C:\Docs\a.txt)"));
+    ASSERT_FALSE(disk().exists(R"(C:\Docs\Sub\b.txt)"));
+
+    backUp();
+    EXPECT_EQ(disk().content(R"(F:\Save\Docs\Sub\b.txt)"), "bbb");
+    EXPECT_EQ(disk().content(R"(G:\Save\Photos\c.jpg)"), "cccccccc");
+    EXPECT_EQ(statistics.errorCount, 2);
+    restore();
+    EXPECT_EQ(disk().content(R"(D:\Photos\c.jpg)"), "cccccccc");
+    EXPECT_FALSE(markedOriginal(R"(C:\Docs)"));
+    EXPECT_FALSE(markedOriginal(R"(D:\Photos)"));
+}
+
+TEST_F(UnfinishedRun, RestoreThatCouldNotBringAFileBackKeepsItsCopy) {
+    selectOnly({0});
+    backUp();
+    disk().remove(R"(C:\Docs\a.txt)");
+    failCopyOf(R"(F:\Save\Docs\a.txt)", error_number::sharingViolation);
+    restore();
+    ASSERT_EQ(statistics.errorCount, 1);
+    backUp();
+    EXPECT_EQ(disk().content(R"(F:\Save\Docs\a.txt)"), "aaaaa");
+}
+
+// No run brings it back by itself, and the error would come for ever.
+TEST_F(UnfinishedRun, RestoreIsFinishedWhenOnlyAnEmptyFileIsLeft) {
+    selectOnly({0});
+    disk().file(R"(C:\Docs\empty)", "");
+    backUp();
+    disk().remove(R"(C:\Docs\a.txt)");
+    disk().remove(R"(C:\Docs\empty)");
+    faults.fail("copyFile", R"(F:\Save\Docs\empty)", error_number::sharingViolation);
+    restore();
+    ASSERT_TRUE(markedOriginal(R"(C:\Docs)"));
+    restore();
+    EXPECT_FALSE(markedOriginal(R"(C:\Docs)"));
+}
+
+// C:\Docs to F:\Save, and that copy to G:\Save.
+TEST_F(UnfinishedRun, ChainOfLinesIsNoErrorAndLosesNoVersion) {
+    system.sources[1] = R"(F:\Save\Docs)";
+    backUp();
+    change(R"(C:\Docs\a.txt)");
+    backUp();
+    EXPECT_EQ(statistics.errorCount, 0);
+    EXPECT_EQ(disk().content(R"(F:\Save\Docs\a.txt)"), "changed");
+
+    disk().file(R"(C:\Docs\a.txt)", "changed again", fileTimeAt(2024, 3, 10));
+    selectOnly({0});
+    backUp();
+    selectOnly({0, 1});
+    disk().file(R"(C:\Docs\a.txt)", "spoilt", fileTimeAt(2024, 3, 11));
+    restore();
+    EXPECT_TRUE(disk().exists(R"(C:\Docs\a.txt)"));
+    EXPECT_TRUE(disk().exists(R"(F:\Save\Docs\a.txt)"));
+}
+
+TEST_F(UnfinishedRun, WithoutAPlaceForItsMarkDeletesNothingThatMerelyDiffers) {
+    selectOnly({0});
+    backUp();
+    change(R"(C:\Docs\a.txt)");
+    disk().file(R"(F:\Save\Docs\gone.txt)", "gone");
+    disk().volume(R"(C:\)").writeProtected = true;
+    stopAt(1, beforeTheAnalysis);
+    backUp();
+    EXPECT_EQ(disk().content(R"(F:\Save\Docs\a.txt)"), "aaaaa");
+    EXPECT_FALSE(disk().exists(R"(F:\Save\Docs\gone.txt)"));
 }
 
 TEST_F(UnfinishedRun, KeepsItsMarkUnderAnotherLetter) {

@@ -28,7 +28,7 @@ TEST_F(UnfinishedCopiesTest, HoldNothingAtFirst) {
 }
 
 TEST_F(UnfinishedCopiesTest, OutliveTheProgramAndKnowACopyInAnyCase) {
-    copies.add("F:\\Photos\\");
+    EXPECT_TRUE(copies.add("F:\\Photos\\").ok());
     EXPECT_EQ(onDisk(), "[Position]\r\nCopieIncomplete1=\"F:\\Photos\"\r\n");
     SystemMod later(services, {"", "C:\\Program", 3, 5});
     EXPECT_TRUE(UnfinishedCopies(later).hold("F:\\Photos"));
@@ -37,13 +37,13 @@ TEST_F(UnfinishedCopiesTest, OutliveTheProgramAndKnowACopyInAnyCase) {
 }
 
 TEST_F(UnfinishedCopiesTest, AreMarkedOnce) {
-    copies.add("F:\\Photos");
-    copies.add("F:\\PHOTOS");
+    EXPECT_TRUE(copies.add("F:\\Photos").ok());
+    EXPECT_TRUE(copies.add("F:\\PHOTOS").ok());
     EXPECT_EQ(onDisk(), "[Position]\r\nCopieIncomplete1=\"F:\\Photos\"\r\n");
 }
 
 TEST_F(UnfinishedCopiesTest, LoseOneMarkWithoutAGap) {
-    for (const char* copy : {"F:\\A", "F:\\B", "F:\\C"}) copies.add(copy);
+    for (const char* copy : {"F:\\A", "F:\\B", "F:\\C"}) EXPECT_TRUE(copies.add(copy).ok());
     copies.remove("F:\\A");
     EXPECT_FALSE(copies.hold("F:\\A"));
     EXPECT_TRUE(copies.hold("F:\\B"));
@@ -56,9 +56,9 @@ TEST_F(UnfinishedCopiesTest, LoseOneMarkWithoutAGap) {
 
 TEST_F(UnfinishedCopiesTest, KnowACopyWhosePathIsReadUpToALimit) {
     const std::string longPath = "F:\\" + std::string(1100, 'd') + "\\Photos";
-    copies.add(longPath);
+    EXPECT_TRUE(copies.add(longPath).ok());
     const std::string once = onDisk();
-    copies.add(longPath);
+    EXPECT_TRUE(copies.add(longPath).ok());
     EXPECT_EQ(onDisk(), once);
     EXPECT_TRUE(copies.hold(longPath));
     copies.remove(longPath);
@@ -66,9 +66,17 @@ TEST_F(UnfinishedCopiesTest, KnowACopyWhosePathIsReadUpToALimit) {
 }
 
 TEST_F(UnfinishedCopiesTest, KeepBlanksAtTheEndsOfAPath) {
-    copies.add("F:\\Photos ");
+    EXPECT_TRUE(copies.add("F:\\Photos ").ok());
     EXPECT_TRUE(copies.hold("F:\\Photos "));
     EXPECT_FALSE(copies.hold("F:\\Photos"));
+}
+
+TEST_F(UnfinishedCopiesTest, AreNotTheOriginalsOfUnfinishedRestores) {
+    UnfinishedCopies originals(system, UnfinishedCopies::Kind::originals);
+    EXPECT_TRUE(originals.add("C:\\Docs").ok());
+    EXPECT_TRUE(originals.hold("C:\\Docs"));
+    EXPECT_FALSE(copies.hold("C:\\Docs"));
+    EXPECT_EQ(onDisk(), "[Position]\r\nRestaurationIncomplete1=\"C:\\Docs\"\r\n");
 }
 
 }  // namespace
