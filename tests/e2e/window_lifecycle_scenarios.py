@@ -260,7 +260,7 @@ def keyboard(place, report):
     reach(program, label)
     program.main.keys("Return")
     program.wait(lambda: any(window.find_all("menu") for window in program.windows), "le menu")
-    place.screen.keys("e")
+    place.screen.keys("i")
     window = program.window("Répertoire source")
     report.check("le champ attend le texte", comes(lambda: window.find("field").focused))
     place.screen.write("C:\\tmp")
