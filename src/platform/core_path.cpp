@@ -19,9 +19,7 @@ bool isDots(std::string_view name) {
 }
 
 bool startsWithDrive(std::string_view text) {
-    if (text.size() < 2 || text[1] != ':') return false;
-    const char letter = static_cast<char>(text[0] | 0x20);
-    return letter >= 'a' && letter <= 'z' && (text.size() == 2 || isSeparator(text[2]));
+    return hasDriveLetter(text) && (text.size() == 2 || isSeparator(text[2]));
 }
 
 /// Takes the next name off `rest`; empty at the end.

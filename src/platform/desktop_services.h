@@ -47,16 +47,12 @@ class DriveInformation {
 class RegistryService {
   public:
     enum class Root { currentUser, localMachine };
-    static constexpr std::uint32_t textType = 1;    // REG_SZ
-    static constexpr std::uint32_t numberType = 4;  // REG_DWORD
 
     virtual ~RegistryService() = default;
 
-    /// Sets a value of an existing key; a key that does not exist is never created.
+    /// Sets a text of an existing key; a key that does not exist is never created.
     virtual Status setText(Root root, const std::string& key, const std::string& name,
                            const std::string& data) = 0;
-    virtual Status setNumber(Root root, const std::string& key, const std::string& name,
-                             std::uint32_t data) = 0;
     virtual Status deleteValue(Root root, const std::string& key, const std::string& name) = 0;
 };
 

@@ -42,6 +42,7 @@ struct FileEntry {
     FileTimes times;
     FileId id;                // may be unknown where a listing does not give it
     bool unreadable = false;  // listed by its name alone: size and times are not known
+    bool mountPoint = false;  // a directory that shows another volume, or another place of this one
 
     bool isDirectory() const { return (attributes & attribute::directory) != 0; }
     bool isReadOnly() const { return (attributes & attribute::readOnly) != 0; }

@@ -3,44 +3,14 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "platform/directory.h"
 #include "platform/file_entry.h"
+#include "platform/held_tree.h"
 #include "platform/status.h"
 
 namespace coffrelune {
-
-/// What a call does when the last component of its path is a symbolic link or a junction.
-enum class LinkRule {
-    follow,  // the link's target is meant: for the root of a line, which the user chose
-    refuse,  // the link itself is meant, or refused: for everything below a root
-    enter,   // refuse, but for a directory link that the system takes for a part of the tree that
-             // is read (Windows): its directory is meant, unless it leads back to where it stands
-};
-
-/// Which entries a listing gives. Leaving the others out spares the system a call per entry.
-/// `nothing`: the directory is only wanted for look-ups, so it need not be readable.
-enum class Wanted { everything, files, directories, nothing };
-
-/// A directory opened for listing and for look-ups. Holds system resources until destroyed.
-class Directory {
-  public:
-    virtual ~Directory() = default;
-
-    /// Gives the next entry, in the order in which the system returns them, and true; false at the
-    /// end or after a failure, which status() then tells. "." and ".." may be among the entries.
-    /// Never given: leftover temporaries of a copy, sockets, FIFOs, devices, and the mount points
-    /// of kernel pseudo file systems. A link is an entry of its own and no directory.
-    virtual bool next(FileEntry& entry) = 0;
-
-    /// Success unless the listing broke off, or a look-up failed for another reason than that
-    /// nothing bears the name: its "no such entry" is then not to be trusted.
-    virtual const Status& status() const = 0;
-
-    /// Looks `name` (one component) up in this directory without following a link. False when there
-    /// is no such entry or it cannot be read. Sees every write that this service made before the
-    /// call; what others write while the directory is open may be missed.
-    virtual bool lookUp(const std::string& name, FileEntry& entry) = 0;
-};
 
 /// Told how far the copy of one file has come.
 class CopyObserver {
@@ -52,12 +22,33 @@ class CopyObserver {
     virtual void chunkFinished(std::uint64_t transferred) = 0;
 };
 
+/// Who may enter a directory that is made.
+enum class DirectoryAccess {
+    usual,      // as the system does it for every program
+    ownerOnly,  // nobody else, until matchDirectory() says otherwise
+};
+
+/// When a file that is written whole is safe from a power loss.
+enum class Durability {
+    now,        // when the call returns
+    nextFlush,  // whole from now on, safe after the next flush of its volume
+};
+
 /// The disk. Paths are the core's own: `X:\dir\name` and `\\server\share\dir`, UTF-8 (a name that
 /// is no valid UTF-8 travels as its raw bytes). A trailing backslash changes nothing. Nothing is
 /// thrown; every failure is a Status with a Windows error number.
 class FileService {
   public:
     virtual ~FileService() = default;
+
+    /// Takes hold of a directory, links followed on the way to it. As long as the hold lives, every
+    /// path that is `root` or continues its text is reached from that very directory, whatever
+    /// bears its name by now, and no link below it is passed on the way (1921), in reading, writing
+    /// or deleting, but for those that openDirectory() entered while the hold lived. What the last
+    /// component may be stays with each function. Of nested holds the innermost counts. The volume
+    /// cannot be taken away under the hold without the calls failing. 2, 3 or 55 when there is no
+    /// such directory, 267 when it is none.
+    virtual Status hold(const std::string& root, std::unique_ptr<HeldTree>& held) = 0;
 
     /// Opens a directory. 2 or 3 when it does not exist, 267 when the path leads to something else
     /// (with LinkRule::refuse also to a link), 5 when it may not be read. An empty directory and an
@@ -77,13 +68,24 @@ class FileService {
     virtual std::string resolve(const std::string& path) = 0;
 
     /// Creates one directory level. 183 when the name is taken, by a directory or by a file.
-    virtual Status createDirectory(const std::string& path) = 0;
+    virtual Status createDirectory(const std::string& path, DirectoryAccess access) = 0;
+
+    /// Gives the directory `target` the rights of `source` and, when the program may give files
+    /// away, its owner; both are directories and no links (the root of a hold may be one). Nothing
+    /// where the volume knows no such rights, or where rights come from where a directory lies.
+    virtual Status matchDirectory(const std::string& source, const std::string& target) = 0;
+
+    /// Removes an empty directory; 145 when something is in it (the program's own files do not
+    /// count and go with it), 267 for anything else, a link included.
+    virtual Status removeDirectory(const std::string& path) = 0;
 
     /// Copies one file over `destination`, which is complete or untouched whatever happens: the
     /// data goes to a temporary file beside it, takes the source's last-write time as it was before
-    /// the reading and its attributes, and only then takes the final name. An existing read-only
-    /// destination fails with 5. `sourceLinks` says whether a link is copied as a link (refuse) or
-    /// its target's content is (follow). `observer` may be null: a copy without notifications.
+    /// the reading, its attributes and, when the program may give files away, its owner, and only
+    /// then takes the final name. A source that ends before the size it had when it was opened
+    /// fails with 38. An existing read-only destination, or a directory there, fails with 5.
+    /// `sourceLinks` says whether a link is copied as a link (refuse) or its target's content is
+    /// (follow). `observer` may be null: a copy without notifications.
     virtual Status copyFile(const std::string& source, const std::string& destination,
                             LinkRule sourceLinks, CopyObserver* observer) = 0;
 
@@ -105,12 +107,18 @@ class FileService {
     /// running process still writes.
     virtual Status removeLeftovers(const std::string& directory) = 0;
 
+    /// The names of the program's own files in a directory that are no temporaries: marks and
+    /// certificates (own_names.h), in any order.
+    virtual Status ownFiles(const std::string& directory, std::vector<std::string>& names) = 0;
+
     /// Reads a whole file of at most `limit` bytes (223 when it may be read but is larger).
     virtual Status readWhole(const std::string& path, std::uint64_t limit, std::string& bytes) = 0;
 
-    /// Replaces a file's content, or creates it, atomically and durably: after a power loss the old
-    /// or the new content is there, never a part. Follows a link, keeps the file's permissions.
-    virtual Status writeWhole(const std::string& path, const std::string& bytes) = 0;
+    /// Replaces a file's content, or creates it, atomically: at any moment the old or the new
+    /// content is there, never a part. Follows a link (but not below a hold), keeps the file's
+    /// permissions.
+    virtual Status writeWhole(const std::string& path, const std::string& bytes,
+                              Durability durability) = 0;
 };
 
 }  // namespace coffrelune

@@ -22,9 +22,7 @@ void TextBox::takeFocus() {
 }
 
 void TextBox::enter() {
-    if (!enabled() || !visible() || focused_) return;
-    focused_ = true;
-    if (onEnter) onEnter();
+    if (enabled() && visible()) focused_ = true;
 }
 
 void TextBox::type(const std::string& text) {
@@ -51,11 +49,6 @@ void ListBox::clear() {
 
 void ListBox::add(std::string entry) {
     entries_.push_back(std::move(entry));
-    changed();
-}
-
-void ListBox::replace(int index, std::string entry) {
-    entries_[static_cast<std::size_t>(index)] = std::move(entry);
     changed();
 }
 
@@ -115,37 +108,6 @@ void TabStrip::pick(const std::string& key) {
     const std::string old = selectedKey_;
     select(key);
     if (onPick && !onPick(key)) select(old);
-}
-
-void CommandBar::add(Command command) {
-    commands_.push_back(std::move(command));
-    changed();
-}
-
-const CommandBar::Command* CommandBar::find(const std::string& key) const {
-    const auto found = std::find_if(commands_.begin(), commands_.end(),
-                                    [&](const Command& command) { return command.key == key; });
-    return found == commands_.end() ? nullptr : &*found;
-}
-
-void CommandBar::setEnabled(const std::string& key, bool enabled) {
-    for (Command& command : commands_) {
-        if (command.key == key) command.enabled = enabled;
-    }
-    changed();
-}
-
-void CommandBar::setVisible(const std::string& key, bool visible) {
-    for (Command& command : commands_) {
-        if (command.key == key) command.visible = visible;
-    }
-    changed();
-}
-
-void CommandBar::pick(const std::string& key) {
-    const Command* command = find(key);
-    if (!enabled() || command == nullptr || !command->enabled || !command->visible) return;
-    if (onPick) onPick(key);
 }
 
 }  // namespace coffrelune

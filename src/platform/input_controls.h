@@ -30,7 +30,6 @@ class TextBox : public Control {
     void type(const std::string& text);
     void leave();
 
-    std::function<void()> onEnter;
     std::function<void()> onType;
     std::function<void()> onLeave;
 
@@ -41,7 +40,7 @@ class TextBox : public Control {
 };
 
 /// A list, or a drop-down list, of texts; -1 as no selection. How far it scrolls to the side is its
-/// view's affair: a native list sees to that itself, another one takes listWidth().
+/// view's affair.
 class ListBox : public Control {
   public:
     using Control::Control;
@@ -52,7 +51,6 @@ class ListBox : public Control {
 
     void clear();
     void add(std::string entry);
-    void replace(int index, std::string entry);
     void remove(int index);  // the selection goes with its entry
     void select(int index);  // by the program: raises no event
 
@@ -108,34 +106,6 @@ class TabStrip : public Control {
   private:
     std::vector<Tab> tabs_;
     std::string selectedKey_;
-};
-
-/// Commands of a menu or a toolbar, known by their keys.
-class CommandBar : public Control {
-  public:
-    struct Command {
-        std::string key;
-        std::string caption;
-        std::string toolTip;
-        bool enabled = true;
-        bool visible = true;
-    };
-
-    void add(Command command);
-    const std::vector<Command>& commands() const { return commands_; }
-    const Command* find(const std::string& key) const;  // null when there is none
-    void setEnabled(const std::string& key, bool enabled);
-    void setVisible(const std::string& key, bool visible);
-    using Control::setEnabled;
-    using Control::setVisible;
-
-    /// The user picks a command; nothing while it is disabled or hidden.
-    void pick(const std::string& key);
-
-    std::function<void(const std::string& key)> onPick;
-
-  private:
-    std::vector<Command> commands_;
 };
 
 }  // namespace coffrelune

@@ -24,6 +24,7 @@ inline constexpr std::uint32_t notReady = 21;
 inline constexpr std::uint32_t generalFailure = 31;
 inline constexpr std::uint32_t sharingViolation = 32;
 inline constexpr std::uint32_t lockViolation = 33;
+inline constexpr std::uint32_t handleEof = 38;
 inline constexpr std::uint32_t notSupported = 50;
 inline constexpr std::uint32_t deviceDoesNotExist = 55;
 inline constexpr std::uint32_t invalidParameter = 87;
@@ -47,6 +48,11 @@ class [[nodiscard]] Status {
     static Status failure(std::uint32_t code, std::string path, std::string text = {});
 
     bool ok() const { return code_ == error_number::none; }
+    /// The system says for certain that nothing bears the name (2) or that a directory on the way
+    /// to it is missing (3). Every other failure leaves that open.
+    bool saysAbsent() const {
+        return code_ == error_number::fileNotFound || code_ == error_number::pathNotFound;
+    }
     std::uint32_t code() const { return code_; }
     const std::string& path() const { return path_; }
     const std::string& text() const { return text_; }

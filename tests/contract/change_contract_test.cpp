@@ -64,25 +64,41 @@ TEST_P(LinkChangeContract, TimesAndAttributesOfALinkNeverTouchItsTarget) {
 }
 
 TEST_P(ChangeContract, CreatesOneDirectoryLevel) {
-    ASSERT_TRUE(files().createDirectory(at("Sous")).ok());
+    ASSERT_TRUE(files().createDirectory(at("Sous"), DirectoryAccess::usual).ok());
     EXPECT_TRUE(entry(at("Sous")).isDirectory());
-    ASSERT_TRUE(files().createDirectory(at("Sous\\Plus bas\\")).ok());
+    ASSERT_TRUE(files().createDirectory(at("Sous\\Plus bas\\"), DirectoryAccess::usual).ok());
     EXPECT_THAT(system().names(at("Sous")), ElementsAre("Plus bas"));
+}
+
+TEST_P(ChangeContract, DirectoryOfItsOwnerAloneIsOneLikeAnyOtherForItsOwner) {
+    constexpr DirectoryAccess ownerOnly = DirectoryAccess::ownerOnly;
+    ASSERT_TRUE(files().createDirectory(at("Sous"), ownerOnly).ok());
+    ASSERT_TRUE(files().createDirectory(at("Sous\\Plus bas"), ownerOnly).ok());
+    make("a.txt", "abc");
+    EXPECT_EQ(copy(at("a.txt"), at("Sous\\a.txt")), 0U);
+    EXPECT_THAT(listed(at("Sous")), ElementsAre("Plus bas", "a.txt"));
+    EXPECT_TRUE(files().matchDirectory(directory(), at("Sous")).ok());
+    EXPECT_TRUE(entry(at("Sous")).isDirectory());
+    EXPECT_EQ(files().createDirectory(at("Sous"), ownerOnly).code(), error_number::alreadyExists);
+    EXPECT_EQ(files().createDirectory(at("a.txt"), ownerOnly).code(), error_number::alreadyExists);
 }
 
 TEST_P(ChangeContract, CreateDirectoryFailsWhenTheNameIsTaken) {
     make("a.txt", "abc");
     system().makeDirectory(at("Sous"));
-    EXPECT_EQ(files().createDirectory(at("Sous")).code(), error_number::alreadyExists);
-    EXPECT_EQ(files().createDirectory(at("a.txt")).code(), error_number::alreadyExists);
+    EXPECT_EQ(files().createDirectory(at("Sous"), DirectoryAccess::usual).code(),
+              error_number::alreadyExists);
+    EXPECT_EQ(files().createDirectory(at("a.txt"), DirectoryAccess::usual).code(),
+              error_number::alreadyExists);
     EXPECT_TRUE(holds(at("a.txt"), "abc"));
-    EXPECT_FALSE(files().createDirectory(system().drive()).ok());
+    EXPECT_FALSE(files().createDirectory(system().drive(), DirectoryAccess::usual).ok());
 }
 
 TEST_P(ChangeContract, CreateDirectoryFailsWithoutItsParent) {
     make("a.txt", "abc");
-    EXPECT_EQ(files().createDirectory(at("absent\\Sous")).code(), error_number::pathNotFound);
-    EXPECT_THAT(files().createDirectory(at("a.txt\\Sous")).code(),
+    EXPECT_EQ(files().createDirectory(at("absent\\Sous"), DirectoryAccess::usual).code(),
+              error_number::pathNotFound);
+    EXPECT_THAT(files().createDirectory(at("a.txt\\Sous"), DirectoryAccess::usual).code(),
                 AnyOf(error_number::pathNotFound, error_number::notADirectory));
     EXPECT_THAT(system().names(directory()), ElementsAre("a.txt"));
 }
@@ -130,27 +146,38 @@ TEST_P(ChangeContract, ReadsAWholeFileUpToItsLimit) {
 }
 
 TEST_P(ChangeContract, WritesAWholeFileNewOrOverAnother) {
-    ASSERT_TRUE(files().writeWhole(at("a.ini"), "first, and longer").ok());
-    EXPECT_TRUE(holds(at("a.ini"), "first, and longer"));
-    ASSERT_TRUE(files().writeWhole(at("a.ini"), "second").ok());
-    EXPECT_TRUE(holds(at("a.ini"), "second"));
-    EXPECT_EQ(commonAttributes(entry(at("a.ini"))), attribute::normal);
-    EXPECT_THAT(system().names(directory()), ElementsAre("a.ini"));
+    for (const Durability durability : {Durability::now, Durability::nextFlush}) {
+        ASSERT_TRUE(files().writeWhole(at("a.ini"), "first, and longer", durability).ok());
+        EXPECT_TRUE(holds(at("a.ini"), "first, and longer"));
+        ASSERT_TRUE(files().writeWhole(at("a.ini"), "second", durability).ok());
+        EXPECT_TRUE(holds(at("a.ini"), "second"));
+        EXPECT_EQ(commonAttributes(entry(at("a.ini"))), attribute::normal);
+        EXPECT_THAT(system().names(directory()), ElementsAre("a.ini"));
+        ASSERT_TRUE(files().removeFile(at("a.ini")).ok());
+    }
+}
+
+TEST_P(LinkChangeContract, CreateDirectoryFailsForALinkThatBearsTheName) {
+    system().makeLink(at("lien"), "absent");
+    EXPECT_EQ(files().createDirectory(at("lien"), DirectoryAccess::usual).code(),
+              error_number::alreadyExists);
+    EXPECT_THAT(system().names(directory()), ElementsAre("lien"));
 }
 
 TEST_P(LinkChangeContract, WriteWholeFollowsALink) {
     make("cible.ini", "old");
     system().makeLink(at("lien.ini"), "cible.ini");
-    ASSERT_TRUE(files().writeWhole(at("lien.ini"), "new").ok());
+    ASSERT_TRUE(files().writeWhole(at("lien.ini"), "new", Durability::now).ok());
     EXPECT_TRUE(holds(at("cible.ini"), "new"));
     EXPECT_TRUE(entry(at("lien.ini")).isLink());
     EXPECT_THAT(system().names(directory()), ElementsAre("cible.ini", "lien.ini"));
 }
 
 TEST_P(ChangeContract, WriteWholeFailsWithoutItsDirectoryAndOnADirectory) {
-    EXPECT_EQ(files().writeWhole(at("absent\\a.ini"), "abc").code(), error_number::pathNotFound);
+    EXPECT_EQ(files().writeWhole(at("absent\\a.ini"), "abc", Durability::now).code(),
+              error_number::pathNotFound);
     system().makeDirectory(at("Sous"));
-    EXPECT_FALSE(files().writeWhole(at("Sous"), "abc").ok());
+    EXPECT_FALSE(files().writeWhole(at("Sous"), "abc", Durability::now).ok());
     EXPECT_THAT(system().names(directory()), ElementsAre("Sous"));
 }
 

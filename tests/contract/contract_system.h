@@ -40,6 +40,15 @@ class ContractSystem {
     /// without the privileges that would read it all the same from here on.
     virtual void makeUnreadable(const std::string& path) = 0;
 
+    /// A directory gets another name. False when the system does not let it go.
+    virtual bool rename(const std::string& from, const std::string& to) = 0;
+    /// A file ends after `size` bytes from here on. False when the system does not let it be
+    /// changed.
+    virtual bool cutShort(const std::string& path, std::uint64_t size) = 0;
+
+    /// What another process is told that takes hold of the directory, claims it and ends.
+    virtual std::uint32_t claimElsewhere(const std::string& path, TreeUse use) = 0;
+
     /// What a copy leaves behind in `directory` whose process is killed half-way.
     virtual void killCopyInto(const std::string& directory) = 0;
 
@@ -58,6 +67,8 @@ enum class Capability {
     unreadable,  // files and directories that may not be read
     small,       // a volume that can be filled
     links,       // every link is an entry of its own, also one to a directory or to nothing
+    treeLinks,   // links to directories, which makeLink() can make
+    rights,      // directories bear rights of their own
     deep,        // paths of more than 4096 bytes
 };
 

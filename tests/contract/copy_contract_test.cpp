@@ -204,6 +204,24 @@ TEST_P(CopyContract, GivesTheTimeThatASourceHadBeforeItChanged) {
     EXPECT_EQ(entry(at("copie")).times.lastWrite, oldTime);
 }
 
+TEST_P(CopyContract, LeavesTheOldFileWhenTheSourceEndsBeforeItsTime) {
+    make("grand", patternOf(severalChunks));
+    make("copie", "old", newTime);
+    bool cut = false;
+    Witness witness([&] { cut = system().cutShort(at("grand"), largestChunk / 2); });
+    const std::uint32_t code = copy(at("grand"), at("copie"), LinkRule::refuse, &witness);
+    EXPECT_THAT(system().names(directory()), ElementsAre("copie", "grand"));
+    if (!cut) {
+        // The system keeps a file as it is while it is copied.
+        EXPECT_EQ(code, 0U);
+        EXPECT_TRUE(holds(at("copie"), patternOf(severalChunks)));
+        return;
+    }
+    EXPECT_EQ(code, error_number::handleEof);
+    EXPECT_TRUE(holds(at("copie"), "old"));
+    EXPECT_EQ(entry(at("copie")).times.lastWrite, newTime);
+}
+
 TEST_P(LinkCopyContract, CopiesALinkAsALinkWithItsOwnTime) {
     make("cible", "content", oldTime);
     system().makeLink(at("lien"), "cible");
@@ -270,7 +288,9 @@ TEST_P(FullVolumeContract, CopyLeavesTheOldFileAndNothingElse) {
 
 TEST_P(FullVolumeContract, WriteWholeLeavesTheOldContentAndNothingElse) {
     make("reglages", "old", oldTime);
-    EXPECT_EQ(files().writeWhole(at("reglages"), patternOf(system().capacity() + 1)).code(),
+    EXPECT_EQ(files()
+                  .writeWhole(at("reglages"), patternOf(system().capacity() + 1), Durability::now)
+                  .code(),
               error_number::diskFull);
     EXPECT_TRUE(holds(at("reglages"), "old"));
     EXPECT_THAT(system().names(directory()), ElementsAre("reglages"));

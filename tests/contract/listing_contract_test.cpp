@@ -201,7 +201,7 @@ TEST_P(ListingContract, LookUpInAnOpenDirectorySeesEveryWriteBeforeIt) {
 
     ASSERT_TRUE(files().removeFile(at("b.txt")).ok());
     EXPECT_FALSE(opened->lookUp("b.txt", found));
-    ASSERT_TRUE(files().createDirectory(at("b.txt")).ok());
+    ASSERT_TRUE(files().createDirectory(at("b.txt"), DirectoryAccess::usual).ok());
     ASSERT_TRUE(opened->lookUp("b.txt", found));
     EXPECT_TRUE(found.isDirectory());
 }

@@ -31,6 +31,20 @@ class MemoryContractSystem final : public ContractSystem {
     }
     void makeSpecial(const std::string&) override {}
     void makeUnreadable(const std::string& path) override { disk().setUnreadable(path); }
+    bool rename(const std::string& from, const std::string& to) override {
+        disk().move(from, to);
+        return true;
+    }
+    bool cutShort(const std::string& path, std::uint64_t size) override {
+        disk().find(path)->content.resize(size);
+        return true;
+    }
+    std::uint32_t claimElsewhere(const std::string& path, TreeUse use) override {
+        MemoryFiles others(disk(), platform_.clock());
+        std::unique_ptr<HeldTree> held;
+        const Status status = others.hold(path, held);
+        return status.ok() ? held->claim(use).code() : status.code();
+    }
     void killCopyInto(const std::string& directory) override { disk().leftover(directory); }
 
     std::optional<std::string> content(const std::string& path) override {
@@ -55,7 +69,8 @@ class MemoryContractSystem final : public ContractSystem {
 ContractParam memoryContract() {
     return {"Memory",
             [](std::string&) { return std::make_unique<MemoryContractSystem>(); },
-            {Capability::unreadable, Capability::small, Capability::links, Capability::deep}};
+            {Capability::unreadable, Capability::small, Capability::links, Capability::treeLinks,
+             Capability::rights, Capability::deep}};
 }
 
 }  // namespace coffrelune

@@ -50,7 +50,7 @@ TEST_P(PathContract, ReachesFilesBeyondTheShortPathsOfOldPrograms) {
     std::string deep = directory();
     for (int level = 0; level < 8; ++level) {
         deep += "\\" + std::string(100, 'n');
-        ASSERT_EQ(files().createDirectory(deep).code(), 0U) << level;
+        ASSERT_EQ(files().createDirectory(deep, DirectoryAccess::usual).code(), 0U) << level;
     }
     make("a.txt", "abc", oldTime);
     ASSERT_EQ(copy(at("a.txt"), deep + "\\b.txt"), 0U);
@@ -66,7 +66,7 @@ TEST_P(DeepPathContract, ReachesFilesBeyondFourThousandBytes) {
     std::string deep = directory();
     for (int level = 0; level < 45; ++level) {
         deep += "\\" + std::string(100, 'n');
-        ASSERT_EQ(files().createDirectory(deep).code(), 0U) << level;
+        ASSERT_EQ(files().createDirectory(deep, DirectoryAccess::usual).code(), 0U) << level;
     }
     ASSERT_GT(deep.size(), 4096U);
     make("a.txt", "abc", oldTime);
@@ -152,12 +152,12 @@ TEST_P(DriveContract, AbsentDriveFailsEveryCall) {
     EXPECT_THAT(openCode(root + "Sous"), gone);
     EXPECT_THAT(files().lookUp(root, LinkRule::refuse, ignored).code(), gone);
     EXPECT_THAT(files().lookUp(root + "x", LinkRule::refuse, ignored).code(), gone);
-    EXPECT_THAT(files().createDirectory(root + "Sous").code(), gone);
+    EXPECT_THAT(files().createDirectory(root + "Sous", DirectoryAccess::usual).code(), gone);
     EXPECT_THAT(copy(at("a.txt"), root + "a.txt"), gone);
     EXPECT_THAT(copy(root + "a.txt", at("b.txt")), gone);
     EXPECT_THAT(files().removeFile(root + "a.txt").code(), gone);
     EXPECT_THAT(files().readWhole(root + "a.txt", 10, bytes).code(), gone);
-    EXPECT_THAT(files().writeWhole(root + "a.txt", "abc").code(), gone);
+    EXPECT_THAT(files().writeWhole(root + "a.txt", "abc", Durability::now).code(), gone);
     EXPECT_THAT(system().names(directory()), ElementsAre("a.txt"));
 }
 

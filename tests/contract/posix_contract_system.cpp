@@ -23,6 +23,7 @@ namespace fs = std::filesystem;
 
 constexpr uid_t nobody = 65534;
 constexpr int killedHalfWay = 42;
+constexpr std::uint32_t greatestExitStatus = 255;
 
 // Root reads everything; a test of what may not be read gives its privileges up for a while.
 bool canGiveUpPrivileges() {
@@ -83,9 +84,13 @@ bool PosixContractSystem::mountSmallVolume(std::string& reason) {
 }
 
 void PosixContractSystem::start() {
+    platform_ = makePlatform();
+}
+
+std::unique_ptr<PosixPlatform> PosixContractSystem::makePlatform() const {
     struct stat volume {};
     EXPECT_EQ(stat((base_ / "d").c_str(), &volume), 0);
-    platform_ = std::make_unique<PosixPlatform>(std::vector<PathRoot>{
+    return std::make_unique<PosixPlatform>(std::vector<PathRoot>{
         PathRoot::drive('C', "/"), PathRoot::drive('D', base_ / "d", volume.st_dev),
         PathRoot::drive('E', base_ / "e")});
 }
@@ -137,6 +142,32 @@ void PosixContractSystem::makeUnreadable(const std::string& path) {
     }
 }
 
+bool PosixContractSystem::rename(const std::string& from, const std::string& to) {
+    fs::rename(native(from), native(to));
+    return true;
+}
+
+bool PosixContractSystem::cutShort(const std::string& path, std::uint64_t size) {
+    fs::resize_file(native(path), size);
+    return true;
+}
+
+std::uint32_t PosixContractSystem::claimElsewhere(const std::string& path, TreeUse use) {
+    const pid_t child = fork();
+    EXPECT_GE(child, 0);
+    if (child == 0) {
+        const std::unique_ptr<PosixPlatform> platform = makePlatform();
+        std::unique_ptr<HeldTree> held;
+        const Status status = platform->files().hold(path, held);
+        const std::uint32_t code = status.ok() ? held->claim(use).code() : status.code();
+        _exit(static_cast<int>(std::min(code, greatestExitStatus)));
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status));
+    return static_cast<std::uint32_t>(WEXITSTATUS(status));
+}
+
 void PosixContractSystem::killCopyInto(const std::string& directory) {
     const std::string source = "E:\\copie-interrompue";
     makeFile(source, std::string(std::size_t{20} << 20, 'x'), 0);
@@ -178,7 +209,8 @@ ContractParam directoryContract() {
                             system->start();
                             return system;
                         },
-                        {Capability::special, Capability::links, Capability::deep}};
+                        {Capability::special, Capability::links, Capability::treeLinks,
+                         Capability::rights, Capability::deep}};
     if (canGiveUpPrivileges()) {
         param.capabilities.push_back(Capability::unreadable);
     } else {
@@ -197,7 +229,8 @@ ContractParam smallVolumeContract() {
                 system->start();
                 return system;
             },
-            {Capability::special, Capability::small, Capability::links, Capability::deep}};
+            {Capability::special, Capability::small, Capability::links, Capability::treeLinks,
+             Capability::rights, Capability::deep}};
 }
 
 }  // namespace

@@ -34,6 +34,9 @@ class PosixContractSystem final : public ContractSystem {
     void makeLink(const std::string& path, const std::string& target) override;
     void makeSpecial(const std::string& path) override;
     void makeUnreadable(const std::string& path) override;
+    bool rename(const std::string& from, const std::string& to) override;
+    bool cutShort(const std::string& path, std::uint64_t size) override;
+    std::uint32_t claimElsewhere(const std::string& path, TreeUse use) override;
     void killCopyInto(const std::string& directory) override;
     std::optional<std::string> content(const std::string& path) override;
     std::vector<std::string> names(const std::string& directory) override;
@@ -42,6 +45,8 @@ class PosixContractSystem final : public ContractSystem {
   private:
     static constexpr std::uint64_t smallVolume = std::uint64_t{64} << 20;
 
+    /// Services of a process of its own on the same directories.
+    std::unique_ptr<PosixPlatform> makePlatform() const;
     std::filesystem::path native(const std::string& path) const;
 
     std::filesystem::path base_;

@@ -13,6 +13,8 @@ namespace {
 
 constexpr std::uint32_t killedHalfWay = 42;
 constexpr const char* directoryVariable = "COFFRELUNE_TEST_KILLED_COPY";
+constexpr const char* claimVariable = "COFFRELUNE_TEST_CLAIM";
+constexpr std::uint32_t toldNothingWrong = 1000;  // the code is added: 0 and 1 end other tests
 
 class DiesAtFirstChunk final : public CopyObserver {
   public:
@@ -97,6 +99,11 @@ class Win32ContractSystem final : public ContractSystem {
     }
     void makeSpecial(const std::string&) override {}
     void makeUnreadable(const std::string&) override {}
+    bool rename(const std::string& from, const std::string& to) override {
+        return MoveFileExW(wide(from).c_str(), wide(to).c_str(), 0) != 0;
+    }
+    bool cutShort(const std::string& path, std::uint64_t size) override;
+    std::uint32_t claimElsewhere(const std::string& path, TreeUse use) override;
     void killCopyInto(const std::string& directory) override;
     std::optional<std::string> content(const std::string& path) override {
         return disk::content(path);
@@ -136,6 +143,45 @@ TEST(KilledCopy, DiesAtItsFirstChunk) {
     FAIL() << "the copy came to its end";
 }
 
+bool Win32ContractSystem::cutShort(const std::string& path, std::uint64_t size) {
+    constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    void* file = CreateFileW(wide(path).c_str(), GENERIC_WRITE, shareAll, nullptr, OPEN_EXISTING, 0,
+                             nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    LARGE_INTEGER end{};
+    end.QuadPart = static_cast<LONGLONG>(size);
+    const bool cut =
+        SetFilePointerEx(file, end, nullptr, FILE_BEGIN) != 0 && SetEndOfFile(file) != 0;
+    CloseHandle(file);
+    return cut;
+}
+
+std::uint32_t Win32ContractSystem::claimElsewhere(const std::string& path, TreeUse use) {
+    const std::uint32_t told = disk::runTestAgain("ClaimElsewhere.TellsItsCode", claimVariable,
+                                                  (use == TreeUse::write ? "w" : "r") + path)
+                                   .value_or(0);
+    EXPECT_GE(told, toldNothingWrong);
+    return told - toldNothingWrong;
+}
+
+// Not a test of its own: the other process of the tests about claims.
+TEST(ClaimElsewhere, TellsItsCode) {
+    const std::string asked = disk::environment(claimVariable);
+    if (asked.empty()) GTEST_SKIP() << "runs only as the other process of another test";
+    Win32Platform platform;
+    std::unique_ptr<HeldTree> held;
+    Status status = platform.files().hold(asked.substr(1), held);
+    if (status.ok()) status = held->claim(asked[0] == 'w' ? TreeUse::write : TreeUse::read);
+    TerminateProcess(GetCurrentProcess(), toldNothingWrong + status.code());
+}
+
+/// Windows gives links only to administrators and in its developer mode.
+bool canMakeDirectoryLinks() {
+    const disk::Temporary place;
+    disk::makeDirectory(place.at("cible"));
+    return disk::makeDirectoryLink(place.at("lien"), "cible");
+}
+
 std::unique_ptr<ContractSystem> makeSystem(std::string& reason) {
     std::unique_ptr<SubstitutedDrives> own;
     std::string letters = disk::environment("COFFRELUNE_TEST_DRIVES");
@@ -163,9 +209,7 @@ std::unique_ptr<ContractSystem> makeSmallSystem(std::string& reason) {
     return nullptr;
 }
 
-}  // namespace
-
-std::vector<ContractParam> nativeContracts() {
+std::vector<ContractParam> describeContracts() {
     ContractParam drives{"Windows", makeSystem, {}};
     if (disk::isWine()) {
         std::fprintf(stderr,
@@ -174,7 +218,22 @@ std::vector<ContractParam> nativeContracts() {
     } else {
         drives.capabilities.push_back(Capability::deep);
     }
+    if (canMakeDirectoryLinks()) {
+        drives.capabilities.push_back(Capability::treeLinks);
+    } else {
+        std::fprintf(stderr,
+                     "contract: this user may make no links, so Windows is left out of "
+                     "TreeLinkContract\n");
+    }
     return {drives, {"WindowsSmallVolume", makeSmallSystem, {Capability::small}}};
+}
+
+}  // namespace
+
+// Every suite asks, and to try whether links can be made takes a while.
+std::vector<ContractParam> nativeContracts() {
+    static const std::vector<ContractParam> all = describeContracts();
+    return all;
 }
 
 }  // namespace coffrelune

@@ -34,6 +34,29 @@ class FaultyFiles::FaultyDirectory final : public Directory {
     Status failure_;
 };
 
+class FaultyFiles::FaultyTree final : public HeldTree {
+  public:
+    FaultyTree(FaultyFiles& files, std::string root, std::unique_ptr<HeldTree> inner)
+        : files_(files), root_(std::move(root)), inner_(std::move(inner)) {}
+
+    const TreePlace& place() const override { return inner_->place(); }
+
+    Status claim(TreeUse use) override {
+        Status status = files_.enter("claim", root_);
+        return status.ok() ? inner_->claim(use) : status;
+    }
+
+    Status flush() override {
+        Status status = files_.enter("flush", root_);
+        return status.ok() ? inner_->flush() : status;
+    }
+
+  private:
+    FaultyFiles& files_;
+    std::string root_;
+    std::unique_ptr<HeldTree> inner_;
+};
+
 void FaultyFiles::failCall(std::uint64_t number, std::uint32_t code) {
     rules_.push_back({number, {}, {}, code, 1});
 }
@@ -63,6 +86,15 @@ Status FaultyFiles::enter(const char* name, const std::string& path, const std::
     return {};
 }
 
+Status FaultyFiles::hold(const std::string& root, std::unique_ptr<HeldTree>& held) {
+    Status status = enter("hold", root);
+    if (!status.ok()) return status;
+    std::unique_ptr<HeldTree> inner;
+    status = inner_.hold(root, inner);
+    if (status.ok()) held = std::make_unique<FaultyTree>(*this, root, std::move(inner));
+    return status;
+}
+
 Status FaultyFiles::openDirectory(const std::string& path, LinkRule links, Wanted wanted,
                                   std::unique_ptr<Directory>& directory) {
     Status status = enter("openDirectory", path);
@@ -83,9 +115,19 @@ Status FaultyFiles::identify(const std::string& path, FileId& id) {
     return status.ok() ? inner_.identify(path, id) : status;
 }
 
-Status FaultyFiles::createDirectory(const std::string& path) {
+Status FaultyFiles::createDirectory(const std::string& path, DirectoryAccess access) {
     Status status = enter("createDirectory", path);
-    return status.ok() ? inner_.createDirectory(path) : status;
+    return status.ok() ? inner_.createDirectory(path, access) : status;
+}
+
+Status FaultyFiles::matchDirectory(const std::string& source, const std::string& target) {
+    Status status = enter("matchDirectory", source, target);
+    return status.ok() ? inner_.matchDirectory(source, target) : status;
+}
+
+Status FaultyFiles::removeDirectory(const std::string& path) {
+    Status status = enter("removeDirectory", path);
+    return status.ok() ? inner_.removeDirectory(path) : status;
 }
 
 Status FaultyFiles::copyFile(const std::string& source, const std::string& destination,
@@ -114,14 +156,20 @@ Status FaultyFiles::removeLeftovers(const std::string& directory) {
     return status.ok() ? inner_.removeLeftovers(directory) : status;
 }
 
+Status FaultyFiles::ownFiles(const std::string& directory, std::vector<std::string>& names) {
+    Status status = enter("ownFiles", directory);
+    return status.ok() ? inner_.ownFiles(directory, names) : status;
+}
+
 Status FaultyFiles::readWhole(const std::string& path, std::uint64_t limit, std::string& bytes) {
     Status status = enter("readWhole", path);
     return status.ok() ? inner_.readWhole(path, limit, bytes) : status;
 }
 
-Status FaultyFiles::writeWhole(const std::string& path, const std::string& bytes) {
+Status FaultyFiles::writeWhole(const std::string& path, const std::string& bytes,
+                               Durability durability) {
     Status status = enter("writeWhole", path);
-    return status.ok() ? inner_.writeWhole(path, bytes) : status;
+    return status.ok() ? inner_.writeWhole(path, bytes, durability) : status;
 }
 
 }  // namespace coffrelune

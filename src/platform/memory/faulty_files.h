@@ -11,8 +11,8 @@ namespace coffrelune {
 
 /// Forwards to another file service and fails the calls that a test chooses; a failed call is not
 /// forwarded. Counts each call that can fail: every function of FileService except resolve and
-/// abandonCopies, and of an open directory "next" (the listing breaks off) and "find" (lookUp tells
-/// that there is no such entry).
+/// abandonCopies, of an open directory "next" (the listing breaks off) and "find" (lookUp tells
+/// that there is no such entry), and of a held tree "claim" and "flush".
 class FaultyFiles final : public FileService {
   public:
     static constexpr int always = -1;
@@ -24,8 +24,9 @@ class FaultyFiles final : public FileService {
     void failCall(std::uint64_t number, std::uint32_t code);
 
     /// Fails calls by name ("copyFile", "next") and path, exactly as the caller spells it; an empty
-    /// name or path means any. Of copyFile either path counts; of "next" that of the directory, of
-    /// "find" that of the entry. `times`: how many of them, the first ones.
+    /// name or path means any. Of copyFile and matchDirectory either path counts; of "next" that of
+    /// the directory, of "find" that of the entry, of "claim" and "flush" that of the hold.
+    /// `times`: how many of them, the first ones.
     void fail(const std::string& name, const std::string& path, std::uint32_t code,
               int times = always);
 
@@ -37,12 +38,15 @@ class FaultyFiles final : public FileService {
     const std::vector<std::string>& calls() const { return calls_; }
     std::uint64_t failureCount() const { return failureCount_; }
 
+    Status hold(const std::string& root, std::unique_ptr<HeldTree>& held) override;
     Status openDirectory(const std::string& path, LinkRule links, Wanted wanted,
                          std::unique_ptr<Directory>& directory) override;
     Status lookUp(const std::string& path, LinkRule links, FileEntry& entry) override;
     Status identify(const std::string& path, FileId& id) override;
     std::string resolve(const std::string& path) override { return inner_.resolve(path); }
-    Status createDirectory(const std::string& path) override;
+    Status createDirectory(const std::string& path, DirectoryAccess access) override;
+    Status matchDirectory(const std::string& source, const std::string& target) override;
+    Status removeDirectory(const std::string& path) override;
     Status copyFile(const std::string& source, const std::string& destination, LinkRule sourceLinks,
                     CopyObserver* observer) override;
     void abandonCopies() override { inner_.abandonCopies(); }
@@ -50,11 +54,14 @@ class FaultyFiles final : public FileService {
     Status setTimes(const std::string& path, const FileTimes& times) override;
     Status removeFile(const std::string& path) override;
     Status removeLeftovers(const std::string& directory) override;
+    Status ownFiles(const std::string& directory, std::vector<std::string>& names) override;
     Status readWhole(const std::string& path, std::uint64_t limit, std::string& bytes) override;
-    Status writeWhole(const std::string& path, const std::string& bytes) override;
+    Status writeWhole(const std::string& path, const std::string& bytes,
+                      Durability durability) override;
 
   private:
     class FaultyDirectory;
+    class FaultyTree;
 
     struct Rule {
         std::uint64_t number;  // 0: by name and path

@@ -11,6 +11,7 @@ struct MemoryFiles::Copy {
     MemoryNode::Pointer source;
     MemoryPlace destination;
     std::string temporaryName;
+    std::uint64_t size = 0;  // when it was opened
     std::uint32_t attributes = 0;
     FileTimes times;  // as they were before the reading
 };
@@ -57,13 +58,14 @@ Status MemoryFiles::nextChunk(const Copy& copy, MemoryNode& temporary, std::uint
 Status MemoryFiles::transfer(const Copy& copy, MemoryNode& temporary, CopyObserver* observer) {
     do {
         const std::uint64_t done = temporary.size();
-        const std::uint64_t left = std::max(copy.source->size(), done) - done;
+        const std::uint64_t left = std::max(copy.source->readableSize(), done) - done;
         Status status = nextChunk(copy, temporary, std::min(left, chunkSize_));
         if (!status.ok()) return status;
         if (copyHook) copyHook({copy.from, copy.to, temporary.size(), copy.source->size()});
         if (observer != nullptr) observer->chunkFinished(temporary.size());
         if (abandoned_) return Status::failure(error_number::requestAborted, copy.from);
-    } while (temporary.size() < copy.source->size());
+    } while (temporary.size() < copy.source->readableSize());
+    if (temporary.size() < copy.size) return Status::failure(error_number::handleEof, copy.from);
     return {};
 }
 
@@ -87,7 +89,7 @@ Status MemoryFiles::copyFile(const std::string& source, const std::string& desti
                              LinkRule sourceLinks, CopyObserver* observer) {
     record("copyFile", source, destination);
     if (abandoned_) return Status::failure(error_number::requestAborted, source);
-    Copy copy{source, destination, nullptr, {}, disk_.newTemporaryName(), 0, {}};
+    Copy copy{source, destination, nullptr, {}, disk_.newTemporaryName(), 0, 0, {}};
     MemoryPlace from;
     Status status = existing(source, sourceLinks, from);
     if (status.ok()) status = prepareDestination(destination, LinkRule::refuse, copy.destination);
@@ -97,6 +99,7 @@ Status MemoryFiles::copyFile(const std::string& source, const std::string& desti
     if (copy.source == copy.destination.node) {
         return Status::failure(error_number::sharingViolation, destination);
     }
+    copy.size = copy.source->size();
     copy.attributes = copy.source->attributes;
     copy.times = copy.source->times;
 

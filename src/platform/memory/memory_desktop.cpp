@@ -79,12 +79,6 @@ Status MemoryRegistry::setText(Root root, const std::string& key, const std::str
     return set(root, key, name, data);
 }
 
-Status MemoryRegistry::setNumber(Root root, const std::string& key, const std::string& name,
-                                 std::uint32_t data) {
-    record("setNumber", root, key, name + ' ' + std::to_string(data));
-    return set(root, key, name, "dword:" + std::to_string(data));
-}
-
 Status MemoryRegistry::deleteValue(Root root, const std::string& key, const std::string& name) {
     record("deleteValue", root, key, name);
     const auto values = values_.find({root, key});

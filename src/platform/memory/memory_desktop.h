@@ -67,17 +67,15 @@ class MemoryDriveInformation final : public DriveInformation {
 class MemoryRegistry final : public RegistryService {
   public:
     void addKey(Root root, const std::string& key) { values_[{root, key}]; }
-    /// A text as it is, a number in decimal after "dword:"; empty when there is no such value.
+    /// Empty when there is no such value.
     std::string value(Root root, const std::string& key, const std::string& name) const;
 
-    /// Every call, refused ones included: "setText HKCU\Key name data", "setNumber HKLM\Key name
-    /// 5", "deleteValue HKCU\Key name".
+    /// Every call, refused ones included: "setText HKCU\Key name data", "deleteValue HKCU\Key
+    /// name".
     const std::vector<std::string>& calls() const { return calls_; }
 
     Status setText(Root root, const std::string& key, const std::string& name,
                    const std::string& data) override;
-    Status setNumber(Root root, const std::string& key, const std::string& name,
-                     std::uint32_t data) override;
     Status deleteValue(Root root, const std::string& key, const std::string& name) override;
 
   private:

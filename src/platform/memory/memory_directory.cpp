@@ -1,5 +1,7 @@
 #include "platform/memory/memory_directory.h"
 
+#include "platform/own_names.h"
+
 namespace coffrelune {
 
 MemoryDirectory::MemoryDirectory(const MemoryDisk& disk, const MemoryPlace& place, std::string path,
@@ -17,7 +19,8 @@ MemoryDirectory::MemoryDirectory(const MemoryDisk& disk, const MemoryPlace& plac
 }
 
 bool MemoryDirectory::gives(const MemoryNode& node) const {
-    if (wanted_ == Wanted::nothing || MemoryDisk::isTemporary(node.name())) return false;
+    if (wanted_ == Wanted::nothing) return false;
+    if (!node.isDirectory() && ownFileKind(node.name())) return false;
     if (wanted_ != Wanted::everything && node.isDirectory() != (wanted_ == Wanted::directories)) {
         return false;
     }

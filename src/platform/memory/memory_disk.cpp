@@ -1,14 +1,16 @@
 #include "platform/memory/memory_disk.h"
 
+#include <algorithm>
 #include <cassert>
 #include <deque>
 
+#include "platform/memory/memory_hold.h"
 #include "platform/memory/memory_path.h"
+#include "platform/own_names.h"
 
 namespace coffrelune {
 namespace {
 
-const char* const temporaryPrefix = "~coffrelune-";
 constexpr int mostLinks = 40;
 
 std::string textOf(const MemoryVolume& volume, const std::vector<MemoryNode::Pointer>& trail) {
@@ -44,7 +46,19 @@ class MemoryWalk {
     Status run(const std::map<std::string, MemoryVolume>& volumes, const std::string& path,
                LinkRule links) {
         path_ = path;
-        Status status = start(volumes, splitMemoryPath(path));
+        return go(volumes, start(volumes, splitMemoryPath(path)), links);
+    }
+
+    /// The same from a held directory.
+    Status runFrom(const MemoryHold& hold, const std::map<std::string, MemoryVolume>& volumes,
+                   const std::string& path, LinkRule links) {
+        path_ = path;
+        hold_ = &hold;
+        return go(volumes, startFrom(hold), links);
+    }
+
+  private:
+    Status go(const std::map<std::string, MemoryVolume>& volumes, Status status, LinkRule links) {
         while (status.ok() && !rest_.empty() && !done_) {
             const std::string name = rest_.front();
             rest_.pop_front();
@@ -54,7 +68,23 @@ class MemoryWalk {
         return status;
     }
 
-  private:
+    Status startFrom(const MemoryHold& hold) {
+        const std::vector<std::string> below = belowHold(hold, path_);
+        rest_.insert(rest_.begin(), below.begin(), below.end());
+        guarded_ = rest_.size();
+        place_.volume = hold.volume;
+        place_.resolved = path_;
+        if (!hold.volume->present) return fail(error_number::pathNotFound);
+        for (MemoryNode::Pointer node = hold.node; node != nullptr; node = node->parent()) {
+            trail_.insert(trail_.begin(), node);
+        }
+        const bool removed = trail_.front() != hold.volume->top;
+        if (removed) trail_.clear();
+        top_ = trail_.size();
+        if (removed) return fail(error_number::pathNotFound);
+        return hold.volume->ready ? Status() : fail(error_number::notReady);
+    }
+
     Status start(const std::map<std::string, MemoryVolume>& volumes, const MemoryPath& path) {
         const auto found = volumes.find(foldCase(path.root));
         rest_.insert(rest_.begin(), path.components.begin(), path.components.end());
@@ -73,14 +103,22 @@ class MemoryWalk {
 
     Status enter(const std::map<std::string, MemoryVolume>& volumes, const std::string& name,
                  LinkRule links) {
+        // What a link's text put before the path's own components is the system's affair.
+        const bool own = rest_.size() < guarded_;
+        guarded_ = std::min(guarded_, rest_.size());
         if (name == ".") return {};
         if (name == "..") {
-            if (trail_.size() > 1) trail_.pop_back();
+            if (trail_.size() > (own ? top_ : 1)) trail_.pop_back();
             return {};
         }
         const MemoryNode::Pointer child = trail_.back()->find(disk_.key(*place_.volume, name));
         if (child == nullptr) return miss(name);
         if (child->isLink() && (!rest_.empty() || links == LinkRule::follow)) {
+            if (own && !rest_.empty() && hold_->entered.count(child) == 0) {
+                rest_.push_front(name);
+                return fail(error_number::cannotResolveName);
+            }
+            if (rest_.empty() && place_.link == nullptr) place_.link = child;
             return follow(volumes, *child);
         }
         if (!rest_.empty() && !child->isDirectory()) {
@@ -133,13 +171,19 @@ class MemoryWalk {
     std::string path_;
     std::vector<MemoryNode::Pointer> trail_;
     std::deque<std::string> rest_;
+    const MemoryHold* hold_ = nullptr;
+    std::size_t top_ = 1;      // how many of the trail ".." cannot leave
+    std::size_t guarded_ = 0;  // how many of the rest, from its end, may be no links on the way
     int links_ = 0;
     bool done_ = false;
 };
 
-Status MemoryDisk::locate(const std::string& path, LinkRule links, MemoryPlace& place) const {
+Status MemoryDisk::locate(const std::string& path, LinkRule links, MemoryPlace& place,
+                          const MemoryHold* hold) const {
     place = {};
-    return MemoryWalk(*this, place).run(volumes_, path, links);
+    MemoryWalk walk(*this, place);
+    return hold == nullptr ? walk.run(volumes_, path, links)
+                           : walk.runFrom(*hold, volumes_, path, links);
 }
 
 std::string MemoryDisk::key(const MemoryVolume& volume, const std::string& name) const {
@@ -153,6 +197,7 @@ MemoryVolume& MemoryDisk::volume(const std::string& path) {
     MemoryVolume& volume = entry->second;
     if (added) {
         volume.root = root;
+        volume.identity = "memory:" + root;
         volume.top = newNode(volume, "", attribute::directory);
     }
     return volume;
@@ -220,6 +265,18 @@ void MemoryDisk::remove(const std::string& path) {
     place.parent->remove(key(*place.volume, place.name));
 }
 
+void MemoryDisk::move(const std::string& from, const std::string& to) {
+    MemoryPlace source;
+    MemoryPlace target;
+    const bool found =
+        locate(from, LinkRule::refuse, source).ok() && locate(to, LinkRule::refuse, target).ok();
+    assert(found && source.node && source.parent && !target.node);
+    assert(source.volume == target.volume);
+    if (!found) return;
+    source.parent->remove(key(*source.volume, source.name));
+    target.parent->adopt(key(*target.volume, target.name), target.name, source.node);
+}
+
 void MemoryDisk::setUnreadable(const std::string& path, bool unreadable) {
     MemoryNode* node = find(path);
     assert(node != nullptr);
@@ -230,6 +287,28 @@ void MemoryDisk::setInUse(const std::string& path, bool inUse) {
     MemoryNode* node = find(path);
     assert(node != nullptr);
     node->readError = node->writeError = inUse ? error_number::sharingViolation : 0;
+}
+
+void MemoryDisk::setTruncatedAt(const std::string& path, std::uint64_t bytes) {
+    MemoryNode* node = find(path);
+    assert(node != nullptr);
+    node->endsAt = bytes;
+}
+
+void MemoryDisk::setMountPoint(const std::string& path, bool mountPoint) {
+    MemoryNode* node = find(path);
+    assert(node != nullptr);
+    node->mountPoint = mountPoint;
+}
+
+void MemoryDisk::setUsedByAnother(const std::string& path, std::optional<TreeUse> use) {
+    MemoryNode* node = find(path);
+    assert(node != nullptr);
+    auto& claims = node->claims;
+    claims.erase(std::remove_if(claims.begin(), claims.end(),
+                                [](const TreeClaim& claim) { return claim.process == nullptr; }),
+                 claims.end());
+    if (use) claims.push_back({nullptr, nullptr, *use});
 }
 
 const MemoryNode* MemoryDisk::find(const std::string& path) const {
@@ -275,12 +354,8 @@ std::vector<std::string> MemoryDisk::driveRoots() const {
     return roots;
 }
 
-bool MemoryDisk::isTemporary(const std::string& name) {
-    return name.rfind(temporaryPrefix, 0) == 0;
-}
-
 std::string MemoryDisk::newTemporaryName() {
-    return temporaryPrefix + std::to_string(++lastTemporary_);
+    return ownFileName(OwnFile::temporary, ++lastTemporary_);
 }
 
 }  // namespace coffrelune

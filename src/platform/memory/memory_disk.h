@@ -18,7 +18,10 @@ struct MemoryPlace {
     MemoryNode::Pointer node;    // null when nothing bears the last name
     std::string name;            // last component, as asked for
     std::string resolved;        // the whole path, links resolved, in the disk's own spelling
+    MemoryNode::Pointer link;    // the last component when it is a link that was followed
 };
+
+struct MemoryHold;
 
 /// A disk with drives and shares, held in memory, and the hand of the user on it: tests prepare and
 /// inspect it with these functions, which ask no permission and record nothing. The program works
@@ -56,10 +59,19 @@ class MemoryDisk {
     /// Removes a file, a link or a whole directory; nothing when there is none.
     void remove(const std::string& path);
 
+    /// Gives a file, a link or a whole directory another path of its volume, where nothing is.
+    void move(const std::string& from, const std::string& to);
+
     /// Reading or listing it fails with 5; `false` allows it again. The path must exist.
     void setUnreadable(const std::string& path, bool unreadable = true);
     /// Reading, replacing and removing it fail with 32.
     void setInUse(const std::string& path, bool inUse = true);
+    /// Reading it ends after `bytes`, whatever size it tells.
+    void setTruncatedAt(const std::string& path, std::uint64_t bytes);
+    /// A directory that shows another volume, in listings and look-ups.
+    void setMountPoint(const std::string& path, bool mountPoint = true);
+    /// Another process works on the directory; nothing: the one that did has ended.
+    void setUsedByAnother(const std::string& path, std::optional<TreeUse> use);
 
     // ---- inspecting (absent and unplugged paths are told alike; links are not followed) ------
     bool exists(const std::string& path) const { return find(path) != nullptr; }
@@ -77,8 +89,10 @@ class MemoryDisk {
     // ---- for MemoryFiles ---------------------------------------------------------------------
     /// Walks to `path`. Succeeds with a null node when only the last name is missing; 3 when a
     /// level above it or the drive is, 21 for a drive that is not ready, 1921 for links in a
-    /// circle.
-    Status locate(const std::string& path, LinkRule links, MemoryPlace& place) const;
+    /// circle. With a hold that the path is at or below, from the held directory: 1921 for a link
+    /// below it on the way.
+    Status locate(const std::string& path, LinkRule links, MemoryPlace& place,
+                  const MemoryHold* hold = nullptr) const;
 
     /// Under which a directory indexes a name.
     std::string key(const MemoryVolume& volume, const std::string& name) const;
@@ -86,8 +100,6 @@ class MemoryDisk {
     MemoryNode::Pointer newNode(const MemoryVolume& volume, const std::string& name,
                                 std::uint32_t attributes);
 
-    /// Temporaries of a copy, known by their name.
-    static bool isTemporary(const std::string& name);
     std::string newTemporaryName();
 
   private:

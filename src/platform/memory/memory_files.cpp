@@ -9,9 +9,9 @@ namespace {
 
 constexpr std::size_t longestName = 255;  // bytes
 
-const char* const writingCalls[] = {"createDirectory", "copyFile",   "setAttributes",
-                                    "setTimes",        "removeFile", "removeLeftovers",
-                                    "writeWhole"};
+const char* const writingCalls[] = {"createDirectory", "matchDirectory",  "removeDirectory",
+                                    "copyFile",        "setAttributes",   "setTimes",
+                                    "removeFile",      "removeLeftovers", "writeWhole"};
 
 std::string nameOf(const std::string& call) {
     return call.substr(0, call.find(' '));
@@ -47,9 +47,14 @@ void MemoryFiles::setCopyCost(std::int64_t millisecondsPerFile, std::uint64_t by
     unpaidBytes_ = 0;
 }
 
+// From the innermost hold that holds the path.
+Status MemoryFiles::locate(const std::string& path, LinkRule links, MemoryPlace& place) const {
+    return disk_.locate(path, links, place, holds_.holding(path));
+}
+
 // Something that bears the path.
 Status MemoryFiles::existing(const std::string& path, LinkRule links, MemoryPlace& place) const {
-    Status status = disk_.locate(path, links, place);
+    Status status = locate(path, links, place);
     if (status.ok() && !place.node) status = Status::failure(error_number::fileNotFound, path);
     return status;
 }
@@ -66,7 +71,7 @@ Status MemoryFiles::changeable(const std::string& path, LinkRule links, MemoryPl
 // A name that a file may be written under, taken by another file or not.
 Status MemoryFiles::prepareDestination(const std::string& path, LinkRule links,
                                        MemoryPlace& place) const {
-    Status status = disk_.locate(path, links, place);
+    Status status = locate(path, links, place);
     if (!status.ok()) return status;
     if (place.volume->writeProtected) return Status::failure(error_number::writeProtect, path);
     if (place.node && (place.node->isDirectory() || place.node->isReadOnly())) {
@@ -84,12 +89,15 @@ Status MemoryFiles::openDirectory(const std::string& path, LinkRule links, Wante
                                   std::unique_ptr<Directory>& directory) {
     record("openDirectory", path);
     MemoryPlace place;
-    Status status = disk_.locate(path, links, place);
+    Status status = locate(path, links, place);
     if (!status.ok()) return status;
     if (!place.node) return Status::failure(error_number::pathNotFound, path);
     if (!place.node->isDirectory()) return Status::failure(error_number::notADirectory, path);
     if (wanted != Wanted::nothing && place.node->readError != 0) {
         return Status::failure(place.node->readError, path);
+    }
+    if (MemoryHold* hold = place.link == nullptr ? nullptr : holds_.holding(path)) {
+        hold->entered.insert(place.link);
     }
     directory = std::make_unique<MemoryDirectory>(disk_, place, path, wanted, calls_);
     return {};
@@ -114,22 +122,8 @@ Status MemoryFiles::identify(const std::string& path, FileId& id) {
 std::string MemoryFiles::resolve(const std::string& path) {
     record("resolve", path);
     MemoryPlace place;
-    const Status status = disk_.locate(path, LinkRule::follow, place);
+    const Status status = locate(path, LinkRule::follow, place);
     return status.code() == error_number::cannotResolveName ? path : place.resolved;
-}
-
-Status MemoryFiles::createDirectory(const std::string& path) {
-    record("createDirectory", path);
-    MemoryPlace place;
-    Status status = disk_.locate(path, LinkRule::refuse, place);
-    if (!status.ok()) return status;
-    if (place.node) return Status::failure(error_number::alreadyExists, path);
-    status = prepareDestination(path, LinkRule::refuse, place);
-    if (!status.ok()) return status;
-    auto node = disk_.newNode(*place.volume, place.name, attribute::directory);
-    node->times = {clock_.fileTime(), clock_.fileTime(), clock_.fileTime()};
-    place.parent->add(disk_.key(*place.volume, place.name), std::move(node));
-    return {};
 }
 
 Status MemoryFiles::setAttributes(const std::string& path, std::uint32_t attributes) {
@@ -163,24 +157,6 @@ Status MemoryFiles::removeFile(const std::string& path) {
     return status;
 }
 
-Status MemoryFiles::removeLeftovers(const std::string& directory) {
-    record("removeLeftovers", directory);
-    MemoryPlace place;
-    Status status = disk_.locate(directory, LinkRule::follow, place);
-    if (!status.ok()) return status;
-    if (!place.node) return Status::failure(error_number::pathNotFound, directory);
-    const auto children = place.node->children();
-    for (const auto& child : children) {
-        const std::string& name = child->name();
-        if (!MemoryDisk::isTemporary(name) || running_.count(name) != 0) continue;
-        if (place.volume->writeProtected) {
-            return Status::failure(error_number::writeProtect, directory);
-        }
-        place.node->remove(disk_.key(*place.volume, name));
-    }
-    return {};
-}
-
 Status MemoryFiles::readWhole(const std::string& path, std::uint64_t limit, std::string& bytes) {
     record("readWhole", path);
     MemoryPlace place;
@@ -190,14 +166,19 @@ Status MemoryFiles::readWhole(const std::string& path, std::uint64_t limit, std:
     if (place.node->readError != 0) return Status::failure(place.node->readError, path);
     if (place.node->size() > limit) return Status::failure(error_number::fileTooLarge, path);
     bytes = place.node->content + std::string(place.node->hole, '\0');
+    bytes.resize(place.node->readableSize());
     return {};
 }
 
-Status MemoryFiles::writeWhole(const std::string& path, const std::string& bytes) {
-    record("writeWhole", path);
+Status MemoryFiles::writeWhole(const std::string& path, const std::string& bytes,
+                               Durability durability) {
+    record("writeWhole", path, durability == Durability::now ? "" : "nextFlush");
     MemoryPlace place;
     Status status = prepareDestination(path, LinkRule::follow, place);
     if (!status.ok()) return status;
+    if (leavesHold(path, place)) {
+        return Status::failure(error_number::cannotResolveName, path);
+    }
     MemoryVolume& volume = *place.volume;
     // The old content keeps its room until the new one stands complete.
     if (volume.capacity && volume.usedBytes() + bytes.size() > *volume.capacity) {

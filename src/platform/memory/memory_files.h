@@ -11,6 +11,7 @@
 #include "platform/file_service.h"
 #include "platform/memory/memory_clock.h"
 #include "platform/memory/memory_disk.h"
+#include "platform/memory/memory_hold.h"
 
 namespace coffrelune {
 
@@ -32,6 +33,8 @@ class MemoryFiles final : public FileService {
     /// Every call, in order: its name and its paths as given, with one blank between
     /// ("copyFile C:\a F:\b", "openDirectory C:\Docs", "setAttributes F:\b 128"). A look-up in an
     /// open directory is "find C:\Docs\a.txt"; the single entries of a listing are not recorded.
+    /// A held tree gives "claim C:\Docs" and "flush C:\Docs"; a file written to be safe with the
+    /// next flush is "writeWhole C:\a nextFlush".
     const std::vector<std::string>& calls() const { return calls_; }
     /// The calls of one name ("copyFile"), and those that change the disk.
     std::vector<std::string> calls(const std::string& name) const;
@@ -49,12 +52,15 @@ class MemoryFiles final : public FileService {
     void setCopyCost(std::int64_t millisecondsPerFile, std::uint64_t bytesPerMillisecond);
 
     // ---- FileService -------------------------------------------------------------------------
+    Status hold(const std::string& root, std::unique_ptr<HeldTree>& held) override;
     Status openDirectory(const std::string& path, LinkRule links, Wanted wanted,
                          std::unique_ptr<Directory>& directory) override;
     Status lookUp(const std::string& path, LinkRule links, FileEntry& entry) override;
     Status identify(const std::string& path, FileId& id) override;
     std::string resolve(const std::string& path) override;
-    Status createDirectory(const std::string& path) override;
+    Status createDirectory(const std::string& path, DirectoryAccess access) override;
+    Status matchDirectory(const std::string& source, const std::string& target) override;
+    Status removeDirectory(const std::string& path) override;
     Status copyFile(const std::string& source, const std::string& destination, LinkRule sourceLinks,
                     CopyObserver* observer) override;
     void abandonCopies() override { abandoned_ = true; }
@@ -62,13 +68,18 @@ class MemoryFiles final : public FileService {
     Status setTimes(const std::string& path, const FileTimes& times) override;
     Status removeFile(const std::string& path) override;
     Status removeLeftovers(const std::string& directory) override;
+    Status ownFiles(const std::string& directory, std::vector<std::string>& names) override;
     Status readWhole(const std::string& path, std::uint64_t limit, std::string& bytes) override;
-    Status writeWhole(const std::string& path, const std::string& bytes) override;
+    Status writeWhole(const std::string& path, const std::string& bytes,
+                      Durability durability) override;
 
   private:
     struct Copy;
 
     void record(const char* name, const std::string& path, const std::string& more = {});
+    Status locate(const std::string& path, LinkRule links, MemoryPlace& place) const;
+    bool leavesHold(const std::string& path, const MemoryPlace& place) const;
+    Status existingDirectory(const std::string& path, LinkRule links, MemoryPlace& place) const;
     Status existing(const std::string& path, LinkRule links, MemoryPlace& place) const;
     Status changeable(const std::string& path, LinkRule links, MemoryPlace& place) const;
     Status prepareDestination(const std::string& path, LinkRule links, MemoryPlace& place) const;
@@ -81,6 +92,7 @@ class MemoryFiles final : public FileService {
     MemoryDisk& disk_;
     MemoryClock& clock_;
     std::vector<std::string> calls_;
+    MemoryHolds holds_;
     std::unordered_set<std::string> running_;  // temporaries of copies in progress
     std::atomic<bool> abandoned_ = false;
     std::uint64_t chunkSize_ = std::uint64_t{16} << 20;

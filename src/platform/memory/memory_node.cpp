@@ -24,6 +24,7 @@ FileEntry MemoryNode::entry() const {
     entry.size = isDirectory() ? 0 : size();
     entry.times = times;
     entry.id = id;
+    entry.mountPoint = mountPoint;
     return entry;
 }
 
@@ -33,6 +34,7 @@ MemoryNode::Pointer MemoryNode::find(const std::string& key) const {
 }
 
 void MemoryNode::add(const std::string& key, Pointer child) {
+    child->parent_ = weak_from_this();
     children_.push_back(child);
     index_.emplace(key, std::move(child));
 }
@@ -43,7 +45,13 @@ void MemoryNode::remove(const std::string& key) {
     // From the end, where the temporaries are.
     const auto place = std::find(children_.rbegin(), children_.rend(), found->second);
     children_.erase(std::next(place).base());
+    found->second->parent_.reset();
     index_.erase(found);
+}
+
+void MemoryNode::adopt(const std::string& key, const std::string& name, Pointer child) {
+    child->name_ = name;
+    add(key, std::move(child));
 }
 
 void MemoryNode::rename(const std::string& childKey, const std::string& key,
@@ -58,6 +66,8 @@ void MemoryNode::rename(const std::string& childKey, const std::string& key,
         return;
     }
     remove(childKey);
+    replaced->parent_.reset();
+    child->parent_ = weak_from_this();
     *std::find(children_.begin(), children_.end(), replaced) = child;
     index_[key] = child;
 }

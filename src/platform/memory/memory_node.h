@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -8,12 +9,20 @@
 #include <vector>
 
 #include "platform/file_entry.h"
+#include "platform/held_tree.h"
 
 namespace coffrelune {
 
+/// A process that uses a tree.
+struct TreeClaim {
+    const void* process;  // null for a process that exists only in a test
+    const void* hold;
+    TreeUse use;
+};
+
 /// A file, a directory or a link of the in-memory disk. A test may change the public fields at any
 /// time; names and children change through the functions.
-class MemoryNode {
+class MemoryNode : public std::enable_shared_from_this<MemoryNode> {
   public:
     MemoryNode(std::string name, std::uint32_t attributeWord, FileId identity)
         : attributes(attributeWord), id(identity), name_(std::move(name)) {}
@@ -21,18 +30,28 @@ class MemoryNode {
     std::uint32_t attributes;  // with attribute::directory or attribute::link for what it is
     FileTimes times;
     FileId id;
-    std::string content;           // a file's bytes, a link's target
-    std::uint64_t hole = 0;        // zero bytes after `content`, for files too large to hold
-    bool nameAlone = false;        // a listing cannot tell more of it than its name and kind
-    std::uint32_t readError = 0;   // what opening, reading or listing it fails with; 0 succeeds
-    std::uint32_t writeError = 0;  // what replacing, changing or removing it fails with; for a
-                                   // directory also what making or removing something in it does
+    std::string content;                  // a file's bytes, a link's target
+    std::uint64_t hole = 0;               // zero bytes after `content`, for files too large to hold
+    std::optional<std::uint64_t> endsAt;  // reading ends here, before the size that is told
+    bool nameAlone = false;               // a listing cannot tell more of it than its name and kind
+    std::uint32_t readError = 0;     // what opening, reading or listing it fails with; 0 succeeds
+    std::uint32_t writeError = 0;    // what replacing, changing or removing it fails with; for a
+                                     // directory also what making or removing something in it does
+    std::uint32_t mode = usualMode;  // a directory's rights
+    std::string owner;               // a directory's
+    bool mountPoint = false;         // a directory that shows another volume
+    std::vector<TreeClaim> claims;   // of a directory
+
+    static constexpr std::uint32_t usualMode = 0755;
+    static constexpr std::uint32_t ownerOnlyMode = 0700;
 
     const std::string& name() const { return name_; }
     bool isDirectory() const { return (attributes & attribute::directory) != 0; }
     bool isLink() const { return (attributes & attribute::link) != 0; }
     bool isReadOnly() const { return (attributes & attribute::readOnly) != 0; }
     std::uint64_t size() const { return content.size() + hole; }
+    /// How many bytes reading gives.
+    std::uint64_t readableSize() const { return std::min(size(), endsAt.value_or(size())); }
 
     /// What a listing tells of it.
     FileEntry entry() const;
@@ -45,12 +64,17 @@ class MemoryNode {
     Pointer find(const std::string& key) const;
     void add(const std::string& key, Pointer child);
     void remove(const std::string& key);
+    /// Adds what has left another directory, under a name that may be new.
+    void adopt(const std::string& key, const std::string& name, Pointer child);
+    /// The directory that it is in; null at the top of a volume and for what has been removed.
+    Pointer parent() const { return parent_.lock(); }
     /// `child` leaves its own name and takes over `key`, `name` and, when something bears that name
     /// already, its place in the order.
     void rename(const std::string& childKey, const std::string& key, const std::string& name);
 
   private:
     std::string name_;
+    std::weak_ptr<MemoryNode> parent_;
     std::vector<Pointer> children_;  // in the order in which the system lists them
     std::unordered_map<std::string, Pointer> index_;
 };
@@ -63,6 +87,8 @@ struct MemoryVolume {
     bool writeProtected = false;            // 19 for every writing call
     bool foldsCase = false;                 // names without their case; before its first file
     bool holdsLinks = true;                 // false: as FAT
+    bool holdsRights = true;                // of directories; false: as FAT
+    std::string identity;                   // stable text, "" when the system tells none
     std::optional<std::uint64_t> capacity;  // bytes of all its files; 112 beyond
     MemoryNode::Pointer top;
 

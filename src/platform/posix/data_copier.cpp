@@ -1,10 +1,13 @@
 #include "platform/posix/data_copier.h"
 
 #include <sys/sendfile.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+
+#include "platform/posix/whole_file.h"
 
 namespace coffrelune {
 namespace {
@@ -16,17 +19,6 @@ constexpr std::uint64_t chunkSize = 4U << 20;
 
 off_t toOffset(std::uint64_t position) {
     return static_cast<off_t>(position);
-}
-
-int writeAll(int fd, const char* bytes, std::size_t size) {
-    while (size > 0) {
-        const ssize_t written = write(fd, bytes, size);
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return errno;
-        bytes += written;
-        size -= static_cast<std::size_t>(written);
-    }
-    return 0;
 }
 
 }  // namespace
@@ -46,6 +38,7 @@ int DataCopier::copy(int source, const struct stat& information, int destination
     int error = sparse ? copySparse() : copyUpTo(size_);
     // Files that a file system makes up while they are read say that they hold nothing.
     if (error == 0 && size_ == 0) error = copyUpTo(UINT64_MAX);
+    if (error == 0 && position_ < size_) error = ENODATA;
     if (error == 0 && position_ == 0) error = report();
     return error;
 }
@@ -69,6 +62,10 @@ int DataCopier::copySparse() {
         if (error != 0) return error;
         if (position_ < end) return 0;  // the source has been cut off meanwhile
     }
+    // A file that was cut off looks as if a hole followed.
+    struct stat now {};
+    if (fstat(source_, &now) != 0) return errno;
+    if (static_cast<std::uint64_t>(now.st_size) < size_) return ENODATA;
     if (ftruncate(destination_, toOffset(size_)) != 0) return errno;
     position_ = size_;
     return report();

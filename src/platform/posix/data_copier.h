@@ -19,7 +19,8 @@ class DataCopier {
 
     /// Both files stand at their start. What the source held beyond `information.st_size` came
     /// after the copy began and is left to the next run. Holes are kept. `observer` may be null.
-    /// 0 or an errno value; ECANCELED when abandoned.
+    /// 0 or an errno value: ECANCELED when abandoned, ENODATA when the source ends before that
+    /// size.
     int copy(int source, const struct stat& information, int destination, CopyObserver* observer);
 
   private:

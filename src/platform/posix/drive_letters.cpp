@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "platform/posix/octal.h"
 #include "platform/posix/whole_file.h"
 
 namespace coffrelune {
@@ -13,40 +14,11 @@ constexpr std::string_view section = "[Lecteurs]";
 constexpr std::string_view introduction =
     "; Lettres de lecteur attribuées aux volumes. Une lettre ne change jamais de volume.\n";
 
-/// A mount point may hold any byte; those that would break a line apart are written as "\ooo".
-std::string escaped(std::string_view identity) {
-    std::string text;
-    for (const char c : identity) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte > 0x20 && c != '\\') {
-            text += c;
-            continue;
-        }
-        text += '\\';
-        for (int shift = 6; shift >= 0; shift -= 3) {
-            text += static_cast<char>('0' + ((byte >> shift) & 7));
-        }
-    }
-    return text;
-}
-
+/// A text that holds a byte which is always written escaped was not written by the program.
 bool unescape(std::string_view text, std::string& identity) {
-    identity.clear();
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        if (byte <= 0x20) return false;
-        if (text[i] != '\\') {
-            identity += text[i];
-            continue;
-        }
-        int value = 0;
-        for (int digit = 0; digit < 3; ++digit) {
-            if (++i >= text.size() || text[i] < '0' || text[i] > '7') return false;
-            value = value * 8 + (text[i] - '0');
-        }
-        identity += static_cast<char>(value);
-    }
-    return true;
+    const bool plain = std::all_of(text.begin(), text.end(),
+                                   [](char c) { return static_cast<unsigned char>(c) > 0x20; });
+    return plain && unescapeOctal(text, identity);
 }
 
 bool isIdentity(std::string_view text) {
@@ -88,7 +60,7 @@ std::map<std::string, char> DriveLetters::assign(const std::vector<std::string>&
     }
     if (added) {
         // A letter that cannot be remembered still serves this run.
-        [[maybe_unused]] const int error = writeWholeFile(file_, text());
+        [[maybe_unused]] const int error = writeWholeFile(file_, text(), Durability::now);
     }
     return letters;
 }
@@ -138,7 +110,7 @@ std::string DriveLetters::text() const {
     std::string text(introduction);
     text.append(section) += '\n';
     for (const auto& [letter, identity] : volumes_) {
-        text.append(1, letter).append("=").append(escaped(identity)) += '\n';
+        text.append(1, letter).append("=").append(escapeOctal(identity)) += '\n';
     }
     return text;
 }

@@ -27,9 +27,6 @@ class DriveLetters {
     /// Every letter with the identity of its volume, present or not.
     const std::map<char, std::string>& remembered() const { return volumes_; }
 
-    /// The file of the last `assign` cannot be trusted or cannot be read.
-    bool damaged() const { return damaged_; }
-
   private:
     using Volumes = std::map<char, std::string>;  // by letter; "" for one whose volume is in doubt
 
@@ -40,7 +37,7 @@ class DriveLetters {
 
     std::string file_;
     Volumes volumes_;
-    bool damaged_ = false;
+    bool damaged_ = false;  // the file cannot be trusted or cannot be read
 };
 
 }  // namespace coffrelune

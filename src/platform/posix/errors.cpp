@@ -46,6 +46,7 @@ constexpr ErrorPair pairs[] = {
     {ENOMEM, notEnoughMemory},
     {EFBIG, fileTooLarge},
     {EEXIST, alreadyExists},
+    {ENODATA, handleEof},
     {ENOTDIR, notADirectory},
     {ENOTEMPTY, directoryNotEmpty},
     {ELOOP, cannotResolveName},

@@ -6,9 +6,8 @@
 #include <cerrno>
 
 #include "platform/posix/errors.h"
-#include "platform/posix/file_times.h"
 #include "platform/posix/native_path.h"
-#include "platform/posix/temporary_file.h"
+#include "platform/posix/rights.h"
 
 namespace coffrelune {
 namespace {
@@ -31,7 +30,8 @@ bool isSame(const struct statx& a, const struct statx& b) {
 /// A copy replaces files and links, never anything else, and no read-only file.
 Status checkDestination(const Holder& holder, const Place& place, const struct statx& source) {
     struct statx old {};
-    const int error = statEntry(holder.directory.get(), holder.name.c_str(), false, old);
+    const int error =
+        changeIn(holder, [&] { return statEntry(holder.directory, holder.entry(), false, old); });
     if (error == ENOENT) return {};
     if (error != 0) return systemFailure(error, place.core);
     if (isSame(old, source)) return refuse(error_number::sharingViolation, place);
@@ -40,25 +40,21 @@ Status checkDestination(const Holder& holder, const Place& place, const struct s
     return writable ? Status() : refuse(error_number::accessDenied, place);
 }
 
-/// Volumes without Unix permissions refuse most modes, yet may hold the read-only mark.
-int keepMode(int fd, mode_t mode) {
-    if (fchmod(fd, mode & 0777) == 0) return 0;
-    if (errno != EPERM && errno != EOPNOTSUPP) return errno;
-    struct stat now {};
-    if ((mode & S_IWUSR) != 0 || fstat(fd, &now) != 0) return 0;
-    constexpr mode_t anyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
-    [[maybe_unused]] const int ignored = fchmod(fd, now.st_mode & 0777 & ~anyWrite);
-    return 0;
-}
-
-/// Makes a link under a temporary name and moves it over `name`. 0 or an errno value.
+/// Makes a link under a temporary name and moves it over the name of the holder. 0 or an errno
+/// value.
 int placeLink(const std::string& text, const Holder& holder, const struct statx& link) {
-    const int directory = holder.directory.get();
+    const int directory = holder.directory;
     const std::string temporary = makeTemporaryName();
-    if (symlinkat(text.c_str(), directory, temporary.c_str()) != 0) return errno;
-    int error = stamp({directory, temporary.c_str()}, toTimespec(link.stx_atime),
-                      toTimespec(link.stx_mtime));
-    if (error == 0 && renameat(directory, temporary.c_str(), directory, holder.name.c_str()) != 0) {
+    int error = changeIn(holder, [&] {
+        return symlinkat(text.c_str(), directory, temporary.c_str()) == 0 ? 0 : errno;
+    });
+    if (error != 0) return error;
+    error = giveAway(directory, temporary.c_str(), {link.stx_uid, link.stx_gid});
+    if (error == 0) {
+        error = stamp({directory, temporary.c_str()}, toTimespec(link.stx_atime),
+                      toTimespec(link.stx_mtime), timeStepAt(directory));
+    }
+    if (error == 0 && renameat(directory, temporary.c_str(), directory, holder.entry()) != 0) {
         error = errno;
     }
     if (error != 0) unlinkat(directory, temporary.c_str(), 0);
@@ -66,6 +62,15 @@ int placeLink(const std::string& text, const Holder& holder, const struct statx&
 }
 
 }  // namespace
+
+/// One copy. `from` finds the source, `to` is open and holds the destination.
+struct PosixFileCopier::Job {
+    const Place& source;
+    const Place& destination;
+    const Reach& from;
+    const Holder& to;
+    CopyObserver* observer;
+};
 
 Status PosixFileCopier::copy(const Place& source, const Place& destination, LinkRule sourceLinks,
                              CopyObserver* observer) {
@@ -75,7 +80,9 @@ Status PosixFileCopier::copy(const Place& source, const Place& destination, Link
     // Looked at before it is opened: to open a device may already do something to it.
     struct statx information {};
     const bool follow = sourceLinks == LinkRule::follow;
-    const int error = statPath(source.native, follow, information);
+    const Reach from(source);
+    const int error =
+        from.error() != 0 ? from.error() : statEntry(from.fd(), from.name(), follow, information);
     if (error != 0) return failureAt(error, source);
     Status status = checkVolume(source, deviceOf(information));
     if (!status.ok()) return status;
@@ -84,61 +91,70 @@ Status PosixFileCopier::copy(const Place& source, const Place& destination, Link
     if (!isLink && !S_ISREG(information.stx_mode)) {
         return refuse(error_number::notSupported, source);
     }
-    Holder holder;
-    status = openHolder(destination, holder);
-    if (status.ok()) status = checkDestination(holder, destination, information);
+    Holder to;
+    status = openHolder(destination, to);
+    if (status.ok()) status = checkDestination(to, destination, information);
     if (!status.ok()) return status;
-    if (isLink) return copyLink(source, information, holder, destination, observer);
-    return copyContent(source, holder, destination, nullptr, follow ? 0 : O_NOFOLLOW, observer);
+    const Job job{source, destination, from, to, observer};
+    return isLink ? copyLink(job, information) : copyContent(job, nullptr, follow);
 }
 
 /// `writeTime`: null for the source's own.
-Status PosixFileCopier::copyContent(const Place& source, const Holder& holder,
-                                    const Place& destination, const timespec* writeTime,
-                                    int openFlags, CopyObserver* observer) {
+Status PosixFileCopier::copyContent(const Job& job, const timespec* writeTime, bool follow) {
     UniqueFd input;
-    int error = openPath(source.native, O_RDONLY | O_NONBLOCK | O_NOCTTY | openFlags, input);
-    if (error != 0) return failureAt(error, source);
+    const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | (follow ? 0 : O_NOFOLLOW);
+    int error = openEntry(job.from.fd(), job.from.name(), flags, input);
+    if (error != 0) return failureAt(error, job.source);
     // Taken before the reading: a source that changes meanwhile keeps a later time than its copy
     // and is copied again by the next run.
     struct stat before {};
-    if (fstat(input.get(), &before) != 0) return systemFailure(errno, source.core);
-    if (!S_ISREG(before.st_mode)) return refuse(error_number::notSupported, source);
+    if (fstat(input.get(), &before) != 0) return systemFailure(errno, job.source.core);
+    if (!S_ISREG(before.st_mode)) return refuse(error_number::notSupported, job.source);
 
     TemporaryFile output;
-    error = output.create(holder.directory.get(), 0600);
-    if (error == 0) error = data_.copy(input.get(), before, output.fd(), observer);
-    if (error == 0) error = keepMode(output.fd(), before.st_mode);
+    error = changeIn(job.to, [&] { return output.create(job.to.directory, 0600); });
     if (error == 0) {
-        timespec unchanged{};
-        unchanged.tv_nsec = UTIME_OMIT;
-        error = stamp({output.fd()}, unchanged, writeTime != nullptr ? *writeTime : before.st_mtim);
+        error = fill(output, input.get(), before,
+                     writeTime != nullptr ? *writeTime : before.st_mtim, job.observer);
     }
-    if (error == 0) error = output.commit(holder.name.c_str());
-    return error == 0 ? Status() : systemFailure(error, destination.core);
+    if (error == 0) error = output.commit(job.to.entry());
+    return error == 0 ? Status() : systemFailure(error, job.destination.core);
 }
 
-Status PosixFileCopier::copyLink(const Place& source, const struct statx& link,
-                                 const Holder& holder, const Place& destination,
-                                 CopyObserver* observer) {
+/// Bytes, owner, mode and time, in this order: each of the later ones bars one before.
+int PosixFileCopier::fill(TemporaryFile& output, int input, const struct stat& before,
+                          const timespec& writeTime, CopyObserver* observer) {
+    int error = data_.copy(input, before, output.fd(), observer);
+    if (error == 0 && ownerOf(before) != ownerOf(output.information())) {
+        error = giveAway(output.fd(), "", ownerOf(before));
+    }
+    if (error == 0) error = keepMode(output.fd(), before.st_mode);
+    if (error != 0) return error;
+    timespec unchanged{};
+    unchanged.tv_nsec = UTIME_OMIT;
+    const std::int64_t step = steps_.at(output.fd(), output.information().st_dev);
+    return stamp({output.fd()}, unchanged, writeTime, step);
+}
+
+Status PosixFileCopier::copyLink(const Job& job, const struct statx& link) {
     std::string text;
-    const ShortPath reach(source.native);
-    int error = reach.error() != 0 ? reach.error() : readLink(reach.fd(), reach.path(), text);
-    if (error != 0) return failureAt(error, source);
+    int error = readLink(job.from.fd(), job.from.name(), text);
+    if (error != 0) return failureAt(error, job.source);
     // Another process that clears leftovers may take the temporary link away: there is no lock on
     // links. A second attempt is then enough.
-    error = placeLink(text, holder, link);
-    if (error == ENOENT || error == EEXIST) error = placeLink(text, holder, link);
+    error = placeLink(text, job.to, link);
+    if (error == ENOENT || error == EEXIST) error = placeLink(text, job.to, link);
     if (error == EPERM || error == EOPNOTSUPP || error == ENOSYS) {
         struct statx target {};
-        if (statPath(source.native, true, target) != 0 || !S_ISREG(target.stx_mode)) {
-            return refuse(error_number::notSupported, source);
+        if (statEntry(job.from.fd(), job.from.name(), true, target) != 0 ||
+            !S_ISREG(target.stx_mode)) {
+            return refuse(error_number::notSupported, job.source);
         }
         const timespec time = toTimespec(link.stx_mtime);
-        return copyContent(source, holder, destination, &time, 0, observer);
+        return copyContent(job, &time, true);
     }
-    if (error != 0) return systemFailure(error, destination.core);
-    if (observer != nullptr) observer->chunkFinished(text.size());
+    if (error != 0) return systemFailure(error, job.destination.core);
+    if (job.observer != nullptr) job.observer->chunkFinished(text.size());
     return {};
 }
 

@@ -5,7 +5,9 @@
 
 #include "platform/file_service.h"
 #include "platform/posix/data_copier.h"
+#include "platform/posix/file_times.h"
 #include "platform/posix/place.h"
+#include "platform/posix/temporary_file.h"
 
 namespace coffrelune {
 
@@ -19,14 +21,17 @@ class PosixFileCopier {
     void abandon() { abandoned_.store(true, std::memory_order_relaxed); }
 
   private:
-    Status copyContent(const Place& source, const Holder& holder, const Place& destination,
-                       const timespec* writeTime, int openFlags, CopyObserver* observer);
-    Status copyLink(const Place& source, const struct statx& link, const Holder& holder,
-                    const Place& destination, CopyObserver* observer);
+    struct Job;
+
+    Status copyContent(const Job& job, const timespec* writeTime, bool follow);
+    int fill(TemporaryFile& output, int input, const struct stat& before, const timespec& writeTime,
+             CopyObserver* observer);
+    Status copyLink(const Job& job, const struct statx& link);
 
     static_assert(std::atomic<bool>::is_always_lock_free);
     std::atomic<bool> abandoned_ = false;
     DataCopier data_{abandoned_};
+    TimeSteps steps_;
 };
 
 }  // namespace coffrelune

@@ -75,6 +75,10 @@ std::int64_t timeGranularity(std::int64_t fileSystemType) {
     return 1;
 }
 
+bool tellsMountPoints(const struct statx& information) {
+    return (information.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0;
+}
+
 bool fillEntry(const struct statx& information, std::string name, FileEntry& entry) {
     const auto mode = information.stx_mode;
     if (!S_ISREG(mode) && !S_ISDIR(mode) && !S_ISLNK(mode)) return false;
@@ -94,25 +98,34 @@ bool fillEntry(const struct statx& information, std::string name, FileEntry& ent
                                : std::min({entry.times.lastAccess, entry.times.lastWrite,
                                            fileTimeOf(information.stx_ctime)});
     entry.id = {deviceOf(information), information.stx_ino};
+    entry.mountPoint = S_ISDIR(mode) && (information.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
     entry.unreadable = false;
     entry.name = std::move(name);
     return true;
 }
 
-int stamp(const StampTarget& target, timespec access, timespec write) {
-    if (write.tv_nsec == UTIME_OMIT) return setOnce(target, access, write);
+std::int64_t timeStepAt(int fd) {
     struct statfs volume {};
-    const std::int64_t known =
-        fstatfs(target.fd, &volume) == 0 ? timeGranularity(volume.f_type) : 1;
-    const timespec wanted = known > 1 ? roundUp(write, known) : write;
+    return fstatfs(fd, &volume) == 0 ? timeGranularity(volume.f_type) : 1;
+}
+
+std::int64_t TimeSteps::at(int fd, dev_t device) {
+    if (step_ == 0 || device != device_) step_ = timeStepAt(fd);
+    device_ = device;
+    return step_;
+}
+
+int stamp(const StampTarget& target, timespec access, timespec write, std::int64_t step) {
+    if (write.tv_nsec == UTIME_OMIT) return setOnce(target, access, write);
+    const timespec wanted = step > 1 ? roundUp(write, step) : write;
     int error = setOnce(target, access, wanted);
     // Network and user-space file systems do not say what they keep: what they kept is looked at,
     // and the stamp is moved up to the next step that they hold.
     constexpr std::int64_t steps[] = {1'000, 10'000'000, nanosecondsPerSecond,
                                       2 * nanosecondsPerSecond};
-    for (const std::int64_t step : steps) {
+    for (const std::int64_t tried : steps) {
         if (error != 0 || keptTime(target, write)) break;
-        error = setOnce(target, access, roundUp(write, step));
+        error = setOnce(target, access, roundUp(write, tried));
     }
     return error;
 }

@@ -23,9 +23,27 @@ timespec roundUp(timespec time, std::int64_t granularity);
 /// What a file system of this type (statfs f_type) keeps of a modification time, in nanoseconds.
 std::int64_t timeGranularity(std::int64_t fileSystemType);
 
+/// Whether the system said if a mount begins there; older ones leave it to the device number.
+bool tellsMountPoints(const struct statx& information);
+
 /// The times and the rest of an entry, all but its name. False for what is neither a file nor a
 /// directory nor a link: such things do not exist for the core.
 bool fillEntry(const struct statx& information, std::string name, FileEntry& entry);
+
+/// What the volumes of one copy keep of a modification time.
+class TimeSteps {
+  public:
+    /// In nanoseconds. `fd`: open on the volume `device`, which is asked once in a row: numbers of
+    /// volumes that are gone are given again, but what stamp() finds kept corrects that.
+    std::int64_t at(int fd, dev_t device);
+
+  private:
+    dev_t device_ = 0;
+    std::int64_t step_ = 0;  // 0: not asked yet
+};
+
+/// The same for an open file or directory of any volume.
+std::int64_t timeStepAt(int fd);
 
 /// Whose times are set: an open file (`name` null), or an entry of an open directory, never what a
 /// link points to.
@@ -34,8 +52,9 @@ struct StampTarget {
     const char* name = nullptr;
 };
 
-/// Sets access and modification time, the latter rounded up to what the volume keeps: a copy that
-/// seemed older than its source would be made again at every run. 0 or an errno value.
-int stamp(const StampTarget& target, timespec access, timespec write);
+/// Sets access and modification time, the latter rounded up to `step` nanoseconds or to what the
+/// volume is seen to keep: a copy that seemed older than its source would be made again at every
+/// run. 0 or an errno value.
+int stamp(const StampTarget& target, timespec access, timespec write, std::int64_t step);
 
 }  // namespace coffrelune

@@ -12,6 +12,7 @@
 
 #include "platform/posix/names.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/octal.h"
 
 namespace coffrelune {
 namespace {
@@ -20,7 +21,20 @@ constexpr std::array<std::string_view, 21> pseudoTypes = {
     "proc",    "sysfs",    "devtmpfs", "devpts",    "cgroup",  "cgroup2",    "securityfs",
     "debugfs", "tracefs",  "configfs", "pstore",    "bpf",     "mqueue",     "hugetlbfs",
     "autofs",  "efivarfs", "nsfs",     "selinuxfs", "fusectl", "rpc_pipefs", "binfmt_misc"};
-constexpr std::array<std::string_view, 4> networkTypes = {"cifs", "smb3", "nfs", "nfs4"};
+
+/// Those that no network share is named after get a letter, as a disk does.
+struct NetworkType {
+    std::string_view name;
+    bool isShare;
+};
+constexpr std::array<NetworkType, 7> networkTypes = {{{"cifs", true},
+                                                      {"smb3", true},
+                                                      {"nfs", true},
+                                                      {"nfs4", true},
+                                                      {"fuse.sshfs", false},
+                                                      {"fuse.rclone", false},
+                                                      {"davfs", false}}};
+
 constexpr std::array<std::string_view, 3> pluggedRoots = {"/media", "/run/media", "/mnt"};
 constexpr std::array<std::string_view, 9> systemRoots = {"/efi",  "/usr", "/var", "/tmp", "/home",
                                                          "/proc", "/sys", "/dev", "/run"};
@@ -36,31 +50,13 @@ bool isWithinOneOf(const List& roots, std::string_view path) {
                        [&](std::string_view root) { return isWithin(path, root); });
 }
 
-bool isOctal(char c) {
-    return c >= '0' && c <= '7';
-}
-
-/// "\040" and its like stand for bytes that would break the line apart.
-std::string unescaped(std::string_view text) {
-    std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\\' && i + 3 < text.size() && isOctal(text[i + 1]) &&
-            isOctal(text[i + 2]) && isOctal(text[i + 3])) {
-            const int value =
-                (text[i + 1] - '0') * 64 + (text[i + 2] - '0') * 8 + (text[i + 3] - '0');
-            result += static_cast<char>(value);
-            i += 3;
-        } else {
-            result += text[i];
-        }
-    }
-    return result;
-}
-
 std::vector<std::string> fieldsOf(const std::string& line) {
     std::istringstream words(line);
     std::vector<std::string> fields;
-    for (std::string word; words >> word;) fields.push_back(unescaped(word));
+    for (std::string word; words >> word;) {
+        // A backslash that is none of the table's own stands for itself.
+        (void)unescapeOctal(word, fields.emplace_back());
+    }
     return fields;
 }
 
@@ -75,16 +71,28 @@ bool parseDevice(const std::string& text, dev_t& device) {
     return true;
 }
 
+std::string optionOf(const std::string& options, std::string_view name) {
+    for (std::size_t start = 0; start < options.size();) {
+        const std::size_t end = std::min(options.find(',', start), options.size());
+        const std::string_view option(options.data() + start, end - start);
+        if (option.starts_with(name)) return std::string(option.substr(name.size()));
+        start = end + 1;
+    }
+    return {};
+}
+
 bool parseMount(const std::string& line, Mount& mount) {
     // id parent major:minor root point options [optional fields] - type source options
     const std::vector<std::string> fields = fieldsOf(line);
     const auto dash = std::find(fields.begin() + std::min<std::ptrdiff_t>(std::ssize(fields), 6),
                                 fields.end(), "-");
     if (fields.end() - dash < 3 || !parseDevice(fields[2], mount.device)) return false;
+    std::from_chars(fields[0].data(), fields[0].data() + fields[0].size(), mount.id);
     mount.root = fields[3];
     mount.point = fields[4];
     mount.type = dash[1];
     mount.source = dash[2];
+    if (fields.end() - dash > 3) mount.subvolume = optionOf(dash[3], "subvol=");
     return mount.point.starts_with('/');
 }
 
@@ -95,9 +103,39 @@ bool isPseudo(const Mount& mount) {
             isWithin(mount.point, "/sys"));
 }
 
-bool isNetwork(const Mount& mount) {
-    return contains(networkTypes, mount.type);
+const NetworkType* networkTypeOf(std::string_view name) {
+    const auto* const found =
+        std::find_if(networkTypes.begin(), networkTypes.end(),
+                     [&](const NetworkType& type) { return type.name == name; });
+    return found == networkTypes.end() ? nullptr : found;
 }
+
+bool isShare(const Mount& mount) {
+    const NetworkType* type = networkTypeOf(mount.type);
+    return type != nullptr && type->isShare;
+}
+
+std::string identityOf(const Mount& mount, const std::map<std::string, std::string>& uuids) {
+    const std::string uuid = uuidOf(mount, uuids);
+    if (uuid.empty()) return "path:" + mount.point;
+    // Subvolumes of one disk hold different files: each is a volume of its own.
+    return "uuid:" + uuid + (mount.root == "/" ? "" : mount.root);
+}
+
+std::string shareName(const Mount& mount) {
+    const auto [server, path] = shareSourceOf(mount);
+    if (server.empty()) return {};
+    // What a bind mount shows of it.
+    const bool inside = mount.root != "/" && !path.ends_with(mount.root);
+    std::vector<std::string> components = splitNative(inside ? path + mount.root : path);
+    // A server's whole tree bears no share name: the mount point lends it one.
+    if (components.empty()) components.push_back(splitNative(mount.point).back());
+    std::string name = "\\\\" + toCoreName(server);
+    for (const std::string& component : components) name += "\\" + toCoreName(component);
+    return name;
+}
+
+}  // namespace
 
 const Mount* mountOf(const std::vector<Mount>& mounts, std::string_view path) {
     const Mount* best = nullptr;
@@ -110,36 +148,26 @@ const Mount* mountOf(const std::vector<Mount>& mounts, std::string_view path) {
     return best;
 }
 
-std::string identityOf(const Mount& mount, const std::map<std::string, std::string>& uuids) {
-    const auto uuid = uuids.find(canonicalPath(mount.source));
-    if (!mount.source.starts_with('/') || uuid == uuids.end()) return "path:" + mount.point;
-    // Subvolumes of one disk hold different files: each is a volume of its own.
-    return "uuid:" + uuid->second + (mount.root == "/" ? "" : mount.root);
+bool isNetworkType(std::string_view type) {
+    return networkTypeOf(type) != nullptr;
 }
 
-/// "//server/share" or "server:/path", plus what a bind mount shows of it.
-std::string shareName(const Mount& mount) {
-    std::string server;
-    std::string path;
+/// "//server/share" or "server:/path".
+ShareSource shareSourceOf(const Mount& mount) {
     if (mount.source.starts_with("//")) {
         const std::size_t slash = std::min(mount.source.find('/', 2), mount.source.size());
-        server = mount.source.substr(2, slash - 2);
-        path = mount.source.substr(slash);
-    } else if (const std::size_t cut = mount.source.find(":/"); cut != std::string::npos) {
-        server = mount.source.substr(0, cut);
-        path = mount.source.substr(cut + 1);
+        return {mount.source.substr(2, slash - 2), mount.source.substr(slash)};
     }
-    if (server.empty()) return {};
-    if (mount.root != "/" && !path.ends_with(mount.root)) path += mount.root;
-    std::vector<std::string> components = splitNative(path);
-    // A server's whole tree bears no share name: the mount point lends it one.
-    if (components.empty()) components.push_back(splitNative(mount.point).back());
-    std::string name = "\\\\" + toCoreName(server);
-    for (const std::string& component : components) name += "\\" + toCoreName(component);
-    return name;
+    const std::size_t cut = mount.source.find(":/");
+    if (cut == std::string::npos) return {};
+    return {mount.source.substr(0, cut), mount.source.substr(cut + 1)};
 }
 
-}  // namespace
+std::string uuidOf(const Mount& mount, const std::map<std::string, std::string>& uuids) {
+    if (!mount.source.starts_with('/')) return {};
+    const auto uuid = uuids.find(canonicalPath(mount.source));
+    return uuid == uuids.end() ? std::string() : uuid->second;
+}
 
 std::vector<Mount> parseMounts(const std::string& mountInfo) {
     std::vector<Mount> mounts;
@@ -206,7 +234,7 @@ std::vector<Volume> volumesOf(const std::vector<Mount>& mounts,
     for (const Mount& mount : mounts) {
         const bool wanted =
             isWithinOneOf(pluggedRoots, mount.point) || fstabPoints.contains(mount.point);
-        if (!wanted || isPseudo(mount) || isNetwork(mount)) continue;
+        if (!wanted || isPseudo(mount) || isShare(mount)) continue;
         if (system != nullptr && mount.device == system->device) continue;
         std::string identity = identityOf(mount, uuids);
         if (seen.insert(identity).second) volumes.push_back({std::move(identity), mount.point});
@@ -218,7 +246,7 @@ std::vector<Share> sharesOf(const std::vector<Mount>& mounts) {
     std::vector<Share> shares;
     std::set<std::string> seen;
     for (const Mount& mount : mounts) {
-        if (!isNetwork(mount)) continue;
+        if (!isShare(mount)) continue;
         std::string name = shareName(mount);
         if (!name.empty() && seen.insert(name).second) {
             shares.push_back({std::move(name), mount.point});

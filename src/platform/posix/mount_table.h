@@ -2,9 +2,11 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace coffrelune {
@@ -18,11 +20,13 @@ struct MountSources {
 
 /// One line of the mount table.
 struct Mount {
+    std::uint64_t id = 0;
     dev_t device = 0;
     std::string root;    // what of the file system is mounted: "/", a subvolume, a bound directory
     std::string point;   // where
     std::string type;    // "ext4"
     std::string source;  // "/dev/sdb1", "//server/share"
+    std::string subvolume;  // that the root belongs to: "/@home"; empty where there is none
 };
 
 /// A mounted volume that deserves a drive letter.
@@ -50,6 +54,24 @@ std::map<std::string, std::string> parseFstabIdentities(const std::string& fstab
 
 /// UUIDs by device path, from the links of a directory such as /dev/disk/by-uuid.
 std::map<std::string, std::string> readUuids(const std::string& directory);
+
+/// The UUID of the device that is mounted; empty when it has none.
+std::string uuidOf(const Mount& mount, const std::map<std::string, std::string>& uuids);
+
+/// Whether a file system of this type lies on another computer.
+bool isNetworkType(std::string_view type);
+
+/// A share by its server and the path there, whatever is mounted of it. Both are empty for what is
+/// no share.
+struct ShareSource {
+    std::string server;
+    std::string path;  // begins with a slash, or is empty
+};
+
+ShareSource shareSourceOf(const Mount& mount);
+
+/// The mount that shows a link-free path; null when none does.
+const Mount* mountOf(const std::vector<Mount>& mounts, std::string_view path);
 
 /// What a person plugs in or mounts: mount points under /media, /run/media and /mnt, and those of
 /// `fstabPoints`; no pseudo file systems, no network shares, no part of the system disk itself. A

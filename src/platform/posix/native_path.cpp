@@ -41,14 +41,17 @@ ShortPath::ShortPath(const std::string& path) : path_(path.c_str()) {
     path_ = start == path.size() && start > 0 ? "." : path.c_str() + start;
 }
 
-int openPath(const std::string& path, int flags, UniqueFd& fd) {
-    const ShortPath reach(path);
-    if (reach.error() != 0) return reach.error();
+int openEntry(int directory, const char* name, int flags, UniqueFd& fd) {
     for (;;) {
-        fd.reset(openat(reach.fd(), reach.path(), flags | O_CLOEXEC));
+        fd.reset(openat(directory, name, flags | O_CLOEXEC));
         if (fd.valid()) return 0;
         if (errno != EINTR) return errno;
     }
+}
+
+int openPath(const std::string& path, int flags, UniqueFd& fd) {
+    const ShortPath reach(path);
+    return reach.error() != 0 ? reach.error() : openEntry(reach.fd(), reach.path(), flags, fd);
 }
 
 int statEntry(int directory, const char* name, bool follow, struct statx& information) {

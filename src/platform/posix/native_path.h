@@ -27,6 +27,10 @@ class ShortPath {
     int error_ = 0;
 };
 
+/// Opens an entry of `directory`; O_CLOEXEC is added. Returns 0 and the descriptor, or an errno
+/// value.
+int openEntry(int directory, const char* name, int flags, UniqueFd& fd);
+
 /// Opens any path; O_CLOEXEC is added. Returns 0 and the descriptor, or an errno value.
 int openPath(const std::string& path, int flags, UniqueFd& fd);
 

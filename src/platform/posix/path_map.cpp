@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/ascii.h"
 #include "platform/core_path.h"
 #include "platform/posix/names.h"
 #include "platform/posix/native_path.h"
@@ -11,10 +12,6 @@ namespace {
 
 char upper(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
-bool isLetter(char c) {
-    return upper(c) >= 'A' && upper(c) <= 'Z';
 }
 
 bool equalButCase(std::string_view a, std::string_view b) {
@@ -62,7 +59,7 @@ std::string Place::name() const {
 
 bool hasCoreForm(std::string_view text) {
     if (text.starts_with("\\\\")) return text.size() > 2 && text[2] != '\\';
-    return text.size() >= 2 && isLetter(text[0]) && text[1] == ':' &&
+    return text.size() >= 2 && ascii::isLetter(text[0]) && text[1] == ':' &&
            (text.size() == 2 || text[2] == '\\');
 }
 

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,6 +12,8 @@
 #include "platform/status.h"
 
 namespace coffrelune {
+
+struct Hold;
 
 /// A root of the core's paths and the native directory that it stands for.
 struct PathRoot {
@@ -31,6 +34,7 @@ struct Place {
     std::string native;  // absolute; the native directory itself for a root
     std::string root;    // native directory of its drive or share
     std::optional<dev_t> device;
+    std::shared_ptr<const Hold> hold;  // that it is reached from; none: by its path
 
     bool isRoot() const { return native == root; }
     /// Last component in the core's form; empty for a root.

@@ -4,11 +4,11 @@
 
 #include <cerrno>
 
+#include "platform/own_names.h"
 #include "platform/posix/errors.h"
 #include "platform/posix/file_times.h"
 #include "platform/posix/names.h"
 #include "platform/posix/native_path.h"
-#include "platform/posix/temporary_file.h"
 
 namespace coffrelune {
 namespace {
@@ -24,13 +24,15 @@ bool isAbsence(int error) {
 
 }  // namespace
 
-PosixDirectory::PosixDirectory(UniqueFd fd, Place place, Wanted wanted, const DriveTable& drives,
-                               int& openCount)
-    : place_(std::move(place)), wanted_(wanted), drives_(drives), openCount_(openCount) {
+PosixDirectory::PosixDirectory(UniqueFd fd, dev_t device, Place place, Wanted wanted,
+                               const DriveTable& drives, int& openCount)
+    : place_(std::move(place)),
+      wanted_(wanted),
+      drives_(drives),
+      openCount_(openCount),
+      device_(device) {
     ++openCount_;
     fd_ = fd.get();
-    struct stat information {};
-    if (fstat(fd_, &information) == 0) device_ = information.st_dev;
     if (wanted_ == Wanted::nothing) {
         path_ = std::move(fd);
     } else {
@@ -111,16 +113,26 @@ bool PosixDirectory::describe(const dirent& found, FileEntry& entry) const {
         const mode_t kind = found.d_type == DT_UNKNOWN ? S_IFREG : DTTOIF(found.d_type);
         information.stx_mode = static_cast<std::uint16_t>(kind | S_IWUSR);
     }
-    if (!fillEntry(information, toCoreName(found.d_name), entry)) return false;
+    if (!fill(information, toCoreName(found.d_name), entry)) return false;
     if (error != 0) {
+        entry.mountPoint = false;
         entry.times = {};
         entry.id = {};
         entry.unreadable = true;
     }
     if (wanted_ == Wanted::files && entry.isDirectory()) return false;
     if (wanted_ == Wanted::directories && !entry.isDirectory()) return false;
-    if (!entry.isDirectory() && isTemporaryName(found.d_name)) return false;
+    if (!entry.isDirectory() && ownFileKind(found.d_name).has_value()) return false;
     return !isPseudoMount(entry);
+}
+
+bool PosixDirectory::fill(const struct statx& information, std::string name,
+                          FileEntry& entry) const {
+    if (!fillEntry(information, std::move(name), entry)) return false;
+    if (entry.isDirectory() && !tellsMountPoints(information)) {
+        entry.mountPoint = entry.id.volume != device_;
+    }
+    return true;
 }
 
 bool PosixDirectory::isPseudoMount(const FileEntry& entry) const {
@@ -133,7 +145,7 @@ bool PosixDirectory::lookUp(const std::string& name, FileEntry& entry) {
     }
     UniqueFd again;
     if (!isOpen()) {
-        const int error = openPath(place_.native, O_PATH | O_DIRECTORY, again);
+        const int error = openPlace(place_, O_PATH | O_DIRECTORY, again);
         if (error != 0) {
             status_ = failureAt(error, place_);
             return false;
@@ -146,7 +158,7 @@ bool PosixDirectory::lookUp(const std::string& name, FileEntry& entry) {
         if (!isAbsence(error)) status_ = systemFailure(error, place_.core);
         return false;
     }
-    return fillEntry(information, name, entry);
+    return fill(information, name, entry);
 }
 
 }  // namespace coffrelune

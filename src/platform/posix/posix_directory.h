@@ -17,9 +17,10 @@ namespace coffrelune {
 /// nothing is remembered and nothing can be out of date.
 class PosixDirectory final : public Directory {
   public:
-    /// `fd`: of the directory; with Wanted::nothing it may be an O_PATH descriptor. `openCount` is
-    /// shared by all directories of one file service and, with `drives`, must outlive this object.
-    PosixDirectory(UniqueFd fd, Place place, Wanted wanted, const DriveTable& drives,
+    /// `fd`: of the directory, which lies on `device`; with Wanted::nothing it may be an O_PATH
+    /// descriptor. `openCount` is shared by all directories of one file service and, with `drives`,
+    /// must outlive this object.
+    PosixDirectory(UniqueFd fd, dev_t device, Place place, Wanted wanted, const DriveTable& drives,
                    int& openCount);
     PosixDirectory(const PosixDirectory&) = delete;
     PosixDirectory& operator=(const PosixDirectory&) = delete;
@@ -38,6 +39,7 @@ class PosixDirectory final : public Directory {
     bool read(FileEntry& entry);
     bool wantsKind(unsigned char kind) const;
     bool describe(const dirent& found, FileEntry& entry) const;
+    bool fill(const struct statx& information, std::string name, FileEntry& entry) const;
     bool isPseudoMount(const FileEntry& entry) const;
     void readAheadAndClose();
     void close();
@@ -49,7 +51,7 @@ class PosixDirectory final : public Directory {
     std::unique_ptr<DIR, CloseListing> listing_;
     UniqueFd path_;  // instead of a listing when only look-ups are wanted
     int fd_ = -1;    // of whichever of the two is open
-    dev_t device_ = 0;
+    dev_t device_;
     std::deque<FileEntry> ahead_;
     Status status_;
 };

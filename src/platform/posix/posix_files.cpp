@@ -9,38 +9,44 @@
 #include "platform/posix/errors.h"
 #include "platform/posix/file_times.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/own_files.h"
 #include "platform/posix/posix_directory.h"
-#include "platform/posix/temporary_file.h"
+#include "platform/posix/posix_held_tree.h"
+#include "platform/posix/rights.h"
+#include "platform/posix/tree_place.h"
 #include "platform/posix/whole_file.h"
 
 namespace coffrelune {
-namespace {
-
-constexpr mode_t anyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
 
 /// An entry that is about to be changed, with its holder open.
-struct Target {
+struct PosixFiles::Target {
+    Place place;
     Holder holder;
     struct stat information {};
 
-    int directory() const { return holder.directory.get(); }
-    const char* name() const { return holder.name.c_str(); }
+    int directory() const { return holder.directory; }
+    const char* name() const { return holder.entry(); }
+    bool isTop() const { return holder.name == "."; }  // of a drive or of a hold
+    Status outcome(int error) const {
+        return error == 0 ? Status() : systemFailure(error, place.core);
+    }
 };
 
-Status reach(const Place& place, Target& target) {
-    Status status = openHolder(place, target.holder);
-    if (!status.ok()) return status;
-    if (fstatat(target.directory(), target.name(), &target.information, AT_SYMLINK_NOFOLLOW) != 0) {
-        return systemFailure(errno, place.core);
-    }
-    return {};
+/// A directory that was opened.
+struct PosixFiles::Opened {
+    Place place;
+    UniqueFd fd;
+    dev_t device = 0;
+};
+
+namespace {
+
+std::string withoutSlash(std::string path) {
+    if (path.ends_with('\\')) path.pop_back();
+    return path;
 }
 
-Status statPlace(const Place& place, bool follow, struct statx& information) {
-    const int error = statPath(place.native, follow, information);
-    if (error != 0) return failureAt(error, place);
-    return checkVolume(place, deviceOf(information));
-}
+constexpr mode_t anyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
 
 timespec timeOrUnchanged(std::uint64_t fileTime) {
     timespec time = toTimespec(fileTime);
@@ -49,51 +55,129 @@ timespec timeOrUnchanged(std::uint64_t fileTime) {
 }
 
 /// A volume that knows one read-only mark instead of modes wants all write bits at once.
-int changeMode(const Target& target, mode_t mode) {
-    if (fchmodat(target.directory(), target.name(), mode, AT_SYMLINK_NOFOLLOW) == 0) return 0;
+int changeMode(int directory, const char* name, mode_t mode) {
+    if (fchmodat(directory, name, mode, AT_SYMLINK_NOFOLLOW) == 0) return 0;
     if (errno != EPERM || (mode & S_IWUSR) == 0) return errno;
-    const mode_t all = mode | anyWrite;
-    return fchmodat(target.directory(), target.name(), all, AT_SYMLINK_NOFOLLOW) == 0 ? 0 : EPERM;
+    return fchmodat(directory, name, mode | anyWrite, AT_SYMLINK_NOFOLLOW) == 0 ? 0 : EPERM;
+}
+
+int unlinkEntry(const Holder& holder, int flags) {
+    return unlinkat(holder.directory, holder.entry(), flags) == 0 ? 0 : errno;
+}
+
+/// Clears the program's own files out of a directory that holds nothing else. ENOTEMPTY when
+/// something else is in it, or when that cannot be told.
+int clearDirectory(const Holder& holder) {
+    Holder inside;
+    inside.held = holder.held;
+    const int error = openEntry(holder.directory, holder.entry(),
+                                O_RDONLY | O_DIRECTORY | O_NOFOLLOW, inside.opened);
+    if (error != 0) return ENOTEMPTY;
+    inside.directory = inside.opened.get();
+    return changeIn(inside, [&] { return clearOwnFiles(inside.directory); });
+}
+
+/// Where the system does not say where mounts begin: a device other than the parent's.
+bool isOtherDevice(const Place& place, dev_t device) {
+    Holder holder;
+    struct stat parent {};
+    return !place.isRoot() && openHolder(place, holder).ok() && holder.name != "." &&
+           fstat(holder.directory, &parent) == 0 && parent.st_dev != device;
 }
 
 }  // namespace
 
-Status PosixFiles::openDirectory(const std::string& path, LinkRule links, Wanted wanted,
-                                 std::unique_ptr<Directory>& directory) {
-    Place place;
+PosixFiles::PosixFiles(const DriveTable& drives, MountSources mounts,
+                       std::shared_ptr<TreeLocks> locks, Descent descent)
+    : drives_(drives), mounts_(std::move(mounts)), locks_(std::move(locks)), descent_(descent) {}
+
+Status PosixFiles::locate(const std::string& path, Place& place) const {
+    Status status = drives_.paths().locate(path, place);
+    if (status.ok()) place.hold = holds_->innermost(place.native);
+    return status;
+}
+
+Status PosixFiles::look(const std::string& path, bool follow, Place& place,
+                        struct statx& information) const {
     Status status = locate(path, place);
+    return status.ok() ? statPlace(place, follow, information) : status;
+}
+
+Status PosixFiles::reach(const std::string& path, Target& target) const {
+    Status status = locate(path, target.place);
+    if (status.ok()) status = openHolder(target.place, target.holder);
     if (!status.ok()) return status;
-    int flags = O_DIRECTORY | (wanted == Wanted::nothing ? O_PATH : O_RDONLY);
-    if (links != LinkRule::follow) flags |= O_NOFOLLOW;
-    UniqueFd fd;
-    const int error = openPath(place.native, flags, fd);
+    const int looked =
+        fstatat(target.directory(), target.name(), &target.information, AT_SYMLINK_NOFOLLOW);
+    return target.outcome(looked == 0 ? 0 : errno);
+}
+
+Status PosixFiles::open(const std::string& path, int flags, Opened& opened) const {
+    Status status = locate(path, opened.place);
+    if (!status.ok()) return status;
+    const Place& place = opened.place;
+    const int error = openPlace(place, flags | O_DIRECTORY, opened.fd);
     if (error != 0) return failureAt(error, place);
     struct stat information {};
-    if (fstat(fd.get(), &information) != 0) return systemFailure(errno, path);
+    if (fstat(opened.fd.get(), &information) != 0) return systemFailure(errno, path);
+    // A held directory that was removed meanwhile can still be opened, and would seem empty.
+    const bool isHold = place.hold != nullptr && place.native == place.hold->native;
+    if (isHold && place.hold->counted && information.st_nlink == 0) {
+        return systemFailure(ENOENT, path);
+    }
+    opened.device = information.st_dev;
+    return checkVolume(place, information.st_dev);
+}
+
+Status PosixFiles::hold(const std::string& root, std::unique_ptr<HeldTree>& held) {
+    Place place;
+    Status status = drives_.paths().locate(root, place);
+    if (!status.ok()) return status;
+    auto hold = std::make_shared<Hold>();
+    const int error = openPlace(place, O_RDONLY | O_DIRECTORY, hold->directory);
+    if (error != 0) return failureAt(error, place);
+    struct stat information {};
+    if (fstat(hold->directory.get(), &information) != 0) return systemFailure(errno, root);
     status = checkVolume(place, information.st_dev);
     if (!status.ok()) return status;
-    directory = std::make_unique<PosixDirectory>(std::move(fd), std::move(place), wanted, drives_,
+    hold->core = root;
+    hold->native = place.native;
+    hold->device = information.st_dev;
+    hold->counted = information.st_nlink > 0;
+    hold->descent = descent_;
+    TreePlace tree = treePlaceOf(hold->directory.get(), place.native, mounts_);
+    held = std::make_unique<PosixHeldTree>(std::move(hold), std::move(tree), holds_, locks_);
+    return {};
+}
+
+Status PosixFiles::openDirectory(const std::string& path, LinkRule links, Wanted wanted,
+                                 std::unique_ptr<Directory>& directory) {
+    const int access = wanted == Wanted::nothing ? O_PATH : O_RDONLY;
+    Opened opened;
+    Status status = open(path, links == LinkRule::follow ? access : access | O_NOFOLLOW, opened);
+    if (!status.ok()) return status;
+    directory = std::make_unique<PosixDirectory>(std::move(opened.fd), opened.device,
+                                                 std::move(opened.place), wanted, drives_,
                                                  openDirectories_);
     return {};
 }
 
 Status PosixFiles::lookUp(const std::string& path, LinkRule links, FileEntry& entry) {
     Place place;
-    Status status = locate(path, place);
-    if (!status.ok()) return status;
     struct statx information {};
-    status = statPlace(place, links == LinkRule::follow, information);
+    Status status = look(path, links == LinkRule::follow, place, information);
     if (!status.ok()) return status;
     if (!fillEntry(information, place.name(), entry)) return systemFailure(ENOENT, path);
+    if (entry.isDirectory() && !tellsMountPoints(information)) {
+        entry.mountPoint = isOtherDevice(place, deviceOf(information));
+    }
     return {};
 }
 
 Status PosixFiles::identify(const std::string& path, FileId& id) {
     Place place;
-    Status status = locate(path, place);
-    if (!status.ok()) return status;
     struct statx information {};
-    status = statPlace(place, true, information);
+    Status status = look(path, true, place, information);
     if (status.ok()) id = {deviceOf(information), information.stx_ino};
     return status;
 }
@@ -102,15 +186,52 @@ std::string PosixFiles::resolve(const std::string& path) {
     return drives_.resolve(path);
 }
 
-Status PosixFiles::createDirectory(const std::string& path) {
+Status PosixFiles::createDirectory(const std::string& path, DirectoryAccess access) {
     Place place;
-    Status status = locate(path, place);
-    if (!status.ok()) return status;
     Holder holder;
-    status = openHolder(place, holder);
+    Status status = locate(path, place);
+    if (status.ok()) status = openHolder(place, holder);
     if (!status.ok()) return status;
-    if (mkdirat(holder.directory.get(), holder.name.c_str(), 0777) == 0) return {};
-    return systemFailure(errno, path);
+    const mode_t mode = access == DirectoryAccess::ownerOnly ? 0700 : 0777;
+    const int error = changeIn(
+        holder, [&] { return mkdirat(holder.directory, holder.entry(), mode) == 0 ? 0 : errno; });
+    if (error == 0 && access == DirectoryAccess::ownerOnly) closed_.insert(withoutSlash(path));
+    return error == 0 ? Status() : systemFailure(error, path);
+}
+
+Status PosixFiles::matchDirectory(const std::string& source, const std::string& target) {
+    Opened from;
+    Opened to;
+    Status status = open(source, O_PATH | O_NOFOLLOW, from);
+    if (status.ok()) status = open(target, O_PATH | O_NOFOLLOW, to);
+    if (!status.ok()) return status;
+    struct stat original {};
+    if (fstat(from.fd.get(), &original) != 0) return systemFailure(errno, source);
+    const bool isNew = closed_.erase(withoutSlash(target)) != 0;
+    int error = 0;
+    if (keepsRights(from.fd.get())) {
+        error = matchRights(to.fd.get(), original);
+    } else if (isNew) {
+        error = openToAll(to.fd.get());
+    }
+    return error == 0 ? Status() : systemFailure(error, target);
+}
+
+Status PosixFiles::removeDirectory(const std::string& path) {
+    Target target;
+    Status status = reach(path, target);
+    if (!status.ok()) return status;
+    if (!S_ISDIR(target.information.st_mode)) return target.outcome(ENOTDIR);
+    if (target.isTop()) return target.outcome(EACCES);
+    const auto remove = [&] { return unlinkEntry(target.holder, AT_REMOVEDIR); };
+    int error = changeIn(target.holder, remove);
+    if (error == ENOTEMPTY || error == EEXIST) {
+        error = clearDirectory(target.holder);
+        if (error == 0) error = remove();
+    }
+    if (error == EEXIST) error = ENOTEMPTY;  // either says it
+    if (error == EBUSY) error = ENOTDIR;     // something is mounted there
+    return target.outcome(error);
 }
 
 Status PosixFiles::copyFile(const std::string& source, const std::string& destination,
@@ -123,59 +244,47 @@ Status PosixFiles::copyFile(const std::string& source, const std::string& destin
 }
 
 Status PosixFiles::setAttributes(const std::string& path, std::uint32_t attributes) {
-    Place place;
-    Status status = locate(path, place);
-    if (!status.ok()) return status;
     Target target;
-    status = reach(place, target);
+    Status status = reach(path, target);
     if (!status.ok() || S_ISLNK(target.information.st_mode)) return status;
     const mode_t old = target.information.st_mode & 07777;
     const bool readOnly = (attributes & attribute::readOnly) != 0;
     const mode_t mode = readOnly ? old & ~anyWrite : old | S_IWUSR;
-    const int error = mode == old ? 0 : changeMode(target, mode);
-    return error == 0 ? Status() : systemFailure(error, path);
+    return target.outcome(mode == old ? 0 : changeMode(target.directory(), target.name(), mode));
 }
 
 Status PosixFiles::setTimes(const std::string& path, const FileTimes& times) {
-    Place place;
-    Status status = locate(path, place);
-    if (!status.ok()) return status;
     Target target;
-    status = reach(place, target);
+    Status status = reach(path, target);
     if (!status.ok()) return status;
-    const int error = stamp({target.directory(), target.name()}, timeOrUnchanged(times.lastAccess),
-                            timeOrUnchanged(times.lastWrite));
-    return error == 0 ? Status() : systemFailure(error, path);
+    return target.outcome(stamp({target.directory(), target.name()},
+                                timeOrUnchanged(times.lastAccess), timeOrUnchanged(times.lastWrite),
+                                timeStepAt(target.directory())));
 }
 
 Status PosixFiles::removeFile(const std::string& path) {
-    Place place;
-    Status status = locate(path, place);
-    if (!status.ok()) return status;
     Target target;
-    status = reach(place, target);
+    Status status = reach(path, target);
     if (!status.ok()) return status;
     const mode_t mode = target.information.st_mode;
     const bool writableFile = S_ISREG(mode) && (mode & S_IWUSR) != 0;
-    if (!writableFile && !S_ISLNK(mode)) {
-        return Status::failure(error_number::accessDenied, path);
-    }
-    if (unlinkat(target.directory(), target.name(), 0) == 0) return {};
-    return systemFailure(errno, path);
+    if (!writableFile && !S_ISLNK(mode)) return target.outcome(EACCES);
+    return target.outcome(changeIn(target.holder, [&] { return unlinkEntry(target.holder, 0); }));
 }
 
 Status PosixFiles::removeLeftovers(const std::string& directory) {
-    Place place;
-    Status status = locate(directory, place);
+    Opened opened;
+    Status status = open(directory, O_RDONLY, opened);
     if (!status.ok()) return status;
-    UniqueFd fd;
-    int error = openPath(place.native, O_RDONLY | O_DIRECTORY, fd);
-    if (error != 0) return failureAt(error, place);
-    struct stat information {};
-    if (fstat(fd.get(), &information) != 0) return systemFailure(errno, directory);
-    status = checkVolume(place, information.st_dev);
+    const int error = removeTemporaries(opened.fd.get());
+    return error == 0 ? Status() : systemFailure(error, directory);
+}
+
+Status PosixFiles::ownFiles(const std::string& directory, std::vector<std::string>& names) {
+    Opened opened;
+    Status status = open(directory, O_RDONLY, opened);
     if (!status.ok()) return status;
-    error = removeTemporaries(fd.get());
+    const int error = listOwnFiles(opened.fd.get(), names);
     return error == 0 ? Status() : systemFailure(error, directory);
 }
 
@@ -183,18 +292,25 @@ Status PosixFiles::readWhole(const std::string& path, std::uint64_t limit, std::
     Place place;
     Status status = locate(path, place);
     if (!status.ok()) return status;
-    const int error = readWholeFile(place.native, limit, bytes);
+    const Reach reach(place);
+    const bool follow = place.hold == nullptr;
+    const int error = reach.error() != 0
+                          ? reach.error()
+                          : readWholeEntry(reach.fd(), reach.name(), follow, limit, bytes);
     return error == 0 ? Status() : failureAt(error, place);
 }
 
-Status PosixFiles::writeWhole(const std::string& path, const std::string& bytes) {
+Status PosixFiles::writeWhole(const std::string& path, const std::string& bytes,
+                              Durability durability) {
     Place place;
-    Status status = locate(path, place);
-    if (!status.ok()) return status;
     Holder holder;
-    status = openHolder(place, holder);
+    Status status = locate(path, place);
+    if (status.ok()) status = openHolder(place, holder);
     if (!status.ok()) return status;
-    const int error = writeWholeFile(place.native, bytes);
+    const int error = changeIn(holder, [&] {
+        return holder.held ? writeWholeEntry(holder.directory, holder.entry(), bytes, durability)
+                           : writeWholeFile(place.native, bytes, durability);
+    });
     return error == 0 ? Status() : failureAt(error, place);
 }
 

@@ -22,9 +22,10 @@ class PosixPlatform {
   public:
     explicit PosixPlatform(const PosixOptions& options);
 
-    /// With drives and shares of the caller's own: nothing is read from the system's mount table
-    /// and no letter is remembered.
-    explicit PosixPlatform(std::vector<PathRoot> roots, std::set<dev_t> pseudoDevices = {});
+    /// With drives and shares of the caller's own: none is taken from the system's mount table and
+    /// no letter is remembered.
+    explicit PosixPlatform(std::vector<PathRoot> roots, std::set<dev_t> pseudoDevices = {},
+                           Descent descent = Descent::kernel, const MountSources& mounts = {});
 
     PosixPlatform(const PosixPlatform&) = delete;
     PosixPlatform& operator=(const PosixPlatform&) = delete;
@@ -40,6 +41,7 @@ class PosixPlatform {
 
   private:
     DriveTable table_;  // first: the services below refer to it
+    std::shared_ptr<TreeLocks> locks_ = std::make_shared<TreeLocks>();
     PosixFiles files_;
     PosixDrives drives_;
     PosixGuard guard_;

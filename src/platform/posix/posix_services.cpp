@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <langinfo.h>
 #include <locale.h>
-#include <sys/file.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -93,17 +92,12 @@ void PosixLocale::take(const std::string& decimal, const std::string& groups) {
 }
 
 bool PosixGuard::claim(const std::string& directory) {
+    claim_.drop();
     Place place;
-    if (!table_.paths().locate(directory, place).ok()) return true;
-    lock_.reset();
-    if (openPath(place.native, O_RDONLY | O_DIRECTORY, lock_) != 0) return true;
-    while (flock(lock_.get(), LOCK_EX | LOCK_NB) != 0) {
-        if (errno == EINTR) continue;
-        const bool held = errno == EWOULDBLOCK;
-        lock_.reset();
-        return !held;
-    }
-    return true;
+    UniqueFd fd;
+    const bool opened = table_.paths().locate(directory, place).ok() &&
+                        openPath(place.native, O_RDONLY | O_DIRECTORY, fd) == 0;
+    return !opened || claim_.take(*locks_, fd.get(), TreeUse::write);
 }
 
 }  // namespace coffrelune

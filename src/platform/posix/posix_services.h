@@ -1,11 +1,12 @@
 #pragma once
 
 #include <ctime>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "platform/posix/drive_table.h"
-#include "platform/posix/unique_fd.h"
+#include "platform/posix/tree_locks.h"
 #include "platform/services.h"
 
 namespace coffrelune {
@@ -63,13 +64,16 @@ class PosixSounds final : public SoundService {
 /// Locks the directory itself, so that nothing is left behind on the disk.
 class PosixGuard final : public InstanceGuard {
   public:
-    explicit PosixGuard(const DriveTable& table) : table_(table) {}
+    /// `locks`: those of the process, so that it may still work on this very directory.
+    PosixGuard(const DriveTable& table, std::shared_ptr<TreeLocks> locks)
+        : table_(table), locks_(std::move(locks)) {}
 
     bool claim(const std::string& directory) override;
 
   private:
     const DriveTable& table_;
-    UniqueFd lock_;
+    std::shared_ptr<TreeLocks> locks_;
+    TreeClaim claim_;
 };
 
 }  // namespace coffrelune

@@ -1,6 +1,5 @@
 #include "platform/posix/temporary_file.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/random.h>
@@ -8,7 +7,9 @@
 
 #include <cerrno>
 #include <cstdint>
-#include <memory>
+#include <ctime>
+
+#include "platform/own_names.h"
 
 namespace coffrelune {
 namespace {
@@ -29,19 +30,6 @@ UniqueFd openForLock(int directory, const char* name) {
     return fd;
 }
 
-int removeTemporary(int directory, const char* name) {
-    struct stat information {};
-    if (fstatat(directory, name, &information, AT_SYMLINK_NOFOLLOW) != 0) return 0;
-    UniqueFd lock;
-    if (S_ISREG(information.st_mode)) {
-        lock = openForLock(directory, name);
-        if (!lock.valid() || lockNow(lock.get()) != 0) return 0;
-    } else if (!S_ISLNK(information.st_mode)) {
-        return 0;
-    }
-    return unlinkat(directory, name, 0) == 0 || errno == ENOENT ? 0 : errno;
-}
-
 }  // namespace
 
 std::string makeTemporaryName() {
@@ -53,7 +41,7 @@ std::string makeTemporaryName() {
         number = static_cast<std::uint64_t>(now.tv_nsec) << 32U ^
                  static_cast<std::uint64_t>(now.tv_sec) ^ static_cast<std::uint64_t>(getpid());
     }
-    return temporaryName(number);
+    return ownFileName(OwnFile::temporary, number);
 }
 
 TemporaryFile::~TemporaryFile() {
@@ -77,9 +65,8 @@ int TemporaryFile::tryCreate(mode_t mode) {
     } while (!file_.valid() && errno == EINTR);
     if (!file_.valid()) return errno;
     const int locked = lockNow(file_.get());
-    struct stat information {};
-    if (locked == EWOULDBLOCK || fstat(file_.get(), &information) != 0 ||
-        information.st_nlink == 0) {
+    if (locked == EWOULDBLOCK || fstat(file_.get(), &information_) != 0 ||
+        information_.st_nlink == 0) {
         file_.reset();
         unlinkat(directory_, name.c_str(), 0);
         return EEXIST;
@@ -108,21 +95,17 @@ int TemporaryFile::rename(const char* name) {
     return 0;
 }
 
-int removeTemporaries(int directory) {
-    UniqueFd fd(openat(directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!fd.valid()) return errno;
-    const std::unique_ptr<DIR, int (*)(DIR*)> listing(fdopendir(fd.get()), closedir);
-    if (listing == nullptr) return errno;
-    fd.release();
-    int failure = 0;
-    for (;;) {
-        errno = 0;
-        const dirent* entry = readdir(listing.get());
-        if (entry == nullptr) return failure != 0 ? failure : errno;
-        if (!isTemporaryName(entry->d_name)) continue;
-        const int error = removeTemporary(directory, entry->d_name);
-        if (error != 0) failure = error;
+int removeTemporary(int directory, const char* name) {
+    struct stat information {};
+    if (fstatat(directory, name, &information, AT_SYMLINK_NOFOLLOW) != 0) return 0;
+    UniqueFd lock;
+    if (S_ISREG(information.st_mode)) {
+        lock = openForLock(directory, name);
+        if (!lock.valid() || lockNow(lock.get()) != 0) return 0;
+    } else if (!S_ISLNK(information.st_mode)) {
+        return 0;
     }
+    return unlinkat(directory, name, 0) == 0 || errno == ENOENT ? 0 : errno;
 }
 
 }  // namespace coffrelune

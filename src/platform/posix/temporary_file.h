@@ -1,11 +1,10 @@
 #pragma once
 
-#include <sys/types.h>
+#include <sys/stat.h>
 
 #include <string>
 
 #include "platform/posix/unique_fd.h"
-#include "platform/temporary_name.h"
 
 namespace coffrelune {
 
@@ -26,6 +25,9 @@ class TemporaryFile {
 
     int fd() const { return file_.get(); }
 
+    /// As it was when it was created.
+    const struct stat& information() const { return information_; }
+
     /// Closes it and gives it its name in the same directory, over what bears that name. 0 or an
     /// errno value: a late write error shows at the closing.
     int commit(const char* name);
@@ -35,12 +37,13 @@ class TemporaryFile {
     int rename(const char* name);
 
     UniqueFd file_;
+    struct stat information_ {};
     std::string name_;  // empty: nothing to remove
     int directory_ = -1;
 };
 
-/// Removes the temporaries in an open directory that no running process writes. A file whose lock
+/// Removes one temporary, file or link, unless a running process writes it. A file whose lock
 /// cannot be tested stays. 0 or an errno value.
-int removeTemporaries(int directory);
+int removeTemporary(int directory, const char* name);
 
 }  // namespace coffrelune

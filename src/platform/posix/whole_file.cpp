@@ -9,22 +9,12 @@
 namespace coffrelune {
 namespace {
 
-int writeAll(int fd, const std::string& bytes) {
-    for (std::size_t done = 0; done < bytes.size();) {
-        const ssize_t written = write(fd, bytes.data() + done, bytes.size() - done);
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return errno;
-        done += static_cast<std::size_t>(written);
-    }
-    return 0;
-}
-
 /// A file system that cannot flush a directory keeps its names durable by itself.
-int flushDirectory(const std::string& path) {
-    UniqueFd directory;
-    const int error = openPath(path, O_RDONLY | O_DIRECTORY, directory);
+int flushDirectory(int directory) {
+    UniqueFd readable;
+    const int error = openEntry(directory, ".", O_RDONLY | O_DIRECTORY, readable);
     if (error != 0) return error == EACCES ? 0 : error;
-    if (fsync(directory.get()) == 0 || errno == EINVAL || errno == EOPNOTSUPP) return 0;
+    if (fsync(readable.get()) == 0 || errno == EINVAL || errno == EOPNOTSUPP) return 0;
     return errno;
 }
 
@@ -37,22 +27,43 @@ int keepOwnerAndMode(int fd, const struct stat& old) {
     return fchmod(fd, old.st_mode & 07777) == 0 || errno == EPERM ? 0 : errno;
 }
 
-int statOld(int directory, const std::string& name, struct stat& old, bool& exists) {
-    exists = fstatat(directory, name.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0;
+int statOld(int directory, const char* name, struct stat& old, bool& exists) {
+    exists = fstatat(directory, name, &old, AT_SYMLINK_NOFOLLOW) == 0;
     if (!exists) return errno == ENOENT ? 0 : errno;
+    if (S_ISLNK(old.st_mode)) return ELOOP;
     return S_ISREG(old.st_mode) && (old.st_mode & S_IWUSR) != 0 ? 0 : EACCES;
 }
 
 }  // namespace
 
+int writeAll(int fd, const char* bytes, std::size_t size) {
+    while (size > 0) {
+        const ssize_t written = write(fd, bytes, size);
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return errno;
+        bytes += written;
+        size -= static_cast<std::size_t>(written);
+    }
+    return 0;
+}
+
 int readWholeFile(const std::string& path, std::uint64_t limit, std::string& bytes) {
+    const ShortPath reach(path);
+    if (reach.error() == 0) return readWholeEntry(reach.fd(), reach.path(), true, limit, bytes);
+    bytes.clear();
+    return reach.error();
+}
+
+int readWholeEntry(int directory, const char* name, bool follow, std::uint64_t limit,
+                   std::string& bytes) {
     bytes.clear();
     struct statx kind {};
-    int error = statPath(path, true, kind);
+    int error = statEntry(directory, name, follow, kind);
     if (error != 0) return error;
+    if (S_ISLNK(kind.stx_mode)) return ELOOP;
     if (!S_ISREG(kind.stx_mode)) return EACCES;  // a FIFO would wait for its other end
     UniqueFd fd;
-    error = openPath(path, O_RDONLY | O_NONBLOCK, fd);
+    error = openEntry(directory, name, O_RDONLY | O_NONBLOCK | (follow ? 0 : O_NOFOLLOW), fd);
     if (error != 0) return error;
     // After the opening: "too large" also says that the file may be read.
     if (kind.stx_size > limit) return EFBIG;
@@ -71,27 +82,31 @@ int readWholeFile(const std::string& path, std::uint64_t limit, std::string& byt
     }
 }
 
-int writeWholeFile(const std::string& path, const std::string& bytes) {
+int writeWholeFile(const std::string& path, const std::string& bytes, Durability durability) {
     const std::string target = canonicalPath(path);
     const std::size_t slash = target.rfind('/');
-    const std::string directoryPath = slash == 0 ? "/" : target.substr(0, slash);
     const std::string name = target.substr(slash + 1);
     if (name.empty()) return EACCES;
     UniqueFd directory;
-    int error = openPath(directoryPath, O_PATH | O_DIRECTORY, directory);
-    if (error != 0) return error;
+    const int error =
+        openPath(slash == 0 ? "/" : target.substr(0, slash), O_PATH | O_DIRECTORY, directory);
+    return error != 0 ? error : writeWholeEntry(directory.get(), name.c_str(), bytes, durability);
+}
 
+int writeWholeEntry(int directory, const char* name, const std::string& bytes,
+                    Durability durability) {
     struct stat old {};
     bool exists = false;
-    error = statOld(directory.get(), name, old, exists);
+    int error = statOld(directory, name, old, exists);
     if (error != 0) return error;
+    const bool now = durability == Durability::now;
     TemporaryFile file;
-    error = file.create(directory.get(), exists ? 0600 : 0644);
-    if (error == 0) error = writeAll(file.fd(), bytes);
+    error = file.create(directory, exists ? 0600 : 0644);
+    if (error == 0) error = writeAll(file.fd(), bytes.data(), bytes.size());
     if (error == 0 && exists) error = keepOwnerAndMode(file.fd(), old);
-    if (error == 0 && fsync(file.fd()) != 0) error = errno;
-    if (error == 0) error = file.commit(name.c_str());
-    return error != 0 ? error : flushDirectory(directoryPath);
+    if (error == 0 && now && fsync(file.fd()) != 0) error = errno;
+    if (error == 0) error = file.commit(name);
+    return error == 0 && now ? flushDirectory(directory) : error;
 }
 
 }  // namespace coffrelune

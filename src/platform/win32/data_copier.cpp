@@ -71,7 +71,7 @@ std::uint32_t DataCopier::copy(void* source, std::uint64_t size, void* destinati
         position += read;
         if (observer != nullptr) observer->chunkFinished(position);
         if (abandoned_.load(std::memory_order_relaxed)) return ERROR_REQUEST_ABORTED;
-        if (read < wanted) break;
+        if (read < wanted) return ERROR_HANDLE_EOF;
     } while (position < size);
     // Skipped zeros at the end have not made the file longer.
     if (sparse && SetEndOfFile(destination) == 0) return GetLastError();

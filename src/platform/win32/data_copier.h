@@ -16,7 +16,8 @@ class DataCopier {
 
     /// Both files stand at their start. What the source holds beyond `size` came after the copy
     /// began and is left to the next run. `sparse`: runs of zero bytes are not written.
-    /// `observer` may be null. 0 or a system error; 1235 when abandoned.
+    /// `observer` may be null. 0 or a system error; 38 when the source ends before `size`, 1235
+    /// when abandoned.
     std::uint32_t copy(void* source, std::uint64_t size, void* destination, bool sparse,
                        CopyObserver* observer);
 

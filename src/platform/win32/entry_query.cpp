@@ -8,8 +8,6 @@
 namespace coffrelune {
 namespace {
 
-constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
 std::uint64_t joined(DWORD high, DWORD low) {
     return std::uint64_t{high} << 32 | low;
 }
@@ -69,8 +67,7 @@ std::uint32_t queryByListing(const NativePath& path, FileEntry& entry) {
 }
 
 UniqueHandle openForAttributes(const NativePath& path) {
-    return UniqueHandle(CreateFileW(path.text.c_str(), FILE_READ_ATTRIBUTES, shareAll, nullptr,
-                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    return openShared(path.text, FILE_READ_ATTRIBUTES, FILE_FLAG_BACKUP_SEMANTICS);
 }
 
 FileId checkedIdentity(std::uint64_t volume, std::uint64_t file) {
@@ -110,6 +107,7 @@ std::uint32_t Listing::open(const NativePath& directory, const wchar_t* pattern)
     }
     find_ = find;
     hasFirst_ = take(found, first_);
+    leftSomethingOut_ = !hasFirst_;
     return 0;
 }
 
@@ -121,15 +119,14 @@ bool Listing::next(FileEntry& entry) {
         return true;
     }
     WIN32_FIND_DATAW found;
-    do {
-        if (FindNextFileW(find_, &found) == 0) {
-            const DWORD error = GetLastError();
-            error_ = error == ERROR_NO_MORE_FILES ? 0 : error;
-            close();
-            return false;
-        }
-    } while (!take(found, entry));
-    return true;
+    while (FindNextFileW(find_, &found) != 0) {
+        if (take(found, entry)) return true;
+        leftSomethingOut_ = true;
+    }
+    const DWORD error = GetLastError();
+    error_ = error == ERROR_NO_MORE_FILES ? 0 : error;
+    close();
+    return false;
 }
 
 void Listing::close() {
@@ -168,11 +165,21 @@ std::uint32_t queryIdentity(const NativePath& path, FileId& id) {
 }
 
 std::uint32_t queryOpenFile(void* handle, FileEntry& entry) {
+    const std::uint32_t error = queryOpenEntry(handle, entry);
+    // What is open is the end of every link.
+    entry.attributes &= ~attribute::link;
+    return error;
+}
+
+std::uint32_t queryOpenEntry(void* handle, FileEntry& entry) {
     BY_HANDLE_FILE_INFORMATION information;
     if (GetFileInformationByHandle(handle, &information) == 0) return GetLastError();
-    // What is open is the end of every link.
-    information.dwFileAttributes &= ~DWORD{FILE_ATTRIBUTE_REPARSE_POINT};
-    fill(information, 0, entry);
+    FILE_ATTRIBUTE_TAG_INFO mark{};
+    if ((information.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+        GetFileInformationByHandleEx(handle, FileAttributeTagInfo, &mark, sizeof mark) == 0) {
+        mark.ReparseTag = 0;
+    }
+    fill(information, mark.ReparseTag, entry);
     entry.id = identityOf(handle, information);
     return 0;
 }

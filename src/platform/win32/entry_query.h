@@ -29,12 +29,15 @@ class Listing {
     bool next(FileEntry& entry);
 
     std::uint32_t error() const { return error_; }
+    /// Something was met that is neither file, directory nor link.
+    bool leftSomethingOut() const { return leftSomethingOut_; }
     void close();
 
   private:
     void* find_ = nullptr;
     FileEntry first_;
     bool hasFirst_ = false;
+    bool leftSomethingOut_ = false;
     std::uint32_t error_ = 0;
 };
 
@@ -50,6 +53,9 @@ std::uint32_t queryIdentity(const NativePath& path, FileId& id);
 
 /// All of an open file but its name. 0 or a system error.
 std::uint32_t queryOpenFile(void* handle, FileEntry& entry);
+
+/// The same of what was opened without following a link: it may be one.
+std::uint32_t queryOpenEntry(void* handle, FileEntry& entry);
 
 /// 1921 for a directory link that leads to a directory on the way to itself, or of which nobody can
 /// tell where it leads: to walk it might never end. 0 or a system error for others.

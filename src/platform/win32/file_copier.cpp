@@ -9,11 +9,8 @@
 namespace coffrelune {
 namespace {
 
-constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
 UniqueHandle openForReading(const std::wstring& path) {
-    return UniqueHandle(CreateFileW(path.c_str(), GENERIC_READ, shareAll, nullptr, OPEN_EXISTING,
-                                    FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    return openShared(path, GENERIC_READ, FILE_FLAG_SEQUENTIAL_SCAN);
 }
 
 /// Errors that say that links cannot be made there, or not by this user.
@@ -57,25 +54,20 @@ std::uint32_t prepare(const FileEntry& source, std::uint32_t encryption, Tempora
 
 }  // namespace
 
-Status Win32FileCopier::copy(const std::string& source, const std::string& destination,
-                             LinkRule sourceLinks, CopyObserver* observer) {
-    Pair pair{source, destination, {}, {}};
-    Status status = toNative(source, pair.from);
-    if (status.ok()) status = toNative(destination, pair.to);
-    if (!status.ok()) return status;
+Status Win32FileCopier::copy(const CopyPair& pair, LinkRule sourceLinks, CopyObserver* observer) {
     if (abandoned_.load(std::memory_order_relaxed)) {
-        return Status::failure(error_number::requestAborted, source);
+        return Status::failure(error_number::requestAborted, pair.source);
     }
     FileEntry entry;
     const std::uint32_t error = queryEntry(pair.from, entry);
-    if (error != 0) return failureAt(error, pair.from, source);
-    if (entry.isDirectory()) return Status::failure(error_number::accessDenied, source);
+    if (error != 0) return failureAt(error, pair.from, pair.source);
+    if (entry.isDirectory()) return Status::failure(error_number::accessDenied, pair.source);
     if (entry.isLink() && sourceLinks == LinkRule::refuse) return copyLink(pair, entry, observer);
     return copyContent(pair, nullptr, observer);
 }
 
 /// `times`: null for the source's own.
-Status Win32FileCopier::copyContent(const Pair& pair, const FileTimes* times,
+Status Win32FileCopier::copyContent(const CopyPair& pair, const FileTimes* times,
                                     CopyObserver* observer) {
     const UniqueHandle input = openForReading(pair.from.text);
     if (!input.valid()) return failureAt(GetLastError(), pair.from, pair.source);
@@ -102,12 +94,13 @@ Status Win32FileCopier::copyContent(const Pair& pair, const FileTimes* times,
         const std::uint64_t lastWrite = (times != nullptr ? *times : before.times).lastWrite;
         error = output.stamp({0, 0, lastWrite}, before.attributes);
     }
-    if (error == 0) error = output.commit(pair.to);
+    if (error == 0) error = pair.guard.dataWritten(output.handle());
+    if (error == 0) error = output.commit(pair.to, pair.guard);
     return error == 0 ? Status() : failureAt(error, pair.to, pair.destination);
 }
 
 /// What a program attached to the file under a name of its own ("downloaded from there").
-std::uint32_t Win32FileCopier::copyStreams(const Pair& pair, const TemporaryFile& output) {
+std::uint32_t Win32FileCopier::copyStreams(const CopyPair& pair, const TemporaryFile& output) {
     WIN32_FIND_STREAM_DATA stream;
     void* find = FindFirstStreamW(pair.from.text.c_str(), FindStreamInfoStandard, &stream, 0);
     if (find == INVALID_HANDLE_VALUE) {
@@ -116,27 +109,28 @@ std::uint32_t Win32FileCopier::copyStreams(const Pair& pair, const TemporaryFile
     }
     std::uint32_t error = 0;
     bool asked = false;
-    while (error == 0) {
+    for (bool more = true; more && error == 0;) {
         const std::wstring name = stream.cStreamName;
         if (name != L"::$DATA") {
             // The file is worth keeping without. Asked once, and for files that have some alone.
             if (!asked && !mayHoldStreams(output.handle())) break;
             asked = true;
             error = copyStream(pair.from.text + name, output.path().text + name,
-                               static_cast<std::uint64_t>(stream.StreamSize.QuadPart));
+                               static_cast<std::uint64_t>(stream.StreamSize.QuadPart), pair.guard);
         }
-        if (error == 0 && FindNextStreamW(find, &stream) == 0) {
-            error = GetLastError();
-            if (error == ERROR_HANDLE_EOF) break;
-        }
+        more = FindNextStreamW(find, &stream) != 0;
+        // The end of the list, unlike that of a stream that is shorter than it was.
+        if (!more && error == 0 && GetLastError() != ERROR_HANDLE_EOF) error = GetLastError();
     }
     FindClose(find);
-    return error == ERROR_HANDLE_EOF ? 0 : error;
+    return error;
 }
 
 std::uint32_t Win32FileCopier::copyStream(const std::wstring& source,
-                                          const std::wstring& destination, std::uint64_t size) {
+                                          const std::wstring& destination, std::uint64_t size,
+                                          WriteGuard& guard) {
     // No more than the old file's rights had to grant for it to be replaced.
+    constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const UniqueHandle output(CreateFileW(destination.c_str(), FILE_WRITE_DATA, shareAll, nullptr,
                                           CREATE_NEW, 0, nullptr));
     // Some servers say that they know streams and still take the name for a bad one.
@@ -144,10 +138,12 @@ std::uint32_t Win32FileCopier::copyStream(const std::wstring& source,
     if (!output.valid()) return GetLastError();
     const UniqueHandle input = openForReading(source);
     if (!input.valid()) return GetLastError();
-    return data_.copy(input.get(), size, output.get(), false, nullptr);
+    const std::uint32_t error = data_.copy(input.get(), size, output.get(), false, nullptr);
+    return error == 0 ? guard.dataWritten(output.get()) : error;
 }
 
-Status Win32FileCopier::copyLink(const Pair& pair, const FileEntry& link, CopyObserver* observer) {
+Status Win32FileCopier::copyLink(const CopyPair& pair, const FileEntry& link,
+                                 CopyObserver* observer) {
     std::optional<FileEntry> old;
     std::uint32_t error = checkReplaceable(pair.to, {}, old);
     if (error != 0) return failureAt(error, pair.to, pair.destination);
@@ -162,7 +158,7 @@ Status Win32FileCopier::copyLink(const Pair& pair, const FileEntry& link, CopyOb
     TemporaryFile output;
     error = output.adopt(made);
     if (error == 0) error = output.stamp({0, 0, link.times.lastWrite}, 0);
-    if (error == 0) error = output.commit(pair.to);
+    if (error == 0) error = output.commit(pair.to, pair.guard);
     if (error != 0) return failureAt(error, pair.to, pair.destination);
     if (observer != nullptr) observer->chunkFinished(link.size);
     return {};

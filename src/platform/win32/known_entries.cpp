@@ -34,14 +34,19 @@ bool mayBeShortName(std::wstring_view name) {
 
 }  // namespace
 
-bool KnownEntries::find(const NativePath& directory, const std::string& name, FileEntry& entry) {
-    if (forgottenAll_) return false;
-    if (items_.empty() || slotOf(name) == 0) {
-        if (++unknown_ <= fewLookUps) return false;
-        readOn(directory);
-        if (items_.empty() || slotOf(name) == 0) return false;
-    }
-    if (isForgotten(name)) return false;
+bool KnownEntries::findFurther(const NativePath& directory, const std::string& name,
+                               FileEntry& entry) {
+    if (forgottenAll_ || lists(name) || ++unknown_ <= fewLookUps) return false;
+    readOn(directory);
+    return find(name, entry);
+}
+
+bool KnownEntries::lists(const std::string& name) {
+    return !items_.empty() && slotOf(name) != 0;
+}
+
+bool KnownEntries::find(const std::string& name, FileEntry& entry) {
+    if (forgottenAll_ || !lists(name) || isForgotten(name)) return false;
     const Item& item = items_[slotOf(name) - 1];
     entry = {};
     entry.name = name;

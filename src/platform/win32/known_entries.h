@@ -17,9 +17,12 @@ namespace coffrelune {
 /// takes for the same (another case, a short name), and what is not there, is left to the system.
 class KnownEntries {
   public:
-    /// The entry of that name and true, when it is known and nobody has forgotten it. Reads on in
-    /// the listing of `directory`, by a bounded number of entries, when that seems to pay.
-    bool find(const NativePath& directory, const std::string& name, FileEntry& entry);
+    /// The entry of that name and true, when it is known and nobody has forgotten it.
+    bool find(const std::string& name, FileEntry& entry);
+
+    /// The same for a name that was not found, after reading on in the listing of `directory`, by a
+    /// bounded number of entries, when that seems to pay.
+    bool findFurther(const NativePath& directory, const std::string& name, FileEntry& entry);
 
     /// The program is about to write something of that name, somewhere: from now on it is left to
     /// the system, also under a name that differs by its case.
@@ -35,6 +38,7 @@ class KnownEntries {
         std::uint32_t nameLength = 0;
     };
 
+    bool lists(const std::string& name);
     void readOn(const NativePath& directory);
     void add(const FileEntry& entry);
     void grow();

@@ -168,17 +168,29 @@ std::wstring plainPath(const std::string& core) {
     return toNative(core, native).ok() ? wide(toCore(native.text)) : wide(core);
 }
 
-std::wstring finalPath(void* handle) {
+namespace {
+
+std::wstring finalPathUnder(DWORD volumeName, void* handle) {
     // To spell the name as the disk does, the system must be able to read every directory on the
     // way, and some file systems do not know how:
     // https://learn.microsoft.com/windows/win32/api/fileapi/nf-fileapi-getfinalpathnamebyhandlew
     for (const DWORD spelling : {FILE_NAME_NORMALIZED, FILE_NAME_OPENED}) {
         std::wstring path = filled([&](wchar_t* buffer, DWORD size) {
-            return GetFinalPathNameByHandleW(handle, buffer, size, spelling);
+            return GetFinalPathNameByHandleW(handle, buffer, size, spelling | volumeName);
         });
         if (!path.empty()) return path;
     }
     return {};
+}
+
+}  // namespace
+
+std::wstring finalPath(void* handle) {
+    return finalPathUnder(VOLUME_NAME_DOS, handle);
+}
+
+std::wstring finalPathOnVolume(void* handle) {
+    return finalPathUnder(VOLUME_NAME_GUID, handle);
 }
 
 std::string resolvedPath(const std::string& core) {
@@ -186,9 +198,7 @@ std::string resolvedPath(const std::string& core) {
     if (!toNative(core, native).ok()) return core;
     std::wstring tail;
     for (;; native = native.holder()) {
-        const UniqueHandle handle(CreateFileW(
-            native.text.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-            OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+        const UniqueHandle handle = openShared(native.text, 0, FILE_FLAG_BACKUP_SEMANTICS);
         if (handle.valid()) {
             const std::wstring path = finalPath(handle.get());
             if (!path.empty()) native.text = path;

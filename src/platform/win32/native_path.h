@@ -41,6 +41,10 @@ std::wstring plainPath(const std::string& core);
 /// Where an open file lies, links resolved, in the long form. Empty when the system does not tell.
 std::wstring finalPath(void* handle);
 
+/// The same below its volume's own name, which stays when the volume gets another letter. Empty
+/// also on a share.
+std::wstring finalPathOnVolume(void* handle);
+
 /// The path with every link and substituted drive resolved, as the disk spells it. What does not
 /// exist is kept as it is after the deepest part that does; `core` itself when it is no path.
 std::string resolvedPath(const std::string& core);

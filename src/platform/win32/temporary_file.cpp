@@ -6,14 +6,14 @@
 #include <cstring>
 #include <vector>
 
-#include "platform/temporary_name.h"
+#include "platform/own_names.h"
 #include "platform/win32/entry_query.h"
 #include "platform/win32/wide_text.h"
 
 namespace coffrelune {
 namespace {
 
-constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr const wchar_t* ownPattern = L".~coffrelune-*";
 
 /// Names need to differ, not to be secret: CREATE_NEW refuses one that is taken.
 std::uint64_t nextNumber() {
@@ -64,18 +64,6 @@ void removeEvenReadOnly(const std::wstring& path) {
     DeleteFileW(path.c_str());
 }
 
-std::uint32_t removeTemporary(const NativePath& path) {
-    {
-        // Whoever still writes it does not share the right to delete it.
-        const UniqueHandle lock(CreateFileW(path.text.c_str(), DELETE, 0, nullptr, OPEN_EXISTING,
-                                            FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
-        if (!lock.valid()) return 0;
-    }
-    removeEvenReadOnly(path.text);
-    const DWORD left = GetFileAttributesW(path.text.c_str());
-    return left == INVALID_FILE_ATTRIBUTES ? 0 : ERROR_ACCESS_DENIED;
-}
-
 }  // namespace
 
 TemporaryFile::~TemporaryFile() {
@@ -85,7 +73,7 @@ TemporaryFile::~TemporaryFile() {
 }
 
 NativePath temporaryPath(const NativePath& directory) {
-    return directory.child(wide(temporaryName(nextNumber())));
+    return directory.child(wide(ownFileName(OwnFile::temporary, nextNumber())));
 }
 
 std::uint32_t TemporaryFile::create(const NativePath& directory, std::uint32_t attributes) {
@@ -96,16 +84,15 @@ std::uint32_t TemporaryFile::create(const NativePath& directory, std::uint32_t a
                                          FILE_SHARE_READ, nullptr, CREATE_NEW,
                                          FILE_ATTRIBUTE_NORMAL | attributes, nullptr));
         error = file_.valid() ? 0 : GetLastError();
-        if (error == 0) path_ = std::move(path);
+        holdsData_ = error == 0;
+        if (holdsData_) path_ = std::move(path);
     }
     return error;
 }
 
 std::uint32_t TemporaryFile::adopt(const NativePath& path) {
     path_ = path;
-    file_ =
-        UniqueHandle(CreateFileW(path.text.c_str(), DELETE | FILE_WRITE_ATTRIBUTES, shareAll,
-                                 nullptr, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    file_ = openShared(path.text, DELETE | FILE_WRITE_ATTRIBUTES, FILE_FLAG_OPEN_REPARSE_POINT);
     return file_.valid() ? 0 : GetLastError();
 }
 
@@ -113,12 +100,15 @@ std::uint32_t TemporaryFile::stamp(const FileTimes& times, std::uint32_t attribu
     return stampFile(file_.get(), times, attributes);
 }
 
-std::uint32_t TemporaryFile::commit(const NativePath& destination) {
+std::uint32_t TemporaryFile::commit(const NativePath& destination, WriteGuard& guard) {
+    const std::uint32_t error = guard.mayGetItsName();
+    if (error != 0) return error;
     // The newer call also replaces a file that somebody reads; systems and volumes that do not know
     // it replace what nobody holds open. Either is one step for whoever looks.
     if (rename(file_.get(), renameExtended, destination.text, replaceIfExists | posixSemantics) ||
         rename(file_.get(), FileRenameInfo, destination.text, TRUE)) {
         path_ = {};
+        if (holdsData_) guard.named(file_.get());
         return 0;
     }
     return GetLastError();
@@ -160,9 +150,8 @@ std::uint32_t checkReplaceable(const NativePath& destination, const FileId& sour
     if (!entry.isLink()) old = entry;
     // To write into it would be refused while another program holds it; to replace it behind that
     // program's back would leave the two with different files.
-    const UniqueHandle probe(CreateFileW(destination.text.c_str(), DELETE | FILE_WRITE_DATA,
-                                         shareAll, nullptr, OPEN_EXISTING,
-                                         FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    const UniqueHandle probe =
+        openShared(destination.text, DELETE | FILE_WRITE_DATA, FILE_FLAG_OPEN_REPARSE_POINT);
     if (!probe.valid()) return GetLastError();
     const std::uint32_t queried = queryOpenFile(probe.get(), entry);
     if (queried != 0) return queried;
@@ -173,13 +162,36 @@ std::uint32_t encryptionOf(const std::optional<FileEntry>& entry) {
     return entry ? entry->attributes & FILE_ATTRIBUTE_ENCRYPTED : 0;
 }
 
+std::uint32_t removeUnlessWritten(const NativePath& path) {
+    {
+        // Whoever still writes it does not share the right to delete it.
+        const UniqueHandle lock(CreateFileW(path.text.c_str(), DELETE, 0, nullptr, OPEN_EXISTING,
+                                            FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+        if (!lock.valid()) return ERROR_SHARING_VIOLATION;
+    }
+    removeEvenReadOnly(path.text);
+    const DWORD left = GetFileAttributesW(path.text.c_str());
+    return left == INVALID_FILE_ATTRIBUTES ? 0 : ERROR_ACCESS_DENIED;
+}
+
 std::uint32_t removeTemporaries(const NativePath& directory) {
     Listing listing;
-    std::uint32_t failure = listing.open(directory, L".~coffrelune-*");
+    std::uint32_t failure = listing.open(directory, ownPattern);
     for (FileEntry entry; listing.next(entry);) {
         if (entry.isDirectory() || !isTemporaryName(entry.name)) continue;
-        const std::uint32_t error = removeTemporary(directory.child(wide(entry.name)));
-        if (error != 0) failure = error;
+        const std::uint32_t error = removeUnlessWritten(directory.child(wide(entry.name)));
+        if (error != 0 && error != ERROR_SHARING_VIOLATION) failure = error;
+    }
+    return failure != 0 ? failure : listing.error();
+}
+
+std::uint32_t listOwnFiles(const NativePath& directory, std::vector<std::string>& names) {
+    Listing listing;
+    const std::uint32_t failure = listing.open(directory, ownPattern);
+    for (FileEntry entry; listing.next(entry);) {
+        const std::optional<OwnFile> kind = ownFileKind(entry.name);
+        const bool tells = kind == OwnFile::certificate || kind == OwnFile::restoreMark;
+        if (tells && !entry.isDirectory()) names.push_back(entry.name);
     }
     return failure != 0 ? failure : listing.error();
 }

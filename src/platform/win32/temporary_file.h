@@ -2,12 +2,26 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "platform/file_entry.h"
 #include "platform/win32/native_path.h"
 #include "platform/win32/unique_handle.h"
 
 namespace coffrelune {
+
+/// Asked while a file is written under a temporary name, and when it is to get its own.
+class WriteGuard {
+  public:
+    virtual ~WriteGuard() = default;
+
+    /// The file, or a stream of it, has all its bytes. 0 or a system error.
+    virtual std::uint32_t dataWritten(void*) { return 0; }
+    /// The temporary is in the directory that was meant, or a system error.
+    virtual std::uint32_t mayGetItsName() { return 0; }
+    virtual void named(void*) {}
+};
 
 /// A file that has not got its name yet. It is open for as long as this object holds it, so that
 /// another process that clears leftovers keeps away, and removed unless it was committed.
@@ -32,11 +46,12 @@ class TemporaryFile {
     std::uint32_t stamp(const FileTimes& times, std::uint32_t attributes);
 
     /// Gives it its name, over what bears that name, in one step. 0 or a system error.
-    std::uint32_t commit(const NativePath& destination);
+    std::uint32_t commit(const NativePath& destination, WriteGuard& guard);
 
   private:
     UniqueHandle file_;
     NativePath path_;  // empty: nothing to remove
+    bool holdsData_ = false;
 };
 
 /// A new temporary path in a directory.
@@ -57,7 +72,13 @@ std::uint32_t checkReplaceable(const NativePath& destination, const FileId& sour
 /// What a file that takes the place of `entry` must be created with, to be as hard to read.
 std::uint32_t encryptionOf(const std::optional<FileEntry>& entry);
 
+/// Removes one of the program's own files, read-only or not. 32 when a process holds it open.
+std::uint32_t removeUnlessWritten(const NativePath& path);
+
 /// Removes the temporaries in a directory that no running process writes. 0 or a system error.
 std::uint32_t removeTemporaries(const NativePath& directory);
+
+/// Adds the names of marks and certificates in a directory. 0 or a system error.
+std::uint32_t listOwnFiles(const NativePath& directory, std::vector<std::string>& names);
 
 }  // namespace coffrelune

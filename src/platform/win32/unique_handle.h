@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <string>
 #include <utility>
 
 namespace coffrelune {
@@ -29,5 +31,9 @@ class UniqueHandle {
 
     void* handle_ = nullptr;
 };
+
+/// Opens what is there, and lets everybody else do with it what they like. `access` and `flags` are
+/// CreateFile's. Nothing, with the thread's last error, when that fails.
+UniqueHandle openShared(const std::wstring& path, std::uint32_t access, std::uint32_t flags);
 
 }  // namespace coffrelune

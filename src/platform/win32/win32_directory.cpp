@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "platform/temporary_name.h"
+#include "platform/own_names.h"
 #include "platform/win32/wide_text.h"
 
 namespace coffrelune {
@@ -44,7 +44,7 @@ bool Win32Directory::next(FileEntry& entry) {
 bool Win32Directory::isWanted(const FileEntry& entry) const {
     if (entry.name == "." || entry.name == "..") return false;
     if (entry.isDirectory()) return wanted_ != Wanted::files;
-    return wanted_ != Wanted::directories && !isTemporaryName(entry.name);
+    return wanted_ != Wanted::directories && !ownFileKind(entry.name);
 }
 
 bool Win32Directory::isShut(const std::string& name) const {
@@ -55,16 +55,23 @@ bool Win32Directory::lookUp(const std::string& name, FileEntry& entry) {
     if (name.empty() || name.find_first_of(std::string("\\/:\0", 4)) != std::string::npos) {
         return false;
     }
-    if (known_->find(path_, name, entry)) return true;
-    const NativePath path = path_.child(wide(name));
-    if (path.name().size() > 255) return false;
-    const std::uint32_t error = queryEntry(path, entry);
-    if (error == 0) {
-        entry.name = name;
-        return true;
+    if (known_->find(name, entry)) return true;
+    const std::uint32_t error = ask(name, entry);
+    if (error != 0 && !isAbsence(error)) status_ = Status::failure(error, core_);
+    return error == 0;
+}
+
+std::uint32_t Win32Directory::ask(const std::string& name, FileEntry& entry) {
+    if (const auto hold = hold_.lock()) {
+        const std::uint32_t error = hold->walkTo(path_);
+        if (error != 0) return error;
     }
-    if (!isAbsence(error)) status_ = Status::failure(error, core_);
-    return false;
+    if (known_->findFurther(path_, name, entry)) return 0;
+    const NativePath path = path_.child(wide(name));
+    if (path.name().size() > 255) return ERROR_INVALID_NAME;
+    const std::uint32_t error = queryEntry(path, entry);
+    if (error == 0) entry.name = name;
+    return error;
 }
 
 }  // namespace coffrelune

@@ -5,6 +5,7 @@
 
 #include "platform/file_service.h"
 #include "platform/win32/entry_query.h"
+#include "platform/win32/held_root.h"
 #include "platform/win32/known_entries.h"
 
 namespace coffrelune {
@@ -16,13 +17,15 @@ namespace coffrelune {
 /// nobody may read through them, and what they lead to is there under its present name.
 class Win32Directory final : public Directory {
   public:
-    /// `known`: empty yet; somebody tells it of what the program writes.
+    /// `known`: empty yet; somebody tells it of what the program writes. `hold`: of a directory
+    /// above this one, or of none.
     Win32Directory(NativePath path, std::string core, Wanted wanted,
-                   std::shared_ptr<KnownEntries> known)
+                   std::shared_ptr<KnownEntries> known, std::weak_ptr<HeldRoot> hold)
         : path_(std::move(path)),
           core_(std::move(core)),
           wanted_(wanted),
-          known_(std::move(known)) {}
+          known_(std::move(known)),
+          hold_(std::move(hold)) {}
 
     /// Opens the listing unless look-ups alone are wanted. 0 or a system error.
     std::uint32_t open();
@@ -34,12 +37,14 @@ class Win32Directory final : public Directory {
   private:
     bool isWanted(const FileEntry& entry) const;
     bool isShut(const std::string& name) const;
+    std::uint32_t ask(const std::string& name, FileEntry& entry);
 
     NativePath path_;
     std::string core_;
     Wanted wanted_;
     Listing listing_;
     std::shared_ptr<KnownEntries> known_;
+    std::weak_ptr<HeldRoot> hold_;
     Status status_;
 };
 

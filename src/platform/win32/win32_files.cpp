@@ -3,46 +3,91 @@
 #include <windows.h>
 
 #include "platform/win32/entry_query.h"
+#include "platform/win32/removal.h"
 #include "platform/win32/whole_file.h"
 #include "platform/win32/win32_directory.h"
 
 namespace coffrelune {
 namespace {
 
-constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
-/// Runs a step that gives a system error on the native form of a path.
-template <typename Step>
-Status at(const std::string& path, Step step) {
-    NativePath native;
-    Status status = toNative(path, native);
-    if (!status.ok()) return status;
-    const std::uint32_t error = step(native);
-    return error == 0 ? Status() : failureAt(error, native, path);
-}
-
 std::uint32_t lastErrorUnless(BOOL done) {
     return done != 0 ? 0 : GetLastError();
 }
 
-std::uint32_t checkEnterable(const NativePath& path, LinkRule links) {
-    FileEntry entry;
-    const std::uint32_t error = queryEntry(path, entry);
+/// `entry`: what is there.
+std::uint32_t checkEnterable(const Win32Place& place, LinkRule links, FileEntry& entry) {
+    const std::uint32_t error = queryEntry(place.path, entry);
     if (error != 0) return error;
     if (!entry.isDirectory()) return ERROR_DIRECTORY;
     // The root of a drive may bear the mark of the place where its volume is mounted.
-    if (!entry.isLink() || path.isRoot() || links == LinkRule::follow) return 0;
-    return links == LinkRule::refuse ? ERROR_DIRECTORY : checkLeadsAway(path);
+    if (place.path.isRoot() || place.isHeldRoot()) entry.attributes &= ~attribute::link;
+    if (!entry.isLink() || links == LinkRule::follow) return 0;
+    return links == LinkRule::refuse ? ERROR_DIRECTORY : checkLeadsAway(place.path);
+}
+
+/// A directory whose own files are wanted.
+std::uint32_t checkOwner(const Win32Place& place) {
+    FileEntry entry;
+    const std::uint32_t error = checkEnterable(place, LinkRule::follow, entry);
+    return error == 0 ? place.checkWhole() : error;
 }
 
 }  // namespace
 
+Status Win32Files::reach(const std::string& path, Win32Place& place) const {
+    Status status = holds_.locate(path, place);
+    if (!status.ok()) return status;
+    const std::uint32_t error = place.checkWay();
+    return error == 0 ? status : failureAt(error, place.path, path);
+}
+
+Status Win32Files::reachToWrite(const std::string& path, Win32Place& place) {
+    Status status = reach(path, place);
+    if (!status.ok()) return status;
+    for (const std::weak_ptr<KnownEntries>& one : watched_) {
+        if (const auto known = one.lock()) known->forget(place.path.name());
+    }
+    place.expectWrite();
+    return status;
+}
+
+/// Runs a step that gives a system error at the place that a path means.
+template <typename Step>
+Status Win32Files::at(const std::string& path, Step step) const {
+    Win32Place place;
+    Status status = reach(path, place);
+    if (!status.ok()) return status;
+    const std::uint32_t error = step(place);
+    return error == 0 ? status : failureAt(error, place.path, path);
+}
+
+/// The same for a step that changes what is there.
+template <typename Step>
+Status Win32Files::writeAt(const std::string& path, Step step) {
+    Win32Place place;
+    Status status = reachToWrite(path, place);
+    if (!status.ok()) return status;
+    const std::uint32_t error = step(place);
+    return error == 0 ? status : failureAt(error, place.path, path);
+}
+
+Status Win32Files::hold(const std::string& root, std::unique_ptr<HeldTree>& held) {
+    return holds_.take(root, held);
+}
+
 Status Win32Files::openDirectory(const std::string& path, LinkRule links, Wanted wanted,
                                  std::unique_ptr<Directory>& directory) {
-    return at(path, [&](const NativePath& native) {
-        std::uint32_t error = checkEnterable(native, links);
+    return at(path, [&](const Win32Place& place) {
+        FileEntry entry;
+        std::uint32_t error = checkEnterable(place, links, entry);
+        if (error == 0 && place.hold != nullptr && entry.isLink()) {
+            error = queryIdentity(place.path, entry.id);
+            if (error == 0) place.hold->root.enter(place.path, entry.id);
+        }
+        if (error == 0) error = place.checkWhole();
         if (error != 0) return error;
-        auto opened = std::make_unique<Win32Directory>(native, path, wanted, watch());
+        const std::shared_ptr<HeldRoot> root(place.hold, place.hold ? &place.hold->root : nullptr);
+        auto opened = std::make_unique<Win32Directory>(place.path, path, wanted, watch(), root);
         error = opened->open();
         if (error == 0) directory = std::move(opened);
         return error;
@@ -56,87 +101,118 @@ std::shared_ptr<KnownEntries> Win32Files::watch() {
     return known;
 }
 
-void Win32Files::forget(const std::string& path) {
-    NativePath native;
-    if (watched_.empty() || !toNative(path, native).ok()) return;
-    for (const std::weak_ptr<KnownEntries>& one : watched_) {
-        if (const auto known = one.lock()) known->forget(native.name());
-    }
-}
-
 Status Win32Files::lookUp(const std::string& path, LinkRule links, FileEntry& entry) {
-    return at(path, [&](const NativePath& native) {
-        return links == LinkRule::follow ? queryTarget(native, entry) : queryEntry(native, entry);
+    return at(path, [&](const Win32Place& place) {
+        return links == LinkRule::follow ? queryTarget(place.path, entry)
+                                         : queryEntry(place.path, entry);
     });
 }
 
 Status Win32Files::identify(const std::string& path, FileId& id) {
-    return at(path, [&](const NativePath& native) { return queryIdentity(native, id); });
+    return at(path, [&](const Win32Place& place) { return queryIdentity(place.path, id); });
 }
 
 std::string Win32Files::resolve(const std::string& path) {
-    return resolvedPath(path);
+    Win32Place place;
+    const bool held = holds_.locate(path, place).ok() && place.hold != nullptr;
+    return resolvedPath(held ? toCore(place.path.text) : path);
 }
 
-Status Win32Files::createDirectory(const std::string& path) {
-    forget(path);
-    return at(path, [&](const NativePath& native) {
-        return lastErrorUnless(CreateDirectoryW(native.text.c_str(), nullptr));
+// What is made has the rights that the directory around it hands down, whoever may enter.
+Status Win32Files::createDirectory(const std::string& path, DirectoryAccess) {
+    return writeAt(path, [](const Win32Place& place) {
+        return lastErrorUnless(CreateDirectoryW(place.path.text.c_str(), nullptr));
+    });
+}
+
+// Rights come from where a directory lies: those of the source would not hold there.
+Status Win32Files::matchDirectory(const std::string& source, const std::string& target) {
+    Status status = checkDirectory(source);
+    return status.ok() ? checkDirectory(target) : status;
+}
+
+Status Win32Files::checkDirectory(const std::string& path) const {
+    return at(path, [](const Win32Place& place) {
+        FileEntry entry;
+        return checkEnterable(place, LinkRule::refuse, entry);
+    });
+}
+
+Status Win32Files::removeDirectory(const std::string& path) {
+    return writeAt(path, [](const Win32Place& place) {
+        if (place.hold != nullptr) place.hold->root.letGo(place.path);
+        return removeDirectoryAt(place.path);
     });
 }
 
 Status Win32Files::copyFile(const std::string& source, const std::string& destination,
                             LinkRule sourceLinks, CopyObserver* observer) {
-    forget(destination);
-    return copier_.copy(source, destination, sourceLinks, observer);
+    Win32Place from;
+    Win32Place to;
+    Status status = reach(source, from);
+    if (status.ok()) status = reachToWrite(destination, to);
+    if (!status.ok()) return status;
+    HeldWriteGuard guard(to);
+    return copier_.copy({source, destination, from.path, to.path, guard}, sourceLinks, observer);
 }
 
 Status Win32Files::setAttributes(const std::string& path, std::uint32_t attributes) {
-    forget(path);
-    return at(path, [&](const NativePath& native) {
+    return writeAt(path, [&](const Win32Place& place) {
         return lastErrorUnless(
-            SetFileAttributesW(native.text.c_str(), settableAttributes(attributes)));
+            SetFileAttributesW(place.path.text.c_str(), settableAttributes(attributes)));
     });
 }
 
 Status Win32Files::setTimes(const std::string& path, const FileTimes& times) {
-    forget(path);
-    return at(path, [&](const NativePath& native) -> std::uint32_t {
-        const UniqueHandle file(CreateFileW(
-            native.text.c_str(), FILE_WRITE_ATTRIBUTES, shareAll, nullptr, OPEN_EXISTING,
-            FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    return writeAt(path, [&](const Win32Place& place) -> std::uint32_t {
+        const UniqueHandle file =
+            openShared(place.path.text, FILE_WRITE_ATTRIBUTES,
+                       FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT);
         return file.valid() ? stampFile(file.get(), times, 0) : GetLastError();
     });
 }
 
 Status Win32Files::removeFile(const std::string& path) {
-    forget(path);
-    return at(path, [&](const NativePath& native) -> std::uint32_t {
-        FileEntry entry;
-        const std::uint32_t error = queryEntry(native, entry);
-        if (error != 0) return error;
-        if (entry.isDirectory() && entry.isLink()) {
-            return lastErrorUnless(RemoveDirectoryW(native.text.c_str()));
-        }
-        if (entry.isDirectory() || entry.isReadOnly()) return ERROR_ACCESS_DENIED;
-        return lastErrorUnless(DeleteFileW(native.text.c_str()));
+    return writeAt(path, [](const Win32Place& place) {
+        if (place.hold != nullptr) place.hold->root.letGo(place.path);
+        return removeFileAt(place.path);
     });
 }
 
 Status Win32Files::removeLeftovers(const std::string& directory) {
-    return at(directory, [&](const NativePath& native) {
-        const std::uint32_t error = checkEnterable(native, LinkRule::follow);
-        return error == 0 ? removeTemporaries(native) : error;
+    return at(directory, [](const Win32Place& place) {
+        const std::uint32_t error = checkOwner(place);
+        return error == 0 ? removeTemporaries(place.path) : error;
+    });
+}
+
+Status Win32Files::ownFiles(const std::string& directory, std::vector<std::string>& names) {
+    names.clear();
+    return at(directory, [&](const Win32Place& place) {
+        const std::uint32_t error = checkOwner(place);
+        return error == 0 ? listOwnFiles(place.path, names) : error;
     });
 }
 
 Status Win32Files::readWhole(const std::string& path, std::uint64_t limit, std::string& bytes) {
-    return at(path, [&](const NativePath& native) { return readWholeFile(native, limit, bytes); });
+    return at(path,
+              [&](const Win32Place& place) { return readWholeFile(place.path, limit, bytes); });
 }
 
-Status Win32Files::writeWhole(const std::string& path, const std::string& bytes) {
-    forget(path);
-    return at(path, [&](const NativePath& native) { return writeWholeFile(native, bytes); });
+Status Win32Files::writeWhole(const std::string& path, const std::string& bytes,
+                              Durability durability) {
+    return writeAt(path, [&](const Win32Place& place) {
+        NativePath target = place.path;
+        std::uint32_t error = followLink(target);
+        if (error == 0 && place.hold != nullptr && target.text != place.path.text) {
+            error = ERROR_CANT_RESOLVE_FILENAME;
+        }
+        if (error != 0) return error;
+        // Outside every hold nobody flushes the volume later.
+        const Durability promised = place.hold == nullptr ? Durability::now : durability;
+        HeldWriteGuard guard(place);
+        return writeWholeFile(target, bytes, promised, guard);
+    });
 }
 
 }  // namespace coffrelune

@@ -1,5 +1,3 @@
-#include "platform/posix/desktop/desktop_sounds.h"
-
 #include <gmock/gmock.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -7,6 +5,7 @@
 #include <cstring>
 
 #include "platform/desktop/fake_programs.h"
+#include "platform/posix/desktop/posix_desktop.h"
 
 namespace coffrelune {
 namespace {

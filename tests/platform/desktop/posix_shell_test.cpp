@@ -1,8 +1,7 @@
-#include "platform/posix/desktop/posix_shell.h"
-
 #include <gmock/gmock.h>
 
 #include "platform/desktop/fake_programs.h"
+#include "platform/posix/desktop/posix_desktop.h"
 
 namespace coffrelune {
 namespace {

@@ -37,11 +37,11 @@ TEST_F(FaultyFilesTest, ForwardsAndCounts) {
     FileId id;
     std::string bytes;
     EXPECT_TRUE(faulty.identify("F:\\a", id).ok());
-    EXPECT_TRUE(faulty.createDirectory("F:\\Sous").ok());
+    EXPECT_TRUE(faulty.createDirectory("F:\\Sous", DirectoryAccess::usual).ok());
     EXPECT_TRUE(faulty.setAttributes("F:\\a", 1).ok());
     EXPECT_TRUE(faulty.setTimes("F:\\a", {7, 7, 7}).ok());
     EXPECT_TRUE(faulty.readWhole("F:\\a", 10, bytes).ok());
-    EXPECT_TRUE(faulty.writeWhole("F:\\c", "new").ok());
+    EXPECT_TRUE(faulty.writeWhole("F:\\c", "new", Durability::now).ok());
     EXPECT_TRUE(faulty.removeFile("F:\\c").ok());
     EXPECT_TRUE(faulty.removeLeftovers("F:\\").ok());
     EXPECT_TRUE(faulty.lookUp("F:\\a", LinkRule::refuse, found).ok());
@@ -72,9 +72,9 @@ TEST_F(FaultyFilesTest, FailsCallsByNameAndPath) {
     EXPECT_EQ(copy("C:\\a", "F:\\a"), 112U);
     EXPECT_EQ(copy("C:\\b", "F:\\b"), 32U);
     EXPECT_EQ(copy("C:\\b", "F:\\b"), 0U);
-    EXPECT_EQ(faulty.createDirectory("F:\\x").code(), 5U);
+    EXPECT_EQ(faulty.createDirectory("F:\\x", DirectoryAccess::usual).code(), 5U);
     EXPECT_EQ(faulty.removeFile("F:\\x").code(), 5U);
-    EXPECT_EQ(faulty.createDirectory("F:\\y").code(), 0U);
+    EXPECT_EQ(faulty.createDirectory("F:\\y", DirectoryAccess::usual).code(), 0U);
 }
 
 TEST_F(FaultyFilesTest, BreaksAListingOffHalfWay) {
@@ -97,6 +97,41 @@ TEST_F(FaultyFilesTest, LookUpInADirectoryMayFail) {
     FileEntry found;
     EXPECT_FALSE(opened->lookUp("a", found));
     EXPECT_TRUE(opened->lookUp("b", found));
+}
+
+TEST_F(FaultyFilesTest, ForwardsAndFailsTheCallsOfAHeldTree) {
+    std::unique_ptr<HeldTree> held;
+    faulty.fail("hold", "C:\\", 5, 1);
+    EXPECT_EQ(faulty.hold("C:\\", held).code(), 5U);
+    EXPECT_EQ(held, nullptr);
+    ASSERT_TRUE(faulty.hold("C:\\", held).ok());
+    EXPECT_EQ(held->place().volume, "memory:C:\\");
+    faulty.fail("claim", "C:\\", 33, 1);
+    EXPECT_EQ(held->claim(TreeUse::write).code(), 33U);
+    EXPECT_TRUE(held->claim(TreeUse::write).ok());
+    faulty.fail("flush", "", 1117, 1);
+    EXPECT_EQ(held->flush().code(), 1117U);
+    EXPECT_TRUE(held->flush().ok());
+    EXPECT_THAT(faulty.calls(), ElementsAre("hold C:\\", "hold C:\\", "claim C:\\", "claim C:\\",
+                                            "flush C:\\", "flush C:\\"));
+    EXPECT_THAT(system.files().calls(), ElementsAre("hold C:\\", "claim C:\\", "flush C:\\"));
+}
+
+TEST_F(FaultyFilesTest, ForwardsAndFailsTheCallsForDirectories) {
+    system.disk().directory("F:\\Sous");
+    faulty.fail("matchDirectory", "F:\\Sous", 5, 1);
+    faulty.fail("removeDirectory", "F:\\Sous", 32, 1);
+    faulty.fail("ownFiles", "F:\\Sous", 1117, 1);
+    std::vector<std::string> names;
+    EXPECT_EQ(faulty.matchDirectory("C:\\", "F:\\Sous").code(), 5U);
+    EXPECT_EQ(faulty.ownFiles("F:\\Sous", names).code(), 1117U);
+    EXPECT_EQ(faulty.removeDirectory("F:\\Sous").code(), 32U);
+    EXPECT_TRUE(faulty.matchDirectory("C:\\", "F:\\Sous").ok());
+    EXPECT_TRUE(faulty.ownFiles("F:\\Sous", names).ok());
+    EXPECT_TRUE(faulty.removeDirectory("F:\\Sous").ok());
+    EXPECT_FALSE(system.disk().exists("F:\\Sous"));
+    EXPECT_EQ(faulty.callCount(), 6U);
+    EXPECT_EQ(faulty.failureCount(), 3U);
 }
 
 TEST_F(FaultyFilesTest, RestartForgetsFailuresAndCount) {

@@ -122,11 +122,12 @@ TEST_F(MemoryFilesTest, DriveThatIsWriteProtectedCanBeReadOnly) {
     disk.leftover("F:\\");
     disk.volume("F:\\").writeProtected = true;
     EXPECT_EQ(copy("C:\\b", "F:\\b"), error_number::writeProtect);
-    EXPECT_EQ(files.createDirectory("F:\\Sous").code(), error_number::writeProtect);
+    EXPECT_EQ(files.createDirectory("F:\\Sous", DirectoryAccess::usual).code(),
+              error_number::writeProtect);
     EXPECT_EQ(files.removeFile("F:\\a").code(), error_number::writeProtect);
     EXPECT_EQ(files.setAttributes("F:\\a", 1).code(), error_number::writeProtect);
     EXPECT_EQ(files.setTimes("F:\\a", {1, 1, 1}).code(), error_number::writeProtect);
-    EXPECT_EQ(files.writeWhole("F:\\a", "x").code(), error_number::writeProtect);
+    EXPECT_EQ(files.writeWhole("F:\\a", "x", Durability::now).code(), error_number::writeProtect);
     EXPECT_EQ(files.removeLeftovers("F:\\").code(), error_number::writeProtect);
     EXPECT_EQ(copy("F:\\a", "C:\\c"), 0U);
 }
@@ -167,7 +168,7 @@ TEST_F(MemoryFilesTest, DirectoryThatRefusesWritesTakesNoNewNames) {
     disk.file("C:\\a", "abc");
     disk.directory("F:\\Ferme").writeError = 5;
     EXPECT_EQ(copy("C:\\a", "F:\\Ferme\\a"), 5U);
-    EXPECT_EQ(files.createDirectory("F:\\Ferme\\Sous").code(), 5U);
+    EXPECT_EQ(files.createDirectory("F:\\Ferme\\Sous", DirectoryAccess::usual).code(), 5U);
 }
 
 TEST_F(MemoryFilesTest, DriveWithoutLinksGetsTheContentOfALinkedFile) {
@@ -230,7 +231,7 @@ TEST(MemoryPlatform, HandsOutItsServices) {
     EXPECT_FALSE(system.guard().claim("C:\\Prog"));
     EXPECT_TRUE(system.guard().claim("C:\\Autre"));
     EXPECT_THAT(system.guard().claims(), ElementsAre("C:\\Prog", "C:\\Autre"));
-    ASSERT_TRUE(platform.files.createDirectory("C:\\Docs").ok());
+    ASSERT_TRUE(platform.files.createDirectory("C:\\Docs", DirectoryAccess::usual).ok());
     EXPECT_EQ(system.disk().lastWrite("C:\\Docs"), system.clock().fileTime());
 }
 

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/text_log.h"
+#include "platform/long_lists.h"
 
 namespace coffrelune {
 namespace {

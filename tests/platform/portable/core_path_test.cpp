@@ -75,5 +75,14 @@ TEST(PlainSpelling, LeavesAloneWhatIsNoPathOfTheCore) {
     }
 }
 
+TEST(DriveLetter, IsALetterAndAColon) {
+    for (const char* drive : {"C:", "z:", "C:\\Docs", "D:x"}) {
+        EXPECT_TRUE(hasDriveLetter(drive)) << drive;
+    }
+    for (const char* none : {"", "C", "1:", ":C", "@:", "[:", "{:", "\\\\srv\\c", "\xC3:"}) {
+        EXPECT_FALSE(hasDriveLetter(none)) << none;
+    }
+}
+
 }  // namespace
 }  // namespace coffrelune

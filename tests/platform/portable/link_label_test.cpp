@@ -1,6 +1,6 @@
-#include "platform/link_label.h"
-
 #include <gtest/gtest.h>
+
+#include "platform/commands.h"
 
 namespace coffrelune {
 namespace {

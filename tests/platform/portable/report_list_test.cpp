@@ -1,7 +1,7 @@
-#include "platform/report_list.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "platform/long_lists.h"
 
 namespace coffrelune {
 namespace {

@@ -117,11 +117,30 @@ TEST_F(DataCopierTest, LeavesWhatIsAppendedMeanwhileToTheNextRun) {
     EXPECT_TRUE(disk_.read("copie") == content);
 }
 
-TEST_F(DataCopierTest, EndsWhereTheSourceIsCutOffMeanwhile) {
+TEST_F(DataCopierTest, SourceThatIsCutOffMeanwhileIsNoCompleteOne) {
     disk_.write("source", pattern(9 * mebibyte));
     readings_.onChunk = [&] { ASSERT_EQ(truncate(disk_.at("source").c_str(), 100), 0); };
-    ASSERT_EQ(copy(), 0);
-    EXPECT_EQ(disk_.stat("copie").st_size, static_cast<off_t>(4 * mebibyte));
+    EXPECT_EQ(copy(), ENODATA);
+}
+
+TEST_F(DataCopierTest, SourceThatIsCutOffIsNotTakenForOneThatEndsInAHole) {
+    {
+        const UniqueFd file(open(disk_.at("source").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+        ASSERT_EQ(pwrite(file.get(), "start", 5, 0), 5);
+        ASSERT_EQ(pwrite(file.get(), "end", 3, 8 * mebibyte), 3);
+    }
+    readings_.onChunk = [&] { ASSERT_EQ(truncate(disk_.at("source").c_str(), mebibyte), 0); };
+    EXPECT_EQ(copy(), ENODATA);
+}
+
+TEST_F(DataCopierTest, FilesOfTheKernelThatHaveNoSizeAreCopied) {
+    const UniqueFd from(open("/proc/self/mountinfo", O_RDONLY | O_CLOEXEC));
+    const UniqueFd to(open(disk_.at("copie").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    struct stat information {};
+    ASSERT_EQ(fstat(from.get(), &information), 0);
+    ASSERT_EQ(information.st_size, 0);
+    EXPECT_EQ(copier_.copy(from.get(), information, to.get(), nullptr), 0);
+    EXPECT_THAT(disk_.read("copie"), testing::HasSubstr(" / "));
 }
 
 TEST_F(DataCopierTest, StopsAtTheNextChunkWhenAbandoned) {

@@ -159,5 +159,28 @@ TEST(MountTable, UuidsAreReadFromTheLinks) {
     EXPECT_THAT(readUuids(disk.at("absent")), IsEmpty());
 }
 
+TEST(MountTable, NetworkVolumesThatNoShareIsNamedAfterGetALetter) {
+    for (const char* type : {"cifs", "smb3", "nfs", "nfs4", "fuse.sshfs", "fuse.rclone", "davfs"}) {
+        EXPECT_TRUE(isNetworkType(type)) << type;
+    }
+    EXPECT_FALSE(isNetworkType("ext4"));
+    EXPECT_FALSE(isNetworkType("fuseblk"));
+    const auto mounts = parseMounts("1 2 0:9 / /mnt/x rw - fuse.sshfs moi@serveur:/home rw\n");
+    EXPECT_THAT(textsOf(volumesOf(mounts, {}, {})), ElementsAre("path:/mnt/x /mnt/x"));
+    EXPECT_THAT(sharesOf(mounts), IsEmpty());
+}
+
+TEST(MountTable, KnowsTheSubvolumeThatAMountShows) {
+    const auto mounts = parseMounts(
+        "7 2 0:9 /@home/paul /mnt/x rw - btrfs /dev/sdc1 rw,subvolid=257,subvol=/@home\n"
+        "8 2 0:9 / /mnt/y rw - btrfs /dev/sdc1 rw,subvolid=5,subvol=/\n"
+        "9 2 8:1 / /mnt/z rw - ext4 /dev/sda1 rw\n");
+    ASSERT_EQ(mounts.size(), 3U);
+    EXPECT_EQ(mounts[0].id, 7U);
+    EXPECT_EQ(mounts[0].subvolume, "/@home");
+    EXPECT_EQ(mounts[1].subvolume, "/");
+    EXPECT_EQ(mounts[2].subvolume, "");
+}
+
 }  // namespace
 }  // namespace coffrelune

@@ -173,7 +173,7 @@ TEST_F(PosixCopy, NamesOfAnyBytesPass) {
         FileEntry found;
         EXPECT_TRUE(directory->lookUp(entry.name, found)) << name;
         EXPECT_EQ(found.id, entry.id);
-        ASSERT_EQ(files().createDirectory("D:\\d").code(), 0U);
+        ASSERT_EQ(files().createDirectory("D:\\d", DirectoryAccess::usual).code(), 0U);
         ASSERT_EQ(copy(entry.name, "d\\" + entry.name), 0U) << name;
         EXPECT_EQ(disk_.read("d/" + name), name);
         std::filesystem::remove_all(disk_.at("d"));

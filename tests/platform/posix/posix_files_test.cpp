@@ -53,7 +53,7 @@ TEST_F(PosixFilesTest, ListingKeepsToFilesDirectoriesAndLinks) {
 TEST_F(PosixFilesTest, ListingMarksWhatItCouldNotLookAt) {
     disk_.makeDirectory("noms seuls");
     disk_.write("noms seuls/a", "abc");
-    chmod(disk_.at("noms seuls").c_str(), 0744);
+    chmod(disk_.at("noms seuls").c_str(), 0444);
     FileEntry entry;
     {
         const WithoutPrivileges user;
@@ -65,6 +65,7 @@ TEST_F(PosixFilesTest, ListingMarksWhatItCouldNotLookAt) {
         EXPECT_EQ(entry.name, "a");
         EXPECT_TRUE(entry.unreadable);
     }
+    chmod(disk_.at("noms seuls").c_str(), 0755);
     // The same record serves for the next entry.
     ASSERT_TRUE(files().lookUp("D:\\noms seuls\\a", LinkRule::refuse, entry).ok());
     EXPECT_FALSE(entry.unreadable);
@@ -136,8 +137,8 @@ TEST_F(PosixFilesTest, MissingParentIsToldFromAMissingName) {
     EXPECT_EQ(openCode(files(), "D:\\absent\\x"), 3U);
     EXPECT_EQ(openCode(files(), "D:\\a\\x"), 3U);
     EXPECT_EQ(openCode(files(), "D:\\a"), 267U);
-    EXPECT_EQ(files().createDirectory("D:\\absent\\x").code(), 3U);
-    EXPECT_EQ(files().createDirectory("D:\\").code(), 183U);
+    EXPECT_EQ(files().createDirectory("D:\\absent\\x", DirectoryAccess::usual).code(), 3U);
+    EXPECT_EQ(files().createDirectory("D:\\", DirectoryAccess::usual).code(), 183U);
     EXPECT_EQ(files().removeFile("D:\\absent\\x").code(), 3U);
     EXPECT_EQ(files().copyFile("D:\\a", "D:\\absent\\x", LinkRule::refuse, nullptr).code(), 3U);
     EXPECT_EQ(files().lookUp("E:\\", LinkRule::refuse, entry).code(), 55U);
@@ -167,7 +168,7 @@ TEST_F(PosixFilesTest, DeepTreesKeepFewDescriptors) {
     std::string path = "D:";
     std::vector<std::unique_ptr<Directory>> open;
     for (int level = 0; level < levels; ++level) {
-        ASSERT_TRUE(files().createDirectory(path + "\\d").ok());
+        ASSERT_TRUE(files().createDirectory(path + "\\d", DirectoryAccess::usual).ok());
         std::unique_ptr<Directory> directory;
         ASSERT_TRUE(
             files().openDirectory(path, LinkRule::refuse, Wanted::everything, directory).ok());
@@ -238,13 +239,13 @@ class UnmountedVolume : public testing::Test {
 
 TEST_F(UnmountedVolume, IsNeverWrittenTo) {
     EXPECT_EQ(files().copyFile("C:\\a", "F:\\a", LinkRule::refuse, nullptr).code(), 55U);
-    EXPECT_EQ(files().createDirectory("F:\\d").code(), 55U);
-    EXPECT_EQ(files().writeWhole("F:\\b", "x").code(), 55U);
+    EXPECT_EQ(files().createDirectory("F:\\d", DirectoryAccess::usual).code(), 55U);
+    EXPECT_EQ(files().writeWhole("F:\\b", "x", Durability::now).code(), 55U);
     EXPECT_EQ(files().removeFile("F:\\reste").code(), 55U);
     EXPECT_EQ(files().setAttributes("F:\\reste", attribute::readOnly).code(), 55U);
     EXPECT_EQ(files().setTimes("F:\\reste", {1, 1, 1}).code(), 55U);
     EXPECT_EQ(files().removeLeftovers("F:\\").code(), 55U);
-    EXPECT_EQ(files().createDirectory("F:\\d\\plus bas").code(), 55U);
+    EXPECT_EQ(files().createDirectory("F:\\d\\plus bas", DirectoryAccess::usual).code(), 55U);
     EXPECT_THAT(mountPoint_.names(), ElementsAre("reste"));
 }
 
@@ -264,7 +265,7 @@ TEST_F(UnmountedVolume, DoesNotPassForAnEmptyOne) {
 TEST_F(UnmountedVolume, IsToldFromOneThatIsThere) {
     PosixPlatform mounted(
         std::vector<PathRoot>{PathRoot::drive('F', mountPoint_.at(), mountPoint_.stat().st_dev)});
-    EXPECT_EQ(mounted.files().createDirectory("F:\\d").code(), 0U);
+    EXPECT_EQ(mounted.files().createDirectory("F:\\d", DirectoryAccess::usual).code(), 0U);
     EXPECT_EQ(mounted.files().copyFile("F:\\reste", "F:\\d\\b", LinkRule::refuse, nullptr).code(),
               0U);
     EXPECT_EQ(openCode(mounted.files(), "F:\\absent"), 2U);

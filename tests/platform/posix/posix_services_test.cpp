@@ -58,7 +58,7 @@ TEST_F(PosixDrivesTest, VolumesComeAndGoWithoutLosingTheirLetter) {
     EXPECT_EQ(platform.drives().fromNative("/media/cle/Photos"), "D:\\Photos");
     EXPECT_EQ(platform.drives().fromNative("/media/cle"), "D:\\");
     EXPECT_EQ(platform.drives().fromNative("/media/clef"), "C:\\media\\clef");
-    EXPECT_EQ(platform.files().createDirectory("D:\\Photos").code(), 55U);
+    EXPECT_EQ(platform.files().createDirectory("D:\\Photos", DirectoryAccess::usual).code(), 55U);
     EXPECT_THAT(settings_.read("Lecteurs.ini"),
                 HasSubstr("D=path:/media/cle\nE=path:/mnt/disque\n"));
 

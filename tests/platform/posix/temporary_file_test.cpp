@@ -5,6 +5,7 @@
 
 #include <cerrno>
 
+#include "platform/own_names.h"
 #include "platform/posix/temporary_directory.h"
 
 namespace coffrelune {
@@ -16,17 +17,6 @@ using testing::SizeIs;
 
 UniqueFd openDirectory(const TemporaryDirectory& disk) {
     return UniqueFd(open(disk.at().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-}
-
-TEST(TemporaryName, IsRecognisedStrictly) {
-    EXPECT_TRUE(isTemporaryName(".~coffrelune-0123456789abcdef.tmp"));
-    for (const char* name :
-         {".~coffrelune-0123456789abcde.tmp", ".~coffrelune-0123456789abcdef0.tmp",
-          ".~coffrelune-0123456789ABCDEF.tmp", ".~coffrelune-0123456789abcdeg.tmp",
-          "~coffrelune-0123456789abcdef.tmp", ".~coffrelune-0123456789abcdef.tmp~",
-          ".~coffrelune-0123456789abcdef.TMP", "", ".~coffrelune-.tmp"}) {
-        EXPECT_FALSE(isTemporaryName(name)) << name;
-    }
 }
 
 TEST(TemporaryName, IsMadeAnewEachTime) {
@@ -71,26 +61,6 @@ TEST(TemporaryFile, GoesAwayWhenItsNameIsRefused) {
         EXPECT_EQ(file.commit("a"), EISDIR);
     }
     EXPECT_THAT(disk.names(), ElementsAre("a"));
-}
-
-TEST(TemporaryFile, LeftoversGoAwayAndFilesInTheMakingStay) {
-    const TemporaryDirectory disk;
-    const UniqueFd directory = openDirectory(disk);
-    TemporaryFile live;
-    ASSERT_EQ(live.create(directory.get(), 0600), 0);
-    const std::string liveName = disk.names()[0];
-    disk.write(".~coffrelune-00000000000000aa.tmp", "half");
-    chmod(disk.write(".~coffrelune-00000000000000ab.tmp", "half").c_str(), 0444);
-    ASSERT_EQ(symlink("x", disk.at(".~coffrelune-00000000000000ac.tmp").c_str()), 0);
-    disk.makeDirectory(".~coffrelune-00000000000000ad.tmp");
-    disk.write("~coffrelune-0000000000000000.tmp", "of the user");
-
-    EXPECT_EQ(removeTemporaries(directory.get()), 0);
-    EXPECT_THAT(disk.names(),
-                testing::UnorderedElementsAre(liveName, ".~coffrelune-00000000000000ad.tmp",
-                                              "~coffrelune-0000000000000000.tmp"));
-    ASSERT_EQ(live.commit("a"), 0);
-    EXPECT_EQ(disk.read("a"), "");
 }
 
 }  // namespace

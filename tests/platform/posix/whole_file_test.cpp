@@ -24,14 +24,14 @@ TEST(WholeFile, FifoIsRefusedAndNotWaitedFor) {
     ASSERT_EQ(mkfifo(disk.at("tube").c_str(), 0666), 0);
     std::string bytes;
     EXPECT_EQ(readWholeFile(disk.at("tube"), 100, bytes), EACCES);
-    EXPECT_EQ(writeWholeFile(disk.at("tube"), "abc"), EACCES);
+    EXPECT_EQ(writeWholeFile(disk.at("tube"), "abc", Durability::now), EACCES);
     EXPECT_TRUE(S_ISFIFO(disk.stat("tube").st_mode));
 }
 
 TEST(WholeFile, KeepsTheModeOfTheFileThatItReplaces) {
     const TemporaryDirectory disk;
     chmod(disk.write("a.ini", "old").c_str(), 0640);
-    ASSERT_EQ(writeWholeFile(disk.at("a.ini"), "new"), 0);
+    ASSERT_EQ(writeWholeFile(disk.at("a.ini"), "new", Durability::now), 0);
     EXPECT_EQ(disk.read("a.ini"), "new");
     EXPECT_EQ(disk.stat("a.ini").st_mode & 07777, 0640U);
 }
@@ -41,7 +41,7 @@ TEST(WholeFile, KeepsTheOwnerWhenRootWritesAUsersFile) {
     const TemporaryDirectory disk;
     disk.write("a.ini", "old");
     ASSERT_EQ(chown(disk.at("a.ini").c_str(), 65534, 65534), 0);
-    ASSERT_EQ(writeWholeFile(disk.at("a.ini"), "new"), 0);
+    ASSERT_EQ(writeWholeFile(disk.at("a.ini"), "new", Durability::now), 0);
     EXPECT_EQ(disk.stat("a.ini").st_uid, 65534U);
     EXPECT_EQ(disk.stat("a.ini").st_gid, 65534U);
 }
@@ -49,7 +49,7 @@ TEST(WholeFile, KeepsTheOwnerWhenRootWritesAUsersFile) {
 TEST(WholeFile, NewFileFollowsTheUmask) {
     const TemporaryDirectory disk;
     const mode_t old = umask(0027);
-    EXPECT_EQ(writeWholeFile(disk.at("a.ini"), "new"), 0);
+    EXPECT_EQ(writeWholeFile(disk.at("a.ini"), "new", Durability::now), 0);
     umask(old);
     EXPECT_EQ(disk.stat("a.ini").st_mode & 07777, 0640U);
 }
@@ -57,7 +57,7 @@ TEST(WholeFile, NewFileFollowsTheUmask) {
 TEST(WholeFile, ReadOnlyFileStaysAsItIs) {
     const TemporaryDirectory disk;
     chmod(disk.write("a.ini", "old").c_str(), 0444);
-    EXPECT_EQ(writeWholeFile(disk.at("a.ini"), "new"), EACCES);
+    EXPECT_EQ(writeWholeFile(disk.at("a.ini"), "new", Durability::now), EACCES);
     EXPECT_EQ(disk.read("a.ini"), "old");
     EXPECT_THAT(disk.names(), ElementsAre("a.ini"));
 }
@@ -67,7 +67,7 @@ TEST(WholeFile, FollowsAChainOfLinksAndCreatesTheirTarget) {
     disk.makeDirectory("reel");
     ASSERT_EQ(symlink("lien2", disk.at("lien1").c_str()), 0);
     ASSERT_EQ(symlink("reel/a.ini", disk.at("lien2").c_str()), 0);
-    ASSERT_EQ(writeWholeFile(disk.at("lien1"), "new"), 0);
+    ASSERT_EQ(writeWholeFile(disk.at("lien1"), "new", Durability::now), 0);
     EXPECT_EQ(disk.read("reel/a.ini"), "new");
     EXPECT_TRUE(S_ISLNK(disk.stat("lien1").st_mode));
 }
@@ -80,7 +80,7 @@ TEST(WholeFile, DirectoryThatMayNotBeWrittenKeepsTheOldFile) {
     chmod(disk.at("ferme").c_str(), 0555);
     {
         const WithoutPrivileges user;
-        EXPECT_EQ(writeWholeFile(disk.at("ferme/a.ini"), "new"), EACCES);
+        EXPECT_EQ(writeWholeFile(disk.at("ferme/a.ini"), "new", Durability::now), EACCES);
     }
     EXPECT_EQ(disk.read("ferme/a.ini"), "old");
     chmod(disk.at("ferme").c_str(), 0755);

@@ -83,7 +83,7 @@ TEST_F(Win32AccessRights, OfTheOldCopyHoldForTheNewOne) {
 TEST_F(Win32AccessRights, OfTheOldSettingsHoldForTheNewOnes) {
     lock("copie.txt");
     const std::string before = rights("copie.txt");
-    ASSERT_TRUE(files_.writeWhole(base_.at("copie.txt"), "new").ok());
+    ASSERT_TRUE(files_.writeWhole(base_.at("copie.txt"), "new", Durability::now).ok());
     EXPECT_EQ(disk::content(base_.at("copie.txt")), "new");
     EXPECT_EQ(rights("copie.txt"), before);
 }

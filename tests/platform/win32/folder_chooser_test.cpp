@@ -1,11 +1,9 @@
-#include "platform/win32/desktop/folder_chooser.h"
-
 #include <gtest/gtest.h>
 #include <windows.h>
 
 #include <functional>
 
-#include "platform/win32/desktop/apartment.h"
+#include "platform/win32/desktop/win32_desktop.h"
 #include "platform/win32/native_path.h"
 #include "platform/win32/test_disk.h"
 #include "platform/win32/wide_text.h"

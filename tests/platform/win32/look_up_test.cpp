@@ -82,7 +82,7 @@ TEST_F(Win32LookUp, SeesEveryWriteOfTheProgram) {
     EXPECT_EQ(sizeOf(name(3)), 6U);
     ASSERT_TRUE(files_.removeFile(at(4)).ok());
     EXPECT_EQ(sizeOf(name(4)), std::nullopt);
-    ASSERT_TRUE(files_.writeWhole(at(5), "x").ok());
+    ASSERT_TRUE(files_.writeWhole(at(5), "x", Durability::now).ok());
     EXPECT_EQ(sizeOf(name(5)), 1U);
 
     FileEntry entry;
@@ -93,21 +93,21 @@ TEST_F(Win32LookUp, SeesEveryWriteOfTheProgram) {
     ASSERT_TRUE(opened_->lookUp(name(7), entry));
     EXPECT_TRUE(entry.isReadOnly());
     ASSERT_TRUE(files_.removeFile(at(8)).ok());
-    ASSERT_TRUE(files_.createDirectory(at(8)).ok());
+    ASSERT_TRUE(files_.createDirectory(at(8), DirectoryAccess::usual).ok());
     ASSERT_TRUE(opened_->lookUp(name(8), entry));
     EXPECT_TRUE(entry.isDirectory());
 }
 
 TEST_F(Win32LookUp, SeesWritesUnderANameInAnotherCase) {
     fill(20);
-    ASSERT_TRUE(files_.writeWhole(base_.at("FICHIER 3.TXT"), "longer").ok());
+    ASSERT_TRUE(files_.writeWhole(base_.at("FICHIER 3.TXT"), "longer", Durability::now).ok());
     EXPECT_EQ(sizeOf(name(3)), 6U);
 }
 
 TEST_F(Win32LookUp, TrustsTheListingNoMoreOnceAShortNameIsWritten) {
     fill(20);
     disk::makeFile(at(3), "longer", newTime);  // as that name may have done
-    ASSERT_TRUE(files_.writeWhole(base_.at("FICHIE~1.TXT"), "x").ok());
+    ASSERT_TRUE(files_.writeWhole(base_.at("FICHIE~1.TXT"), "x", Durability::now).ok());
     EXPECT_EQ(sizeOf(name(3)), 6U);
 }
 

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "engine/engine_fixture.h"
+#include "platform/own_names.h"
 #include "platform/win32/test_disk.h"
 #include "platform/win32/win32_platform.h"
 
@@ -22,7 +23,7 @@ class Win32Walk : public testing::Test {
         system_.Modifie = 1;
         system_.options.SynchroDate = -1;
         statistics_.tallies.resize(12);
-        statistics_.askBeforeReplacing = false;
+        control_.askBeforeReplacing = false;
     }
 
     std::string source(const std::string& name) const { return base_.at("Docs\\" + name); }
@@ -32,12 +33,23 @@ class Win32Walk : public testing::Test {
     /// A backup of Docs to Save: the copy pass alone.
     void backUp() { backUp(base_.at("Docs"), base_.at("Save")); }
     void backUp(const std::string& from, const std::string& to) {
-        CopieMod engine(system_, statistics_, window_);
-        engine.walkLine(lineRoots(from, to, Layout::normal), false);
+        walk(lineRoots(from, to, Layout::normal), {Pass::copy});
     }
     void restore() {
-        CopieMod engine(system_, statistics_, window_);
-        engine.walkLine(lineRoots(base_.at("Docs"), base_.at("Save"), Layout::reversed), false);
+        walk(lineRoots(base_.at("Docs"), base_.at("Save"), Layout::reversed), {Pass::copy});
+    }
+    void walk(const LineRoots& roots, const std::vector<Pass>& passes) {
+        RunState run{system_, window_, switches_, control_, statistics_};
+        CopyErrors errors(run);
+        CopieMod engine(run, errors);
+        LineTrees trees(run, errors, {0, roots, exclusions_});
+        for (const Pass pass : passes) engine.walkLine(trees, pass);
+    }
+    /// What is in a directory, without the program's own certificates.
+    static std::vector<std::string> names(const std::string& path) {
+        std::vector<std::string> found = disk::names(path);
+        std::erase_if(found, [](const std::string& name) { return ownFileKind(name).has_value(); });
+        return found;
     }
 
     disk::Temporary base_;
@@ -46,8 +58,11 @@ class Win32Walk : public testing::Test {
     Platform platform_{native_.files(), native_.drives(), memory_.clock(),  native_.locale(),
                        native_.ansi(),  memory_.sounds(), memory_.windows()};
     SystemMod system_{platform_, {"", "", 3, 5}};
+    RunSwitches switches_;
+    RunControl control_;
     RunStatistics statistics_;
-    RecordingWindow window_;
+    RecordingDisplay window_;
+    ExclusionList exclusions_;
 };
 
 TEST_F(Win32Walk, UnchangedFileIsNeverOpened) {
@@ -66,17 +81,17 @@ TEST_F(Win32Walk, FileHeldOpenStopsTheRunUnlessErrorsArePassedOver) {
     disk::makeFile(source("b.txt"), "b", oldTime);
     const disk::Held held(source("a.txt"));
     backUp();
-    EXPECT_TRUE(statistics_.interruptionRequested);
-    EXPECT_EQ(statistics_.lastErrorNumber, error_number::sharingViolation);
+    EXPECT_TRUE(control_.interruptionRequested);
+    EXPECT_EQ(control_.lastErrorNumber, error_number::sharingViolation);
     EXPECT_THAT(window_.journal, ElementsAre("Erreur: 32 - Fichier: " + source("a.txt")));
     EXPECT_FALSE(disk::attributes(copy("b.txt")).has_value());
 
-    statistics_.interruptionRequested = false;
+    control_.interruptionRequested = false;
     system_.options.ContinueOnError = -1;
     backUp();
-    EXPECT_FALSE(statistics_.interruptionRequested);
+    EXPECT_FALSE(control_.interruptionRequested);
     EXPECT_EQ(disk::content(copy("b.txt")), "b");
-    EXPECT_THAT(disk::names(copies()), ElementsAre("b.txt"));
+    EXPECT_THAT(names(copies()), ElementsAre("b.txt"));
 }
 
 TEST_F(Win32Walk, NameInAnotherCaseIsTheSameFileButNotTheSameExclusion) {
@@ -87,9 +102,9 @@ TEST_F(Win32Walk, NameInAnotherCaseIsTheSameFileButNotTheSameExclusion) {
     disk::makeFile(source("LETTRE.TXT"), "abc", oldTime);
     disk::makeDirectory(base_.at("Save\\docs"));
     disk::makeFile(base_.at("Save\\docs\\lettre.txt"), "abc", oldTime);
-    statistics_.exclusions = {2, {"\\Tmp", "\\GARDE"}};
+    exclusions_ = {ExclusionMode::listed, {"\\Tmp", "\\GARDE"}};
     backUp();
-    EXPECT_THAT(disk::names(copies()), ElementsAre("Garde", "lettre.txt"));
+    EXPECT_THAT(names(copies()), ElementsAre("Garde", "lettre.txt"));
     EXPECT_EQ(statistics_.tallies[0].files, 1U);
 }
 
@@ -114,7 +129,7 @@ TEST_F(Win32Walk, NamesThatShortPathsCannotBearComeThrough) {
     disk::makeFile(source("dossier.\\aux"), "x", oldTime);
     backUp();
     EXPECT_EQ(statistics_.errorCount, 0);
-    EXPECT_EQ(disk::names(copies()), disk::names(base_.at("Docs")));
+    EXPECT_EQ(names(copies()), names(base_.at("Docs")));
     EXPECT_EQ(disk::content(copy("fin.")), "fin.");
     EXPECT_EQ(disk::content(copy("fin ")), "fin ");
     EXPECT_EQ(disk::content(copy("dossier.\\aux")), "x");
@@ -130,14 +145,12 @@ TEST_F(Win32Walk, CircleOfLinksIsNamedOnceAndTheRestIsCopied) {
     disk::makeDirectory(source("Suite"));
     disk::makeFile(source("Suite\\c.txt"), "c", oldTime);
     system_.options.ContinueOnError = 0;
-    CopieMod engine(system_, statistics_, window_);
-    for (const bool analysis : {true, false}) {
-        engine.walkLine(lineRoots(base_.at("Docs"), base_.at("Save"), Layout::normal), analysis);
-    }
-    EXPECT_FALSE(statistics_.interruptionRequested);
+    walk(lineRoots(base_.at("Docs"), base_.at("Save"), Layout::normal),
+         {Pass::analysis, Pass::copy});
+    EXPECT_FALSE(control_.interruptionRequested);
     EXPECT_THAT(window_.journal, ElementsAre("Erreur: 1921 - Fichier: " + source("Sous\\retour")));
     EXPECT_EQ(disk::content(copy("Suite\\c.txt")), "c");
-    EXPECT_THAT(disk::names(copy("Sous")), ElementsAre("b.txt"));
+    EXPECT_THAT(names(copy("Sous")), ElementsAre("b.txt"));
 }
 
 TEST_F(Win32Walk, ContentBehindADirectoryLinkIsCopied) {
@@ -165,7 +178,7 @@ TEST_F(Win32Walk, LinkThatStandsInTheCopyIsNotWrittenThrough) {
     system_.options.ContinueOnError = -1;
     backUp();
     EXPECT_EQ(disk::content(base_.at("Travail\\a.txt")), "mine");
-    EXPECT_THAT(disk::names(base_.at("Travail")), ElementsAre("a.txt"));
+    EXPECT_THAT(names(base_.at("Travail")), ElementsAre("a.txt"));
     EXPECT_EQ(statistics_.errorCount, 1);
     EXPECT_THAT(window_.journal, ElementsAre("Erreur: 267 - Fichier: " + source("s")));
     EXPECT_EQ(disk::content(copy("z.txt")), "z");
@@ -192,9 +205,9 @@ TEST_F(Win32Walk, ItsOwnCopyInsideTheSourceIsNotEnteredHoweverItIsSpelled) {
         backUp(base_.at("Docs"), base_.at("DOCS\\COPIES"));
     }
     EXPECT_EQ(statistics_.errorCount, 0);
-    EXPECT_THAT(disk::names(source("Copies")), SizeIs(1));
-    EXPECT_THAT(disk::names(source("Copies\\Docs")), ElementsAre("Copies", "a.txt"));
-    EXPECT_THAT(disk::names(source("Copies\\Docs\\Copies")), IsEmpty());
+    EXPECT_THAT(names(source("Copies")), SizeIs(1));
+    EXPECT_THAT(names(source("Copies\\Docs")), ElementsAre("Copies", "a.txt"));
+    EXPECT_THAT(names(source("Copies\\Docs\\Copies")), IsEmpty());
 }
 
 TEST_F(Win32Walk, ItsOwnCopyBehindALinkIsNotEntered) {
@@ -205,8 +218,8 @@ TEST_F(Win32Walk, ItsOwnCopyBehindALinkIsNotEntered) {
     backUp();
     backUp();
     EXPECT_EQ(statistics_.errorCount, 0);
-    EXPECT_THAT(disk::names(copies()), ElementsAre("a.txt", "sauvegardes"));
-    EXPECT_THAT(disk::names(base_.at("Save\\Docs\\sauvegardes")), IsEmpty());
+    EXPECT_THAT(names(copies()), ElementsAre("a.txt", "sauvegardes"));
+    EXPECT_THAT(names(base_.at("Save\\Docs\\sauvegardes")), IsEmpty());
 }
 
 }  // namespace

@@ -3,8 +3,7 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
-#include "platform/win32/desktop/folder_chooser.h"
-#include "platform/win32/desktop/shell_icon.h"
+#include "platform/win32/desktop/win32_drive_information.h"
 #include "platform/win32/test_disk.h"
 #include "platform/win32/wide_text.h"
 #include "platform/win32/win32_services.h"
@@ -80,16 +79,6 @@ TEST(Win32Registry, ReplacesALongerTextWhole) {
     EXPECT_TRUE(stored == L"new" || stored == std::wstring(L"new\0", 4)) << narrow(stored);
 }
 
-TEST(Win32Registry, SetsANumberOfFourBytes) {
-    const TestKey key;
-    Win32Registry registry;
-    ASSERT_TRUE(registry.setNumber(Root::currentUser, keyPath, "n", 0x12345678).ok());
-    const auto value = key.value(L"n");
-    ASSERT_TRUE(value.has_value());
-    EXPECT_EQ(value->second, DWORD{REG_DWORD});
-    EXPECT_EQ(value->first, (std::wstring{wchar_t{0x5678}, wchar_t{0x1234}}));
-}
-
 TEST(Win32Registry, DeletesAValueOnce) {
     const TestKey key;
     Win32Registry registry;
@@ -104,7 +93,6 @@ TEST(Win32Registry, NeverMakesAKey) {
     Win32Registry registry;
     for (const Root root : {Root::currentUser, Root::localMachine}) {
         EXPECT_FALSE(registry.setText(root, R"(Software\Coffrelune-Absent)", "v", "x").ok());
-        EXPECT_FALSE(registry.setNumber(root, R"(Software\Coffrelune-Absent)", "v", 1).ok());
         EXPECT_FALSE(registry.deleteValue(root, R"(Software\Coffrelune-Absent)", "v").ok());
     }
     HKEY key = nullptr;

@@ -104,7 +104,8 @@ TEST_F(Win32FilesTest, WhatIsHeldOpenWithoutSharingGivesThirtyTwo) {
         EXPECT_EQ(files_.removeFile(at("tenu.txt")).code(), error_number::sharingViolation);
         EXPECT_EQ(files_.readWhole(at("tenu.txt"), 100, bytes).code(),
                   error_number::sharingViolation);
-        EXPECT_EQ(files_.writeWhole(at("tenu.txt"), "x").code(), error_number::sharingViolation);
+        EXPECT_EQ(files_.writeWhole(at("tenu.txt"), "x", Durability::now).code(),
+                  error_number::sharingViolation);
     }
     EXPECT_THAT(disk::names(at("")), ElementsAre("libre.txt", "tenu.txt"));
     EXPECT_EQ(disk::content(at("tenu.txt")), "abc");
@@ -132,7 +133,8 @@ TEST_F(Win32FilesTest, CopyTakesHiddenAndReadOnlyButOnlyReadOnlyResists) {
     ASSERT_TRUE(files_.setAttributes(at("verrou.txt"), attribute::readOnly).ok());
     EXPECT_EQ(copy("cache.txt", "verrou.txt"), error_number::accessDenied);
     EXPECT_EQ(files_.removeFile(at("verrou.txt")).code(), error_number::accessDenied);
-    EXPECT_EQ(files_.writeWhole(at("verrou.txt"), "x").code(), error_number::accessDenied);
+    EXPECT_EQ(files_.writeWhole(at("verrou.txt"), "x", Durability::now).code(),
+              error_number::accessDenied);
     EXPECT_EQ(disk::content(at("verrou.txt")), "old");
 }
 
@@ -323,7 +325,7 @@ TEST_F(Win32FilesTest, SettingsFileKeepsItsAttributesAndItsCreationTime) {
     ASSERT_TRUE(files_.setTimes(at("a.ini"), {oldTime, oldTime, oldTime}).ok());
     ASSERT_TRUE(files_.setAttributes(at("a.ini"), attribute::hidden).ok());
     const FileEntry before = entry("a.ini");
-    ASSERT_TRUE(files_.writeWhole(at("a.ini"), "new").ok());
+    ASSERT_TRUE(files_.writeWhole(at("a.ini"), "new", Durability::now).ok());
     const FileEntry after = entry("a.ini");
     EXPECT_EQ(after.attributes & attribute::hidden, before.attributes & attribute::hidden);
     // Wine's host keeps no creation time and shows another one in its place.
@@ -338,9 +340,9 @@ TEST_F(Win32FilesTest, PathsThatAreNoneFailWithoutTouchingTheDisk) {
     FileEntry found;
     for (const char* path : {"", "a.txt", "C:a.txt", R"(\a.txt)", R"(\\.\C:)"}) {
         EXPECT_EQ(files_.lookUp(path, LinkRule::refuse, found).code(), 3U) << path;
-        EXPECT_EQ(files_.createDirectory(path).code(), 3U) << path;
+        EXPECT_EQ(files_.createDirectory(path, DirectoryAccess::usual).code(), 3U) << path;
     }
-    EXPECT_EQ(files_.createDirectory(at("a:b")).code(), 123U);
+    EXPECT_EQ(files_.createDirectory(at("a:b"), DirectoryAccess::usual).code(), 123U);
     EXPECT_THAT(disk::names(at("")), IsEmpty());
 }
 

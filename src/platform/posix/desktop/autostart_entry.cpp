@@ -116,14 +116,9 @@ Status AutostartEntry::setText(Root root, const std::string& key, const std::str
     Status located = table_.paths().locate(data, place);
     if (!located.ok()) return located;
     int error = makeDirectories(directory_);
-    if (error == 0) error = writeWholeFile(file(), entryText(programOf(place.native)));
+    if (error == 0)
+        error = writeWholeFile(file(), entryText(programOf(place.native)), Durability::now);
     return error == 0 ? Status() : systemFailure(error, data);
-}
-
-Status AutostartEntry::setNumber(Root root, const std::string& key, const std::string& name,
-                                 std::uint32_t /*data*/) {
-    Status allowed = checkValue(root, key, name);
-    return allowed.ok() ? Status::failure(error_number::notSupported, key) : allowed;
 }
 
 Status AutostartEntry::deleteValue(Root root, const std::string& key, const std::string& name) {

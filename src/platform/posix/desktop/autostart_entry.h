@@ -23,9 +23,6 @@ class AutostartEntry final : public RegistryService {
     /// the file without it exists. The entry is replaced as a whole.
     Status setText(Root root, const std::string& key, const std::string& name,
                    const std::string& data) override;
-    /// 50: an entry holds no number.
-    Status setNumber(Root root, const std::string& key, const std::string& name,
-                     std::uint32_t data) override;
     /// 2 when there is no entry.
     Status deleteValue(Root root, const std::string& key, const std::string& name) override;
 

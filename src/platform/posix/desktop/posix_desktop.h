@@ -1,13 +1,70 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
+#include "platform/desktop_services.h"
 #include "platform/posix/desktop/autostart_entry.h"
-#include "platform/posix/desktop/desktop_sounds.h"
 #include "platform/posix/desktop/posix_drive_information.h"
-#include "platform/posix/desktop/posix_shell.h"
+#include "platform/posix/drive_table.h"
+#include "platform/services.h"
 
 namespace coffrelune {
+
+/// "file://" and the path, with every byte escaped that a URI or the argument syntax of a caller
+/// could take for its own. `native` is absolute; any bytes.
+std::string fileUri(const std::string& native);
+
+/// The desktop's opener, file manager, scheduler and system sounds, each through its program.
+class PosixShell final : public ShellService {
+  public:
+    /// `table` is not owned and must outlive this object. `searchPath`: as in $PATH.
+    PosixShell(const DriveTable& table, std::string searchPath)
+        : table_(table), searchPath_(std::move(searchPath)) {}
+
+    /// A target without a directory is a program of the search path, as on a command line.
+    void open(const std::string& target, const std::string& parameters) override;
+    void showProperties(const std::string& path) override;
+    void openTaskScheduler() override;
+    void playSystemSound(const std::string& name) override;
+
+  private:
+    /// Where a target leads on this system; empty when nowhere.
+    std::string nativeOf(const std::string& target) const;
+    void openWithDesktop(const std::string& target);
+    /// Starts the first program if it is installed. False when it is not.
+    bool tryStart(std::vector<std::string> arguments);
+
+    const DriveTable& table_;
+    std::string searchPath_;
+};
+
+struct SoundSources {
+    std::string searchPath;  // as in $PATH
+    std::string cards = "/proc/asound/cards";
+    std::vector<std::string> serverSockets;  // of sound servers, which may play elsewhere
+};
+
+/// Sounds through the player programs that desktops bring.
+class DesktopSounds final : public SoundService {
+  public:
+    /// `table` is not owned and must outlive this object.
+    DesktopSounds(const DriveTable& table, SoundSources sources)
+        : table_(table), sources_(std::move(sources)) {}
+
+    /// The sound cards; a sound server counts as one where there is none. None at all without a
+    /// player: nothing could be heard.
+    int deviceCount() override;
+    void play(const std::string& path) override;
+
+  private:
+    int cardCount() const;
+    bool hasServer() const;
+    std::vector<std::string> playerOf(const std::string& native) const;  // empty without one
+
+    const DriveTable& table_;
+    SoundSources sources_;
+};
 
 struct DesktopOptions {
     std::string autostartDirectory;  // native; empty when the environment tells no home

@@ -8,6 +8,8 @@
 #include <array>
 #include <memory>
 
+#include "platform/ascii.h"
+#include "platform/posix/mount_table.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/place.h"
 #include "platform/posix/whole_file.h"
@@ -15,20 +17,11 @@
 namespace coffrelune {
 namespace {
 
-constexpr std::array<std::string_view, 7> networkTypes = {
-    "cifs", "smb3", "nfs", "nfs4", "fuse.sshfs", "fuse.rclone", "davfs"};
 constexpr std::array<std::string_view, 2> opticalTypes = {"iso9660", "udf"};
 
 template <typename List>
 bool contains(const List& list, std::string_view text) {
     return std::find(list.begin(), list.end(), text) != list.end();
-}
-
-int hexDigit(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
 }
 
 std::string textOf(const std::string& file) {
@@ -43,8 +36,9 @@ std::string decodedLabel(const std::string& name) {
     std::string label;
     for (std::size_t i = 0; i < name.size(); ++i) {
         const bool escape = name[i] == '\\' && i + 3 < name.size() && name[i + 1] == 'x' &&
-                            hexDigit(name[i + 2]) >= 0 && hexDigit(name[i + 3]) >= 0;
-        label += escape ? static_cast<char>(hexDigit(name[i + 2]) * 16 + hexDigit(name[i + 3]))
+                            ascii::hexDigit(name[i + 2]) >= 0 && ascii::hexDigit(name[i + 3]) >= 0;
+        label += escape ? static_cast<char>(ascii::hexDigit(name[i + 2]) * 16 +
+                                            ascii::hexDigit(name[i + 3]))
                         : name[i];
         if (escape) i += 3;
     }
@@ -101,7 +95,7 @@ bool PosixDriveInformation::isRemovable(dev_t device) const {
 }
 
 PosixDriveInformation::Kind PosixDriveInformation::kindOf(const Mount& mount) const {
-    if (contains(networkTypes, mount.type)) return Kind::network;
+    if (isNetworkType(mount.type)) return Kind::network;
     if (contains(opticalTypes, mount.type) || mount.source.starts_with("/dev/sr")) {
         return Kind::optical;
     }

@@ -1,12 +1,51 @@
 #pragma once
 
-#include "platform/win32/desktop/apartment.h"
+#include <string>
+
+#include "platform/desktop_services.h"
+#include "platform/services.h"
 #include "platform/win32/desktop/win32_drive_information.h"
 #include "platform/win32/desktop/win32_registry.h"
-#include "platform/win32/desktop/win32_shell.h"
-#include "platform/win32/desktop/win32_sounds.h"
 
 namespace coffrelune {
+
+/// Makes the calling thread one on which extensions of the shell can run, as long as this lives.
+/// Does no harm where a toolkit has done so before.
+class Apartment {
+  public:
+    Apartment();
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+    ~Apartment();
+
+  private:
+    bool entered_;
+};
+
+class Win32Shell final : public ShellService {
+  public:
+    void open(const std::string& target, const std::string& parameters) override;
+    void showProperties(const std::string& path) override;
+    void openTaskScheduler() override;
+    void playSystemSound(const std::string& name) override;
+};
+
+/// The console of the Task Scheduler, in the system's own directory.
+std::string taskSchedulerConsole();
+
+/// Sounds through the system's own player of wave files.
+class Win32Sounds final : public SoundService {
+  public:
+    int deviceCount() override;
+    void play(const std::string& path) override;
+};
+
+/// The shell's own dialog to choose a directory (with `includeFiles` also a file), modal over the
+/// window `owner` (HWND, may be null), under `prompt`, standing at `start` when that exists (the
+/// core's form, may be empty). The calling thread must be one of an Apartment. The choice in the
+/// core's form; empty when cancelled and for what is no place of the file system.
+std::string chooseShellFolder(void* owner, bool includeFiles, const std::string& prompt,
+                              const std::string& start);
 
 /// The services of a Windows desktop, besides those of Win32Platform. Belongs to the thread that
 /// makes it.

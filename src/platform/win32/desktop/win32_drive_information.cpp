@@ -1,17 +1,22 @@
 #include "platform/win32/desktop/win32_drive_information.h"
 
 #include <windows.h>
-// Takes its basic types from the one above.
+// These take their basic types from the one above.
+#include <commctrl.h>
 #include <shellapi.h>
 
 #include <array>
+#include <bit>
+#include <charconv>
+#include <string_view>
 
-#include "platform/win32/desktop/shell_icon.h"
 #include "platform/win32/native_path.h"
 #include "platform/win32/wide_text.h"
 
 namespace coffrelune {
 namespace {
+
+constexpr std::string_view iconPrefix = "shell:";
 
 /// The calls on volumes want the root's backslash.
 std::wstring rootPath(const std::string& root) {
@@ -72,6 +77,25 @@ Status Win32DriveInformation::sizes(const std::string& root, std::uint64_t& tota
     total = all.QuadPart;
     free = available.QuadPart;
     return {};
+}
+
+std::string shellIconName(int index) {
+    return std::string(iconPrefix) + std::to_string(index);
+}
+
+void* shellIcon(const std::string& name) {
+    if (!name.starts_with(iconPrefix)) return nullptr;
+    int index = -1;
+    const char* end = name.data() + name.size();
+    const auto [stop, error] = std::from_chars(name.data() + iconPrefix.size(), end, index);
+    if (error != std::errc() || stop != end || index < 0) return nullptr;
+    SHFILEINFOW information{};
+    // Any file will do: what is wanted is the list that all pictures are in.
+    const DWORD_PTR list =
+        SHGetFileInfoW(L"C:\\", FILE_ATTRIBUTE_DIRECTORY, &information, sizeof information,
+                       SHGFI_USEFILEATTRIBUTES | SHGFI_SYSICONINDEX | SHGFI_SMALLICON);
+    if (list == 0) return nullptr;
+    return ImageList_GetIcon(std::bit_cast<HIMAGELIST>(list), index, ILD_TRANSPARENT);
 }
 
 }  // namespace coffrelune

@@ -48,14 +48,6 @@ Status Win32Registry::setText(Root root, const std::string& key, const std::stri
     });
 }
 
-Status Win32Registry::setNumber(Root root, const std::string& key, const std::string& name,
-                                std::uint32_t data) {
-    return withKey(root, key, [&](HKEY opened) {
-        return RegSetValueExW(opened, wide(name).c_str(), 0, REG_DWORD,
-                              reinterpret_cast<const BYTE*>(&data), sizeof data);
-    });
-}
-
 Status Win32Registry::deleteValue(Root root, const std::string& key, const std::string& name) {
     return withKey(root, key,
                    [&](HKEY opened) { return RegDeleteValueW(opened, wide(name).c_str()); });

@@ -13,8 +13,6 @@ class Win32Registry final : public RegistryService {
     /// The length that is handed over is that of the text alone, without a terminating NUL.
     Status setText(Root root, const std::string& key, const std::string& name,
                    const std::string& data) override;
-    Status setNumber(Root root, const std::string& key, const std::string& name,
-                     std::uint32_t data) override;
     Status deleteValue(Root root, const std::string& key, const std::string& name) override;
 };
 

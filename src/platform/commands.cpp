@@ -1,0 +1,62 @@
+#include "platform/commands.h"
+
+#include <algorithm>
+
+namespace coffrelune {
+
+void CommandBar::add(Command command) {
+    commands_.push_back(std::move(command));
+    changed();
+}
+
+const CommandBar::Command* CommandBar::find(const std::string& key) const {
+    const auto found = std::find_if(commands_.begin(), commands_.end(),
+                                    [&](const Command& command) { return command.key == key; });
+    return found == commands_.end() ? nullptr : &*found;
+}
+
+void CommandBar::setEnabled(const std::string& key, bool enabled) {
+    for (Command& command : commands_) {
+        if (command.key == key) command.enabled = enabled;
+    }
+    changed();
+}
+
+void CommandBar::setVisible(const std::string& key, bool visible) {
+    for (Command& command : commands_) {
+        if (command.key == key) command.visible = visible;
+    }
+    changed();
+}
+
+void CommandBar::pick(const std::string& key) {
+    const Command* command = find(key);
+    if (!enabled() || command == nullptr || !command->enabled || !command->visible) return;
+    if (onPick) onPick(key);
+}
+
+void LinkLabel::click() {
+    if (enabled() && visible() && onOpen) onOpen();
+}
+
+void LinkLabel::drop() {
+    click();
+}
+
+void LinkLabel::hover(bool over) {
+    if (over == hovered_) return;
+    hovered_ = over;
+    changed();
+}
+
+void Timer::setInterval(int milliseconds) {
+    if (milliseconds == interval_) return;
+    interval_ = milliseconds;
+    changed();
+}
+
+void Timer::tick() {
+    if (enabled() && onTick) onTick();
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <string>
+
+#include "platform/file_entry.h"
+#include "platform/status.h"
+
+namespace coffrelune {
+
+/// What a call does when the last component of its path is a symbolic link or a junction.
+enum class LinkRule {
+    follow,  // the link's target is meant: for the root of a line, which the user chose
+    refuse,  // the link itself is meant, or refused: for everything below a root
+    enter,   // refuse, but for a directory link that the system takes for a part of the tree that
+             // is read (Windows): its directory is meant, unless it leads back to where it stands
+};
+
+/// Which entries a listing gives. Leaving the others out spares the system a call per entry.
+/// `nothing`: the directory is only wanted for look-ups, so it need not be readable.
+enum class Wanted { everything, files, directories, nothing };
+
+/// A directory opened for listing and for look-ups. Holds system resources until destroyed.
+class Directory {
+  public:
+    virtual ~Directory() = default;
+
+    /// Gives the next entry, in the order in which the system returns them, and true; false at the
+    /// end or after a failure, which status() then tells. "." and ".." may be among the entries.
+    /// Never given: the program's own files (own_names.h), sockets, FIFOs, devices, and the mount
+    /// points of kernel pseudo file systems. A link is an entry of its own and no directory.
+    virtual bool next(FileEntry& entry) = 0;
+
+    /// Success unless the listing broke off, or a look-up failed for another reason than that
+    /// nothing bears the name: its "no such entry" is then not to be trusted.
+    virtual const Status& status() const = 0;
+
+    /// Looks `name` (one component) up in this directory without following a link. False when there
+    /// is no such entry or it cannot be read. Sees every write that this service made before the
+    /// call; what others write while the directory is open may be missed.
+    virtual bool lookUp(const std::string& name, FileEntry& entry) = 0;
+};
+
+}  // namespace coffrelune

@@ -1,0 +1,106 @@
+#include "platform/posix/hold.h"
+
+#include <fcntl.h>
+#include <linux/openat2.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+
+#include <cerrno>
+#include <climits>
+#include <string_view>
+
+#include "platform/posix/native_path.h"
+
+namespace coffrelune {
+namespace {
+
+constexpr int passing = O_PATH | O_DIRECTORY;
+
+bool isLink(int directory, const char* name) {
+    struct stat information {};
+    return fstatat(directory, name, &information, AT_SYMLINK_NOFOLLOW) == 0 &&
+           S_ISLNK(information.st_mode);
+}
+
+/// As the kernel says it of a whole path: a link that was not asked for is ELOOP, whatever else
+/// the call wanted of it.
+int openStep(int directory, const char* name, int flags, UniqueFd& fd) {
+    const int error = openEntry(directory, name, flags | O_NOFOLLOW, fd);
+    const bool mayBeLink = error == ENOTDIR && (flags & O_NOFOLLOW) == 0;
+    return mayBeLink && isLink(directory, name) ? ELOOP : error;
+}
+
+int openInSteps(int directory, std::string_view path, int flags, UniqueFd& fd) {
+    UniqueFd passed;
+    for (;;) {
+        const std::size_t slash = path.find('/');
+        const bool last = slash == std::string_view::npos;
+        const std::string name(path.substr(0, slash));
+        const int from = passed.valid() ? passed.get() : directory;
+        UniqueFd next;
+        const int error = openStep(from, name.c_str(), last ? flags : passing, next);
+        if (error != 0) return error;
+        if (last) {
+            fd = std::move(next);
+            return 0;
+        }
+        passed = std::move(next);
+        path.remove_prefix(slash + 1);
+    }
+}
+
+int openAtOnce(int directory, const std::string& path, int flags, UniqueFd& fd) {
+    open_how how{};
+    how.flags = static_cast<std::uint64_t>(flags | O_CLOEXEC);
+    how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS;
+    for (;;) {
+        fd.reset(static_cast<int>(syscall(SYS_openat2, directory, path.c_str(), &how, sizeof how)));
+        if (fd.valid()) return 0;
+        if (errno != EINTR) return errno;
+    }
+}
+
+int openPiece(const Hold& hold, int directory, const std::string& path, int flags, UniqueFd& fd) {
+    if (hold.descent == Descent::kernel) {
+        const int error = openAtOnce(directory, path, flags, fd);
+        // An older kernel, or a sandbox whose list of calls is older.
+        if (error != ENOSYS && error != EPERM) return error;
+    }
+    return openInSteps(directory, path, flags, fd);
+}
+
+}  // namespace
+
+int openBelow(const Hold& hold, const std::string& path, int flags, UniqueFd& fd) {
+    UniqueFd passed;
+    int directory = hold.directory.get();
+    std::size_t start = 0;
+    // The system takes no more than 4096 bytes at once.
+    while (path.size() - start >= PATH_MAX) {
+        const std::size_t cut = path.rfind('/', start + PATH_MAX - 2);
+        if (cut == std::string::npos || cut <= start) return ENAMETOOLONG;
+        UniqueFd next;
+        const int error =
+            openPiece(hold, directory, path.substr(start, cut - start), passing, next);
+        if (error != 0) return error;
+        passed = std::move(next);
+        directory = passed.get();
+        start = cut + 1;
+    }
+    return openPiece(hold, directory, start == 0 ? path : path.substr(start), flags, fd);
+}
+
+void HoldList::remove(const Hold& hold) {
+    std::erase_if(holds_, [&](const auto& held) { return held.get() == &hold; });
+}
+
+std::shared_ptr<const Hold> HoldList::innermost(const std::string& native) const {
+    std::shared_ptr<const Hold> best;
+    for (const auto& hold : holds_) {
+        const bool inner = best == nullptr || hold->native.size() >= best->native.size();
+        if (inner && isWithin(native, hold->native)) best = hold;
+    }
+    return best;
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,93 @@
+#include "platform/posix/own_files.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "platform/own_names.h"
+#include "platform/posix/temporary_file.h"
+#include "platform/posix/unique_fd.h"
+
+namespace coffrelune {
+namespace {
+
+/// Calls `visit` with each name until one call returns false. 0 or an errno value.
+template <typename Visit>
+int visitNames(int directory, Visit visit) {
+    UniqueFd fd(openat(directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!fd.valid()) return errno;
+    const std::unique_ptr<DIR, int (*)(DIR*)> listing(fdopendir(fd.get()), closedir);
+    if (listing == nullptr) return errno;
+    fd.release();
+    for (;;) {
+        errno = 0;
+        const dirent* entry = readdir(listing.get());
+        if (entry == nullptr) return errno;
+        const std::string_view name = entry->d_name;
+        if (name == "." || name == "..") continue;
+        if (!visit(*entry)) return 0;
+    }
+}
+
+/// A file or a link under one of the program's own names; a directory of such a name is its user's.
+std::optional<OwnFile> kindOf(int directory, const dirent& entry) {
+    const std::optional<OwnFile> kind = ownFileKind(entry.d_name);
+    struct stat information {};
+    if (!kind || fstatat(directory, entry.d_name, &information, AT_SYMLINK_NOFOLLOW) != 0) {
+        return {};
+    }
+    return S_ISREG(information.st_mode) || S_ISLNK(information.st_mode) ? kind : std::nullopt;
+}
+
+int removeEntry(int directory, const char* name) {
+    return unlinkat(directory, name, 0) == 0 || errno == ENOENT ? 0 : errno;
+}
+
+}  // namespace
+
+int removeTemporaries(int directory) {
+    int failure = 0;
+    const int error = visitNames(directory, [&](const dirent& entry) {
+        if (!isTemporaryName(entry.d_name)) return true;
+        const int removal = removeTemporary(directory, entry.d_name);
+        if (removal != 0) failure = removal;
+        return true;
+    });
+    return failure != 0 ? failure : error;
+}
+
+int listOwnFiles(int directory, std::vector<std::string>& names) {
+    names.clear();
+    const int error = visitNames(directory, [&](const dirent& entry) {
+        const std::optional<OwnFile> kind = kindOf(directory, entry);
+        if (kind && *kind != OwnFile::temporary) names.emplace_back(entry.d_name);
+        return true;
+    });
+    if (error != 0) names.clear();
+    return error;
+}
+
+int clearOwnFiles(int directory) {
+    std::vector<std::string> names;
+    bool alone = true;
+    const int error = visitNames(directory, [&](const dirent& entry) {
+        alone = kindOf(directory, entry).has_value();
+        if (alone) names.emplace_back(entry.d_name);
+        return alone;
+    });
+    if (error != 0) return error;
+    if (!alone) return ENOTEMPTY;
+    for (const std::string& name : names) {
+        const int removal = isTemporaryName(name) ? removeTemporary(directory, name.c_str())
+                                                  : removeEntry(directory, name.c_str());
+        if (removal != 0) return removal;
+    }
+    return 0;
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/held_tree.h"
+#include "platform/posix/hold.h"
+#include "platform/posix/tree_locks.h"
+
+namespace coffrelune {
+
+/// Keeps a hold in the list of its file service.
+class PosixHeldTree final : public HeldTree {
+  public:
+    PosixHeldTree(std::shared_ptr<const Hold> hold, TreePlace place,
+                  std::shared_ptr<HoldList> holds, std::shared_ptr<TreeLocks> locks);
+    PosixHeldTree(const PosixHeldTree&) = delete;
+    PosixHeldTree& operator=(const PosixHeldTree&) = delete;
+    ~PosixHeldTree() override;
+
+    const TreePlace& place() const override { return place_; }
+    Status claim(TreeUse use) override;
+    Status flush() override;
+
+  private:
+    std::shared_ptr<const Hold> hold_;
+    TreePlace place_;
+    std::shared_ptr<HoldList> holds_;
+    std::shared_ptr<TreeLocks> locks_;
+    TreeClaim claim_;
+};
+
+}  // namespace coffrelune

@@ -1,0 +1,105 @@
+#include "platform/win32/desktop/win32_desktop.h"
+
+#include <windows.h>
+// These take their basic types from the one above.
+#include <mmsystem.h>
+#include <objbase.h>
+#include <shellapi.h>
+#include <shlobj.h>
+
+#include <array>
+#include <memory>
+
+#include "platform/win32/native_path.h"
+#include "platform/win32/wide_text.h"
+#include "platform/win32/win32_services.h"
+
+namespace coffrelune {
+
+Apartment::Apartment()
+    : entered_(
+          SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE))) {}
+
+Apartment::~Apartment() {
+    if (entered_) CoUninitialize();
+}
+
+namespace {
+
+/// The shell knows neither the long form of paths nor "/" in them; an address stays as it is.
+std::wstring shellTarget(const std::string& target) {
+    return hasCoreForm(target) ? plainPath(target) : wide(target);
+}
+
+}  // namespace
+
+void Win32Shell::open(const std::string& target, const std::string& parameters) {
+    const std::wstring words = wide(parameters);
+    ShellExecuteW(nullptr, nullptr, shellTarget(target).c_str(),
+                  words.empty() ? nullptr : words.c_str(), nullptr, SW_SHOWNORMAL);
+}
+
+void Win32Shell::showProperties(const std::string& path) {
+    const std::wstring file = shellTarget(path);
+    SHELLEXECUTEINFOW request{};
+    request.cbSize = sizeof request;
+    request.fMask = SEE_MASK_INVOKEIDLIST;
+    // In front of the window that asks for it, and with it in the task bar.
+    request.hwnd = GetActiveWindow();
+    request.lpVerb = L"properties";
+    request.lpFile = file.c_str();
+    request.nShow = SW_SHOWNORMAL;
+    ShellExecuteExW(&request);
+}
+
+void Win32Shell::openTaskScheduler() {
+    open(taskSchedulerConsole(), {});
+}
+
+void Win32Shell::playSystemSound(const std::string& name) {
+    PlaySoundW(wide(name).c_str(), nullptr, SND_ALIAS | SND_ASYNC);
+}
+
+std::string taskSchedulerConsole() {
+    return Win32Drives().windowsDirectory() + "\\system32\\taskschd.msc";
+}
+
+int Win32Sounds::deviceCount() {
+    return static_cast<int>(waveOutGetNumDevs());
+}
+
+void Win32Sounds::play(const std::string& path) {
+    PlaySoundW(plainPath(path).c_str(), nullptr, SND_FILENAME | SND_ASYNC | SND_NODEFAULT);
+}
+
+namespace {
+
+/// `data`: the start folder's text, or 0.
+int CALLBACK selectStart(HWND dialog, UINT message, LPARAM, LPARAM data) {
+    if (message == BFFM_INITIALIZED && data != 0) {
+        SendMessageW(dialog, BFFM_SETSELECTIONW, TRUE, data);
+    }
+    return 0;
+}
+
+}  // namespace
+
+std::string chooseShellFolder(void* owner, bool includeFiles, const std::string& prompt,
+                              const std::string& start) {
+    const std::wstring title = wide(prompt);
+    const std::wstring first = start.empty() ? std::wstring() : plainPath(start);
+    std::array<wchar_t, MAX_PATH> text{};
+    BROWSEINFOW request{};
+    request.hwndOwner = static_cast<HWND>(owner);
+    request.pszDisplayName = text.data();
+    request.lpszTitle = title.c_str();
+    request.ulFlags = BIF_RETURNONLYFSDIRS | (includeFiles ? UINT{BIF_BROWSEINCLUDEFILES} : 0);
+    request.lpfn = selectStart;
+    request.lParam = first.empty() ? 0 : reinterpret_cast<LPARAM>(first.c_str());
+    const std::unique_ptr<ITEMIDLIST, decltype(&CoTaskMemFree)> chosen(SHBrowseForFolderW(&request),
+                                                                       CoTaskMemFree);
+    if (chosen == nullptr || SHGetPathFromIDListW(chosen.get(), text.data()) == 0) return {};
+    return toCore(text.data());
+}
+
+}  // namespace coffrelune

@@ -1,0 +1,216 @@
+// How a held tree is reached; the same by the kernel's own call and in steps.
+#include "platform/posix/hold.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+
+#include <cerrno>
+
+#include "platform/posix/posix_platform.h"
+#include "platform/posix/temporary_directory.h"
+
+namespace coffrelune {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::uint32_t linkRefused = error_number::cannotResolveName;
+
+class HoldTest : public testing::TestWithParam<Descent> {
+  protected:
+    HoldTest() {
+        disk_.makeDirectory("arbre/Sous");
+        disk_.makeDirectory("dehors");
+        disk_.write("arbre/a", "inside");
+        disk_.write("arbre/Sous/b", "inside");
+        disk_.write("dehors/b", "outside");
+    }
+
+    FileService& files() { return platform_.files(); }
+
+    std::unique_ptr<HeldTree> hold(const std::string& path) {
+        std::unique_ptr<HeldTree> held;
+        EXPECT_EQ(files().hold(path, held).code(), 0U) << path;
+        return held;
+    }
+
+    int openCode(const std::string& path, int flags) {
+        Hold tree;
+        tree.directory.reset(open(disk_.at("arbre").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        tree.descent = GetParam();
+        UniqueFd fd;
+        const int error = openBelow(tree, path, flags, fd);
+        EXPECT_EQ(fd.valid(), error == 0) << path;
+        return error;
+    }
+
+    std::string read(const std::string& path) {
+        std::string bytes;
+        const Status status = files().readWhole(path, 100, bytes);
+        return status.ok() ? bytes : std::to_string(status.code());
+    }
+
+    void makeLink(const std::string& target, const std::string& name) {
+        ASSERT_EQ(symlink(target.c_str(), disk_.at(name).c_str()), 0);
+    }
+
+    /// The directory that the tree had goes away, and a link leads out of it in its place.
+    void swapForLink() {
+        std::filesystem::rename(disk_.at("arbre/Sous"), disk_.at("arbre/avant"));
+        makeLink(disk_.at("dehors"), "arbre/Sous");
+    }
+
+    TemporaryDirectory disk_;
+    PosixPlatform platform_{
+        std::vector<PathRoot>{PathRoot::drive('D', disk_.at(), disk_.stat().st_dev)},
+        {},
+        GetParam()};
+};
+
+INSTANTIATE_TEST_SUITE_P(In, HoldTest, testing::Values(Descent::kernel, Descent::steps),
+                         [](const auto& param) {
+                             return param.param == Descent::kernel ? "OneCall" : "Steps";
+                         });
+
+TEST_P(HoldTest, OpensWhatLiesBelow) {
+    EXPECT_EQ(openCode("a", O_RDONLY), 0);
+    EXPECT_EQ(openCode("Sous", O_RDONLY | O_DIRECTORY), 0);
+    EXPECT_EQ(openCode("Sous/b", O_RDONLY | O_NOFOLLOW), 0);
+    EXPECT_EQ(openCode("Sous/b", O_PATH | O_NOFOLLOW), 0);
+    EXPECT_EQ(openCode("absent", O_RDONLY), ENOENT);
+    EXPECT_EQ(openCode("absent/b", O_RDONLY), ENOENT);
+    EXPECT_EQ(openCode("a/b", O_RDONLY), ENOTDIR);
+    EXPECT_EQ(openCode("a", O_RDONLY | O_DIRECTORY), ENOTDIR);
+}
+
+TEST_P(HoldTest, RefusesEveryLink) {
+    makeLink("Sous", "arbre/lien");
+    makeLink("a", "arbre/lien.txt");
+    makeLink("/", "arbre/tout");
+    EXPECT_EQ(openCode("lien", O_PATH | O_DIRECTORY), ELOOP);
+    EXPECT_EQ(openCode("lien", O_RDONLY | O_DIRECTORY), ELOOP);
+    EXPECT_EQ(openCode("lien", O_RDONLY | O_DIRECTORY | O_NOFOLLOW), ENOTDIR);
+    EXPECT_EQ(openCode("lien/b", O_RDONLY), ELOOP);
+    EXPECT_EQ(openCode("lien/b", O_PATH | O_NOFOLLOW), ELOOP);
+    EXPECT_EQ(openCode("lien.txt", O_RDONLY), ELOOP);
+    EXPECT_EQ(openCode("lien.txt", O_RDONLY | O_NOFOLLOW), ELOOP);
+    EXPECT_EQ(openCode("lien.txt", O_PATH | O_NOFOLLOW), 0);
+    EXPECT_EQ(openCode("tout/etc", O_PATH | O_DIRECTORY), ELOOP);
+}
+
+TEST_P(HoldTest, OpensPathsThatTheSystemTakesInPiecesOnly) {
+    const std::string name(200, 'n');
+    std::string deep;
+    auto held = hold("D:\\arbre");
+    std::string core = "D:\\arbre";
+    for (int level = 0; level < 50; ++level) {
+        deep += (level == 0 ? "" : "/") + name;
+        core += "\\" + name;
+        ASSERT_TRUE(files().createDirectory(core, DirectoryAccess::usual).ok()) << level;
+    }
+    EXPECT_EQ(openCode(deep, O_PATH | O_DIRECTORY), 0);
+    EXPECT_EQ(openCode(deep + "/absent", O_PATH | O_DIRECTORY), ENOENT);
+    ASSERT_TRUE(files().writeWhole(core + "\\x", "deep", Durability::nextFlush).ok());
+    EXPECT_EQ(read(core + "\\x"), "deep");
+}
+
+TEST_P(HoldTest, DirectoryThatBecomesALinkLeadsNobodyOut) {
+    const auto held = hold("D:\\arbre");
+    EXPECT_EQ(read("D:\\arbre\\Sous\\b"), "inside");
+    swapForLink();
+    const std::string file = "D:\\arbre\\Sous\\b";
+    FileEntry entry;
+    std::unique_ptr<Directory> directory;
+    std::vector<std::string> names;
+    EXPECT_EQ(read(file), "1921");
+    EXPECT_EQ(files().lookUp(file, LinkRule::follow, entry).code(), linkRefused);
+    EXPECT_EQ(files().copyFile(file, "D:\\arbre\\c", LinkRule::refuse, nullptr).code(),
+              linkRefused);
+    EXPECT_EQ(files().copyFile("D:\\arbre\\a", file, LinkRule::refuse, nullptr).code(),
+              linkRefused);
+    EXPECT_EQ(files().writeWhole(file, "new", Durability::now).code(), linkRefused);
+    EXPECT_EQ(files().removeFile(file).code(), linkRefused);
+    EXPECT_EQ(files().setAttributes(file, attribute::readOnly).code(), linkRefused);
+    EXPECT_EQ(files().setTimes(file, {1, 1, 1}).code(), linkRefused);
+    EXPECT_EQ(files().createDirectory("D:\\arbre\\Sous\\d", DirectoryAccess::ownerOnly).code(),
+              linkRefused);
+    EXPECT_EQ(files().removeDirectory("D:\\arbre\\Sous").code(), 267U);
+    EXPECT_EQ(files().removeLeftovers("D:\\arbre\\Sous").code(), linkRefused);
+    EXPECT_EQ(files().ownFiles("D:\\arbre\\Sous", names).code(), linkRefused);
+    EXPECT_EQ(
+        files().openDirectory("D:\\arbre\\Sous", LinkRule::follow, Wanted::files, directory).code(),
+        linkRefused);
+    EXPECT_EQ(disk_.read("dehors/b"), "outside");
+    EXPECT_THAT(disk_.names("dehors"), ElementsAre("b"));
+    EXPECT_EQ(disk_.stat("dehors/b").st_mode & S_IWUSR, unsigned{S_IWUSR});
+}
+
+TEST_P(HoldTest, DirectoryThatIsOpenAgainIsReachedFromTheHold) {
+    const auto held = hold("D:\\arbre");
+    std::vector<std::unique_ptr<Directory>> many(200);
+    for (auto& directory : many) {
+        ASSERT_TRUE(
+            files()
+                .openDirectory("D:\\arbre\\Sous", LinkRule::refuse, Wanted::nothing, directory)
+                .ok());
+    }
+    swapForLink();
+    FileEntry entry;
+    EXPECT_FALSE(many.back()->lookUp("b", entry));
+    EXPECT_EQ(many.back()->status().code(), linkRefused);
+}
+
+TEST_P(HoldTest, LinkItselfIsLookedAtCopiedAndRemoved) {
+    makeLink("a", "arbre/lien");
+    const auto held = hold("D:\\arbre");
+    FileEntry entry;
+    ASSERT_TRUE(files().lookUp("D:\\arbre\\lien", LinkRule::refuse, entry).ok());
+    EXPECT_TRUE(entry.isLink());
+    ASSERT_TRUE(
+        files().copyFile("D:\\arbre\\lien", "D:\\arbre\\l2", LinkRule::refuse, nullptr).ok());
+    EXPECT_EQ(std::filesystem::read_symlink(disk_.at("arbre/l2")), "a");
+    EXPECT_EQ(read("D:\\arbre\\l2"), "1921");
+    EXPECT_EQ(files().writeWhole("D:\\arbre\\l2", "new", Durability::now).code(), linkRefused);
+    EXPECT_TRUE(files().removeFile("D:\\arbre\\l2").ok());
+    EXPECT_EQ(disk_.read("arbre/a"), "inside");
+}
+
+TEST_P(HoldTest, RemovedDirectoryDoesNotSeemEmpty) {
+    const auto held = hold("D:\\arbre\\Sous");
+    std::filesystem::remove_all(disk_.at("arbre/Sous"));
+    disk_.makeDirectory("arbre/Sous");
+    std::unique_ptr<Directory> directory;
+    EXPECT_EQ(files()
+                  .openDirectory("D:\\arbre\\Sous", LinkRule::refuse, Wanted::everything, directory)
+                  .code(),
+              2U);
+    EXPECT_EQ(read("D:\\arbre\\Sous\\b"), "2");
+    EXPECT_NE(files().createDirectory("D:\\arbre\\Sous\\d", DirectoryAccess::usual).code(), 0U);
+    EXPECT_THAT(disk_.names("arbre/Sous"), IsEmpty());
+}
+
+TEST_P(HoldTest, TopOfATreeIsNeitherRemovedNorReplaced) {
+    const auto held = hold("D:\\arbre\\Sous");
+    std::filesystem::remove(disk_.at("arbre/Sous/b"));
+    EXPECT_EQ(files().removeDirectory("D:\\arbre\\Sous").code(), 5U);
+    EXPECT_EQ(files().removeFile("D:\\arbre\\Sous").code(), 5U);
+    EXPECT_EQ(files().createDirectory("D:\\arbre\\Sous", DirectoryAccess::usual).code(), 183U);
+    EXPECT_EQ(files().copyFile("D:\\arbre\\a", "D:\\arbre\\Sous", LinkRule::refuse, nullptr).code(),
+              5U);
+}
+
+TEST_P(HoldTest, OutlivedByItsDirectoriesAndEndsAllTheSame) {
+    auto held = hold("D:\\arbre");
+    std::unique_ptr<Directory> directory;
+    ASSERT_TRUE(
+        files().openDirectory("D:\\arbre", LinkRule::refuse, Wanted::everything, directory).ok());
+    held.reset();
+    makeLink("Sous", "arbre/lien");
+    EXPECT_EQ(read("D:\\arbre\\lien\\b"), "inside");
+    FileEntry entry;
+    EXPECT_TRUE(directory->lookUp("a", entry));
+}
+
+}  // namespace
+}  // namespace coffrelune
