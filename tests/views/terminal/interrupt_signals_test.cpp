@@ -1,4 +1,4 @@
-#include "platform/terminal/interrupt_signals.h"
+#include "views/terminal/interrupt_signals.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <csignal>
 
 #include "platform/memory/memory_platform.h"
-#include "terminal/default_signals.h"
+#include "views/terminal/default_signals.h"
 
 namespace coffrelune {
 namespace {

@@ -1,4 +1,4 @@
-#include "terminal/redirected_streams.h"
+#include "views/terminal/redirected_streams.h"
 
 #include <fcntl.h>
 #include <poll.h>

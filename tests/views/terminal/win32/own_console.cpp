@@ -1,4 +1,4 @@
-#include "terminal/win32/own_console.h"
+#include "views/terminal/win32/own_console.h"
 
 #include <windows.h>
 

@@ -1,9 +1,9 @@
-#include "platform/terminal/terminal.h"
+#include "views/terminal/terminal.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "terminal/redirected_streams.h"
+#include "views/terminal/redirected_streams.h"
 
 namespace coffrelune {
 namespace {

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "platform/terminal/streams.h"
-#include "platform/terminal/terminal.h"
-#include "terminal/win32/own_console.h"
+#include "views/terminal/streams.h"
+#include "views/terminal/terminal.h"
+#include "views/terminal/win32/own_console.h"
 
 namespace coffrelune {
 namespace {

@@ -6,8 +6,8 @@
 #include <thread>
 
 #include "platform/memory/memory_platform.h"
-#include "platform/terminal/interrupt_signals.h"
-#include "terminal/win32/own_console.h"
+#include "views/terminal/interrupt_signals.h"
+#include "views/terminal/win32/own_console.h"
 
 namespace coffrelune {
 namespace {

@@ -1,105 +1,16 @@
-#include "platform/terminal/terminal_windows.h"
+#include "views/terminal/terminal_windows.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <pthread.h>
 
 #include <csignal>
-#include <functional>
-#include <thread>
 
-#include "operation/frm_confirm.h"
-#include "operation/lance_operation.h"
-#include "operation/shared_host.h"
-#include "platform/memory/memory_platform.h"
-#include "terminal/default_signals.h"
-#include "terminal/redirected_streams.h"
+#include "views/terminal/terminal_fixture.h"
 
 namespace coffrelune {
 namespace {
 
 using testing::HasSubstr;
 using testing::Not;
-
-/// A program on a disk in memory whose windows are the test's terminal. Everything that uses
-/// `program` happens within `run`, which ends with finish().
-class TerminalWindowsTest : public testing::Test {
-  protected:
-    struct Program {
-        Program(MemoryPlatform& memory, bool journal)
-            : signals(memory.files()),
-              windows(terminal, memory.clock(), signals, journal),
-              base(memory.platform()),
-              platform{base.files, base.drives, base.clock, base.locale,
-                       base.ansi,  base.sounds, windows},
-              system(platform, {"", R"(C:\Coffrelune)", 3, 5}),
-              host(system) {
-            system.configurationName = "Travail";
-            system.sources[0] = R"(C:\Docs)";
-            system.destinations[0] = R"(F:\Save)";
-            system.selected[0] = 1;
-            system.Modifie = 1;
-        }
-        Terminal terminal{false};
-        InterruptSignals signals;
-        TerminalWindows windows;
-        Platform base;
-        Platform platform;
-        SystemMod system;
-        SharedHost host;
-    };
-
-    TerminalWindowsTest() {
-        memory.disk().directory(R"(C:\Coffrelune)");
-        memory.disk().file(R"(C:\Docs\a.txt)", "aaaaa", fileTimeAt(2024, 3, 1));
-        memory.disk().file(R"(C:\Docs\b.txt)", "bbb", fileTimeAt(2024, 3, 1));
-        memory.disk().directory(R"(F:\Save)");
-    }
-
-    void run(const StreamLayout& layout, const std::string& typed,
-             const std::function<void(Program&)>& action, bool journal = false) {
-        RedirectedStreams streams(layout);
-        streams.type(typed);
-        std::thread* const user = meanwhile ? meanwhile(streams) : nullptr;
-        {
-            Program program(memory, journal);
-            action(program);
-        }
-        if (user != nullptr) user->join();
-        streams.finish();
-        screen = streams.onTerminal();
-        output = streams.onOutput();
-        errors = streams.onErrors();
-    }
-    RunEnd backup(const StreamLayout& layout, const std::string& typed = {}, bool journal = false) {
-        RunEnd end = RunEnd::cancelled;
-        run(
-            layout, typed,
-            [&](Program& program) {
-                OperationLauncher launcher(program.system, program.host);
-                end = launcher.LanceOperation(1);
-            },
-            journal);
-        return end;
-    }
-    int confirm(const std::string& typed, const StreamLayout& layout = interactive) {
-        int answer = -1;
-        run(layout, typed, [&](Program& program) {
-            frmConfirm question("a.txt");
-            program.windows.showModal(question);
-            answer = question.answer();
-        });
-        return answer;
-    }
-
-    /// Starts what happens on another thread while the program runs, and gives that thread.
-    std::function<std::thread*(RedirectedStreams&)> meanwhile;
-    DefaultSignals defaultSignals;
-    MemoryPlatform memory;
-    std::string screen;
-    std::string output;
-    std::string errors;
-};
 
 constexpr const char* replaceQuestion =
     "Ce dossier contient déjà un fichier appelé 'a.txt'\n"
@@ -109,35 +20,35 @@ constexpr const char* replacePrompt = "[O]ui / [T]ous / [N]on / [A]nnuler : ";
 // ---- questions ----------------------------------------------------------------------------------
 
 TEST_F(TerminalWindowsTest, AWindowIsAQuestionWithItsButtonsAsAnswers) {
-    EXPECT_EQ(confirm("o\n"), 0);
+    EXPECT_EQ(confirm("o\n"), ReplacementAnswer::yes);
     EXPECT_EQ(screen, std::string(replaceQuestion) + replacePrompt);
 }
 
 TEST_F(TerminalWindowsTest, AnAnswerIsALetterOrTheWholeWordInAnyCase) {
-    EXPECT_EQ(confirm("t\n"), 1);
-    EXPECT_EQ(confirm("N\n"), 2);
-    EXPECT_EQ(confirm(" a \n"), 3);
-    EXPECT_EQ(confirm("OUI\n"), 0);
-    EXPECT_EQ(confirm("annuler\n"), 3);
+    EXPECT_EQ(confirm("t\n"), ReplacementAnswer::yesToAll);
+    EXPECT_EQ(confirm("N\n"), ReplacementAnswer::no);
+    EXPECT_EQ(confirm(" a \n"), ReplacementAnswer::cancel);
+    EXPECT_EQ(confirm("OUI\n"), ReplacementAnswer::yes);
+    EXPECT_EQ(confirm("annuler\n"), ReplacementAnswer::cancel);
 }
 
 TEST_F(TerminalWindowsTest, AnUnknownAnswerAsksAgain) {
-    EXPECT_EQ(confirm("\nou\nx\nn\n"), 2);
+    EXPECT_EQ(confirm("\nou\nx\nn\n"), ReplacementAnswer::no);
     const std::string prompt = replacePrompt;
     EXPECT_EQ(screen, replaceQuestion + prompt + prompt + prompt + prompt);
 }
 
 TEST_F(TerminalWindowsTest, TheEndOfTheInputIsTheCloseBox) {
-    EXPECT_EQ(confirm("x\n\x04"), 3);
+    EXPECT_EQ(confirm("x\n\x04"), ReplacementAnswer::cancel);
 }
 
 TEST_F(TerminalWindowsTest, WithNobodyToAskTheWindowIsClosed) {
-    EXPECT_EQ(confirm("", noTerminal), 3);
+    EXPECT_EQ(confirm("", noTerminal), ReplacementAnswer::cancel);
     EXPECT_THAT(output + errors, Not(HasSubstr("[O]ui")));
 }
 
 TEST_F(TerminalWindowsTest, TheWholeQuestionStandsWhereTheAnswerIsTyped) {
-    EXPECT_EQ(confirm("o\n", {true, false, true}), 0);
+    EXPECT_EQ(confirm("o\n", {true, false, true}), ReplacementAnswer::yes);
     EXPECT_EQ(screen, std::string(replaceQuestion) + replacePrompt);
 }
 
@@ -228,34 +139,17 @@ TEST_F(TerminalWindowsTest, TheProgressIsOneLineThatIsGoneAtTheEnd) {
     EXPECT_EQ(line.find('\n'), std::string::npos);
 }
 
-TEST_F(TerminalWindowsTest, TheProgressShowsThePhasesBeforeTheCopy) {
-    memory.clock().advanceSeconds(60);
-    run(interactive, "", [&](Program& program) {
-        RunStatistics statistics;
-        Copie window(program.system, statistics, program.host);
-        ProgressLine line(window, program.terminal, false);
-        window.Lbl[1].setCaption("Analyse de la copie...");
-        window.Lbl[3].setCaption("Analyse de :");
-        window.Lbl[4].setCaption("C:\\Docs\\a\x1b[2J.txt");
-        line.refresh(1000);
+TEST_F(TerminalWindowsTest, AComparisonIsShownAndLeavesItsResultWithItsHost) {
+    run(noTerminal, "", [](Program& program) {
+        program.system.operationKind = OperationKind::comparison;
+        OperationLauncher launcher(program.system, program.host, program.windows);
+        EXPECT_EQ(launcher.launchComparison(), RunEnd::finished);
+        EXPECT_EQ(program.host.comparisonList().lineCount(), 4U);
+        EXPECT_EQ(program.host.comparisonSummary().caption(),
+                  "2 fichier(s) à copier soit 8 octets (8 octets)");
     });
-    EXPECT_EQ(screen, "\rAnalyse de la copie...  Analyse de :  C:\\Docs\\a␛[2J.txt\x1b[K\r\x1b[K");
-}
-
-TEST_F(TerminalWindowsTest, TheProgressIsDrawnTenTimesASecondAtMostAndOnlyAfterAChange) {
-    run(interactive, "", [&](Program& program) {
-        RunStatistics statistics;
-        Copie window(program.system, statistics, program.host);
-        ProgressLine line(window, program.terminal, false);
-        window.Lbl[1].setCaption("un");
-        line.refresh(1000);
-        window.Lbl[1].setCaption("deux");
-        line.refresh(1099);  // too early
-        window.Lbl[1].setCaption("trois");
-        line.refresh(1100);
-        line.refresh(1300);  // nothing has changed
-    });
-    EXPECT_EQ(screen, "\run\x1b[K\rtrois\x1b[K\r\x1b[K");
+    EXPECT_EQ(output + errors, "");
+    EXPECT_FALSE(memory.disk().exists(R"(F:\Save\Docs)"));
 }
 
 // ---- interruption -------------------------------------------------------------------------------
@@ -304,14 +198,14 @@ TEST_F(TerminalWindowsTest, ASignalDuringTheQuestionCancelsTheRun) {
 }
 
 TEST_F(TerminalWindowsTest, ASignalJustBeforeTheQuestionIsNotMissed) {
-    int answer = -1;
+    auto answer = ReplacementAnswer::yes;
     run(interactive, "", [&](Program& program) {
         std::raise(SIGINT);
         frmConfirm question("a.txt");
         program.windows.showModal(question);
         answer = question.answer();
     });
-    EXPECT_EQ(answer, 3);
+    EXPECT_EQ(answer, ReplacementAnswer::cancel);
 }
 
 }  // namespace

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <wx/bmpbndl.h>
+
+#include <string>
+
+class wxWindow;
+
+// What the windows ask of the desktop, which each system does in its own way.
+
+namespace coffrelune {
+
+/// What the program asks of the desktop's look for its own windows; once, when the toolkit is up.
+void adaptDesktopLook();
+
+/// False when windows cannot be made although the toolkit is up.
+bool canMakeWindows();
+
+/// A picture that the desktop has for one of its own things; empty when it knows none of the name.
+wxBitmapBundle systemPicture(const std::string& name);
+
+/// The system's chooser of a directory, with `includeFiles` also of a file. Native paths; `start`
+/// may be empty. Empty when cancelled.
+std::string chooseNativeFolder(wxWindow* parent, bool includeFiles, const std::string& prompt,
+                               const std::string& start);
+
+/// From here on the system tells the user this reason when the session is about to end and the
+/// program refuses. It keeps nothing from ending: that is the answer to the system's question.
+void giveReasonToWait(const wxWindow& main, const std::string& reason);
+
+/// There is none any more.
+void withdrawReasonToWait(const wxWindow& main);
+
+}  // namespace coffrelune
