@@ -1,16 +1,20 @@
 #include "dialogs/config_form.h"
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
-#include "dialogs/config_name_form.h"
-#include "settings/error_list_name.h"
-#include "settings/reserved_name.h"
+#include "dialogs/text_dialogs.h"
+#include "settings/setting_names.h"
+#include "system/paths.h"
+#include "system/sounds.h"
 #include "system/text.h"
 
 namespace coffrelune {
 namespace {
 
-constexpr const char* position = "Position";
+constexpr int mostLines = 12;
+constexpr std::string_view soundExtension = ".wav";
 
 std::string withoutLastCharacter(std::string text) {
     while (!text.empty() && (text.back() & 0xC0) == 0x80) text.pop_back();
@@ -18,14 +22,10 @@ std::string withoutLastCharacter(std::string text) {
     return text;
 }
 
-// Stores a choice that differs from the remembered one; an option that nobody touched is not
-// written.
-template <typename Flag>
-void storeOption(SystemMod& system, const char* key, const CheckBox& box, Flag& option) {
-    const Flag value = box.checked() ? -1 : 0;
-    if (value == option) return;
-    option = value;
-    (void)system.WriteSetting(position, key, std::to_string(value));
+bool isSoundName(const std::string& name) {
+    const std::size_t length = soundExtension.size();
+    return name.size() >= length &&
+           equalIgnoringCase(name.substr(name.size() - length), soundExtension);
 }
 
 }  // namespace
@@ -49,14 +49,14 @@ ConfigForm::ConfigForm(SystemMod& system)
           Button("Test du signal sonore (Erreur)")},
       system_(system) {
     setCaption("Configurations et options");
-    Cmd[2].setToolTip("Ajouter une configuration de sauvegarde");
-    Cmd[3].setToolTip("Supprimer une configuration de sauvegarde");
-    Cmd[0].onClick = [this] { accept(); };
-    Cmd[1].onClick = [this] { close(); };
-    Cmd[2].onClick = [this] { add(); };
-    Cmd[3].onClick = [this] { erase(); };
-    Cmd[4].onClick = [this] { play(0); };
-    Cmd[5].onClick = [this] { play(1); };
+    Cmd[addCmd].setToolTip("Ajouter une configuration de sauvegarde");
+    Cmd[eraseCmd].setToolTip("Supprimer une configuration de sauvegarde");
+    Cmd[okCmd].onClick = [this] { accept(); };
+    Cmd[cancelCmd].onClick = [this] { close(); };
+    Cmd[addCmd].onClick = [this] { add(); };
+    Cmd[eraseCmd].onClick = [this] { erase(); };
+    Cmd[playSuccessCmd].onClick = [this] { play(0); };
+    Cmd[playErrorCmd].onClick = [this] { play(1); };
     system_.pendingMaximumIndex = system_.maximumIndex;
     loadOptions();
     system_.selectedConfiguration = system_.configurationName;
@@ -67,6 +67,85 @@ ConfigForm::ConfigForm(SystemMod& system)
 
 std::vector<Button*> ConfigForm::buttons() {
     return {&Cmd[0], &Cmd[1], &Cmd[2], &Cmd[3], &Cmd[4], &Cmd[5]};
+}
+
+void ConfigForm::loadOptions() {
+    for (const CopyOption& option : optionTable) {
+        Opt.at(option.box).setChecked(system_.options.*option.value != 0);
+    }
+    const bool audible = system_.platform.sounds.deviceCount() > 0;
+    Opt[soundOption].setEnabled(audible);
+    for (std::size_t i = 0; i < FichSonCb.size(); ++i) {
+        Cmd.at(playSuccessCmd + i).setEnabled(audible);
+        FichSonCb.at(i).setEnabled(audible);
+        FichSonLbl.at(i).setEnabled(audible);
+    }
+}
+
+void ConfigForm::loadConfigurations() {
+    system_.ListConfigurations(names_);
+    for (const std::string& name : names_) {
+        const std::string description = system_.ReadSetting(name, "Description");
+        std::string entry = name;
+        if (!description.empty()) entry.append(" (").append(description).append(")");
+        Liste.add(std::move(entry));
+        if (name == system_.configurationName) {
+            Liste.select(static_cast<int>(Liste.entries().size()) - 1);
+        }
+    }
+}
+
+// From what the last line in use of any configuration needs: no line anywhere is to drop out of
+// sight, and so out of the backup. A larger number that was set by hand stays on offer.
+void ConfigForm::loadLineCounts() {
+    const int current = system_.maximumIndex + 1;
+    for (int lines = system_.lastUsedLineAnywhere() + 1; lines <= mostLines; ++lines) {
+        RepMaxCb.add(std::to_string(lines));
+        if (lines == current) RepMaxCb.select(static_cast<int>(RepMaxCb.entries().size()) - 1);
+    }
+    if (current <= mostLines) return;
+    RepMaxCb.add(std::to_string(current));
+    RepMaxCb.select(static_cast<int>(RepMaxCb.entries().size()) - 1);
+}
+
+void ConfigForm::loadSounds() {
+    const std::vector<std::string> sounds = soundFiles();
+    for (std::size_t i = 0; i < FichSonCb.size(); ++i) {
+        ListBox& list = FichSonCb.at(i);
+        for (const std::string& sound : sounds) {
+            list.add(sound);
+            const bool stored = equalIgnoringCase(sound, system_.soundNames.at(i));
+            if (stored && list.selection() < 0) {
+                list.select(static_cast<int>(list.entries().size()) - 1);
+            }
+        }
+        if (list.selection() < 0) list.select(0);
+    }
+}
+
+// The names of those that can be played: where the file system tells cases apart, a sound called
+// "Ok.WAV" would never be found.
+std::vector<std::string> ConfigForm::soundFiles() {
+    std::vector<std::string> sounds;
+    if (system_.homeDirectory.empty()) return sounds;
+    std::unique_ptr<Directory> directory;
+    const Status opened = system_.platform.files.openDirectory(
+        system_.homeDirectory, LinkRule::follow, Wanted::files, directory);
+    if (!opened.ok()) return sounds;
+    FileEntry entry;
+    while (directory->next(entry)) {
+        if (!isSoundName(entry.name)) continue;
+        const std::string name = withoutExtension(entry.name);
+        if (soundExists(system_.platform.files, system_.homeDirectory, name)) {
+            sounds.push_back(name);
+        }
+    }
+    return sounds;
+}
+
+void ConfigForm::play(std::size_t sound) {
+    playEndOfCopySound(system_.platform.sounds, system_.platform.files, system_.homeDirectory,
+                       FichSonCb.at(sound).selectedText());
 }
 
 // The entry up to the blank before its description. A name that holds "(" is cut there as well.
@@ -126,7 +205,7 @@ void ConfigForm::erase() {
             MessageButtons::ok);
         return;
     }
-    (void)system_.WriteSetting(name, "", "");
+    system_.keep(name, "", "");  // the whole section
     eraseFiles(name);
     const std::vector<std::string>& entries = Liste.entries();
     const auto found = std::find(entries.begin(), entries.end(), name);
@@ -153,8 +232,7 @@ bool ConfigForm::isListed(const std::string& name) const {
 
 void ConfigForm::eraseFiles(const std::string& name) {
     if (system_.homeDirectory.empty()) return;
-    for (const OperationKind kind :
-         {OperationKind::backup, OperationKind::restore, OperationKind::comparison}) {
+    for (const OperationKind kind : allKinds) {
         // Most configurations have none to remove.
         (void)system_.platform.files.removeFile(errorListPath(system_, name, kind));
     }
@@ -177,24 +255,23 @@ void ConfigForm::accept() {
     close();
 }
 
+// Stores the choices that differ from the remembered ones; an option that nobody touched is not
+// written.
 void ConfigForm::storeOptions() {
-    CopyOptions& options = system_.options;
-    storeOption(system_, "RecentSeul", Opt[0], options.RecentSeul);
-    storeOption(system_, "DelReadOnly", Opt[1], options.DelReadOnly);
-    storeOption(system_, "ContinueOnError", Opt[5], options.ContinueOnError);
-    storeOption(system_, "SynchroCopie", Opt[8], options.SynchroCopie);
-    storeOption(system_, "AltCopie", Opt[6], options.AltCopie);
-    storeOption(system_, "CorrectEteOff", Opt[7], options.CorrectEteOff);
-    storeOption(system_, "SynchroDate", Opt[4], options.SynchroDate);
-    storeOption(system_, "ArbreMode", Opt[2], options.ArbreMode);
-    storeOption(system_, "SignalSonore", Opt[3], options.SignalSonore);
+    for (const CopyOption& option : optionTable) {
+        std::int32_t& stored = system_.options.*option.value;
+        const std::int32_t chosen = Opt.at(option.box).checked() ? -1 : 0;
+        if (chosen == stored) continue;
+        stored = chosen;
+        system_.keep(globalSection, option.key, std::to_string(chosen));
+    }
 }
 
 void ConfigForm::storeSounds() {
     constexpr std::array<const char*, 2> keys = {"SignalOk", "SignalErreur"};
     for (std::size_t i = 0; i < keys.size(); ++i) {
         system_.soundNames.at(i) = FichSonCb.at(i).selectedText();
-        (void)system_.WriteSetting(position, keys.at(i), system_.soundNames.at(i));
+        system_.keep(globalSection, keys.at(i), system_.soundNames.at(i));
     }
 }
 

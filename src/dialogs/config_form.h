@@ -16,21 +16,31 @@ class ConfigForm final : public Window {
   public:
     explicit ConfigForm(SystemMod& system);
 
+    enum CmdIndex : std::size_t {
+        okCmd,
+        cancelCmd,
+        addCmd,
+        eraseCmd,
+        playSuccessCmd,
+        playErrorCmd,
+        cmdCount
+    };
+    static constexpr std::size_t soundOption = 3;
+
     Frame ListeFrame{"Liste des configurations de sauvegarde"};
     ListBox Liste;
     Frame OptFrame{"Personnalisation"};
-    std::array<CheckBox, 9> Opt;
+    std::array<CheckBox, optionTable.size()> Opt;  // see optionTable
     Label RepMaxLbl{"Nombre maximum de répertoires:"};
     ListBox RepMaxCb;  // drop-down
     std::array<Label, 2> FichSonLbl;
     std::array<ListBox, 2> FichSonCb;  // drop-down; 0 success, 1 error
-    // 0 OK, 1 "&Annuler", 2 "Ajouter", 3 "Effacer", 4 and 5 play the sound of success and of error
-    std::array<Button, 6> Cmd;
+    std::array<Button, cmdCount> Cmd;
 
     std::vector<Button*> buttons() override;
     std::vector<Label*> labels() override { return {&RepMaxLbl, &FichSonLbl[0], &FichSonLbl[1]}; }
-    Button* defaultButton() override { return &Cmd[0]; }
-    Button* cancelButton() override { return &Cmd[1]; }
+    Button* defaultButton() override { return &Cmd[okCmd]; }
+    Button* cancelButton() override { return &Cmd[cancelCmd]; }
 
   private:
     void loadOptions();

@@ -1,6 +1,6 @@
 #include "dialogs/drive_list_frm.h"
 
-#include "system/drive_size.h"
+#include "system/numbers.h"
 #include "system/paths.h"
 
 namespace coffrelune {
@@ -24,8 +24,8 @@ DriveListFrm::DriveListFrm(SystemMod& system, Desktop& desktop)
     ListDrive.addColumn("Taille totale", 1500);
     ListDrive.addColumn("Espace libre", 1500);
     fill(desktop);
-    Cmd[0].onClick = [this] { accept(); };
-    Cmd[1].onClick = [this] { close(); };
+    Cmd[okCmd].onClick = [this] { accept(); };
+    Cmd[cancelCmd].onClick = [this] { close(); };
     ListDrive.onDoubleClick = [this] { accept(); };
 }
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "platform/desktop_services.h"
-#include "platform/report_list.h"
+#include "platform/long_lists.h"
 #include "settings/system_mod.h"
 
 namespace coffrelune {
@@ -15,9 +15,11 @@ class DriveListFrm final : public Window {
   public:
     DriveListFrm(SystemMod& system, Desktop& desktop);
 
-    Label Lbl;                  // "Liste des lecteurs :"
-    ReportList ListDrive;       // drive, description, total size, free space
-    std::array<Button, 2> Cmd;  // 0 OK, 1 "&Annuler"
+    enum CmdIndex : std::size_t { okCmd, cancelCmd, cmdCount };
+
+    Label Lbl;             // "Liste des lecteurs :"
+    ReportList ListDrive;  // drive, description, total size, free space
+    std::array<Button, cmdCount> Cmd;
 
     /// "1" when a drive was chosen, else "0".
     const std::string& result() const { return result_; }
@@ -26,8 +28,8 @@ class DriveListFrm final : public Window {
 
     std::vector<Button*> buttons() override { return {&Cmd[0], &Cmd[1]}; }
     std::vector<Label*> labels() override { return {&Lbl}; }
-    Button* defaultButton() override { return &Cmd[0]; }
-    Button* cancelButton() override { return &Cmd[1]; }
+    Button* defaultButton() override { return &Cmd[okCmd]; }
+    Button* cancelButton() override { return &Cmd[cancelCmd]; }
 
   private:
     void fill(Desktop& desktop);

@@ -20,6 +20,11 @@ std::string withoutPrefix(const std::string& text, const std::string& prefix) {
     return text.substr(at);
 }
 
+// What the button at this index chooses.
+ExclusionMode modeOf(std::size_t button) {
+    return static_cast<ExclusionMode>(button);
+}
+
 // A plain comparison of texts: "C:\Data2" begins with "C:\Data" as well.
 bool beginsWith(const std::string& text, const std::string& prefix) {
     return upperCase(text).rfind(upperCase(prefix), 0) == 0;
@@ -37,18 +42,18 @@ ExcludeForm::ExcludeForm(SystemMod& system, int line, std::string source)
       line_(line),
       source_(std::move(source)) {
     setCaption("Sous-répertoires à exclure");
-    Cmd[2].setToolTip("Ajouter un répertoire à exclure");
-    Cmd[3].setToolTip("Supprimer le répertoire sélectionné de la liste");
-    Cmd[4].setToolTip("Supprimer la liste des répertoires exclus");
-    for (std::size_t mode = 0; mode < OptExclu.size(); ++mode) {
-        OptExclu.at(mode).onClick = [this, mode] { selectMode(static_cast<int>(mode)); };
+    Cmd[addCmd].setToolTip("Ajouter un répertoire à exclure");
+    Cmd[removeCmd].setToolTip("Supprimer le répertoire sélectionné de la liste");
+    Cmd[removeAllCmd].setToolTip("Supprimer la liste des répertoires exclus");
+    for (std::size_t i = 0; i < OptExclu.size(); ++i) {
+        OptExclu.at(i).onClick = [this, i] { selectMode(modeOf(i)); };
     }
     Liste.onPick = [this] { updateButtons(); };
-    Cmd[0].onClick = [this] { accept(); };
-    Cmd[1].onClick = [this] { close(); };
-    Cmd[2].onClick = [this] { add(); };
-    Cmd[3].onClick = [this] { remove(); };
-    Cmd[4].onClick = [this] { removeAll(); };
+    Cmd[okCmd].onClick = [this] { accept(); };
+    Cmd[cancelCmd].onClick = [this] { close(); };
+    Cmd[addCmd].onClick = [this] { add(); };
+    Cmd[removeCmd].onClick = [this] { remove(); };
+    Cmd[removeAllCmd].onClick = [this] { removeAll(); };
     load();
 }
 
@@ -64,15 +69,15 @@ void ExcludeForm::load() {
     updateButtons();
 }
 
-void ExcludeForm::selectMode(int mode) {
+void ExcludeForm::selectMode(ExclusionMode mode) {
     for (std::size_t i = 0; i < OptExclu.size(); ++i) {
-        OptExclu.at(i).setChecked(static_cast<int>(i) == mode);
+        OptExclu.at(i).setChecked(modeOf(i) == mode);
     }
 }
 
 void ExcludeForm::updateButtons() {
-    Cmd[3].setEnabled(Liste.selection() >= 0);
-    Cmd[4].setEnabled(!Liste.entries().empty());
+    Cmd[removeCmd].setEnabled(Liste.selection() >= 0);
+    Cmd[removeAllCmd].setEnabled(!Liste.entries().empty());
 }
 
 bool ExcludeForm::sourceHasSubdirectory() {
@@ -105,7 +110,7 @@ void ExcludeForm::add() {
     if (!entry.empty()) {
         Liste.add(entry);
         // Whoever adds a directory wants it left out.
-        selectMode(2);
+        selectMode(ExclusionMode::listed);
     }
     updateButtons();
 }
@@ -137,10 +142,8 @@ void ExcludeForm::removeAll() {
 // The list is stored whatever the mode, for the day when the user comes back to it.
 void ExcludeForm::accept() {
     system_.ClearExclusions(line_);
-    for (std::size_t mode = 0; mode < OptExclu.size(); ++mode) {
-        if (OptExclu.at(mode).checked()) {
-            system_.WriteExclusionMode(line_, static_cast<int>(mode));
-        }
+    for (std::size_t i = 0; i < OptExclu.size(); ++i) {
+        if (OptExclu.at(i).checked()) system_.WriteExclusionMode(line_, modeOf(i));
     }
     for (std::size_t i = 0; i < Liste.entries().size(); ++i) {
         system_.WriteExcludedDirectory(line_, i + 1, Liste.entries()[i]);

@@ -17,23 +17,24 @@ class ExcludeForm final : public Window {
     /// `line`: index from 0. `source`: that line's source directory, not empty.
     ExcludeForm(SystemMod& system, int line, std::string source);
 
+    enum CmdIndex : std::size_t { okCmd, cancelCmd, addCmd, removeCmd, removeAllCmd, cmdCount };
+
     Frame SourceFrame{"Disque/Répertoire à sauvegarder"};
     PathLabel SourceLbl;
     Frame ModeFrame{"Que faire des sous-répertoires ?"};
-    std::array<OptionButton, 3> OptExclu;  // by mode
+    std::array<OptionButton, 3> OptExclu;  // by ExclusionMode
     Frame ListeFrame{"Liste des répertoires exclus de la sauvegarde"};
     ListBox Liste;
-    std::array<Button, 5>
-        Cmd;  // 0 OK, 1 "&Annuler", 2 "Ajouter", 3 "Supprimer", 4 "Supprimer Tout"
+    std::array<Button, cmdCount> Cmd;
 
     std::vector<Button*> buttons() override;
     std::vector<Label*> labels() override { return {&SourceLbl}; }
-    Button* defaultButton() override { return &Cmd[0]; }
-    Button* cancelButton() override { return &Cmd[1]; }
+    Button* defaultButton() override { return &Cmd[okCmd]; }
+    Button* cancelButton() override { return &Cmd[cancelCmd]; }
 
   private:
     void load();
-    void selectMode(int mode);
+    void selectMode(ExclusionMode mode);
     void updateButtons();
     void add();
     std::string entryOf(const std::string& directory);

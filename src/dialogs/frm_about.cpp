@@ -1,6 +1,7 @@
 #include "dialogs/frm_about.h"
 
 #include "settings/registres.h"
+#include "settings/setting_names.h"
 #include "system/sounds.h"
 
 namespace coffrelune {
@@ -49,7 +50,7 @@ void frmAbout::applyAutoStart() {
     const bool on = AutoCheck.checked();
     if (on == (system_.AutoStart != 0)) return;
     system_.AutoStart = on ? -1 : 0;
-    (void)system_.WriteSetting("Position", "AutoStart", on ? "-1" : "0");
+    system_.keep(globalSection, "AutoStart", on ? "-1" : "0");
     Registres(desktop_.registry).setAutoStart(on, system_.executablePath);
 }
 

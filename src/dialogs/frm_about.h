@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "platform/commands.h"
 #include "platform/desktop_services.h"
 #include "platform/input_controls.h"
-#include "platform/link_label.h"
 #include "settings/system_mod.h"
 
 namespace coffrelune {

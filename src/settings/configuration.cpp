@@ -1,15 +1,13 @@
 #include <algorithm>
 #include <limits>
 
-#include "settings/reserved_name.h"
+#include "settings/setting_names.h"
 #include "settings/system_mod.h"
 #include "system/date_time.h"
 #include "system/text.h"
 
 namespace coffrelune {
 namespace {
-
-constexpr const char* position = "Position";
 
 std::int16_t narrowed(std::int32_t number) {
     using Limits = std::numeric_limits<std::int16_t>;
@@ -38,42 +36,32 @@ int lineOfPath(const std::string& key) {
 }  // namespace
 
 void SystemMod::LoadSettings() {
-    sources.clear();
-    destinations.clear();
-    selected.clear();
-    resizeLines(maximumIndexFrom(leadingNumber(ReadSetting(position, "RepertMax"))));
+    lines.clear();
+    resizeLines(maximumIndexFrom(leadingNumber(ReadSetting(globalSection, "RepertMax"))));
     pendingMaximumIndex = maximumIndex;
 
     readCommandLine();
     askedConfiguration = configurationName;
     // The reserved section is no configuration, though the user or an older file may name it.
     if (isReserved(configurationName)) configurationName.clear();
-    if (configurationName.empty()) configurationName = ReadSetting(position, "Config");
+    if (configurationName.empty()) configurationName = ReadSetting(globalSection, "Config");
     if (isReserved(configurationName)) configurationName.clear();
     if (configurationName.empty()) configurationName = "General";
     LoadConfiguration();
 
     readOptions();
-    soundNames = {ReadSetting(position, "SignalOk"), ReadSetting(position, "SignalErreur")};
+    soundNames = {ReadSetting(globalSection, "SignalOk"),
+                  ReadSetting(globalSection, "SignalErreur")};
     if (soundNames[0].empty()) soundNames[0] = "Ok";
     if (soundNames[1].empty()) soundNames[1] = "Erreur";
-    SuiviAnalyse = leadingNumber(ReadSetting(position, "SuiviAnalyse"));
+    SuiviAnalyse = leadingNumber(ReadSetting(globalSection, "SuiviAnalyse"));
     OsLevel = systemLevel_;
 }
 
 void SystemMod::readOptions() {
-    const auto number = [this](const char* key) {
-        return leadingNumber(ReadSetting(position, key));
-    };
-    options.RecentSeul = number("RecentSeul");
-    options.CorrectEteOff = narrowed(number("CorrectEteOff"));
-    options.DelReadOnly = number("DelReadOnly");
-    options.ContinueOnError = number("ContinueOnError");
-    options.SynchroCopie = number("SynchroCopie");
-    options.AltCopie = narrowed(number("AltCopie"));
-    options.SynchroDate = number("SynchroDate");
-    options.ArbreMode = number("ArbreMode");
-    options.SignalSonore = number("SignalSonore");
+    for (const CopyOption& option : optionTable) {
+        options.*option.value = leadingNumber(ReadSetting(globalSection, option.key));
+    }
 }
 
 void SystemMod::LoadConfiguration() {
@@ -83,11 +71,11 @@ void SystemMod::LoadConfiguration() {
     const auto number = [&text](const std::string& key) { return leadingNumber(text(key)); };
 
     description = text("Description");
-    for (std::size_t line = 0; line < sources.size(); ++line) {
-        const std::string index = std::to_string(line);
-        sources[line] = text("Source" + index);
-        destinations[line] = text("Destination" + index);
-        selected[line] = number("Select" + index) != 0 ? 1 : 0;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const std::string index = std::to_string(i);
+        lines[i].source = text("Source" + index);
+        lines[i].destination = text("Destination" + index);
+        lines[i].selected = number("Select" + index) != 0 ? 1 : 0;
     }
     SelectP = narrowed(number("SelectP"));
     ProgToRun = text("ProgToRun");
@@ -105,10 +93,9 @@ void SystemMod::readLastResults() {
     const auto text = [this](const std::string& key) {
         return ReadSetting(configurationName, key);
     };
-    constexpr std::array<const char*, 3> kinds = {"Save", "Rest", "Comp"};
-    for (std::size_t kind = 0; kind < kinds.size(); ++kind) {
-        const std::string name = kinds.at(kind);
-        LastResult& result = lastResults.at(kind);
+    for (const OperationKind kind : allKinds) {
+        const std::string name = wordsOf(kind).key;
+        LastResult& result = lastResult(kind);
         result.cleanDate = text("Last" + name);
         result.errorDate = text("Last" + name + "Err");
         result.errorCount = leadingNumber(text("Last" + name + "NbErr"));
@@ -117,7 +104,7 @@ void SystemMod::readLastResults() {
     }
 }
 
-int SystemMod::LastUsedLineAnywhere() {
+int SystemMod::lastUsedLineAnywhere() {
     int last = LastUsedLine();
     for (const std::string& name : file_.sections()) {
         // Of the current configuration the lines in memory count.

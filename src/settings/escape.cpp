@@ -50,8 +50,7 @@ std::string unescapeCharacters(std::string_view text, std::string_view character
 }
 
 std::string protectQuotes(const std::string& value) {
-    if (value.size() < 2 || value.front() != value.back()) return value;
-    return value.front() == '"' || value.front() == '\'' ? QuoteValue(value) : value;
+    return withoutQuotes(value).size() < value.size() ? QuoteValue(value) : value;
 }
 
 }  // namespace coffrelune

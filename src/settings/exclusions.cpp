@@ -39,7 +39,8 @@ std::string storable(const std::string& directory) {
 }  // namespace
 
 void SystemMod::LoadExclusions(int line) {
-    exclusions.mode = leadingNumber(ReadSetting(configurationName, prefix(line) + "Mode"));
+    exclusions.mode = static_cast<ExclusionMode>(
+        leadingNumber(ReadSetting(configurationName, prefix(line) + "Mode")));
     exclusions.directories.clear();
     while (true) {
         const std::size_t number = exclusions.directories.size() + 1;
@@ -61,27 +62,27 @@ std::string SystemMod::PackExclusions(int line) {
 void SystemMod::StoreExclusions(const std::string& packed, int line) {
     ClearExclusions(line);
     const std::vector<std::string> elements = splitText(packed, separator);
-    (void)WriteSetting(configurationName, prefix(line) + "Mode", elements[0]);
+    keep(configurationName, prefix(line) + "Mode", elements[0]);
     for (std::size_t number = 1; number < elements.size(); ++number) {
         if (elements[number].empty()) return;
         WriteExcludedDirectory(line, number, unescapeCharacters(elements[number], separators));
     }
 }
 
-void SystemMod::WriteExclusionMode(int line, int mode) {
-    (void)WriteSetting(configurationName, prefix(line) + "Mode", std::to_string(mode));
+void SystemMod::WriteExclusionMode(int line, ExclusionMode mode) {
+    keep(configurationName, prefix(line) + "Mode", std::to_string(static_cast<std::int32_t>(mode)));
 }
 
 void SystemMod::WriteExcludedDirectory(int line, std::size_t number, const std::string& directory) {
-    (void)WriteSetting(configurationName, directoryKey(line, number), storable(directory));
+    keep(configurationName, directoryKey(line, number), storable(directory));
 }
 
 void SystemMod::ClearExclusions(int line) {
     LoadExclusions(line);
-    (void)WriteSetting(configurationName, prefix(line) + "Mode", "0");
+    keep(configurationName, prefix(line) + "Mode", "0");
     // Those behind a gap as well: they would join the list that fills it.
     for (const std::string& key : file_.keys(configurationName)) {
-        if (isDirectoryKey(key, line)) (void)WriteSetting(configurationName, key, "");
+        if (isDirectoryKey(key, line)) keep(configurationName, key, "");
     }
 }
 

@@ -17,32 +17,18 @@ std::string startCommand(const std::string& executablePath) {
 
 }  // namespace
 
-void Registres::setValue(RegistryService::Root root, const std::string& key,
-                         const std::string& name, std::uint32_t type, const std::string& data) {
-    if (type == RegistryService::textType) {
-        (void)registry_.setText(root, key, name, data);
-    } else if (type == RegistryService::numberType) {
-        (void)registry_.setNumber(root, key, name, static_cast<std::uint32_t>(leadingNumber(data)));
-    }
-}
-
-void Registres::deleteValue(RegistryService::Root root, const std::string& key,
-                            const std::string& name) {
-    (void)registry_.deleteValue(root, key, name);
-}
-
+// Every outcome is left alone: see the class.
 void Registres::setAutoStart(bool on, const std::string& executablePath) {
     using Root = RegistryService::Root;
     if (on) {
         if (executablePath.empty()) return;
-        setValue(Root::currentUser, runKey, runValue, RegistryService::textType,
-                 startCommand(executablePath));
+        (void)registry_.setText(Root::currentUser, runKey, runValue, startCommand(executablePath));
         return;
     }
-    deleteValue(Root::currentUser, runKey, runValue);
+    (void)registry_.deleteValue(Root::currentUser, runKey, runValue);
     // Never written here, but an administrator may have put it there for everyone; only one who may
     // takes it away again.
-    deleteValue(Root::localMachine, runKey, runValue);
+    (void)registry_.deleteValue(Root::localMachine, runKey, runValue);
 }
 
 }  // namespace coffrelune

@@ -2,29 +2,13 @@
 
 #include <utility>
 
-#include "platform/utf8.h"
+#include "system/text.h"
 
 namespace coffrelune {
 namespace {
 
 // Far beyond any settings; keeps a file that took its place from filling the memory.
 constexpr std::uint64_t largestFile = std::uint64_t{16} << 20;
-
-// What a program that reads through a buffer of 1024 characters sees; ours keeps to it, so that
-// both find the same.
-constexpr std::size_t longestValue = 1023;
-
-std::string firstCharacters(std::string text, std::size_t count) {
-    std::size_t position = 0;
-    for (std::size_t i = 0; i < count && position < text.size(); ++i) utf8::next(text, position);
-    text.resize(position);
-    return text;
-}
-
-bool isMissing(const Status& status) {
-    return status.code() == error_number::fileNotFound ||
-           status.code() == error_number::pathNotFound;
-}
 
 bool sameFile(const FileEntry& a, const FileEntry& b) {
     return a.size == b.size && a.times.lastWrite == b.times.lastWrite && a.id == b.id;
@@ -95,7 +79,7 @@ void SettingsFile::load() {
     // The stamp is taken first: a change made while the file is read is then seen the next time.
     status_ = files_.lookUp(path_, LinkRule::follow, entry);
     if (status_.ok()) status_ = files_.readWhole(path_, largestFile, bytes);
-    const bool missing = isMissing(status_);
+    const bool missing = status_.saysAbsent();
     if (missing) status_ = Status();
     loaded_ = status_.ok() && !missing;
     stamp_ = std::move(entry);
@@ -115,7 +99,7 @@ Status SettingsFile::finish(SettingsText::Edit edit) {
     if (text_.serialise().size() > largestFile) {
         return Status::failure(error_number::fileTooLarge, path_);
     }
-    return files_.writeWhole(path_, text_.serialise());
+    return files_.writeWhole(path_, text_.serialise(), Durability::now);
 }
 
 }  // namespace coffrelune

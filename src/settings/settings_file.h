@@ -16,6 +16,10 @@ namespace coffrelune {
 /// forgotten.
 class SettingsFile {
   public:
+    /// What a program that reads through a buffer of 1024 characters sees; ours keeps to it, so
+    /// that both find the same.
+    static constexpr std::size_t longestValue = 1023;
+
     /// Both services must outlive this. The file is first looked at when something is asked.
     SettingsFile(FileService& files, const AnsiCodec& ansi, std::string path);
 
@@ -24,7 +28,7 @@ class SettingsFile {
     /// Success, also for a file that does not exist yet; otherwise why it cannot be used.
     Status status();
 
-    /// Value of a key without surrounding quotes, cut to 1023 characters; "" when absent.
+    /// Value of a key without surrounding quotes, cut to `longestValue` characters; "" when absent.
     std::string read(const std::string& section, const std::string& key);
     /// What is on the disk already is not written again. 87 for a key that a line cannot hold.
     Status write(const std::string& section, const std::string& key, const std::string& value);

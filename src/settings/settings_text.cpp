@@ -20,12 +20,6 @@ std::string_view trim(std::string_view text) {
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-std::string_view withoutQuotes(std::string_view text) {
-    const bool quoted = text.size() >= 2 && text.front() == text.back() &&
-                        (text.front() == '"' || text.front() == '\'');
-    return quoted ? text.substr(1, text.size() - 2) : text;
-}
-
 enum class Kind { blank, comment, header, key, other };
 
 // A line understood; `name` is that of its section or key, `value` the offset where a value begins.

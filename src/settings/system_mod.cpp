@@ -5,8 +5,7 @@
 #include <utility>
 
 #include "settings/command_line.h"
-#include "settings/reserved_name.h"
-#include "system/display_text.h"
+#include "settings/setting_names.h"
 #include "system/paths.h"
 #include "system/text.h"
 
@@ -57,6 +56,10 @@ Status SystemMod::WriteSetting(const std::string& section, const std::string& ke
     return status;
 }
 
+void SystemMod::keep(const std::string& section, const std::string& key, const std::string& value) {
+    (void)WriteSetting(section, key, value);
+}
+
 Status SystemMod::store(const std::string& section, const std::string& key,
                         const std::string& value) {
     if (key.empty()) return file_.deleteSection(section);
@@ -82,16 +85,12 @@ void SystemMod::tellOnce() {
 }
 
 void SystemMod::ListConfigurations(std::vector<std::string>& list) {
-    // The names together with one separator each fit a buffer of 1024 characters of the code page,
-    // the last of which stays free: a limit that keeps the lists of the windows short.
-    constexpr std::size_t room = 1023;
+    // A limit that keeps the lists of the windows short.
     std::size_t used = 0;
     for (const std::string& name : file_.sections()) {
-        std::string inCodePage;
-        platform.ansi.encode(name, inCodePage);
-        used += inCodePage.size() + 1;
-        if (name.empty() || used > room) return;
-        if (name != "Position") list.push_back(name);
+        used += characterCount(name) + 1;
+        if (name.empty() || used > SettingsFile::longestValue) return;
+        if (name != globalSection) list.push_back(name);
     }
 }
 
@@ -101,14 +100,12 @@ bool SystemMod::configurationExists(const std::string& name) {
 
 void SystemMod::rememberConfiguration() {
     if (configurationName == askedConfiguration && !configurationExists(configurationName)) return;
-    // A settings file that cannot be written keeps the name it had.
-    (void)WriteSetting("Position", "Config", configurationName);
+    keep(globalSection, "Config", configurationName);
 }
 
 int SystemMod::LastUsedLine() const {
     for (int line = maximumIndex; line > 0; --line) {
-        const auto index = static_cast<std::size_t>(line);
-        if (!sources[index].empty() || !destinations[index].empty()) return line;
+        if (lineAt(line).used()) return line;
     }
     return 0;
 }
@@ -116,10 +113,7 @@ int SystemMod::LastUsedLine() const {
 void SystemMod::resizeLines(int newMaximum) {
     constexpr int largest = std::numeric_limits<std::int16_t>::max();
     maximumIndex = static_cast<std::int16_t>(std::clamp(newMaximum, 0, largest));
-    const auto count = static_cast<std::size_t>(maximumIndex) + 1;
-    sources.resize(count);
-    destinations.resize(count);
-    selected.resize(count);
+    lines.resize(static_cast<std::size_t>(maximumIndex) + 1);
 }
 
 bool SystemMod::asksForAuto() const {

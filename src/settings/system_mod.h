@@ -7,31 +7,13 @@
 #include <vector>
 
 #include "platform/platform.h"
+#include "settings/backup_line.h"
+#include "settings/copy_options.h"
+#include "settings/operation_kind.h"
 #include "settings/program_context.h"
 #include "settings/settings_file.h"
 
 namespace coffrelune {
-
-enum class OperationKind : std::int16_t { backup = 0, restore = 1, comparison = 2 };
-
-/// The nine options that hold for every configuration; non-zero is on (-1 as stored).
-struct CopyOptions {
-    std::int32_t RecentSeul = 0;
-    std::int32_t DelReadOnly = 0;
-    std::int32_t ArbreMode = 0;
-    std::int32_t SignalSonore = 0;
-    std::int32_t SynchroDate = 0;
-    std::int32_t ContinueOnError = 0;
-    std::int16_t AltCopie = 0;
-    std::int16_t CorrectEteOff = 0;
-    std::int32_t SynchroCopie = 0;
-};
-
-/// What a line does with the sub-directories of its source.
-struct ExclusionList {
-    std::int32_t mode = 0;                 // 0 all, 1 none, 2 all but the listed
-    std::vector<std::string> directories;  // relative to the line's source, in stored order
-};
 
 /// Results of the last runs of one kind: dates "dd/mm/yyyy hh:nn:ss", durations "hh:nn:ss".
 struct LastResult {
@@ -54,10 +36,12 @@ class SystemMod {
     std::string ReadSetting(const std::string& section, const std::string& key);
     /// Tested in this order: an empty section flushes (nothing to do: every write is on the disk
     /// when it returns), an empty key deletes the section, an empty value deletes the key.
-    /// The outcome may be ignored: `tellWriteFailure` takes care of it.
     Status WriteSetting(const std::string& section, const std::string& key,
                         const std::string& value);
-    /// Appends the configuration names that fit into 1023 characters with their separators.
+    /// The same where nothing depends on the outcome: the state in memory holds for this run, and
+    /// `tellWriteFailure` tells the user once that it will not be there at the next start.
+    void keep(const std::string& section, const std::string& key, const std::string& value);
+    /// Appends the configuration names that fit into `longestValue` with one separator each.
     void ListConfigurations(std::vector<std::string>& list);
     /// Never true of the reserved section, in any case.
     bool configurationExists(const std::string& name);
@@ -78,17 +62,19 @@ class SystemMod {
     std::string PackExclusions(int line);
     void StoreExclusions(const std::string& packed, int line);
     void ClearExclusions(int line);
-    void WriteExclusionMode(int line, int mode);
+    void WriteExclusionMode(int line, ExclusionMode mode);
     /// `number` counts from 1.
     void WriteExcludedDirectory(int line, std::size_t number, const std::string& directory);
     /// Highest index of a line with a source or a destination; 0 when none has (line 0 is not
     /// looked at, a configuration keeps at least one line).
     int LastUsedLine() const;
     /// The same over every configuration of the file, among the lines that exist now.
-    int LastUsedLineAnywhere();
+    int lastUsedLineAnywhere();
 
-    /// Resizes the line arrays, keeping their contents.
+    /// Lines that stay keep their contents.
     void resizeLines(int maximumIndex);
+    BackupLine& lineAt(int line) { return lines[static_cast<std::size_t>(line)]; }
+    const BackupLine& lineAt(int line) const { return lines[static_cast<std::size_t>(line)]; }
 
     // ---- state -------------------------------------------------------------------------------
     std::string programTitle;    // "Coffrelune Version 3.05"
@@ -102,9 +88,7 @@ class SystemMod {
     std::string askedConfiguration;     // named at the start, the reserved name included, or empty
     std::string selectedConfiguration;  // chosen in ConfigForm, not yet loaded
     std::string description;
-    std::vector<std::string> sources;
-    std::vector<std::string> destinations;
-    std::vector<std::int16_t> selected;  // 0 or 1
+    std::vector<BackupLine> lines;  // one more than `maximumIndex`
     std::int16_t SelectP = 0;
     std::string ProgToRun;
     std::string PrmToRun;

@@ -13,8 +13,9 @@ struct CaseRange {
     std::int32_t delta;
 };
 
-// Unicode 14, simple mappings of the Latin, Greek and Cyrillic scripts (UnicodeData.txt, fields 12
-// and 13). https://www.unicode.org/reports/tr44/#UnicodeData.txt
+// Written by tools/make-casing-tables.py: Unicode 14, simple mappings of the Latin, Greek and
+// Cyrillic scripts (UnicodeData.txt, fields 12 and 13).
+// https://www.unicode.org/reports/tr44/#UnicodeData.txt
 // Sorted, no two ranges overlap.
 // clang-format off
 inline constexpr std::array<CaseRange, 159> lowerMappings = {{

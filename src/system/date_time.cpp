@@ -2,49 +2,24 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 
 namespace coffrelune {
 namespace {
 
-constexpr std::int64_t millisecondsPerSecond = 1000;
-constexpr std::int64_t millisecondsPerDay = 86'400'000;
-constexpr std::int64_t daysPerEra = 146'097;  // the calendar repeats after 400 years
+using namespace std::chrono;
 
-// Days from 1601-01-01, itself the first day of a 400-year era, to the first of January.
-std::int64_t daysBeforeYear(std::int64_t year) {
-    const std::int64_t past = year - 1601;
-    const std::int64_t era = (past >= 0 ? past : past - 399) / 400;
-    const std::int64_t inEra = past - era * 400;
-    return era * daysPerEra + inEra * 365 + inEra / 4 - inEra / 100;
+constexpr sys_days fileTimeEpoch = year{1601} / 1 / 1;
+
+sys_days dayOf(const LocalTime& time) {
+    return year{time.year} / time.month / time.day;
 }
 
-bool isLeapYear(int year) {
-    return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
-}
-
-int daysInMonth(int year, int month) {
-    constexpr std::array<int, 12> days = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    if (month == 2 && isLeapYear(year)) return 29;
-    return days.at(static_cast<std::size_t>(std::clamp(month, 1, 12) - 1));
-}
-
-std::int64_t daysSince1601(const LocalTime& time) {
-    std::int64_t days = daysBeforeYear(time.year) + time.day - 1;
-    for (int month = 1; month < time.month; ++month) days += daysInMonth(time.year, month);
-    return days;
-}
-
-void setDate(LocalTime& time, std::int64_t days) {
-    // The estimate is at most one year late or early; the loops put it right.
-    int year = static_cast<int>(1601 + days * 400 / daysPerEra);
-    while (daysBeforeYear(year) > days) --year;
-    while (daysBeforeYear(year + 1) <= days) ++year;
-    std::int64_t rest = days - daysBeforeYear(year);
-    int month = 1;
-    for (; rest >= daysInMonth(year, month); ++month) rest -= daysInMonth(year, month);
-    time.year = year;
-    time.month = month;
-    time.day = static_cast<int>(rest) + 1;
+void setDate(LocalTime& time, sys_days day) {
+    const year_month_day date(day);
+    time.year = static_cast<int>(date.year());
+    time.month = static_cast<int>(static_cast<unsigned>(date.month()));
+    time.day = static_cast<int>(static_cast<unsigned>(date.day()));
 }
 
 std::string padded(std::int64_t number, std::size_t width) {
@@ -74,9 +49,8 @@ bool readFields(std::string_view text, std::string_view pattern, LocalTime& time
         if (text[i] < '0' || text[i] > '9') return false;
         *fields.at(field) = *fields.at(field) * 10 + (text[i] - '0');
     }
-    return time.year >= 1 && time.month >= 1 && time.month <= 12 && time.day >= 1 &&
-           time.day <= daysInMonth(time.year, time.month) && time.hour <= 23 && time.minute <= 59 &&
-           time.second <= 59;
+    return time.year >= 1 && (year{time.year} / time.month / time.day).ok() && time.hour <= 23 &&
+           time.minute <= 59 && time.second <= 59;
 }
 
 std::optional<LocalTime> parse(std::string_view text, std::string_view pattern) {
@@ -86,8 +60,8 @@ std::optional<LocalTime> parse(std::string_view text, std::string_view pattern) 
 }
 
 // The schedule counts whole seconds, as its stored dates do.
-std::int64_t wholeSeconds(const LocalTime& time) {
-    return daysSince1601(time) * 86'400 + time.hour * 3600LL + time.minute * 60LL + time.second;
+sys_seconds wholeSeconds(const LocalTime& time) {
+    return dayOf(time) + hours{time.hour} + minutes{time.minute} + seconds{time.second};
 }
 
 // A time spoilt by hand in the settings file counts as midnight, the default.
@@ -116,22 +90,23 @@ std::optional<LocalTime> parseDateTime(std::string_view text) {
 }
 
 std::string formatLongDate(const LocalTime& time) {
-    constexpr std::array<const char*, 7> days = {"lun.", "mar.", "mer.", "jeu.",
-                                                 "ven.", "sam.", "dim."};
-    constexpr std::array<const char*, 12> months = {"janvier",   "février", "mars",     "avril",
-                                                    "mai",       "juin",    "juillet",  "août",
-                                                    "septembre", "octobre", "novembre", "décembre"};
-    // 1601-01-01 was a Monday.
-    const std::int64_t weekday = (daysSince1601(time) % 7 + 7) % 7;
+    constexpr std::array<const char*, 7> dayNames = {"lun.", "mar.", "mer.", "jeu.",
+                                                     "ven.", "sam.", "dim."};
+    constexpr std::array<const char*, 12> monthNames = {
+        "janvier", "février", "mars",      "avril",   "mai",      "juin",
+        "juillet", "août",    "septembre", "octobre", "novembre", "décembre"};
+    const std::size_t day = weekday(dayOf(time)).iso_encoding() - 1;
     const auto month = static_cast<std::size_t>(std::clamp(time.month, 1, 12) - 1);
-    return std::string(days.at(static_cast<std::size_t>(weekday))) + ' ' +
-           std::to_string(time.day) + ' ' + months.at(month) + ' ' + std::to_string(time.year) +
-           " à " + timeOfDay(time.hour, time.minute);
+    return std::string(dayNames.at(day)) + ' ' + std::to_string(time.day) + ' ' +
+           monthNames.at(month) + ' ' + std::to_string(time.year) + " à " +
+           timeOfDay(time.hour, time.minute);
 }
 
 std::string formatDuration(std::int64_t milliseconds) {
-    const std::int64_t seconds = std::max<std::int64_t>(milliseconds, 0) / millisecondsPerSecond;
-    return timeOfDay(seconds / 3600 % 24, seconds / 60 % 60) + ':' + padded(seconds % 60, 2);
+    const hh_mm_ss span(
+        floor<seconds>(std::chrono::milliseconds(std::max<std::int64_t>(milliseconds, 0))));
+    return timeOfDay(span.hours().count() % 24, span.minutes().count()) + ':' +
+           padded(span.seconds().count(), 2);
 }
 
 double secondsSinceMidnight(const LocalTime& time) {
@@ -139,14 +114,12 @@ double secondsSinceMidnight(const LocalTime& time) {
 }
 
 std::int64_t toMilliseconds(const LocalTime& time) {
-    const std::int64_t seconds = time.hour * 3600LL + time.minute * 60LL + time.second;
-    return daysSince1601(time) * millisecondsPerDay + seconds * millisecondsPerSecond +
-           time.millisecond;
+    return milliseconds(wholeSeconds(time) - fileTimeEpoch).count() + time.millisecond;
 }
 
 LocalTime nextDay(const LocalTime& time) {
     LocalTime next = time;
-    setDate(next, daysSince1601(time) + 1);
+    setDate(next, dayOf(time) + days{1});
     return next;
 }
 
@@ -158,7 +131,7 @@ LocalTime latestScheduledTime(const std::string& autoTime, const LocalTime& now)
     const LocalTime today = atTimeOfDay(now, autoTime);
     if (wholeSeconds(today) <= wholeSeconds(now)) return today;
     LocalTime yesterday = today;
-    setDate(yesterday, daysSince1601(today) - 1);
+    setDate(yesterday, dayOf(today) - days{1});
     return yesterday;
 }
 
@@ -177,7 +150,7 @@ bool isBackupMissing(const std::string& lastSave, const std::string& autoTime,
 
 bool isScheduleLost(const std::string& nextDate, const LocalTime& now) {
     const auto day = parseDate(nextDate);
-    return !day || daysSince1601(*day) > daysSince1601(now) + 1;
+    return !day || dayOf(*day) > dayOf(now) + days{1};
 }
 
 std::string nextScheduledDate(const std::string& stored, bool keepStored, bool afterRun,
@@ -190,14 +163,18 @@ std::string nextScheduledDate(const std::string& stored, bool keepStored, bool a
 }
 
 LocalTime calendarOfFileTime(std::uint64_t fileTime) {
-    const auto milliseconds = static_cast<std::int64_t>(fileTime / 10'000);
-    const std::int64_t ofDay = milliseconds % millisecondsPerDay;
+    // <chrono> ends with the year 32767, file times do not: the calendar repeats after 400 years.
+    constexpr days era{146'097};
+    const milliseconds since1601(static_cast<std::int64_t>(fileTime / 10'000));
+    const auto wholeDays = floor<days>(since1601);
+    const hh_mm_ss clock(since1601 - wholeDays);
     LocalTime time;
-    setDate(time, milliseconds / millisecondsPerDay);
-    time.hour = static_cast<int>(ofDay / 3'600'000);
-    time.minute = static_cast<int>(ofDay / 60'000 % 60);
-    time.second = static_cast<int>(ofDay / millisecondsPerSecond % 60);
-    time.millisecond = static_cast<int>(ofDay % millisecondsPerSecond);
+    setDate(time, fileTimeEpoch + wholeDays % era);
+    time.year += static_cast<int>(wholeDays / era) * 400;
+    time.hour = static_cast<int>(clock.hours().count());
+    time.minute = static_cast<int>(clock.minutes().count());
+    time.second = static_cast<int>(clock.seconds().count());
+    time.millisecond = static_cast<int>(clock.subseconds().count());
     return time;
 }
 

@@ -14,4 +14,10 @@ std::string formatFixed(double value, int decimals, const Locale& locale);
 /// A whole number in groups of three digits ("### ### ##0"), with the locale's group separator.
 std::string formatGrouped(double value, const Locale& locale);
 
+/// The size of a drive in at most three digits and a unit: "0 octet", "976 Ko", "14,9 Go". Every
+/// digit left out is cut off, never rounded, so that no drive seems larger than it is. The unit
+/// changes at 1000 of the smaller one while it stays a power of 1024: "999 Ko" comes right before
+/// "0,97 Mo".
+std::string driveSizeText(std::uint64_t bytes, const Locale& locale);
+
 }  // namespace coffrelune

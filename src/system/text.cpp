@@ -1,13 +1,26 @@
 #include "system/text.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 
 #include "platform/utf8.h"
-#include "system/casing.h"
+#include "system/casing_tables.h"
 
 namespace coffrelune {
 namespace {
+
+template <typename Table>
+char32_t mapped(const Table& table, char32_t character) {
+    const auto* after = std::upper_bound(
+        table.begin(), table.end(), character,
+        [](char32_t wanted, const CaseRange& range) { return wanted < range.first; });
+    if (after == table.begin()) return character;
+    const CaseRange& range = *std::prev(after);
+    const bool inside = character <= range.last && (character - range.first) % range.step == 0;
+    if (!inside) return character;
+    return static_cast<char32_t>(static_cast<std::int32_t>(character) + range.delta);
+}
 
 using Mapping = char32_t (*)(char32_t);
 
@@ -21,6 +34,14 @@ std::string mapEach(std::string_view text, Mapping mapping) {
 }
 
 }  // namespace
+
+char32_t lowerCase(char32_t character) {
+    return mapped(lowerMappings, character);
+}
+
+char32_t upperCase(char32_t character) {
+    return mapped(upperMappings, character);
+}
 
 std::string lowerCase(std::string_view text) {
     return mapEach(text, lowerCase);
@@ -43,6 +64,25 @@ std::string ProperCase(std::string_view text) {
 std::string QuoteValue(std::string_view text) {
     if (text.empty()) return {};
     return '"' + std::string(text) + '"';
+}
+
+std::string_view withoutQuotes(std::string_view text) {
+    const bool quoted = text.size() >= 2 && text.front() == text.back() &&
+                        (text.front() == '"' || text.front() == '\'');
+    return quoted ? text.substr(1, text.size() - 2) : text;
+}
+
+std::size_t characterCount(std::string_view text) {
+    std::size_t count = 0;
+    for (std::size_t position = 0; position < text.size(); ++count) utf8::next(text, position);
+    return count;
+}
+
+std::string firstCharacters(std::string text, std::size_t count) {
+    std::size_t position = 0;
+    for (std::size_t i = 0; i < count && position < text.size(); ++i) utf8::next(text, position);
+    text.resize(position);
+    return text;
 }
 
 std::string trimBlanks(std::string_view text) {
@@ -84,6 +124,24 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
         if (lowerCase(utf8::next(a, inA)) != lowerCase(utf8::next(b, inB))) return false;
     }
     return inA == a.size() && inB == b.size();
+}
+
+std::string visibleControls(std::string_view text) {
+    constexpr char32_t pictures = 0x2400;  // U+2400 to U+241F, in the order of the controls
+    constexpr char32_t deletePicture = 0x2421;
+    std::string visible;
+    visible.reserve(text.size());
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x20) {
+            utf8::append(visible, pictures + byte);
+        } else if (byte == 0x7F) {
+            utf8::append(visible, deletePicture);
+        } else {
+            visible.push_back(c);
+        }
+    }
+    return visible;
 }
 
 }  // namespace coffrelune

@@ -1,8 +1,8 @@
 // Names that the list of configurations cannot take at their word: the reserved one, and those that
 // are cut or trimmed.
 #include "dialogs/config_form.h"
-#include "dialogs/config_name_form.h"
 #include "dialogs/dialog_fixture.h"
+#include "dialogs/text_dialogs.h"
 
 namespace coffrelune {
 namespace {
@@ -86,7 +86,7 @@ TEST_F(ConfigFormNamesTest, AReservedNameIsNotErased) {
 TEST_F(ConfigFormNamesTest, ANameThatWouldBecomeTheReservedOneIsNotAdded) {
     load("");
     ConfigForm form(system);
-    for (const char* name : {" position", "Position ", "position (x"}) {
+    for (const char* name : {"position (x", "Position ((", "POSITION (Travail)"}) {
         user().answer(Answer::ok);
         add(form, name);
         EXPECT_THAT(lastMessage(),

@@ -119,7 +119,7 @@ TEST_F(ConfigFormOptions, OffersAllNumbersOfLinesForOneLineInUse) {
 
 TEST_F(ConfigFormOptions, OffersNoFewerLinesThanTheCurrentConfigurationUses) {
     system.resizeLines(9);
-    system.destinations[7] = R"(F:\Save)";
+    system.lines[7].destination = R"(F:\Save)";
     EXPECT_EQ(numbers(), "8 9 10 11 12 [10]");
 }
 
@@ -132,15 +132,15 @@ TEST_F(ConfigFormOptions, OffersNoFewerLinesThanAnyOtherConfigurationUses) {
 
 TEST_F(ConfigFormOptions, AllTwelveLinesInUseLeaveOneNumber) {
     system.resizeLines(11);
-    system.sources[11] = R"(C:\)";
+    system.lines[11].source = R"(C:\)";
     EXPECT_EQ(numbers(), "12 [12]");
 }
 
 TEST_F(ConfigFormOptions, NumberBeyondTwelveStaysOnOffer) {
     system.resizeLines(19);
-    system.sources[9] = R"(C:\)";
+    system.lines[9].source = R"(C:\)";
     EXPECT_EQ(numbers(), "10 11 12 20 [20]");
-    system.sources[15] = R"(C:\)";
+    system.lines[15].source = R"(C:\)";
     EXPECT_EQ(numbers(), "20 [20]");
     press(0);
     EXPECT_EQ(system.pendingMaximumIndex, 19);

@@ -1,7 +1,7 @@
 #include "dialogs/config_form.h"
 
-#include "dialogs/config_name_form.h"
 #include "dialogs/dialog_fixture.h"
+#include "dialogs/text_dialogs.h"
 
 namespace coffrelune {
 namespace {

@@ -294,7 +294,7 @@ TEST_F(ExcludeFormTest, OkKeepsTheListForModesThatDoNotUseIt) {
     const auto form = open();
     form->OptExclu[1].click();
     form->Cmd[0].click();
-    EXPECT_EQ(stored().mode, 1);
+    EXPECT_EQ(stored().mode, ExclusionMode::all);
     EXPECT_THAT(stored().directories, ElementsAre("a", "b"));
 }
 

@@ -1,7 +1,5 @@
-#include "dialogs/config_name_form.h"
-#include "dialogs/description_form.h"
 #include "dialogs/dialog_fixture.h"
-#include "dialogs/line_form.h"
+#include "dialogs/text_dialogs.h"
 
 namespace coffrelune {
 namespace {
@@ -109,8 +107,8 @@ TEST_F(SmallDialogs, EmptyConfigurationNameIsHandedBackWithoutAMessage) {
     EXPECT_THAT(user().messages(), IsEmpty());
 }
 
-TEST_F(SmallDialogs, ReservedConfigurationNameIsRefusedInAnyCase) {
-    for (const char* typed : {"Position", "POSITION", "position"}) {
+TEST_F(SmallDialogs, ReservedConfigurationNameIsRefusedInAnyCaseAndBetweenBlanks) {
+    for (const char* typed : {"Position", "POSITION", "position", " position", "Position  "}) {
         user().answer(Answer::ok);
         EXPECT_EQ(nameFor(typed), "");
         EXPECT_THAT(lastMessage(), IsMessage("Impossible, nom réservé !", "Nouvelle configuration",

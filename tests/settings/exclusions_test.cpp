@@ -29,13 +29,13 @@ class ExclusionsTest : public testing::Test {
 TEST_F(ExclusionsTest, LoadsTheListOfOneLine) {
     put("RepExclu0_Mode=1\nRepExclu3_Mode=2\nRepExclu3_Rep1=\\Tmp\nRepExclu3_Rep2=\" a \"\n");
     mod.LoadExclusions(3);
-    EXPECT_EQ(mod.exclusions.mode, 2);
+    EXPECT_EQ(mod.exclusions.mode, ExclusionMode::listed);
     EXPECT_THAT(mod.exclusions.directories, ElementsAre("\\Tmp", " a "));
     mod.LoadExclusions(0);
-    EXPECT_EQ(mod.exclusions.mode, 1);
+    EXPECT_EQ(mod.exclusions.mode, ExclusionMode::all);
     EXPECT_THAT(mod.exclusions.directories, IsEmpty());
     mod.LoadExclusions(1);
-    EXPECT_EQ(mod.exclusions.mode, 0);
+    EXPECT_EQ(mod.exclusions.mode, ExclusionMode::none);
 }
 
 TEST_F(ExclusionsTest, EndsTheListAtAGap) {
@@ -49,7 +49,7 @@ TEST_F(ExclusionsTest, BelongsToTheCurrentConfiguration) {
     memory.disk().file(path, "[General]\nRepExclu0_Mode=1\n[Travail]\nRepExclu0_Mode=2\n", ++time);
     mod.configurationName = "Travail";
     mod.LoadExclusions(0);
-    EXPECT_EQ(mod.exclusions.mode, 2);
+    EXPECT_EQ(mod.exclusions.mode, ExclusionMode::listed);
 }
 
 TEST_F(ExclusionsTest, PacksModeAndDirectories) {
@@ -113,7 +113,7 @@ TEST_F(ExclusionsTest, MovesAnyDirectoryNameUnharmed) {
     ASSERT_TRUE(mod.WriteSetting("General", "RepExclu0_Mode", "2").ok());
     mod.StoreExclusions(mod.PackExclusions(0), 1);
     mod.LoadExclusions(1);
-    EXPECT_EQ(mod.exclusions.mode, 2);
+    EXPECT_EQ(mod.exclusions.mode, ExclusionMode::listed);
     EXPECT_EQ(mod.exclusions.directories, names);
 }
 

@@ -14,7 +14,7 @@ int lastUsedLine(const std::string& content, const std::string& global = "[Posit
     Platform platform = memory.platform();
     SystemMod system(platform, {"", R"(C:\Coffrelune)", 3, 5});
     system.LoadSettings();
-    return system.LastUsedLineAnywhere();
+    return system.lastUsedLineAnywhere();
 }
 
 TEST(LineCount, NoConfigurationUsesALine) {

@@ -24,35 +24,6 @@ class RegistresTest : public testing::Test {
     Registres registres{registry};
 };
 
-TEST_F(RegistresTest, WritesTextAndNumbersByTheirType) {
-    registry.addKey(Root::localMachine, "Key");
-    registres.setValue(Root::localMachine, "Key", "Text", 1, "abc");
-    registres.setValue(Root::localMachine, "Key", "Number", 4, "42");
-    EXPECT_EQ(registry.value(Root::localMachine, "Key", "Text"), "abc");
-    EXPECT_EQ(registry.value(Root::localMachine, "Key", "Number"), "dword:42");
-}
-
-TEST_F(RegistresTest, WritesNothingForAnyOtherType) {
-    for (const std::uint32_t type : {0U, 2U, 3U, 7U}) {
-        registres.setValue(Root::currentUser, Registres::runKey, "Name", type, "1");
-    }
-    EXPECT_THAT(registry.calls(), IsEmpty());
-}
-
-TEST_F(RegistresTest, NeverMakesAKey) {
-    registres.setValue(Root::currentUser, "Absent", "Name", 1, "abc");
-    registres.deleteValue(Root::currentUser, "Absent", "Name");
-    EXPECT_EQ(registry.value(Root::currentUser, "Absent", "Name"), "");
-}
-
-TEST_F(RegistresTest, DeletesOneValueAndKeepsTheOthers) {
-    registres.setValue(Root::currentUser, Registres::runKey, "A", 1, "a");
-    registres.setValue(Root::currentUser, Registres::runKey, "B", 1, "b");
-    registres.deleteValue(Root::currentUser, Registres::runKey, "A");
-    EXPECT_EQ(registry.value(Root::currentUser, Registres::runKey, "A"), "");
-    EXPECT_EQ(registry.value(Root::currentUser, Registres::runKey, "B"), "b");
-}
-
 TEST_F(RegistresTest, AutoStartIsTheProgramsFileWithoutQuotesOrSwitch) {
     registres.setAutoStart(true, R"(C:\Program Files\Coffrelune\coffrelune.exe)");
     EXPECT_THAT(registry.calls(),

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "platform/memory/memory_platform.h"
-#include "settings/reserved_name.h"
+#include "settings/setting_names.h"
 #include "system/text.h"
 
 namespace coffrelune {
@@ -15,6 +15,7 @@ namespace {
 using testing::AllOf;
 using testing::Each;
 using testing::ElementsAre;
+using testing::FieldsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -98,9 +99,7 @@ TEST_F(SystemModTest, StartsWithDefaultsWithoutAFile) {
     const SystemMod& mod = start();
     EXPECT_EQ(mod.maximumIndex, 5);
     EXPECT_EQ(mod.pendingMaximumIndex, 5);
-    EXPECT_THAT(mod.sources, AllOf(SizeIs(6), Each("")));
-    EXPECT_THAT(mod.destinations, AllOf(SizeIs(6), Each("")));
-    EXPECT_THAT(mod.selected, AllOf(SizeIs(6), Each(0)));
+    EXPECT_THAT(mod.lines, AllOf(SizeIs(6), Each(FieldsAre("", "", 0))));
     EXPECT_EQ(mod.configurationName, "General");
     EXPECT_FALSE(mod.AutoMode);
     EXPECT_EQ(mod.AutoTime, "00:00");
@@ -130,8 +129,7 @@ TEST_F(SystemModTest, ReadsTheNumberOfLines) {
         put("[Position]\nRepertMax=" + value + "\n");
         const SystemMod& mod = start();
         EXPECT_EQ(mod.maximumIndex, expected) << value;
-        EXPECT_THAT(mod.sources, SizeIs(static_cast<std::size_t>(expected) + 1)) << value;
-        EXPECT_THAT(mod.selected, SizeIs(static_cast<std::size_t>(expected) + 1)) << value;
+        EXPECT_THAT(mod.lines, SizeIs(static_cast<std::size_t>(expected) + 1)) << value;
     }
 }
 
@@ -164,7 +162,7 @@ TEST_F(SystemModTest, LoadsAConfigurationWithoutASectionAsEmpty) {
     put("[General]\nDescription=x\nSource0=C:\\A\n");
     const SystemMod& mod = start("/Absente");
     EXPECT_EQ(mod.description, "");
-    EXPECT_THAT(mod.sources, Each(""));
+    EXPECT_THAT(mod.lines, Each(FieldsAre("", "", 0)));
     EXPECT_FALSE(state->configurationExists("Absente"));
     EXPECT_TRUE(state->configurationExists("General"));
 }
@@ -180,7 +178,7 @@ TEST_F(SystemModTest, LoadsTheOptions) {
     EXPECT_EQ(options.SignalSonore, 2);
     EXPECT_EQ(options.SynchroDate, -1);
     EXPECT_EQ(options.ContinueOnError, -1);
-    EXPECT_EQ(options.AltCopie, 32767);
+    EXPECT_EQ(options.AltCopie, 99999);
     EXPECT_EQ(options.CorrectEteOff, -1);
     EXPECT_EQ(options.SynchroCopie, 0);
     EXPECT_EQ(state->SuiviAnalyse, 1);
@@ -200,9 +198,8 @@ TEST_F(SystemModTest, LoadsTheLinesAndTheSchedule) {
         "Confirmation=1\nModifie=1\nAutoSave=1\nAutoTime=12:30\n");
     const SystemMod& mod = start();
     EXPECT_EQ(mod.description, " Mes photos ");
-    EXPECT_THAT(mod.sources, ElementsAre(" C:\\Data ", "", "C:\\B"));
-    EXPECT_THAT(mod.destinations, ElementsAre("F:\\", "", ""));
-    EXPECT_THAT(mod.selected, ElementsAre(1, 0, 1));
+    EXPECT_THAT(mod.lines, ElementsAre(FieldsAre(" C:\\Data ", "F:\\", 1), FieldsAre("", "", 0),
+                                       FieldsAre("C:\\B", "", 1)));
     EXPECT_EQ(mod.SelectP, 1);
     EXPECT_EQ(mod.ProgToRun, "C:\\p.exe");
     EXPECT_EQ(mod.PrmToRun, "\"a\" \"b\"");
@@ -215,8 +212,8 @@ TEST_F(SystemModTest, LoadsTheLinesAndTheSchedule) {
 TEST_F(SystemModTest, NumbersLinesInDecimalWithoutZeros) {
     put("[Position]\nRepertMax=12\n[General]\nSource10=C:\\dix\nSource01=C:\\non\n");
     const SystemMod& mod = start();
-    EXPECT_EQ(mod.sources[10], "C:\\dix");
-    EXPECT_EQ(mod.sources[1], "");
+    EXPECT_EQ(mod.lines[10].source, "C:\\dix");
+    EXPECT_EQ(mod.lines[1].source, "");
 }
 
 TEST_F(SystemModTest, LoadsTheLastResultsOfEachKind) {
@@ -246,8 +243,7 @@ TEST_F(SystemModTest, ReplacesEverythingWhenAnotherConfigurationIsLoaded) {
     mod.configurationName = "Vide";
     mod.LoadConfiguration();
     EXPECT_EQ(mod.description, "");
-    EXPECT_THAT(mod.sources, Each(""));
-    EXPECT_THAT(mod.selected, Each(0));
+    EXPECT_THAT(mod.lines, Each(FieldsAre("", "", 0)));
     EXPECT_EQ(mod.AutoTime, "00:00");
     EXPECT_EQ(mod.lastResult(OperationKind::backup).errorCount, 0);
 }
@@ -285,7 +281,7 @@ TEST_F(SystemModTest, TellsThatTheFileCannotBeUsed) {
 TEST_F(SystemModTest, KeepsBlanksOfAPathAfterAReload) {
     SystemMod& mod = start();
     EXPECT_TRUE(mod.WriteSetting("General", "Source0", QuoteValue(" C:\\Data ")).ok());
-    EXPECT_EQ(start().sources[0], " C:\\Data ");
+    EXPECT_EQ(start().lines[0].source, " C:\\Data ");
 }
 
 TEST_F(SystemModTest, ListsConfigurationsInFileOrderWithoutPosition) {
@@ -320,7 +316,7 @@ TEST_F(SystemModTest, ListsTheNamesThatFit1023Characters) {
     EXPECT_THAT(list, SizeIs(10)) << "the reserved name takes its room as well";
 }
 
-TEST_F(SystemModTest, CountsCharactersOfTheCodePageAndListsNothingBehindWhatDoesNotFit) {
+TEST_F(SystemModTest, CountsCharactersNotBytesAndListsNothingBehindWhatDoesNotFit) {
     std::string bytes;
     for (char c = 'a'; c < 'a' + 10; ++c) bytes += "[" + std::string(91, '\xE9') + c + "]\n";
     std::vector<std::string> list;
@@ -336,28 +332,26 @@ TEST_F(SystemModTest, CountsCharactersOfTheCodePageAndListsNothingBehindWhatDoes
 TEST_F(SystemModTest, FindsTheLastUsedLine) {
     SystemMod& mod = start();
     EXPECT_EQ(mod.LastUsedLine(), 0);
-    mod.sources[0] = "C:\\A";
+    mod.lines[0].source = "C:\\A";
     EXPECT_EQ(mod.LastUsedLine(), 0);
-    mod.destinations[2] = "F:\\";
+    mod.lines[2].destination = "F:\\";
     EXPECT_EQ(mod.LastUsedLine(), 2);
-    mod.sources[5] = "C:\\B";
+    mod.lines[5].source = "C:\\B";
     EXPECT_EQ(mod.LastUsedLine(), 5);
 }
 
 TEST_F(SystemModTest, KeepsTheLinesWhenTheirNumberChanges) {
     SystemMod& mod = start();
-    mod.sources[1] = "C:\\A";
-    mod.destinations[1] = "F:\\";
-    mod.selected[1] = 1;
+    mod.lines[1].source = "C:\\A";
+    mod.lines[1].destination = "F:\\";
+    mod.lines[1].selected = 1;
     mod.resizeLines(11);
     EXPECT_EQ(mod.maximumIndex, 11);
-    EXPECT_THAT(mod.sources, SizeIs(12));
+    EXPECT_THAT(mod.lines, SizeIs(12));
     mod.resizeLines(1);
-    EXPECT_THAT(mod.sources, ElementsAre("", "C:\\A"));
-    EXPECT_THAT(mod.destinations, ElementsAre("", "F:\\"));
-    EXPECT_THAT(mod.selected, ElementsAre(0, 1));
+    EXPECT_THAT(mod.lines, ElementsAre(FieldsAre("", "", 0), FieldsAre("C:\\A", "F:\\", 1)));
     mod.resizeLines(-4);
-    EXPECT_THAT(mod.sources, SizeIs(1));
+    EXPECT_THAT(mod.lines, SizeIs(1));
 }
 
 TEST_F(SystemModTest, LivesBesideAnother) {

@@ -1,8 +1,7 @@
-#include "system/drive_size.h"
-
 #include <gtest/gtest.h>
 
 #include "platform/memory/memory_services.h"
+#include "system/numbers.h"
 
 namespace coffrelune {
 namespace {

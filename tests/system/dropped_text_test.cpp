@@ -1,6 +1,6 @@
-#include "system/dropped_text.h"
-
 #include <gtest/gtest.h>
+
+#include "system/paths.h"
 
 namespace coffrelune {
 namespace {

@@ -1,5 +1,3 @@
-#include "system/text_measure.h"
-
 #include <gtest/gtest.h>
 
 #include "platform/memory/memory_desktop.h"
@@ -69,12 +67,6 @@ TEST(ShortenedPath, MeasuresALongPathAFewTimesOnly) {
     EXPECT_LE(measure.calls, 16);
 }
 
-TEST(ListWidth, IsTheWidestEntryAndTheScrollBar) {
-    FixedMeasure measure;
-    EXPECT_EQ(listWidth(measure, {"abc", "abcdef", "été"}, 17), 77);
-    EXPECT_EQ(listWidth(measure, {}, 17), 17);
-}
-
 TEST(MeasuredCaption, IsShortenedToTheLabelAndToldInFull) {
     FixedMeasure measure;
     MemoryDriveInformation drives;
@@ -82,14 +74,11 @@ TEST(MeasuredCaption, IsShortenedToTheLabelAndToldInFull) {
     const PathCaption narrow = pathCaption(drives, R"(C:\Data\Docs)", measure, 119);
     EXPECT_EQ(narrow.caption, R"(C:\Da...\Docs)");
     EXPECT_EQ(narrow.toolTip, R"(C:\Data\Docs)");
-    EXPECT_EQ(fullText(narrow), R"(C:\Data\Docs)");
     const PathCaption wide = pathCaption(drives, R"(C:\Data\Docs)", measure, 120);
     EXPECT_EQ(wide.caption, R"(C:\Data\Docs)");
     EXPECT_EQ(wide.toolTip, "");
-    EXPECT_EQ(fullText(wide), R"(C:\Data\Docs)");
     const PathCaption root = pathCaption(drives, "D:\\", measure, 30);
     EXPECT_EQ(root.caption, "DATA  (D:)");
-    EXPECT_EQ(fullText(root), "D:\\");
     EXPECT_EQ(pathCaption(drives, "D:\\", measure, 29).toolTip, "D:\\");
     EXPECT_EQ(pathCaption(drives, "D:\\", measure, 29).caption, "...\\");
 }

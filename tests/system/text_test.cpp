@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "system/casing.h"
 #include "system/casing_tables.h"
 
 namespace coffrelune {
@@ -141,6 +140,26 @@ TEST(LeadingNumber, StaysWithin32Bits) {
     EXPECT_EQ(leadingNumber("-2147483649"), -2147483647 - 1);
     EXPECT_EQ(leadingNumber("99999999999999999999999999"), 2147483647);
     EXPECT_EQ(leadingNumber("-99999999999999999999999999"), -2147483647 - 1);
+}
+
+TEST(WithoutQuotes, TakesOffOnePairOfEqualQuotes) {
+    EXPECT_EQ(withoutQuotes("\"a b\""), "a b");
+    EXPECT_EQ(withoutQuotes("'a'"), "a");
+    EXPECT_EQ(withoutQuotes("\"\"a\"\""), "\"a\"");
+    EXPECT_EQ(withoutQuotes("\"\""), "");
+    for (const char* kept : {"", "\"", "\"a", "a\"", "\"a'", "aba"}) {
+        EXPECT_EQ(withoutQuotes(kept), kept);
+    }
+}
+
+TEST(Characters, AreCountedAndCutWhole) {
+    EXPECT_EQ(characterCount(""), 0U);
+    EXPECT_EQ(characterCount("été €"), 5U);
+    EXPECT_EQ(characterCount("\xE9t\xE9"), 3U) << "a byte that is no UTF-8 counts as one";
+    EXPECT_EQ(firstCharacters("été", 2), "ét");
+    EXPECT_EQ(firstCharacters("été", 3), "été");
+    EXPECT_EQ(firstCharacters("été", 9), "été");
+    EXPECT_EQ(firstCharacters("été", 0), "");
 }
 
 }  // namespace

@@ -1,8 +1,7 @@
-#include "system/volume_text.h"
-
 #include <gtest/gtest.h>
 
 #include "platform/memory/memory_desktop.h"
+#include "system/path_caption.h"
 
 namespace coffrelune {
 namespace {

@@ -1,4 +1,4 @@
-#include "settings/reserved_name.h"
+#include "settings/setting_names.h"
 
 #include <gtest/gtest.h>
 
