@@ -2,263 +2,316 @@
 
 #include <algorithm>
 
-#include "engine/exclusion_rules.h"
 #include "engine/folded_names.h"
+#include "engine/objections.h"
 #include "system/paths.h"
 
 namespace coffrelune {
 namespace {
 
 // Numbers that say that a directory is not there, as opposed to one that cannot be read.
-bool saysMissing(std::uint32_t number) {
-    return number == error_number::fileNotFound || number == error_number::pathNotFound ||
-           number == error_number::notReady || number == error_number::deviceDoesNotExist;
+bool saysMissing(const Status& status) {
+    return status.saysAbsent() || status.code() == error_number::notReady ||
+           status.code() == error_number::deviceDoesNotExist;
 }
 
 }  // namespace
 
-CopieMod::CopieMod(SystemMod& system, RunStatistics& statistics, OperationWindow& window)
-    : system_(system),
-      statistics_(statistics),
-      window_(window),
-      progress_(statistics, system.platform, window),
-      copier_(system, statistics, progress_),
-      errors_(system, statistics, window),
-      excess_(system, statistics, window, errors_),
-      guard_(system.platform.files) {}
+CopieMod::CopieMod(RunState& run, CopyErrors& errors)
+    : run_(run),
+      files_(run.files()),
+      display_(run.display),
+      statistics_(run.statistics),
+      errors_(errors),
+      progress_(run),
+      copier_(run.system, progress_),
+      guard_(run.files()) {}
 
-void CopieMod::walkLine(const LineRoots& roots, bool analysisPass) {
-    statistics_.analysisPass = analysisPass;
-    statistics_.windowsDirectory = system_.platform.drives.windowsDirectory();
-    statistics_.lineSourceRoot = withTrailingBackslash(roots.source);
-    decision_ = {system_.Modifie != 0 || comparing(), system_.options.RecentSeul != 0,
-                 system_.options.CorrectEteOff == 0};
-    roots_ = roots;
+void CopieMod::walkLine(LineTrees& trees, Pass pass) {
+    trees_ = &trees;
+    pass_ = pass;
+    errors_.startLine(trees.line().index);
+    leftOut_ = {run_.system.platform.drives.windowsDirectory(),
+                withTrailingBackslash(roots().source),
+                {trees.line().exclusions}};
+    decision_ = {run_.system.Modifie != 0 || run_.comparing(), run_.system.options.RecentSeul != 0,
+                 run_.system.options.CorrectEteOff == 0};
 
-    if (!destinationExists(roots.destination)) {
-        statistics_.lastErrorNumber = error_number::deviceDoesNotExist;
-        statistics_.interruptionRequested = true;
+    if (!destinationExists(roots().destination)) {
+        run_.control.lastErrorNumber = error_number::deviceDoesNotExist;
+        run_.control.interruptionRequested = true;
         return;
     }
-    guard_.watch(roots);
-    if (refuseLine(roots)) return;
+    if (isRefused() || !trees.take()) return;
 
     FileEntry source;
-    const Status found = findSource(roots, source);
-    if (found.ok() && !source.isDirectory()) {
-        copySingleFile(roots, source);
-        return;
-    }
+    const Status found = findSource(source);
+    if (found.ok() && !source.isDirectory()) return copySingleFile(source);
     // Only a source that is known to be missing is taken for a directory: a look-up that failed for
     // another reason may hide a file, whose copy a directory of its name would shut out for ever.
-    if (saysMissing(found.code()) || isDriveRoot(roots.source)) createTarget(roots);
-    if (stopped()) return;
+    if (saysMissing(found) || isDriveRoot(roots().source)) createTarget();
+    if (run_.stopped()) return;
     progress_.clearTexts();
-    walkTree({withTrailingBackslash(roots.source), withTrailingBackslash(roots.target),
+    walkTree({withTrailingBackslash(roots().source), withTrailingBackslash(roots().target),
               LinkRule::follow});
 }
 
 // The test for a drive root comes first: it may hold nothing and yet be a freshly formatted disk.
 bool CopieMod::destinationExists(const std::string& destination) {
     if (isDriveRoot(destination)) {
-        const std::vector<std::string> roots = system_.platform.drives.roots();
-        return std::any_of(roots.begin(), roots.end(), [&](const std::string& root) {
+        const std::vector<std::string> drives = run_.system.platform.drives.roots();
+        return std::any_of(drives.begin(), drives.end(), [&](const std::string& root) {
             return (root[0] | 0x20) == (destination[0] | 0x20);
         });
     }
     std::unique_ptr<Directory> directory;
-    return system_.platform.files
-        .openDirectory(destination, LinkRule::follow, Wanted::directories, directory)
-        .ok();
+    return files_.openDirectory(destination, LinkRule::follow, Wanted::directories, directory).ok();
 }
 
-Status CopieMod::findSource(const LineRoots& roots, FileEntry& entry) {
-    if (isDriveRoot(roots.source)) {
-        entry.attributes = attribute::directory;
-        if (destinationExists(roots.source)) return {};
-        return Status::failure(error_number::pathNotFound, roots.source);
+Status CopieMod::findSource(FileEntry& entry) {
+    const std::string& source = roots().source;
+    if (!isDriveRoot(source)) {
+        return files_.lookUp(withoutTrailingBackslash(source), LinkRule::follow, entry);
     }
-    return system_.platform.files.lookUp(withoutTrailingBackslash(roots.source), LinkRule::follow,
-                                         entry);
+    entry.attributes = attribute::directory;
+    if (destinationExists(source)) return {};
+    return Status::failure(error_number::pathNotFound, source);
 }
 
-bool CopieMod::refuseLine(const LineRoots& roots) {
-    const std::string reason = guard_.refusal(roots);
-    if (!reason.empty()) errors_.refuseLine(reason, roots.source);
+bool CopieMod::isRefused() {
+    guard_.watch(roots());
+    const std::string reason = guard_.refusal(roots());
+    if (!reason.empty()) errors_.refused(reason, error_number::invalidParameter, roots().source);
     return !reason.empty();
 }
 
-void CopieMod::createTarget(const LineRoots& roots) {
-    if (!mayCreate()) return;
+void CopieMod::createTarget() {
+    if (mayCreate()) (void)createRoot();  // what failed has been told
+}
+
+// The root of the written tree, with the levels above it. Held, and marked as being written, before
+// anything goes into it.
+bool CopieMod::createRoot() {
     bool created = false;
-    const Status status = copier_.createPath(roots.target, created);
+    const Status status = copier_.createPath(roots().target, DirectoryAccess::ownerOnly, created);
     if (created) ++statistics_.directoriesCreated;
-    if (status.ok()) {
-        guard_.watch(roots);
-    } else {
-        errors_.countOnceInLine(status.code(), roots.source);
+    if (!status.ok()) {
+        errors_.failedInLine(status.code(), roots().source);
+        return false;
     }
+    guard_.watch(roots());
+    return trees_->take() && mayChange();
+}
+
+// Nothing in the written tree changes before the tree itself says that it is being changed.
+bool CopieMod::mayChange() {
+    const Status ready = trees_->beforeChange();
+    if (!ready.ok()) errors_.failedInLine(ready.code(), roots().source);
+    return ready.ok();
 }
 
 // When nobody can tell whether there is a file to keep, none is written over.
-bool CopieMod::isKept(const LineRoots& roots) {
+bool CopieMod::isKept() {
     FileEntry existing;
-    const Status found = system_.platform.files.lookUp(roots.target, LinkRule::refuse, existing);
+    const Status found = files_.lookUp(roots().target, LinkRule::refuse, existing);
     if (found.ok()) return true;
-    if (saysMissing(found.code())) return false;
-    errors_.countOnceInLine(found.code(), roots.source);
+    if (saysMissing(found)) return false;
+    errors_.failedInLine(found.code(), roots().source);
     return true;
 }
 
 // A single file is copied on every backup, changed or not, and without the question.
-void CopieMod::copySingleFile(const LineRoots& roots, const FileEntry& entry) {
-    if (statistics_.keepExisting && isKept(roots)) return;
-    if (statistics_.analysisPass) {
+void CopieMod::copySingleFile(const FileEntry& entry) {
+    if (pass_ == Pass::tree) return;
+    if (run_.switches.keepExisting && isKept()) return;
+    if (pass_ == Pass::analysis) {
         statistics_.totalBytes += static_cast<float>(entry.size);
         countToCopy(entry);
         return;
     }
-    const SplitPath source = splitPath(roots.source);
+    const std::string& source = roots().source;
+    const std::string holder = withoutTrailingBackslash(splitPath(roots().target).parent);
     bool created = false;
     // What cannot be removed now stays hidden from every listing until a later run can.
-    (void)system_.platform.files.removeLeftovers(splitPath(roots.target).parent);
+    (void)files_.removeLeftovers(holder);
     // A restore may find the directory gone. What stands in the way is told by the copy itself.
-    (void)copier_.createPath(withoutTrailingBackslash(splitPath(roots.target).parent), created);
+    (void)copier_.createPath(holder, DirectoryAccess::usual, created);
     if (created) ++statistics_.directoriesCreated;
     const Status copied =
-        copier_.copy(entry, withoutTrailingBackslash(roots.source), roots.target, LinkRule::follow);
+        copier_.copy(entry, withoutTrailingBackslash(source), roots().target, LinkRule::follow);
     if (copied.code() == error_number::requestAborted) {
-        statistics_.interruptionRequested = true;
+        run_.control.interruptionRequested = true;
         return;
     }
-    if (!copied.ok()) errors_.count(copied.code(), roots.source, source.parent);
+    if (!copied.ok()) errors_.failed(copied.code(), source, splitPath(source).parent);
     countDone(entry, copied.ok());
 }
 
 void CopieMod::walkTree(const Place& place) {
-    std::unique_ptr<Directory> files;
-    const Status listed =
-        system_.platform.files.openDirectory(place.source, place.links, Wanted::files, files);
-    if (!listed.ok()) {
-        sourceNotListed(place, listed);
-        return;
-    }
+    const Wanted wanted = pass_ == Pass::tree ? Wanted::directories : Wanted::files;
+    std::unique_ptr<Directory> listing;
+    const Status listed = files_.openDirectory(place.source, place.links, wanted, listing);
+    if (!listed.ok()) return sourceNotListed(place, listed);
     ++statistics_.directoriesRead;
     std::unique_ptr<Directory> target;
+    const std::int32_t createdBefore = statistics_.directoriesCreated;
     if (!openTarget(place, target)) return;
-    if (treeMode()) showTreeCounts();
-
-    scanDirectory(*files, target.get(), place);
-    files.reset();  // a deep tree must not hold a descriptor for every level
+    const bool isNew = statistics_.directoriesCreated != createdBefore;
+    if (pass_ == Pass::tree) {
+        showTreeCounts();
+    } else {
+        scanDirectory(*listing, target.get(), place);
+        listing.reset();
+        if (run_.stopped()) return;
+        const Status again =
+            files_.openDirectory(place.source, place.links, Wanted::directories, listing);
+        if (!again.ok()) return sourceNotListed(place, again);
+    }
+    const std::vector<std::string> names = subdirectories(place, *listing);
+    listing.reset();  // a deep tree must not hold a descriptor for every level
     target.reset();
-    if (!stopped()) walkSubdirectories(place);
+    walkSubdirectories(place, names);
+    // Last, since it may forbid writing. A volume that refuses keeps its own rights.
+    if (isNew || bringsRights()) (void)files_.matchDirectory(place.source, place.destination);
+}
+
+// A copy that no backup of this program has made may show any rights: a restore gives them to none
+// of the user's directories that are there.
+bool CopieMod::bringsRights() const {
+    return mayCreate() && (trees_->backsUp() || trees_->certificate() != nullptr);
 }
 
 // Below a root that was just listed, a directory is gone only when the root still stands: with an
 // unplugged medium its files are not deleted, they cannot be read.
 bool CopieMod::hasVanished(const Status& status) {
     FileEntry root;
-    return (status.code() == error_number::fileNotFound ||
-            status.code() == error_number::pathNotFound) &&
-           system_.platform.files.lookUp(roots_.source, LinkRule::follow, root).ok();
+    return status.saysAbsent() && files_.lookUp(roots().source, LinkRule::follow, root).ok();
 }
 
 void CopieMod::sourceNotListed(const Place& place, const Status& status) {
     const std::string directory = withoutTrailingBackslash(place.source);
     const bool isRoot = place.links == LinkRule::follow;
-    const bool missing = isRoot ? saysMissing(status.code()) : hasVanished(status);
+    const bool missing = isRoot ? saysMissing(status) : hasVanished(status);
     // One that is there but cannot be read is named whatever the pass: nothing else might be left
     // to copy, and the run must not look complete.
-    if (!missing) errors_.nameOnce(status.code(), directory);
+    if (!missing) errors_.unread(status.code(), directory);
     if (isSpecialFolder(place.source)) return;
     // A link that leads back to where it stands hides nothing: the rest goes on.
     if (!isRoot && status.code() == error_number::cannotResolveName) return;
-    if (missing && isRoot) statistics_.currentTally().sourceMissing = true;
-    if (statistics_.analysisPass) return;
+    if (missing && isRoot) run_.tally(trees_->line().index).sourceMissing = true;
+    if (pass_ != Pass::copy) return;
 
-    if (!isRoot && system_.options.ContinueOnError != 0) {
-        errors_.countOnce(status.code(), directory);
+    if (!isRoot && run_.system.options.ContinueOnError != 0) {
+        errors_.failedOnce(status.code(), directory);
         return;
     }
-    window_.showCritical("Répertoire source '" + place.source + "' non trouvé.");
-    statistics_.interruptionRequested = true;
+    display_.showCritical("Répertoire source '" + place.source + "' non trouvé.");
+    run_.control.interruptionRequested = true;
 }
 
 // A backup makes no directory links: one that stands in the copy leads to somebody else's files. A
 // restore goes back through the links that the backup has entered.
 LinkRule CopieMod::targetLinks(const Place& place) const {
-    const bool isBackup = roots_.layout == Layout::normal;
-    return isBackup && place.links == LinkRule::enter ? LinkRule::refuse : place.links;
+    return trees_->backsUp() && place.links == LinkRule::enter ? LinkRule::refuse : place.links;
 }
 
 // False when nothing below this place can be written: its target could not be made.
 bool CopieMod::openTarget(const Place& place, std::unique_ptr<Directory>& target) {
-    FileService& files = system_.platform.files;
-    const Status opened =
-        files.openDirectory(place.destination, targetLinks(place), Wanted::nothing, target);
-    if (opened.ok()) {
-        // Once per run and directory is enough: the tree pass meets every one of them.
-        // What cannot be removed now stays hidden from every listing until a later run can.
-        if (treeMode()) (void)files.removeLeftovers(place.destination);
-        return true;
+    if (place.links == LinkRule::enter && leadsBack(place)) return false;
+    const auto open = [&] {
+        return files_.openDirectory(place.destination, targetLinks(place), Wanted::nothing, target);
+    };
+    const Status opened = open();
+    if (!opened.ok()) {
+        if (errors_.hasFailedInLine(place.source)) return false;
+        if (!mayCreate()) return true;
+        return createMissingTarget(place, opened) && open().ok();
     }
-    if (errors_.namedInLine(place.source)) return false;
-    return !mayCreate() || createMissingTarget(place, target);
-}
-
-bool CopieMod::createMissingTarget(const Place& place, std::unique_ptr<Directory>& target) {
-    bool created = false;
-    Status status = copier_.createPath(place.destination, created);
-    if (created) ++statistics_.directoriesCreated;
-    if (status.ok()) {
-        status = system_.platform.files.openDirectory(place.destination, targetLinks(place),
-                                                      Wanted::nothing, target);
-    }
-    if (!status.ok()) {
-        errors_.countOnceInLine(status.code(), place.source);
-        return false;
-    }
-    if (place.links == LinkRule::follow) guard_.watch(roots_);
+    // Once per run and directory is enough: the tree pass meets every one of them. What cannot be
+    // removed now stays hidden from every listing until a later run can.
+    if (pass_ == Pass::tree) (void)files_.removeLeftovers(place.destination);
     return true;
 }
 
-void CopieMod::showTreeCounts() {
-    window_.showCount(std::to_string(statistics_.directoriesRead) + " répertoire(s) lu(s), " +
-                      std::to_string(statistics_.directoriesCreated) + " répertoire(s) créé(s)");
-    window_.runPendingEvents();
+// A mount in the written tree that shows what is read: one file would be written over another.
+bool CopieMod::leadsBack(const Place& place) {
+    if (!mayCreate()) return false;
+    const std::string path = withoutTrailingBackslash(place.destination);
+    FileEntry entry;
+    const bool isThere =
+        files_.lookUp(path, LinkRule::refuse, entry).ok() && entry.isDirectory() && !entry.isLink();
+    if (!isThere || !trees_->showsSource(path, entry)) return false;
+    if (!errors_.hasFailedInLine(place.source)) {
+        tellObstacle(path + " est un montage qui montre les fichiers de " + roots().source +
+                     " : rien n'y est écrit.");
+    }
+    errors_.failedInLine(error_number::invalidParameter, place.source);
+    return true;
 }
 
-void CopieMod::walkSubdirectories(const Place& place) {
-    std::vector<std::string> names;
-    if (!namesOfSubdirectories(place, names)) return;
+bool CopieMod::createMissingTarget(const Place& place, const Status& opened) {
+    if (isBlocked(place)) return false;
+    if (place.links == LinkRule::follow) return createRoot();
+    if (!mayChange()) return false;
+    const std::string path = withoutTrailingBackslash(place.destination);
+    const Status made = files_.createDirectory(path, DirectoryAccess::ownerOnly);
+    if (made.ok()) {
+        ++statistics_.directoriesCreated;
+        return true;
+    }
+    const bool taken = made.code() == error_number::alreadyExists;
+    errors_.failedInLine(taken ? opened.code() : made.code(), place.source);
+    return false;
+}
+
+// A file where a directory must be: the deletion of excess files takes it away, and the directory
+// is made afterwards; without that pass the user learns what stands in the way.
+bool CopieMod::isBlocked(const Place& place) {
+    const std::string path = withoutTrailingBackslash(place.destination);
+    FileEntry entry;
+    if (!files_.lookUp(path, LinkRule::refuse, entry).ok() || entry.isDirectory()) return false;
+    if (pass_ == Pass::tree && mayDeleteExcess(run_)) return true;
+    tellObstacle(path + (entry.isLink() ? " est un lien" : " est un fichier") +
+                 " : le répertoire de ce nom ne peut pas être créé.");
+    errors_.failedInLine(error_number::notADirectory, place.source);
+    return true;
+}
+
+void CopieMod::tellObstacle(const std::string& text) {
+    display_.AjouteECTxt(text);
+}
+
+void CopieMod::showTreeCounts() {
+    display_.showCount(std::to_string(statistics_.directoriesRead) + " répertoire(s) lu(s), " +
+                       std::to_string(statistics_.directoriesCreated) + " répertoire(s) créé(s)");
+    display_.runPendingEvents();
+}
+
+void CopieMod::walkSubdirectories(const Place& place, const std::vector<std::string>& names) {
     FoldedNames handled;
     for (const std::string& name : names) {
+        if (run_.stopped()) return;
         if (!handled.add(name) && isTaken(name, place, Wanted::directories)) continue;
         walkTree({place.source + name + "\\", place.destination + name + "\\", LinkRule::enter});
-        window_.runPendingEvents();
-        if (stopped()) return;
+        display_.runPendingEvents();
     }
 }
 
-// The names are gathered before any is entered, for the descriptor's sake again.
-bool CopieMod::namesOfSubdirectories(const Place& place, std::vector<std::string>& names) {
-    std::unique_ptr<Directory> directories;
-    const Status listed = system_.platform.files.openDirectory(place.source, place.links,
-                                                               Wanted::directories, directories);
-    if (!listed.ok()) {
-        sourceNotListed(place, listed);
-        return !stopped();
-    }
-    for (FileEntry entry; directories->next(entry);) {
+// The names are gathered before any is entered, for the descriptor's sake.
+std::vector<std::string> CopieMod::subdirectories(const Place& place, Directory& listing) {
+    std::vector<std::string> names;
+    for (FileEntry entry; listing.next(entry);) {
         if (!entry.isDirectory()) continue;
-        if (isExcludedDirectory(place.source, entry.name, statistics_)) continue;
+        if (isExcludedDirectory(place.source, entry.name, leftOut_)) continue;
         if (guard_.isTarget(place.source + entry.name, entry)) continue;
+        if (entry.mountPoint && pass_ == Pass::tree)
+            trees_->mountMet(place.source + entry.name, entry.id);
         names.push_back(entry.name);
     }
-    if (!directories->status().ok()) {
-        errors_.countOnce(directories->status().code(), withoutTrailingBackslash(place.source));
+    if (!listing.status().ok()) {
+        errors_.failedOnce(listing.status().code(), withoutTrailingBackslash(place.source));
     }
-    return !stopped();
+    return names;
 }
 
 }  // namespace coffrelune

@@ -6,31 +6,23 @@
 
 #include "engine/copy_errors.h"
 #include "engine/decision.h"
-#include "engine/excess_walk.h"
+#include "engine/exclusion_rules.h"
 #include "engine/file_copier.h"
 #include "engine/line_guard.h"
-#include "engine/line_roots.h"
-#include "engine/operation_window.h"
+#include "engine/line_trees.h"
 #include "engine/progress.h"
-#include "engine/run_statistics.h"
 
 namespace coffrelune {
 
 /// The copy engine: walks the two trees of a line depth first, a directory's files before its
-/// sub-directories, and counts, lists or copies what the rules say. One object serves one
-/// operation; the flags of RunStatistics and the operation kind choose what a pass does.
+/// sub-directories, and makes directories, counts, lists or copies as the pass says. One object
+/// serves one operation.
 class CopieMod {
   public:
-    CopieMod(SystemMod& system, RunStatistics& statistics, OperationWindow& window);
+    CopieMod(RunState& run, CopyErrors& errors);
 
-    /// One pass over one line. `analysisPass`: count and list only; otherwise act. Reports through
-    /// the statistics and the window alone.
-    void walkLine(const LineRoots& roots, bool analysisPass);
-
-    /// Deletes the excess files of one line's copy; `others` as in ExcessWalk.
-    void cleanLine(const LineRoots& roots, const std::vector<LineRoots>& others) {
-        excess_.cleanLine(roots, others);
-    }
+    /// One pass over one line, any but the deletion. Reports through the run's state alone.
+    void walkLine(LineTrees& trees, Pass pass);
 
   private:
     // One directory of the walk; both paths end with a backslash.
@@ -40,48 +32,58 @@ class CopieMod {
         LinkRule links = LinkRule::enter;  // only the roots of a line are links that are followed
     };
 
-    bool comparing() const { return system_.operationKind == OperationKind::comparison; }
-    bool treeMode() const { return !comparing() && system_.options.ArbreMode != 0; }
-    bool mayCreate() const { return treeMode() || !statistics_.analysisPass; }
-    bool stopped() const { return statistics_.interruptionRequested; }
+    bool mayCreate() const { return pass_ == Pass::tree || pass_ == Pass::copy; }
+    const LineRoots& roots() const { return trees_->roots(); }
 
     bool destinationExists(const std::string& destination);
-    Status findSource(const LineRoots& roots, FileEntry& entry);
-    bool refuseLine(const LineRoots& roots);
-    void createTarget(const LineRoots& roots);
-    bool isKept(const LineRoots& roots);
-    void copySingleFile(const LineRoots& roots, const FileEntry& entry);
+    Status findSource(FileEntry& entry);
+    bool isRefused();
+    void createTarget();
+    bool createRoot();
+    bool isKept();
+    void copySingleFile(const FileEntry& entry);
 
     void walkTree(const Place& place);
+    bool bringsRights() const;
     bool hasVanished(const Status& status);
     void sourceNotListed(const Place& place, const Status& status);
     LinkRule targetLinks(const Place& place) const;
     bool openTarget(const Place& place, std::unique_ptr<Directory>& target);
-    bool createMissingTarget(const Place& place, std::unique_ptr<Directory>& target);
+    bool leadsBack(const Place& place);
+    bool mayBeOwn(const FileEntry& entry, const Place& place);
+    bool createMissingTarget(const Place& place, const Status& opened);
+    bool isBlocked(const Place& place);
     void showTreeCounts();
-    void walkSubdirectories(const Place& place);
-    bool namesOfSubdirectories(const Place& place, std::vector<std::string>& names);
+    void walkSubdirectories(const Place& place, const std::vector<std::string>& names);
+    std::vector<std::string> subdirectories(const Place& place, Directory& listing);
 
     bool isTaken(const std::string& name, const Place& place, Wanted kind);
-
     void scanDirectory(Directory& files, Directory* target, const Place& place);
     bool keepsSome() const;
+    bool findExisting(const FileEntry& entry, Directory* target, const Place& place,
+                      FileEntry& existing, bool& found);
     void scanFile(const FileEntry& entry, Directory* target, const Place& place);
     void analyseFile(const FileEntry& entry, const Decision& decision, const Place& place);
     void copyFile(const FileEntry& entry, const Decision& decision, const Place& place);
-    bool grant(const std::string& name, bool isNew);
+    bool mayReplace(const std::string& name);
+    bool mayChange();
+    void tellObstacle(const std::string& text);
     void countToCopy(const FileEntry& entry);
     void countDone(const FileEntry& entry, bool copied);
 
-    SystemMod& system_;
+    RunState& run_;
+    FileService& files_;
+    RunDisplay& display_;
     RunStatistics& statistics_;
-    OperationWindow& window_;
+    CopyErrors& errors_;
     Progress progress_;
     FileCopier copier_;
-    CopyErrors errors_;
-    ExcessWalk excess_;
     LineGuard guard_;
-    LineRoots roots_;  // of the current line
+
+    // Of the line and pass in progress.
+    LineTrees* trees_ = nullptr;
+    Pass pass_ = Pass::analysis;
+    LeftOut leftOut_;
     DecisionOptions decision_;
 };
 

@@ -14,55 +14,63 @@ std::string inOneSpelling(const std::string& directory) {
 
 }  // namespace
 
-CopyErrors::CopyErrors(SystemMod& system, RunStatistics& statistics, OperationWindow& window)
-    : system_(system), statistics_(statistics), window_(window) {}
-
-void CopyErrors::count(std::uint32_t number, const std::string& path,
-                       const std::string& directory) {
+void CopyErrors::failed(std::uint32_t number, const std::string& path,
+                        const std::string& directory) {
+    run_.tally(line_).incomplete = true;
     name(number, path);
-    if (system_.options.ContinueOnError != 0) return;
-    statistics_.interruptionRequested = true;
-    statistics_.lastErrorNumber = number;
-    if (number == error_number::sharingViolation || number == error_number::lockViolation) {
-        statistics_.sharingPath = directory;
-    }
+    stopUnlessContinued(number, directory);
 }
 
-bool CopyErrors::nameOnce(std::uint32_t number, const std::string& directory) {
+void CopyErrors::failedOnce(std::uint32_t number, const std::string& directory) {
     const std::string path = inOneSpelling(directory);
-    if (!named_.insert(path).second) return false;
-    name(number, path);
-    return true;
+    run_.tally(line_).incomplete = true;
+    if (named_.insert(path).second) failed(number, path, path);
 }
 
-void CopyErrors::countOnce(std::uint32_t number, const std::string& directory) {
+void CopyErrors::failedInLine(std::uint32_t number, const std::string& directory) {
     const std::string path = inOneSpelling(directory);
-    if (named_.insert(path).second) count(number, path, path);
+    if (namedInLine_.insert({line_, path}).second) failed(number, path, path);
 }
 
-void CopyErrors::countOnceInLine(std::uint32_t number, const std::string& directory) {
-    const std::string path = inOneSpelling(directory);
-    if (namedInLine_.insert({statistics_.currentLine, path}).second) count(number, path, path);
+bool CopyErrors::hasFailedInLine(const std::string& directory) const {
+    return namedInLine_.count({line_, inOneSpelling(directory)}) != 0;
 }
 
-void CopyErrors::refuseLine(const std::string& reason, const std::string& source) {
-    if (!namedInLine(source)) {
-        window_.AjouteECTxt("Ligne " + std::to_string(statistics_.currentLine + 1) +
-                            " refusée : " + reason);
-    }
-    countOnceInLine(error_number::invalidParameter, source);
+void CopyErrors::unread(std::uint32_t number, const std::string& path) {
+    run_.tally(line_).incomplete = true;
+    if (named_.insert(inOneSpelling(path)).second) name(number, inOneSpelling(path));
 }
 
-bool CopyErrors::namedInLine(const std::string& directory) const {
-    return namedInLine_.count({statistics_.currentLine, inOneSpelling(directory)}) != 0;
+void CopyErrors::keptExcess(const std::string& reason, std::uint32_t number,
+                            const std::string& path) {
+    run_.statistics.keptReasons.push_back(reason);
+    run_.display.AjouteECTxt(reason);
+    if (named_.insert(inOneSpelling(path)).second) name(number, inOneSpelling(path));
+}
+
+void CopyErrors::refused(const std::string& reason, std::uint32_t number,
+                         const std::string& source) {
+    if (hasFailedInLine(source)) return;
+    run_.display.AjouteECTxt("Ligne " + std::to_string(line_ + 1) + " refusée : " + reason);
+    failedInLine(number, source);
 }
 
 void CopyErrors::name(std::uint32_t number, const std::string& path) {
-    ++statistics_.errorCount;
-    if (statistics_.errorCount == 1) window_.MajErreurImg();
-    statistics_.errors.push_back({number, path, statistics_.currentLine});
-    window_.AjouteECTxt("Erreur: " + std::to_string(number) + " - Fichier: " + path);
-    window_.runPendingEvents();
+    RunStatistics& statistics = run_.statistics;
+    ++statistics.errorCount;
+    if (statistics.errorCount == 1) run_.display.MajErreurImg();
+    statistics.errors.push_back({number, path, line_});
+    run_.display.AjouteECTxt("Erreur: " + std::to_string(number) + " - Fichier: " + path);
+    run_.display.runPendingEvents();
+}
+
+void CopyErrors::stopUnlessContinued(std::uint32_t number, const std::string& directory) {
+    if (run_.system.options.ContinueOnError != 0) return;
+    run_.control.interruptionRequested = true;
+    run_.control.lastErrorNumber = number;
+    if (number == error_number::sharingViolation || number == error_number::lockViolation) {
+        run_.control.sharingPath = directory;
+    }
 }
 
 }  // namespace coffrelune

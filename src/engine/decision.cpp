@@ -13,17 +13,11 @@ bool equalButForTheHour(const LocalTime& a, const LocalTime& b) {
 }
 
 // Midnight is left out on both sides: the hour before it belongs to another day.
-void forgiveSummerTime(std::uint64_t& source, std::uint64_t& destination) {
+void forgiveSummerTime(std::uint64_t& source, std::uint64_t destination) {
     const LocalTime from = calendarOfFileTime(source);
     const LocalTime to = calendarOfFileTime(destination);
     if (!equalButForTheHour(from, to)) return;
-    if (from.hour >= 1 && from.hour - 1 == to.hour) {
-        source -= oneHour;
-    } else if (from.hour == to.hour + 1 && to.hour < 23) {
-        // Says the same of the other side and so never comes true after the first test; it stays
-        // as the place where a rule for the destination would go.
-        destination += oneHour;
-    }
+    if (from.hour >= 1 && from.hour - 1 == to.hour) source -= oneHour;
 }
 
 }  // namespace

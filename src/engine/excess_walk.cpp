@@ -2,115 +2,134 @@
 
 #include <algorithm>
 
-#include "engine/exclusion_rules.h"
-#include "settings/unfinished_copies.h"
 #include "system/paths.h"
+#include "system/text.h"
 
 namespace coffrelune {
-namespace {
+ExcessWalk::ExcessWalk(RunState& run, CopyErrors& errors)
+    : run_(run), errors_(errors), files_(run.files()), guard_(run.files()) {}
 
-bool saysAbsent(const Status& status) {
-    return status.code() == error_number::fileNotFound ||
-           status.code() == error_number::pathNotFound;
+void ExcessWalk::protect(const std::vector<RunLine>& lines) {
+    const auto add = [&](int line, bool isCopy, const std::string& path) {
+        Protected place{line, isCopy, files_.resolve(path), {}};
+        // A place that does not exist is not in the way.
+        if (!files_.identify(path, place.id).ok()) place.id = FileId{};
+        protected_.push_back(place);
+    };
+    for (const RunLine& line : lines) {
+        add(line.index, false, line.roots.original());
+        add(line.index, true, line.roots.copy());
+    }
+    const std::string& home = run_.system.homeDirectory;
+    if (home.empty() || !files_.identify(home, home_).ok()) home_ = FileId{};
 }
 
-}  // namespace
-
-LineRoots CheminsExcedents(const LineRoots& roots) {
-    const bool isVolume =
-        withTrailingBackslash(volumeOf(roots.source)) == withTrailingBackslash(roots.source);
-    const std::string reference =
-        isVolume ? roots.source : withTrailingBackslash(splitPath(roots.source).parent);
-    return {roots.target, reference, roots.source, roots.layout};
+void ExcessWalk::prepare(const LineTrees& trees) {
+    // Of trees that are not there yet nothing is known: cleanLine() asks again.
+    if (trees.originalTree() == nullptr || trees.copyTree() == nullptr) return;
+    objections_[trees.line().index] = objectionTo(files_, trees);
 }
 
-ExcessWalk::ExcessWalk(SystemMod& system, RunStatistics& statistics, OperationWindow& window,
-                       CopyErrors& errors)
-    : system_(system),
-      statistics_(statistics),
-      window_(window),
-      errors_(errors),
-      files_(system.platform.files),
-      guard_(system.platform.files) {}
-
-void ExcessWalk::cleanLine(const LineRoots& roots, const std::vector<LineRoots>& others) {
-    guard_.watch(roots);
-    const std::string reason = guard_.refusal(roots);
-    if (!reason.empty()) return errors_.refuseLine(reason, roots.source);
-    const LineRoots swapped = CheminsExcedents(roots);
-    statistics_.analysisPass = true;
-    statistics_.windowsDirectory = system_.platform.drives.windowsDirectory();
-    statistics_.lineSourceRoot = withTrailingBackslash(swapped.source);
-    decision_ = {system_.Modifie != 0, system_.options.RecentSeul != 0,
-                 system_.options.CorrectEteOff == 0};
-    if (prepare(swapped, others)) {
-        walk({withTrailingBackslash(swapped.source), withTrailingBackslash(swapped.target)});
+bool ExcessWalk::cleanLine(LineTrees& trees, const ExclusionList& loadedLast) {
+    trees_ = &trees;
+    if (!trees.take()) return false;  // told
+    failed_ = madeRoom_ = false;
+    guard_.watch(roots());
+    if (!guard_.refusal(roots()).empty()) return false;  // told by the pass before
+    const LineRoots swapped = CheminsExcedents(roots());
+    leftOut_ = {run_.system.platform.drives.windowsDirectory(),
+                withTrailingBackslash(swapped.source),
+                {loadedLast, trees.line().exclusions}};
+    mounts_.clear();
+    for (const std::string& mount : trees.knownMounts()) mounts_.push_back(leftOut_.root + mount);
+    if (const Certificate* certificate = trees.certificate();
+        certificate != nullptr && !trees.backsUp()) {
+        leftOut_.lists.push_back(certificate->exclusions);
     }
-}
-
-bool ExcessWalk::prepare(const LineRoots& swapped, const std::vector<LineRoots>& others) {
-    FileEntry root;
-    std::unique_ptr<Directory> copy;
-    // No copy, the copy of a single file, or a link that leads who knows where (which some systems
-    // open as a directory): nothing to clean.
-    if (!files_.lookUp(swapped.source, LinkRule::refuse, root).ok() || root.isLink()) return false;
-    if (!files_.openDirectory(swapped.source, LinkRule::refuse, Wanted::directories, copy).ok()) {
-        return false;
-    }
-    if (!referenceReadable(swapped.target) || sharedWithAnother(swapped.source, others)) {
-        return false;
-    }
-    protected_.clear();
-    swapped_ = swapped;
-    marked_ = false;
-    keepsDiffering_ = readByAnother(swapped.source, others);
-    if (!referenceHoldsFiles(swapped) || !referenceFinished(swapped)) return false;
-    // The reference itself may be mounted, or lie, inside the tree that is cleaned.
-    protect(swapped.target);
-    for (const LineRoots& other : others) {
-        protect(other.source);
-        protect(other.target);
-    }
-    return true;
+    decision_ = {run_.system.Modifie != 0, run_.system.options.RecentSeul != 0,
+                 run_.system.options.CorrectEteOff == 0};
+    if (!referenceReadable()) return false;
+    if (!objections_.contains(trees.line().index)) prepare(trees);
+    if (keepsAll()) return false;
+    if (!trees.backsUp()) announce();
+    walkFromRoot(Step::remove);
+    return madeRoom_;
 }
 
 // An unplugged disk, or a restore of what was never backed up, must not pass for a tree from which
 // everything has been deleted.
-bool ExcessWalk::referenceReadable(const std::string& reference) {
-    referenceRoot_ = reference;
-    referenceId_ = FileId{};
+bool ExcessWalk::referenceReadable() {
     std::unique_ptr<Directory> directory;
+    // No tree, or the copy of a single file: nothing to clean.
+    if (!files_.openDirectory(roots().target, LinkRule::follow, Wanted::directories, directory)
+             .ok()) {
+        return false;
+    }
     Status status =
-        files_.openDirectory(reference, LinkRule::follow, Wanted::directories, directory);
-    if (status.ok()) status = files_.identify(reference, referenceId_);
-    if (!status.ok()) errors_.nameOnce(status.code(), reference);
+        files_.openDirectory(roots().source, LinkRule::follow, Wanted::directories, directory);
+    if (status.ok()) status = files_.identify(roots().source, referenceId_);
+    // What the trees say is only known of those that are held.
+    if (status.ok() && (trees_->originalTree() == nullptr || trees_->copyTree() == nullptr)) {
+        status = Status::failure(error_number::notReady, roots().source);
+    }
+    if (!status.ok() && !isSingleFile()) errors_.unread(status.code(), roots().source);
     return status.ok();
+}
+
+// A backup of a file that was missing has left an empty directory of its name, which would shut the
+// file's copy out for ever. One that holds something stays: the copy of the file tells it.
+bool ExcessWalk::isSingleFile() {
+    FileEntry source;
+    const Status found = files_.lookUp(roots().source, LinkRule::follow, source);
+    if (!found.ok() || source.isDirectory()) return false;
+    (void)files_.removeDirectory(roots().target);
+    return true;
+}
+
+// True when nothing may be deleted. That is told where there is something to keep.
+bool ExcessWalk::keepsAll() {
+    const std::string kept = "Fichiers excédentaires conservés dans " + roots().target + " : ";
+    if (copiedByAnother()) {
+        run_.display.AjouteECTxt(kept + "une autre ligne y est copiée aussi.");
+        return true;
+    }
+    if (trees_->targetIsLink()) {
+        walkFromRoot(Step::count);
+        if (counted_ == 0 || stopped()) return true;
+        run_.display.AjouteECTxt(kept +
+                                 "c'est un lien. Donnez à la ligne le répertoire où il mène.");
+        return true;
+    }
+    const std::optional<Objection>& objection = objections_[trees_->line().index];
+    if (!objection && holdsFiles()) return false;
+    walkFromRoot(Step::count);
+    if (counted_ == 0 || stopped()) return true;
+    if (objection) {
+        run_.statistics.originalInDoubt |= objection->acceptable;
+        errors_.keptExcess(kept + objection->reason, objection->number, objection->path);
+    } else {
+        errors_.keptExcess(kept + roots().source + " ne contient aucun fichier.",
+                           error_number::fileNotFound, roots().source);
+    }
+    return true;
+}
+
+bool ExcessWalk::copiedByAnother() const {
+    const int line = trees_->line().index;
+    const std::string tree = files_.resolve(roots().target);
+    FileId id;
+    const bool known = files_.identify(roots().target, id).ok() && id.known();
+    return std::any_of(protected_.begin(), protected_.end(), [&](const Protected& place) {
+        // The tree that this run writes for the other line.
+        if (place.line == line || place.isCopy != trees_->backsUp()) return false;
+        return isWithin(tree, place.path) || (known && place.id == id);
+    });
 }
 
 // A mount point without its volume, or the bare directories of a backup that was stopped before its
 // first file, look like a tree from which everything has been deleted.
-bool ExcessWalk::referenceHoldsFiles(const LineRoots& swapped) {
-    if (anyFileBelow(withTrailingBackslash(swapped.target), LinkRule::follow)) return true;
-    if (!anyFileBelow(withTrailingBackslash(swapped.source), LinkRule::refuse)) return false;
-    window_.AjouteECTxt("Fichiers excédentaires conservés dans " + swapped.source + " : " +
-                        swapped.target + " ne contient aucun fichier.");
-    errors_.nameOnce(error_number::fileNotFound, swapped.target);
-    return false;
-}
-
-// What a stopped backup never copied exists in the original alone, and what a stopped restore has
-// deleted and not brought back yet exists in the copy alone.
-bool ExcessWalk::referenceFinished(const LineRoots& swapped) {
-    const bool isBackup = swapped.layout == Layout::normal;
-    using Kind = UnfinishedCopies::Kind;
-    const UnfinishedCopies unfinished(system_, isBackup ? Kind::originals : Kind::copies);
-    if (!unfinished.hold(swapped.target)) return true;
-    window_.AjouteECTxt(
-        "Fichiers excédentaires conservés dans " + swapped.source + " : " +
-        (isBackup ? "la dernière restauration dans " : "la dernière sauvegarde dans ") +
-        swapped.target + (isBackup ? " n'a pas tout remis." : " n'a pas tout copié."));
-    errors_.nameOnce(error_number::invalidData, swapped.target);
-    return false;
+bool ExcessWalk::holdsFiles() {
+    return anyFileBelow(withTrailingBackslash(roots().source), LinkRule::follow);
 }
 
 bool ExcessWalk::anyFileBelow(const std::string& directory, LinkRule links) {
@@ -123,33 +142,25 @@ bool ExcessWalk::anyFileBelow(const std::string& directory, LinkRule links) {
     files.reset();
     const std::vector<std::string> names = subdirectories({directory, directory}, links);
     return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
-        window_.runPendingEvents();
+        run_.display.runPendingEvents();
         return anyFileBelow(directory + name + "\\", LinkRule::refuse);
     });
 }
 
-bool ExcessWalk::sharedWithAnother(const std::string& copy, const std::vector<LineRoots>& others) {
-    FileId id;
-    const bool known = files_.identify(copy, id).ok();
-    const std::string path = files_.resolve(copy);
-    const bool shared = std::any_of(others.begin(), others.end(), [&](const LineRoots& other) {
-        FileId otherId;
-        return withTrailingBackslash(path).starts_with(
-                   withTrailingBackslash(files_.resolve(other.target))) ||
-               (known && files_.identify(other.target, otherId).ok() && otherId == id);
-    });
-    if (shared) {
-        window_.AjouteECTxt("Fichiers excédentaires conservés dans " + copy +
-                            " : une autre ligne y est copiée aussi.");
-    }
-    return shared;
+// What a backup deletes is a copy. What a restore deletes is the user's own.
+void ExcessWalk::announce() {
+    walkFromRoot(Step::count);
+    if (counted_ == 0 || stopped()) return;
+    run_.display.AjouteECTxt("La restauration va effacer " + std::to_string(counted_) +
+                             " fichier(s) de " + roots().target + " que la copie n'a pas :");
+    for (const std::string& path : firstCounted_) run_.display.AjouteECTxt("  " + path);
+    if (counted_ > firstCounted_.size()) run_.display.AjouteECTxt("  …");
 }
 
-void ExcessWalk::protect(const std::string& path) {
-    Protected place{files_.resolve(path), {}};
-    // A place that does not exist is not in the way.
-    if (!files_.identify(path, place.id).ok()) place.id = FileId{};
-    protected_.push_back(place);
+void ExcessWalk::tellKept(const std::string& directory, const std::string& reason) {
+    if (step_ == Step::count) return;
+    run_.display.AjouteECTxt("Fichiers excédentaires conservés dans " +
+                             withoutTrailingBackslash(directory) + " : " + reason);
 }
 
 bool ExcessWalk::isProtected(const std::string& path, const FileEntry& entry) const {
@@ -159,140 +170,164 @@ bool ExcessWalk::isProtected(const std::string& path, const FileEntry& entry) co
     });
 }
 
-// Asked before anything is taken for deleted: the reference may have been unplugged meanwhile.
+// Asked before anything is taken for deleted: the reference may have been unplugged meanwhile. A
+// root that was removed keeps its identity as long as it is held, but cannot be listed.
 bool ExcessWalk::referenceStands() {
     FileId id;
-    const Status status = files_.identify(referenceRoot_, id);
+    Status status = files_.identify(roots().source, id);
+    std::unique_ptr<Directory> root;
+    if (status.ok()) {
+        status = files_.openDirectory(roots().source, LinkRule::follow, Wanted::nothing, root);
+    }
     if (status.ok() && id == referenceId_) return true;
-    errors_.countOnce(status.ok() ? error_number::deviceDoesNotExist : status.code(),
-                      referenceRoot_);
+    errors_.failedOnce(status.ok() ? error_number::deviceDoesNotExist : status.code(),
+                       roots().source);
     return false;
+}
+
+void ExcessWalk::walkFromRoot(Step step) {
+    step_ = step;
+    counted_ = 0;
+    firstCounted_.clear();
+    walk({withTrailingBackslash(roots().target), withTrailingBackslash(roots().source)});
 }
 
 void ExcessWalk::walk(const Place& place) {
+    const bool isRoot = place.cleaned.size() == leftOut_.root.size();
+    const LinkRule links = isRoot ? LinkRule::follow : LinkRule::refuse;
     std::unique_ptr<Directory> files;
-    const Status listed = files_.openDirectory(place.copy, LinkRule::refuse, Wanted::files, files);
+    const Status listed = files_.openDirectory(place.cleaned, links, Wanted::files, files);
     if (!listed.ok()) {
-        if (!saysAbsent(listed)) errors_.nameOnce(listed.code(), place.copy);
+        if (!listed.saysAbsent()) errors_.unread(listed.code(), place.cleaned);
         return;
     }
-    ++statistics_.directoriesRead;
-    // What cannot be removed now stays hidden from every listing until a later run can.
-    (void)files_.removeLeftovers(place.copy);
+    if (belongsToOthers(place)) return;
     std::unique_ptr<Directory> reference;
     if (!openReference(place, reference)) return;
+    if (step_ == Step::remove) {
+        ++run_.statistics.directoriesRead;
+        // What cannot be removed now stays hidden from every listing until a later run can.
+        (void)files_.removeLeftovers(place.cleaned);
+    }
+    // The program's own files are no part of what a line keeps in step.
     if (!holdsSettings(place)) scan(*files, reference.get(), place);
     files.reset();  // a deep tree must not hold a descriptor for every level
     reference.reset();
-    if (stopped()) return;
-
-    for (const std::string& name : subdirectories(place)) {
-        walk({place.copy + name + "\\", place.reference + name + "\\"});
-        window_.runPendingEvents();
+    for (const std::string& name : subdirectories(place, links)) {
         if (stopped()) return;
+        Place below;
+        if (enter(place, name, below)) walk(below);
+        run_.display.runPendingEvents();
+    }
+    // Kept when something is left in it: the copy of the file then tells what stands in its way.
+    if (place.makesRoom && step_ == Step::remove && !stopped()) {
+        (void)files_.removeDirectory(withoutTrailingBackslash(place.cleaned));
     }
 }
 
-// False when the counterpart is there but cannot be read: its files keep their copies. A
-// counterpart that is gone leaves `reference` empty, and every file of the copy is an excess file.
-bool ExcessWalk::openReference(const Place& place, std::unique_ptr<Directory>& reference) {
-    const Status opened =
-        files_.openDirectory(place.reference, LinkRule::follow, Wanted::files, reference);
-    if (opened.ok()) return true;
-    if (saysAbsent(opened)) return referenceStands();
-    errors_.nameOnce(opened.code(), withoutTrailingBackslash(place.reference));
-    return false;
-}
-
-void ExcessWalk::scan(Directory& files, Directory* reference, const Place& place) {
-    for (FileEntry entry; files.next(entry);) {
-        if (!entry.isDirectory() && !isSystemFile(entry.name) &&
-            !isProtected(place.copy + entry.name, entry) && isExcess(entry, reference, place)) {
-            remove(entry, place);
-        }
-        window_.runPendingEvents();
-        if (stopped()) return;
-    }
-}
-
-bool ExcessWalk::isExcess(const FileEntry& entry, Directory* reference, const Place& place) {
-    FileEntry counterpart;
-    if (reference == nullptr || !reference->lookUp(entry.name, counterpart)) {
-        // A look-up that failed says nothing yet; only the certain absence counts.
-        const std::string path = place.reference + entry.name;
-        const Status status = files_.lookUp(path, LinkRule::refuse, counterpart);
-        if (saysAbsent(status)) return referenceStands();
-        if (!status.ok()) {
-            errors_.nameOnce(status.code(), path);
-            return false;
-        }
-    }
-    if (entry.unreadable) return false;  // of unknown age
-    // What the copy pass would leave alone must not be deleted either: with `RecentSeul` a newer
-    // file of the copy is kept by both.
-    return !keepsDiffering_ && decide(entry, &counterpart, decision_).copy &&
-           decide(counterpart, &entry, decision_).copy &&
-           willBeReplaced(counterpart, place.reference + entry.name) && markTree();
-}
-
-// Until the copy pass has brought the counterparts, the tree lacks files that it had: whatever
-// stops the program before that, no deletion on the other side may go by it. Without the mark
-// nothing that merely differs is deleted: the copy pass replaces it just as well.
-bool ExcessWalk::markTree() {
-    using Kind = UnfinishedCopies::Kind;
-    const Kind kind = swapped_.layout == Layout::normal ? Kind::copies : Kind::originals;
-    if (!marked_) marked_ = UnfinishedCopies(system_, kind).add(swapped_.source).ok();
-    return marked_;
-}
-
-// What lacks a file for a while, another line that reads it must not take for complete.
-bool ExcessWalk::readByAnother(const std::string& tree, const std::vector<LineRoots>& others) {
-    const std::string cleaned = withTrailingBackslash(files_.resolve(tree));
-    return std::any_of(others.begin(), others.end(), [&](const LineRoots& other) {
-        const std::string read = withTrailingBackslash(files_.resolve(other.source));
-        return cleaned.starts_with(read) || read.starts_with(cleaned);
-    });
-}
-
-// A file that merely differs goes only when the copy pass is sure to bring its counterpart: one
-// that is empty may not start that pass, one that cannot be read fails in it, and the question
-// before replacing must find something to ask about.
-bool ExcessWalk::willBeReplaced(const FileEntry& counterpart, const std::string& path) {
-    if (statistics_.askBeforeReplacing || counterpart.size == 0) return false;
-    if (counterpart.isLink()) return true;
-    std::string first;
-    const Status read = files_.readWhole(path, 0, first);
-    return read.ok() || read.code() == error_number::fileTooLarge;
-}
-
-// The program's own files are no part of what a line keeps in step.
 bool ExcessWalk::holdsSettings(const Place& place) {
-    FileId home;
-    FileId directory;
-    return !system_.homeDirectory.empty() && files_.identify(system_.homeDirectory, home).ok() &&
-           files_.identify(place.copy, directory).ok() && home == directory;
+    FileId id;
+    return home_.known() && files_.identify(place.cleaned, id).ok() && id == home_;
 }
 
-void ExcessWalk::remove(const FileEntry& entry, const Place& place) {
-    const std::string path = place.copy + entry.name;
-    statistics_.totalBytes += static_cast<float>(entry.size);
-    ++statistics_.filesDeleted;
-    window_.showFile(path);
-    window_.showCount(std::to_string(statistics_.filesDeleted) +
-                      " fichier(s) effacé(s) sur la destination ");
-    // A file that cannot be deleted counts all the same and stays: the next run tries again.
-    (void)files_.removeFile(path);
+// Below the roots, what bears a mark is the tree of another pair, or one that a restore or a backup
+// has left unfinished.
+bool ExcessWalk::belongsToOthers(const Place& place) {
+    if (place.cleaned.size() == leftOut_.root.size()) return false;
+    DirectoryMarks marks;
+    Status read = readMarks(files_, place.cleaned, marks);
+    if (read.ok() && !marks.empty()) {
+        tellKept(
+            place.cleaned,
+            "c'est la copie d'une autre sauvegarde, ou une restauration inachevée. Si ce n'est "
+            "plus vrai, effacez le fichier caché « .~coffrelune-… » qui en reste.");
+        return true;
+    }
+    if (read.ok() && place.reference.empty()) return false;
+    if (read.ok()) read = readMarks(files_, place.reference, marks);
+    if (!read.ok()) {
+        errors_.unread(read.code(), read.path());
+        return true;
+    }
+    const bool unfinished = !marks.restoreMarks.empty() || !marks.unreadable.empty() ||
+                            std::any_of(marks.certificates.begin(), marks.certificates.end(),
+                                        [](const auto& one) { return !one.certificate.complete; });
+    if (unfinished) {
+        tellKept(place.cleaned,
+                 withoutTrailingBackslash(place.reference) +
+                     " est inachevé : une restauration ou une sauvegarde y a été interrompue. "
+                     "Recommencez-la jusqu'au bout. Si elle est sans objet, effacez le fichier "
+                     "caché « .~coffrelune-… » qui s'y trouve.");
+    }
+    return unfinished;
+}
+
+// False when the counterpart is there but cannot be read: its files keep their copies.
+bool ExcessWalk::openReference(const Place& place, std::unique_ptr<Directory>& reference) {
+    if (place.reference.empty()) return true;
+    const bool isRoot = place.cleaned.size() == leftOut_.root.size();
+    const Status opened = files_.openDirectory(
+        place.reference, isRoot ? LinkRule::follow : LinkRule::refuse, Wanted::nothing, reference);
+    if (!opened.ok()) {
+        errors_.unread(opened.code(), withoutTrailingBackslash(place.reference));
+    }
+    return opened.ok();
+}
+
+// False when the directory keeps what is in it, because nobody can say what the reference has
+// there: a link leads elsewhere, and so does a mount point.
+bool ExcessWalk::enter(const Place& place, const std::string& name, Place& below) {
+    // What stands below a directory that must go stands in its way, too.
+    below = {place.cleaned + name + "\\", "", place.makesRoom};
+    // Unmounted while the run goes on, a volume leaves a directory that has lost everything.
+    // What a backup merely counts is what the absent volume would have lost.
+    const bool deletes = step_ == Step::remove || !trees_->backsUp();
+    if (deletes && isKnownMount(place.cleaned + name)) {
+        tellKept(below.cleaned, place.reference.empty()
+                                    ? "un volume était monté à cet endroit de l'original."
+                                    : place.reference + name + " est un autre volume.");
+        return false;
+    }
+    if (place.reference.empty()) return true;
+    const std::string path = place.reference + name;
+    FileEntry counterpart;
+    const Status found = files_.lookUp(path, LinkRule::refuse, counterpart);
+    if (found.saysAbsent()) return referenceStands();
+    if (!found.ok()) {
+        errors_.unread(found.code(), path);
+        return false;
+    }
+    if (counterpart.isLink() || counterpart.mountPoint) {
+        tellKept(below.cleaned,
+                 path + (counterpart.isLink() ? " est un lien." : " est un autre volume."));
+        return false;
+    }
+    if (counterpart.isDirectory()) {
+        below.reference = path + "\\";
+    } else {
+        below.makesRoom = madeRoom_ = true;
+    }
+    return true;
+}
+
+bool ExcessWalk::isLeftOutNow(const Place& place, const FileEntry& entry) const {
+    return isExcludedFromDeletion(place.cleaned, entry.name, leftOut_);
+}
+
+bool ExcessWalk::isKnownMount(const std::string& path) const {
+    return std::any_of(mounts_.begin(), mounts_.end(),
+                       [&](const std::string& mount) { return equalIgnoringCase(mount, path); });
 }
 
 std::vector<std::string> ExcessWalk::subdirectories(const Place& place, LinkRule links) {
     std::vector<std::string> names;
     std::unique_ptr<Directory> directories;
-    const Status listed = files_.openDirectory(place.copy, links, Wanted::directories, directories);
-    if (!listed.ok()) return names;
+    if (!files_.openDirectory(place.cleaned, links, Wanted::directories, directories).ok()) {
+        return names;
+    }
     for (FileEntry entry; directories->next(entry);) {
-        if (!entry.isDirectory() || entry.isLink()) continue;
-        if (isExcludedFromDeletion(place.copy, entry.name, statistics_)) continue;
-        if (isProtected(place.copy + entry.name, entry)) continue;
+        if (!entry.isDirectory() || entry.isLink() || entry.mountPoint) continue;
+        if (isLeftOutNow(place, entry) || isProtected(place.cleaned + entry.name, entry)) continue;
         names.push_back(entry.name);
     }
     return names;

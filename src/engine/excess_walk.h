@@ -1,89 +1,108 @@
 #pragma once
 
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "engine/copy_errors.h"
 #include "engine/decision.h"
+#include "engine/exclusion_rules.h"
+#include "engine/folded_names.h"
 #include "engine/line_guard.h"
-#include "engine/line_roots.h"
-#include "engine/operation_window.h"
+#include "engine/line_trees.h"
+#include "engine/objections.h"
 
 namespace coffrelune {
 
-/// A line's roots with the roles swapped, for the deletion walk: `source` is the copy to be
-/// cleaned, `destination` the directory on the line's side that holds `target`, the place it is a
-/// copy of. C:\Data\Docs copied to E:\Backup gives E:\Backup\Docs, C:\Data\ and C:\Data\Docs; a
-/// drive or share root has no parent and is its own reference.
-LineRoots CheminsExcedents(const LineRoots& roots);
-
-/// Deletes from a line's copy the files that its reference no longer has, or has otherwise: the
-/// rule that decides what is copied decides this too. Directories stay. Whatever is in doubt is
-/// kept and named: a deletion cannot be taken back.
+/// Deletes from the tree that a line writes the files that the tree that it reads, its reference,
+/// certainly no longer has. A file that merely differs is counted and stays: the copy pass replaces
+/// it. Directories stay, but for one whose name a file bears in the reference. Whatever is in doubt
+/// is kept and told: a deletion cannot be taken back.
 class ExcessWalk {
   public:
-    ExcessWalk(SystemMod& system, RunStatistics& statistics, OperationWindow& window,
-               CopyErrors& errors);
+    ExcessWalk(RunState& run, CopyErrors& errors);
 
-    /// Cleans the copy of one line. `others`: the roots of every other line, selected or not, whose
-    /// places are left alone.
-    void cleanLine(const LineRoots& roots, const std::vector<LineRoots>& others);
+    /// The places of every filled line, selected or not, are kept from each other's deletions.
+    void protect(const std::vector<RunLine>& lines);
 
-    /// True of the error that only says that the reference of the line may tell nothing about what
-    /// is too much: nothing is missing in what the run copies.
-    static bool saysUnfinishedReference(const CopyError& error, const LineRoots& roots) {
-        return error.number == error_number::invalidData && error.path == roots.source;
-    }
+    /// Called for each line before the run changes anything.
+    void prepare(const LineTrees& trees);
+
+    /// `loadedLast`: the exclusions of the last line of the pass before, which count for every line
+    /// besides its own. True when a file and a directory of one name have been set right: what the
+    /// tree pass could not make then must be made.
+    bool cleanLine(LineTrees& trees, const ExclusionList& loadedLast);
 
   private:
-    // A place of another line, known by its path and, where it exists, by its identity.
+    // A place of a line, known by its path and, where it exists, by its identity.
     struct Protected {
-        std::string path;
+        int line = 0;
+        bool isCopy = false;
+        std::string path;  // resolved
         FileId id;
     };
-    // One directory of the copy and its counterpart; both end with a backslash.
+    // One directory of the cleaned tree and its counterpart; both end with a backslash.
     struct Place {
-        std::string copy;
-        std::string reference;
+        std::string cleaned;
+        std::string reference;   // empty: the reference certainly has no such directory
+        bool makesRoom = false;  // for a file of the same name
     };
+    enum class Step { count, remove };
 
-    bool prepare(const LineRoots& swapped, const std::vector<LineRoots>& others);
-    bool referenceReadable(const std::string& reference);
-    bool referenceFinished(const LineRoots& swapped);
-    bool referenceHoldsFiles(const LineRoots& swapped);
+    bool referenceReadable();
+    bool isSingleFile();
+    bool copiedByAnother() const;
+    bool keepsAll();
+    bool holdsFiles();
     bool anyFileBelow(const std::string& directory, LinkRule links);
-    bool sharedWithAnother(const std::string& copy, const std::vector<LineRoots>& others);
-    void protect(const std::string& path);
+    void announce();
+    void tellKept(const std::string& directory, const std::string& reason);
     bool isProtected(const std::string& path, const FileEntry& entry) const;
     bool referenceStands();
 
+    void walkFromRoot(Step step);
     void walk(const Place& place);
+    bool holdsSettings(const Place& place);
+    bool belongsToOthers(const Place& place);
     bool openReference(const Place& place, std::unique_ptr<Directory>& reference);
     void scan(Directory& files, Directory* reference, const Place& place);
-    bool isExcess(const FileEntry& entry, Directory* reference, const Place& place);
-    bool markTree();
-    bool readByAnother(const std::string& tree, const std::vector<LineRoots>& others);
-    bool willBeReplaced(const FileEntry& counterpart, const std::string& path);
-    bool holdsSettings(const Place& place);
+    void handle(const FileEntry& entry, Directory* reference, const Place& place);
+    bool isGone(const FileEntry& entry, Directory* reference, const Place& place,
+                FileEntry& counterpart, bool& known);
+    bool isSpelledOtherwise(const FileEntry& entry, const Place& place);
     void remove(const FileEntry& entry, const Place& place);
-    std::vector<std::string> subdirectories(const Place& place, LinkRule links = LinkRule::refuse);
+    void showDeleted(const FileEntry& entry, const std::string& path);
+    bool enter(const Place& place, const std::string& name, Place& below);
+    bool isLeftOutNow(const Place& place, const FileEntry& entry) const;
+    bool isKnownMount(const std::string& path) const;
+    std::vector<std::string> subdirectories(const Place& place, LinkRule links);
 
-    bool stopped() const { return statistics_.interruptionRequested; }
+    bool stopped() const { return run_.stopped() || failed_; }
+    const LineRoots& roots() const { return trees_->roots(); }
 
-    SystemMod& system_;
-    RunStatistics& statistics_;
-    OperationWindow& window_;
+    RunState& run_;
     CopyErrors& errors_;
     FileService& files_;
     LineGuard guard_;
     std::vector<Protected> protected_;
-    LineRoots swapped_;            // of the current line
-    bool marked_ = false;          // as unfinished
-    bool keepsDiffering_ = false;  // files that merely differ
-    std::string referenceRoot_;
-    FileId referenceId_;
+    FileId home_;                                         // of the settings
+    std::map<int, std::optional<Objection>> objections_;  // by line index
+
+    // Of the current line.
+    LineTrees* trees_ = nullptr;
+    LeftOut leftOut_;
+    std::vector<std::string> mounts_;  // full paths in the cleaned tree, which is not entered there
     DecisionOptions decision_;
+    FileId referenceId_;
+    Step step_ = Step::count;
+    std::uint64_t counted_ = 0;
+    std::vector<std::string> firstCounted_;
+    bool madeRoom_ = false;
+    bool failed_ = false;  // nothing may be changed in this tree
+
+    // Names of the reference directory being looked at, gathered when one of them is missing.
+    std::unique_ptr<FoldedNames> referenceNames_;
 };
 
 }  // namespace coffrelune

@@ -42,21 +42,23 @@ bool isListed(const std::string& path, const std::string& root, const ExclusionL
 bool isLeftOut(const std::string& path, const std::string& root, const ExclusionList& list,
                Equal equal) {
     switch (list.mode) {
-        case 1:
+        case ExclusionMode::all:
             return true;
-        case 2:
+        case ExclusionMode::listed:
             return isListed(path, root, list, equal);
         default:
             return false;
     }
 }
 
-bool isExcluded(const std::string& parent, const std::string& name, const RunStatistics& statistics,
+bool isExcluded(const std::string& parent, const std::string& name, const LeftOut& leftOut,
                 Equal equal) {
     if (contains(systemFolders, name)) return true;
     const std::string path = parent + name;
-    return equal(path, statistics.windowsDirectory) ||
-           isLeftOut(path, statistics.lineSourceRoot, statistics.exclusions, equal);
+    return equal(path, leftOut.windowsDirectory) ||
+           std::any_of(leftOut.lists.begin(), leftOut.lists.end(), [&](const ExclusionList& list) {
+               return isLeftOut(path, leftOut.root, list, equal);
+           });
 }
 
 }  // namespace
@@ -68,15 +70,13 @@ bool isSystemFile(const std::string& name) {
 }
 
 bool isExcludedDirectory(const std::string& parent, const std::string& name,
-                         const RunStatistics& statistics) {
-    return isExcluded(parent, name, statistics, equalExactly);
+                         const LeftOut& leftOut) {
+    return isExcluded(parent, name, leftOut, equalExactly);
 }
 
 bool isExcludedFromDeletion(const std::string& parent, const std::string& name,
-                            const RunStatistics& statistics) {
-    return isExcluded(parent, name, statistics, equalIgnoringCase) ||
-           isLeftOut(parent + name, statistics.lineSourceRoot, statistics.ownExclusions,
-                     equalIgnoringCase);
+                            const LeftOut& leftOut) {
+    return isExcluded(parent, name, leftOut, equalIgnoringCase);
 }
 
 bool isSpecialFolder(const std::string& path) {

@@ -5,8 +5,8 @@
 
 namespace coffrelune {
 
-FileCopier::FileCopier(SystemMod& system, RunStatistics& statistics, Progress& progress)
-    : system_(system), statistics_(statistics), progress_(progress) {}
+FileCopier::FileCopier(SystemMod& system, Progress& progress)
+    : system_(system), progress_(progress) {}
 
 Status FileCopier::copyOnce(const std::string& source, const std::string& destination,
                             LinkRule links) {
@@ -22,7 +22,6 @@ Status FileCopier::copy(const FileEntry& entry, const std::string& source,
         setAttributes(destination, attribute::normal);
         copied = copyOnce(source, destination, links);
     }
-    statistics_.lastCopySucceeded = copied.ok();
     // The old content of a failed copy must keep its old date: with the new one it would pass for
     // up to date for ever.
     if (!copied.ok()) return copied;
@@ -42,7 +41,7 @@ void FileCopier::setAttributes(const std::string& path, std::uint32_t attributes
     (void)system_.platform.files.setAttributes(path, attributes & ~attribute::readOnly);
 }
 
-Status FileCopier::createPath(const std::string& path, bool& created) {
+Status FileCopier::createPath(const std::string& path, DirectoryAccess access, bool& created) {
     FileService& files = system_.platform.files;
     const std::string whole = withTrailingBackslash(path);
     Status failure;
@@ -52,7 +51,9 @@ Status FileCopier::createPath(const std::string& path, bool& created) {
     std::size_t start = withTrailingBackslash(volumeOf(whole)).size();
     for (std::size_t end = whole.find('\\', start); end != std::string::npos && end != start;
          end = whole.find('\\', start)) {
-        const Status level = files.createDirectory(whole.substr(0, end));
+        const bool isLast = end + 1 == whole.size();
+        const Status level =
+            files.createDirectory(whole.substr(0, end), isLast ? access : DirectoryAccess::usual);
         created = level.ok();
         if (!level.ok() && level.code() != error_number::alreadyExists && failure.ok()) {
             failure = level;

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "engine/progress.h"
-#include "engine/run_statistics.h"
 
 namespace coffrelune {
 
@@ -12,7 +11,7 @@ namespace coffrelune {
 /// times of the copy, directories with all their levels.
 class FileCopier {
   public:
-    FileCopier(SystemMod& system, RunStatistics& statistics, Progress& progress);
+    FileCopier(SystemMod& system, Progress& progress);
 
     /// Copies one file, then gives the copy its attributes and times as the options say. After a
     /// first failure the destination is made writable and the copy tried once more; after a second
@@ -21,10 +20,10 @@ class FileCopier {
     Status copy(const FileEntry& entry, const std::string& source, const std::string& destination,
                 LinkRule links);
 
-    /// Creates every missing level of a directory path. `created` tells whether the last one was
-    /// made now. The outcome is that of opening the directory; where that failed, the reason for
-    /// which it could not be made.
-    Status createPath(const std::string& path, bool& created);
+    /// Creates every missing level of a directory path, the last one with `access`. `created` tells
+    /// whether the last one was made now. The outcome is that of opening the directory; where that
+    /// failed, the reason for which it could not be made.
+    Status createPath(const std::string& path, DirectoryAccess access, bool& created);
 
     /// Always with the read-only bit cleared. The outcome is ignored: the copy that follows, or the
     /// next run, meets what is really there.
@@ -34,7 +33,6 @@ class FileCopier {
     Status copyOnce(const std::string& source, const std::string& destination, LinkRule links);
 
     SystemMod& system_;
-    RunStatistics& statistics_;
     Progress& progress_;
 };
 

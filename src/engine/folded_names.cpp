@@ -1,7 +1,9 @@
 #include "engine/folded_names.h"
 
+#include <optional>
+
 #include "platform/utf8.h"
-#include "system/casing.h"
+#include "system/text.h"
 
 namespace coffrelune {
 namespace {
@@ -18,6 +20,21 @@ std::uint64_t hashOf(std::string_view name) {
     return hash == 0 ? 1 : hash;
 }
 
+// Nothing when nobody can tell. The identity that a look-up gives is that of a link itself.
+std::optional<bool> areOne(FileService& files, const std::string& a, const std::string& b) {
+    FileEntry first;
+    FileEntry second;
+    const Status foundFirst = files.lookUp(a, LinkRule::refuse, first);
+    const Status foundSecond = files.lookUp(b, LinkRule::refuse, second);
+    if (foundFirst.saysAbsent() || foundSecond.saysAbsent()) return false;
+    if (!foundFirst.ok() || !foundSecond.ok()) return {};
+    if (!first.id.known() || !second.id.known()) {
+        const bool told = files.identify(a, first.id).ok() && files.identify(b, second.id).ok();
+        if (!told || !first.id.known() || !second.id.known()) return {};
+    }
+    return first.id == second.id;
+}
+
 }  // namespace
 
 bool FoldedNames::add(std::string_view name) {
@@ -27,15 +44,23 @@ bool FoldedNames::add(std::string_view name) {
     return true;
 }
 
-bool FoldedNames::insert(std::uint64_t hash) {
+bool FoldedNames::contains(std::string_view name) const {
+    return !slots_.empty() && slots_[slotOf(hashOf(name))] != 0;
+}
+
+// Where the hash is, or would be.
+std::size_t FoldedNames::slotOf(std::uint64_t hash) const {
     const std::size_t mask = slots_.size() - 1;
     std::size_t slot = hash & mask;
-    while (slots_[slot] != 0) {
-        if (slots_[slot] == hash) return false;
-        slot = (slot + 1) & mask;
-    }
-    slots_[slot] = hash;
-    return true;
+    while (slots_[slot] != 0 && slots_[slot] != hash) slot = (slot + 1) & mask;
+    return slot;
+}
+
+bool FoldedNames::insert(std::uint64_t hash) {
+    std::uint64_t& slot = slots_[slotOf(hash)];
+    const bool isNew = slot == 0;
+    slot = hash;
+    return isNew;
 }
 
 void FoldedNames::grow() {
@@ -45,6 +70,14 @@ void FoldedNames::grow() {
     for (const std::uint64_t hash : old) {
         if (hash != 0) insert(hash);
     }
+}
+
+bool isOneEntry(FileService& files, const std::string& a, const std::string& b) {
+    return areOne(files, a, b) == true;
+}
+
+bool areTwoEntries(FileService& files, const std::string& a, const std::string& b) {
+    return areOne(files, a, b) == false;
 }
 
 }  // namespace coffrelune

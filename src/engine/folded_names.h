@@ -2,8 +2,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
+
+#include "platform/file_service.h"
 
 namespace coffrelune {
 
@@ -13,13 +16,22 @@ class FoldedNames {
   public:
     /// False when this name, in this case or another, has been added before.
     bool add(std::string_view name);
+    /// True when this name has been added, in this case or another.
+    bool contains(std::string_view name) const;
 
   private:
+    std::size_t slotOf(std::uint64_t hash) const;
     bool insert(std::uint64_t hash);
     void grow();
 
     std::vector<std::uint64_t> slots_;  // open addressing; 0 is an empty one
     std::size_t count_ = 0;
 };
+
+/// True when two paths, which differ in their case, are for certain one entry of the disk, no link
+/// followed.
+bool isOneEntry(FileService& files, const std::string& a, const std::string& b);
+/// True when they are not, for certain: two entries, or nothing bears one of the names.
+bool areTwoEntries(FileService& files, const std::string& a, const std::string& b);
 
 }  // namespace coffrelune

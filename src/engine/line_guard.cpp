@@ -4,14 +4,6 @@
 #include "system/paths.h"
 
 namespace coffrelune {
-namespace {
-
-bool isBelow(const std::string& path, const std::string& directory) {
-    return withTrailingBackslash(path).rfind(withTrailingBackslash(directory), 0) == 0;
-}
-
-}  // namespace
-
 void LineGuard::watch(const LineRoots& roots) {
     targetPath_ = files_.resolve(roots.target);
     target_ = FileId{};
@@ -20,7 +12,7 @@ void LineGuard::watch(const LineRoots& roots) {
     const std::string original = files_.resolve(roots.original());
     FileId copy;
     copyHoldsOriginal_ =
-        isBelow(original, files_.resolve(roots.copy())) ||
+        isWithin(original, files_.resolve(roots.copy())) ||
         (files_.identify(roots.copy(), copy).ok() && anyAncestorIs(original, copy));
 }
 
@@ -30,7 +22,7 @@ bool LineGuard::copyHasNoPlace(const LineRoots& roots) {
     if (name.empty() || name == "." || name == ".." || inPlainSpelling(copy) != copy) return true;
     // A line that is read backwards no longer bears its destination; the name alone must do there.
     return roots.layout == Layout::normal &&
-           (isBelow(roots.destination, copy) || !isBelow(copy, roots.destination));
+           (isWithin(roots.destination, copy) || !isWithin(copy, roots.destination));
 }
 
 std::string LineGuard::refusal(const LineRoots& roots) const {

@@ -38,4 +38,47 @@ LineRoots lineRoots(const std::string& source, const std::string& destination, L
     return {copy, volumeOf(place), place, layout};
 }
 
+LineRoots CheminsExcedents(const LineRoots& roots) {
+    const bool isVolume =
+        withTrailingBackslash(volumeOf(roots.source)) == withTrailingBackslash(roots.source);
+    const std::string reference =
+        isVolume ? roots.source : withTrailingBackslash(splitPath(roots.source).parent);
+    return {roots.target, reference, roots.source, roots.layout};
+}
+
+bool isWithin(const std::string& path, const std::string& directory) {
+    return withTrailingBackslash(path).starts_with(withTrailingBackslash(directory));
+}
+
+Layout currentLayout(const SystemMod& system) {
+    const bool reversed =
+        system.operationKind == OperationKind::restore ||
+        (system.operationKind == OperationKind::comparison && system.comparisonReversed);
+    return reversed ? Layout::reversed : Layout::normal;
+}
+
+LineRoots rootsOfLine(const SystemMod& system, int line) {
+    const BackupLine& paths = system.lineAt(line);
+    return lineRoots(paths.source, paths.destination, currentLayout(system));
+}
+
+std::vector<RunLine> filledLines(const SystemMod& system) {
+    std::vector<RunLine> lines;
+    for (int index = 0; index <= system.maximumIndex; ++index) {
+        if (system.lineAt(index).filled()) lines.push_back({index, rootsOfLine(system, index), {}});
+    }
+    return lines;
+}
+
+std::vector<RunLine> selectedLines(SystemMod& system) {
+    std::vector<RunLine> lines = filledLines(system);
+    std::erase_if(lines,
+                  [&](const RunLine& line) { return system.lineAt(line.index).selected == 0; });
+    for (RunLine& line : lines) {
+        system.LoadExclusions(line.index);
+        line.exclusions = system.exclusions;
+    }
+    return lines;
+}
+
 }  // namespace coffrelune

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <string>
+#include <vector>
+
+#include "settings/system_mod.h"
 
 namespace coffrelune {
 
@@ -26,11 +29,40 @@ struct LineRoots {
 /// and doubled backslashes are resolved first, wherever the two texts come from.
 LineRoots lineRoots(const std::string& source, const std::string& destination, Layout layout);
 
+/// A line's roots with the roles swapped, for the deletion walk: `source` is the tree to be
+/// cleaned, `destination` the directory on the line's side that holds `target`, the place it is a
+/// copy of. C:\Data\Docs copied to E:\Backup gives E:\Backup\Docs, C:\Data\ and C:\Data\Docs; a
+/// drive or share root has no parent and is its own reference.
+LineRoots CheminsExcedents(const LineRoots& roots);
+
 /// The name under which a line's source lies in its destination: its last component, or the letter
 /// of a drive root.
 std::string copyName(const std::string& source);
 
 /// The drive root or share that a path lies on: "C:\" or "\\server\share".
 std::string volumeOf(const std::string& path);
+
+/// True when `path` is `directory` or lies below it, by their texts.
+bool isWithin(const std::string& path, const std::string& directory);
+
+/// Restores, and comparisons from destination to source, read the copy.
+Layout currentLayout(const SystemMod& system);
+
+/// The places of a backup line, by its index, in the current layout. The line must be filled.
+LineRoots rootsOfLine(const SystemMod& system, int line);
+
+/// A backup line that takes part in a run.
+struct RunLine {
+    int index = 0;
+    LineRoots roots;
+    ExclusionList exclusions;
+};
+
+/// Every line that is filled, selected or not, without its exclusions.
+std::vector<RunLine> filledLines(const SystemMod& system);
+
+/// The lines that are selected and filled, in their order. Their exclusions are read now: a restore
+/// may bring back an older settings file in the middle of the run.
+std::vector<RunLine> selectedLines(SystemMod& system);
 
 }  // namespace coffrelune

@@ -15,8 +15,8 @@ constexpr double longestEstimate = 2'000'000;  // seconds; beyond it an estimate
 
 }  // namespace
 
-Progress::Progress(RunStatistics& statistics, Platform& platform, OperationWindow& window)
-    : statistics_(statistics), platform_(platform), window_(window) {}
+Progress::Progress(RunState& run)
+    : statistics_(run.statistics), platform_(run.system.platform), display_(run.display) {}
 
 void Progress::clearTexts() {
     lastRemaining_.clear();
@@ -25,10 +25,10 @@ void Progress::clearTexts() {
 
 void Progress::refreshCaptions(const std::string& sourceDirectory,
                                const std::string& destinationDirectory) {
-    window_.showSource(sourceDirectory);
-    window_.showDestination(destinationDirectory);
+    display_.showSource(sourceDirectory);
+    display_.showDestination(destinationDirectory);
     showPercentage(statistics_.bytesDone);
-    window_.runPendingEvents();
+    display_.runPendingEvents();
 }
 
 // Files may grow between the analysis and the copy, so more bytes than the total may be done.
@@ -36,9 +36,9 @@ void Progress::showPercentage(float bytes) {
     const double share = bytes / static_cast<double>(statistics_.totalBytes) * 100;
     const double percent = bytes == 0 ? 0 : std::isfinite(share) ? std::nearbyint(share) : 100;
     const int shown = static_cast<int>(std::clamp(percent, 0.0, 100.0));
-    window_.showPercentage(shown, std::to_string(shown) + "% copiés (" +
-                                      sizeText(bytes, platform_.locale) + " de " +
-                                      sizeText(statistics_.totalBytes, platform_.locale) + ")");
+    display_.showPercentage(shown, std::to_string(shown) + "% copiés (" +
+                                       sizeText(bytes, platform_.locale) + " de " +
+                                       sizeText(statistics_.totalBytes, platform_.locale) + ")");
 }
 
 void Progress::chunkFinished(std::uint64_t transferred) {
@@ -46,7 +46,7 @@ void Progress::chunkFinished(std::uint64_t transferred) {
     busy_ = true;
     const double done = static_cast<double>(statistics_.bytesDone);
     showPercentage(static_cast<float>(done + static_cast<double>(transferred)));
-    window_.runPendingEvents();
+    display_.runPendingEvents();
     busy_ = false;
 }
 
@@ -79,15 +79,15 @@ void Progress::showTexts(std::int32_t remainingSeconds) {
     const std::string remaining = remainingTimeText(remainingSeconds);
     if (remaining != lastRemaining_) {
         lastRemaining_ = remaining;
-        window_.showRemainingTime("Temps restant: " + remaining);
-        window_.runPendingEvents();
+        display_.showRemainingTime("Temps restant: " + remaining);
+        display_.runPendingEvents();
     }
     if (remainingSeconds == 0) return;
     const float bytesPerSecond = statistics_.bytesDone / static_cast<float>(remainingSeconds);
     const std::string rate = sizeText(bytesPerSecond, platform_.locale) + "/s";
     if (rate != lastRate_) {
         lastRate_ = rate;
-        window_.showRate("Taux de transfert: " + rate);
+        display_.showRate("Taux de transfert: " + rate);
     }
 }
 

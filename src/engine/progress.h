@@ -3,16 +3,14 @@
 #include <cstdint>
 #include <string>
 
-#include "engine/operation_window.h"
-#include "engine/run_statistics.h"
-#include "platform/platform.h"
+#include "engine/run_state.h"
 
 namespace coffrelune {
 
 /// The texts of progress: percentage, remaining time, transfer rate.
 class Progress final : public CopyObserver {
   public:
-    Progress(RunStatistics& statistics, Platform& platform, OperationWindow& window);
+    explicit Progress(RunState& run);
 
     /// Forgets the texts shown last, so that a new line shows its own.
     void clearTexts();
@@ -33,7 +31,7 @@ class Progress final : public CopyObserver {
 
     RunStatistics& statistics_;
     Platform& platform_;
-    OperationWindow& window_;
+    RunDisplay& display_;
     bool busy_ = false;  // a notification is at work: events that it lets run may raise the next
     std::int32_t lastElapsed_ = 0;  // seconds
     std::string lastRemaining_;

@@ -1,33 +1,11 @@
 #include "engine/excess_walk.h"
 
-#include "engine_fixture.h"
+#include "engine/excess_fixture.h"
 
 namespace coffrelune {
 namespace {
 
 using testing::ElementsAre;
-
-// The deletion walk over one line: C:\Docs copied to F:\Save unless a test says otherwise.
-class ExcessFiles : public Engine {
-  protected:
-    ExcessFiles() { disk().directory("H:\\Coffrelune"); }  // for the settings
-
-    void clean(const std::string& source = "C:\\Docs", const std::string& destination = "F:\\Save",
-               const std::vector<LineRoots>& others = {}) {
-        clean(lineRoots(source, destination, Layout::normal), others);
-    }
-    void clean(const LineRoots& roots, const std::vector<LineRoots>& others = {}) {
-        statistics.deletionWalk = true;
-        engine.cleanLine(roots, others);
-        statistics.deletionWalk = false;
-    }
-    // The same file on both sides.
-    void pair(const std::string& name) {
-        disk().file("C:\\Docs\\" + name, "same");
-        disk().file("F:\\Save\\Docs\\" + name, "same");
-    }
-    bool kept(const std::string& path) { return disk().exists(path); }
-};
 
 TEST_F(ExcessFiles, SwappedRootsNameTheCopyItsReferenceAndTheParent) {
     const LineRoots swapped =
@@ -77,13 +55,17 @@ TEST_F(ExcessFiles, ADirectoryThatOnlyTheCopyHasLosesItsFilesButStays) {
     EXPECT_FALSE(kept("C:\\Docs\\Gone"));
 }
 
-TEST_F(ExcessFiles, AFileThatDiffersIsDeletedToo) {
+TEST_F(ExcessFiles, AFileThatDiffersIsCountedAndLeftToTheCopy) {
     disk().file("C:\\Docs\\a.txt", "new", fileTimeAt(2024, 5, 1));
     disk().file("F:\\Save\\Docs\\a.txt", "old", fileTimeAt(2024, 4, 1));
     disk().file("C:\\Docs\\b.txt", "old", fileTimeAt(2024, 4, 1));
     disk().file("F:\\Save\\Docs\\b.txt", "new", fileTimeAt(2024, 5, 1));
     clean();
     EXPECT_EQ(statistics.filesDeleted, 2);
+    EXPECT_EQ(statistics.filesRemoved, 0);
+    EXPECT_EQ(disk().content("F:\\Save\\Docs\\a.txt"), "old");
+    EXPECT_EQ(disk().content("F:\\Save\\Docs\\b.txt"), "new");
+    EXPECT_THAT(window.journal, testing::IsEmpty());
 }
 
 TEST_F(ExcessFiles, EqualTimesKeepAFileOfAnotherSize) {
@@ -93,11 +75,13 @@ TEST_F(ExcessFiles, EqualTimesKeepAFileOfAnotherSize) {
     EXPECT_EQ(statistics.filesDeleted, 0);
 }
 
-TEST_F(ExcessFiles, WithoutComparisonEveryFileOfTheCopyGoes) {
+TEST_F(ExcessFiles, WithoutComparisonEveryFileOfTheCopyCountsAndStays) {
     system.Modifie = 0;
     pair("a.txt");
     clean();
-    EXPECT_FALSE(kept("F:\\Save\\Docs\\a.txt"));
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\a.txt"));
+    EXPECT_EQ(statistics.filesDeleted, 1);
+    EXPECT_EQ(statistics.filesRemoved, 0);
 }
 
 TEST_F(ExcessFiles, ANewerFileIsKeptWhenOnlyNewerOnesAreCopied) {
@@ -134,7 +118,7 @@ TEST_F(ExcessFiles, ASourceThatIsUnpluggedDuringTheWalkDeletesNothingMore) {
 TEST_F(ExcessFiles, ARestoreOfWhatWasNeverBackedUpDoesNotEmptyTheLiveSource) {
     disk().file("C:\\Docs\\only.txt", "the only copy");
     disk().directory("F:\\Save");
-    clean(lineRoots("C:\\Docs", "F:\\Save", Layout::reversed));
+    (void)clean(lineRoots("C:\\Docs", "F:\\Save", Layout::reversed));
     EXPECT_TRUE(kept("C:\\Docs\\only.txt"));
     EXPECT_EQ(statistics.errorCount, 1);
 }
@@ -187,12 +171,12 @@ TEST_F(ExcessFiles, WhatTheLineItselfLeavesOutIsNotEntered) {
     disk().file("C:\\Docs\\a.txt", "a");
     disk().file("C:\\Docs\\Tmp\\precious.txt", "never backed up");
     disk().file("F:\\Save\\Docs\\a.txt", "a");
-    statistics.ownExclusions = {2, {"\\Tmp"}};
-    clean(lineRoots("C:\\Docs", "F:\\Save", Layout::reversed));
+    exclusions = {ExclusionMode::listed, {"\\Tmp"}};
+    cleanBack("C:\\Docs", "F:\\Save");
     EXPECT_TRUE(kept("C:\\Docs\\Tmp\\precious.txt"));
-    statistics.ownExclusions = {1, {}};
+    exclusions = {ExclusionMode::all, {}};
     disk().file("C:\\Docs\\Sub\\precious.txt", "never backed up");
-    clean(lineRoots("C:\\Docs", "F:\\Save", Layout::reversed));
+    cleanBack("C:\\Docs", "F:\\Save");
     EXPECT_TRUE(kept("C:\\Docs\\Sub\\precious.txt"));
 }
 
@@ -202,8 +186,8 @@ TEST_F(ExcessFiles, WhatTheLineLeavesOutIsNotEnteredInAnotherCaseEither) {
     disk().file("F:\\Save\\Docs\\TMP\\precious.txt", "no longer backed up");
     disk().file("F:\\Save\\Docs\\été\\precious.txt", "no longer backed up");
     disk().file("F:\\Save\\Docs\\Sub\\gone.txt", "x");
-    statistics.ownExclusions = {2, {"\\Tmp"}};
-    statistics.exclusions = {2, {"\\Été"}};
+    exclusions = {ExclusionMode::listed, {"\\Tmp"}};
+    loadedLast = {ExclusionMode::listed, {"\\Été"}};
     clean();
     EXPECT_TRUE(kept("F:\\Save\\Docs\\TMP\\precious.txt"));
     EXPECT_TRUE(kept("F:\\Save\\Docs\\été\\precious.txt"));
@@ -215,7 +199,7 @@ TEST_F(ExcessFiles, TheSystemsDirectoryIsNotEnteredHoweverItIsSpelled) {
     disk().file("C:\\Windows\\system.dll", "live");
     disk().file("C:\\a.txt", "a");
     disk().file("F:\\Save\\C\\a.txt", "a");
-    clean(lineRoots("C:\\", "F:\\Save", Layout::reversed));
+    cleanBack("C:\\", "F:\\Save");
     EXPECT_TRUE(kept("C:\\Windows\\system.dll"));
 }
 
@@ -229,18 +213,10 @@ TEST_F(ExcessFiles, AFileOfUnknownAgeStaysWhereItHasACounterpart) {
     EXPECT_FALSE(kept("F:\\Save\\Docs\\gone.txt"));
 }
 
-TEST_F(ExcessFiles, AFileWhoseCounterpartBecameADirectoryStays) {
-    pair("a.txt");
-    disk().file("F:\\Save\\Docs\\x", "the last of it");
-    disk().directory("C:\\Docs\\x");
-    clean();
-    EXPECT_TRUE(kept("F:\\Save\\Docs\\x"));
-}
-
 TEST_F(ExcessFiles, TheListLeftOverFromTheLastLineHoldsToo) {
     pair("a.txt");
     disk().file("F:\\Save\\Docs\\Old\\x.txt", "x");
-    statistics.exclusions = {2, {"\\Old"}};
+    loadedLast = {ExclusionMode::listed, {"\\Old"}};
     clean();
     EXPECT_TRUE(kept("F:\\Save\\Docs\\Old\\x.txt"));
 }
@@ -311,8 +287,12 @@ TEST_F(ExcessFiles, TheReferenceIsNeverWrittenTo) {
     disk().file("F:\\Save\\Docs\\Sub\\b.txt", "b");
     memory.files().clearCalls();
     clean();
+    using testing::StartsWith;
+    const std::string certificate = "F:\\Save\\Docs\\.~coffrelune-";
     EXPECT_THAT(memory.files().writes(), ElementsAre("removeLeftovers F:\\Save\\Docs\\",
                                                      "removeLeftovers F:\\Save\\Docs\\Sub\\",
+                                                     StartsWith("writeWhole " + certificate),
+                                                     StartsWith("setAttributes " + certificate),
                                                      "removeFile F:\\Save\\Docs\\Sub\\b.txt"));
 }
 
@@ -320,7 +300,7 @@ TEST_F(ExcessFiles, AnInterruptionEndsTheWalk) {
     pair("a.txt");
     disk().file("F:\\Save\\Docs\\x.txt", "x");
     disk().file("F:\\Save\\Docs\\y.txt", "y");
-    window.onEvents = [&] { statistics.interruptionRequested = statistics.filesDeleted == 1; };
+    window.onEvents = [&] { control.interruptionRequested = statistics.filesDeleted == 1; };
     clean();
     EXPECT_FALSE(kept("F:\\Save\\Docs\\x.txt"));
     EXPECT_TRUE(kept("F:\\Save\\Docs\\y.txt"));
@@ -332,7 +312,7 @@ TEST_F(ExcessFiles, AReferenceWithoutAnyFileDeletesNothing) {
     clean();
     EXPECT_TRUE(kept("F:\\Save\\Docs\\Sub\\a.txt"));
     EXPECT_EQ(statistics.errorCount, 1);
-    EXPECT_FALSE(statistics.interruptionRequested);
+    EXPECT_FALSE(control.interruptionRequested);
     EXPECT_THAT(window.journal, ElementsAre(testing::HasSubstr("ne contient aucun fichier"),
                                             "Erreur: 2 - Fichier: C:\\Docs"));
 }
@@ -348,7 +328,7 @@ TEST_F(ExcessFiles, TheReferenceInsideTheCleanedTreeIsNotEntered) {
     disk().file("C:\\Data\\a.txt", "a");
     disk().file("C:\\Data\\Backup\\Data\\a.txt", "a");
     disk().file("C:\\Data\\Backup\\Data\\only.txt", "only in the backup");
-    clean(lineRoots("C:\\Data", "C:\\Data\\Backup", Layout::reversed));
+    cleanBack("C:\\Data", "C:\\Data\\Backup");
     EXPECT_TRUE(kept("C:\\Data\\Backup\\Data\\only.txt"));
     EXPECT_TRUE(kept("C:\\Data\\Backup\\Data\\a.txt"));
 }
@@ -371,7 +351,7 @@ TEST_F(ExcessFiles, AFileWhoseCounterpartIsEmptyStays) {
 }
 
 TEST_F(ExcessFiles, AFileThatDiffersStaysWhileTheUserIsToBeAsked) {
-    statistics.askBeforeReplacing = true;
+    control.askBeforeReplacing = true;
     pair("same.txt");
     disk().file("C:\\Docs\\a.txt", "new", fileTimeAt(2024, 5, 1));
     disk().file("F:\\Save\\Docs\\a.txt", "old", fileTimeAt(2024, 4, 1));
@@ -393,7 +373,7 @@ TEST_F(ExcessFiles, TheProgramsOwnFilesAreLeftAlone) {
     disk().file("F:\\Save\\Coffrelune\\a.txt", "a");
     disk().file("H:\\Coffrelune\\a.txt", "a");
     disk().file("H:\\Coffrelune\\Coffrelune.ini", "[Position]");
-    clean(lineRoots("H:\\Coffrelune", "F:\\Save", Layout::reversed));
+    cleanBack("H:\\Coffrelune", "F:\\Save");
     EXPECT_TRUE(kept("H:\\Coffrelune\\Coffrelune.ini"));
 }
 
@@ -405,6 +385,40 @@ TEST_F(ExcessFiles, ASingleFileLineHasNothingToClean) {
     EXPECT_TRUE(kept("F:\\Save\\a.txt"));
     EXPECT_TRUE(kept("F:\\Save\\b.txt"));
     EXPECT_EQ(statistics.errorCount, 0);
+}
+
+TEST_F(ExcessFiles, AnEmptyDirectoryMakesRoomForTheCopyOfASingleFile) {
+    disk().directory("F:\\Save");
+    makeTree("C:\\Docs\\a.txt", "F:\\Save");
+    ASSERT_TRUE(kept("F:\\Save\\a.txt")) << "made for what was missing";
+    letGo();
+    disk().file("C:\\Docs\\a.txt", "a");
+    clean("C:\\Docs\\a.txt", "F:\\Save");
+    EXPECT_FALSE(kept("F:\\Save\\a.txt"));
+    act("C:\\Docs\\a.txt", "F:\\Save");
+    EXPECT_EQ(disk().content("F:\\Save\\a.txt"), "a");
+}
+
+TEST_F(ExcessFiles, ADirectoryThatHoldsSomethingStaysInTheWayOfASingleFile) {
+    disk().file("C:\\Docs\\a.txt", "a");
+    disk().file("F:\\Save\\a.txt\\b", "b");
+    clean("C:\\Docs\\a.txt", "F:\\Save");
+    EXPECT_TRUE(kept("F:\\Save\\a.txt\\b"));
+}
+
+TEST_F(ExcessFiles, ARestoreKeepsTheSystemDirectoryOfTheComputerThatWasSaved) {
+    memory.drives().setWindowsDirectory("C:\\Docs\\WINDOWS");
+    pair("a.txt");
+    disk().file("C:\\Docs\\WINDOWS\\system.dll", "x");
+    EXPECT_TRUE(run("C:\\Docs", "F:\\Save"));
+    EXPECT_EQ(certificate("F:\\Save\\Docs").exclusions,
+              (ExclusionList{ExclusionMode::listed, {"WINDOWS"}}));
+    memory.drives().setWindowsDirectory("E:\\WINDOWS");
+    disk().file("C:\\Docs\\new.txt", "n");
+    system.options.SynchroCopie = -1;
+    EXPECT_TRUE(restore("C:\\Docs", "F:\\Save"));
+    EXPECT_FALSE(kept("C:\\Docs\\new.txt"));
+    EXPECT_TRUE(kept("C:\\Docs\\WINDOWS\\system.dll"));
 }
 
 }  // namespace

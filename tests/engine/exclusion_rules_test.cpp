@@ -5,12 +5,12 @@
 namespace coffrelune {
 namespace {
 
-RunStatistics rules(int mode, std::vector<std::string> directories = {}) {
-    RunStatistics statistics;
-    statistics.windowsDirectory = "C:\\WINDOWS";
-    statistics.lineSourceRoot = "C:\\Data\\";
-    statistics.exclusions = {mode, std::move(directories)};
-    return statistics;
+LeftOut rules(int mode, std::vector<std::string> directories = {}) {
+    LeftOut leftOut;
+    leftOut.windowsDirectory = "C:\\WINDOWS";
+    leftOut.root = "C:\\Data\\";
+    leftOut.lists = {{static_cast<ExclusionMode>(mode), std::move(directories)}};
+    return leftOut;
 }
 
 TEST(SystemFiles, AreSkippedInAnyCase) {
@@ -31,7 +31,7 @@ TEST(SystemFiles, AreKnownByTheirWholeNameOnly) {
 }
 
 TEST(ExcludedDirectories, HoldTheSystemFoldersInTheirExactCase) {
-    const RunStatistics all = rules(0);
+    const LeftOut all = rules(0);
     for (const char* name : {"System Volume Information", "Recycled", ".", ".."}) {
         EXPECT_TRUE(isExcludedDirectory("C:\\Data\\", name, all)) << name;
     }
@@ -41,7 +41,7 @@ TEST(ExcludedDirectories, HoldTheSystemFoldersInTheirExactCase) {
 }
 
 TEST(ExcludedDirectories, HoldTheWindowsDirectoryInItsExactSpelling) {
-    const RunStatistics all = rules(0);
+    const LeftOut all = rules(0);
     EXPECT_TRUE(isExcludedDirectory("C:\\", "WINDOWS", all));
     EXPECT_FALSE(isExcludedDirectory("C:\\", "Windows", all));
     EXPECT_FALSE(isExcludedDirectory("D:\\", "WINDOWS", all));
@@ -54,7 +54,7 @@ TEST(ExcludedDirectories, AreAllOfThemWhenALineTakesNoSubdirectory) {
 }
 
 TEST(ExcludedDirectories, AreTheListedOnesAtTheirPlaceOnly) {
-    const RunStatistics listed = rules(2, {"Photos", "Docs\\Brouillons"});
+    const LeftOut listed = rules(2, {"Photos", "Docs\\Brouillons"});
     EXPECT_TRUE(isExcludedDirectory("C:\\Data\\", "Photos", listed));
     EXPECT_TRUE(isExcludedDirectory("C:\\Data\\Docs\\", "Brouillons", listed));
     EXPECT_FALSE(isExcludedDirectory("C:\\Data\\Docs\\", "Photos", listed));
@@ -65,8 +65,8 @@ TEST(ExcludedDirectories, AreTheListedOnesAtTheirPlaceOnly) {
 
 TEST(ExcludedDirectories, AreFoundWithOrWithoutALeadingBackslashInTheList) {
     EXPECT_TRUE(isExcludedDirectory("C:\\Data\\", "Tmp", rules(2, {"\\Tmp"})));
-    RunStatistics drive = rules(2, {"Temp", "\\Tmp"});
-    drive.lineSourceRoot = "C:\\";
+    LeftOut drive = rules(2, {"Temp", "\\Tmp"});
+    drive.root = "C:\\";
     EXPECT_TRUE(isExcludedDirectory("C:\\", "Temp", drive));
     EXPECT_TRUE(isExcludedDirectory("C:\\", "Tmp", drive));
     EXPECT_FALSE(isExcludedDirectory("C:\\Data\\", "Temp", drive));
@@ -84,15 +84,15 @@ TEST(ExcludedDirectories, AreNoneForAnEmptyListOrEntry) {
 }
 
 TEST(DirectoriesKeptFromDeletion, AreThoseLeftOutInAnyCase) {
-    RunStatistics statistics = rules(2, {"\\Tmp", "Été"});
-    statistics.ownExclusions = {2, {"Docs\\Brouillons"}};
-    EXPECT_TRUE(isExcludedFromDeletion("C:\\Data\\", "TMP", statistics));
-    EXPECT_TRUE(isExcludedFromDeletion("C:\\Data\\", "éTÉ", statistics));
-    EXPECT_TRUE(isExcludedFromDeletion("C:\\Data\\docs\\", "BROUILLONS", statistics));
-    EXPECT_TRUE(isExcludedFromDeletion("c:\\", "Windows", statistics));
-    EXPECT_FALSE(isExcludedFromDeletion("C:\\Data\\", "Tmp2", statistics));
-    EXPECT_FALSE(isExcludedFromDeletion("C:\\Data\\Docs\\", "Tmp", statistics));
-    EXPECT_FALSE(isExcludedDirectory("C:\\Data\\", "TMP", statistics)) << "the copy is exact";
+    LeftOut leftOut = rules(2, {"\\Tmp", "Été"});
+    leftOut.lists.push_back({ExclusionMode::listed, {"Docs\\Brouillons"}});
+    EXPECT_TRUE(isExcludedFromDeletion("C:\\Data\\", "TMP", leftOut));
+    EXPECT_TRUE(isExcludedFromDeletion("C:\\Data\\", "éTÉ", leftOut));
+    EXPECT_TRUE(isExcludedFromDeletion("C:\\Data\\docs\\", "BROUILLONS", leftOut));
+    EXPECT_TRUE(isExcludedFromDeletion("c:\\", "Windows", leftOut));
+    EXPECT_FALSE(isExcludedFromDeletion("C:\\Data\\", "Tmp2", leftOut));
+    EXPECT_FALSE(isExcludedFromDeletion("C:\\Data\\Docs\\", "Tmp", leftOut));
+    EXPECT_FALSE(isExcludedDirectory("C:\\Data\\", "TMP", leftOut)) << "the copy is exact";
 }
 
 TEST(SpecialFolders, AreTheThreeOfWindowsInTheirExactCase) {

@@ -21,11 +21,69 @@ TEST(FoldedNames, KnowANameInAnyCase) {
     EXPECT_FALSE(names.add(""));
 }
 
+TEST(FoldedNames, ContainWhatWasAddedInAnyCase) {
+    FoldedNames names;
+    EXPECT_FALSE(names.contains("Plan.txt"));
+    EXPECT_FALSE(names.contains(""));
+    EXPECT_TRUE(names.add("Plan.txt"));
+    EXPECT_TRUE(names.add("été"));
+    EXPECT_TRUE(names.contains("Plan.txt"));
+    EXPECT_TRUE(names.contains("PLAN.txt"));
+    EXPECT_TRUE(names.contains("ÉTÉ"));
+    EXPECT_FALSE(names.contains("plan.tx"));
+    EXPECT_FALSE(names.contains(""));
+    EXPECT_TRUE(names.add("plan.tx")) << "a question adds nothing";
+}
+
 TEST(FoldedNames, HoldManyNames) {
     FoldedNames names;
     constexpr int many = 20'000;
     for (int i = 0; i < many; ++i) ASSERT_TRUE(names.add("Nom " + std::to_string(i))) << i;
     for (int i = 0; i < many; ++i) ASSERT_FALSE(names.add("NOM " + std::to_string(i))) << i;
+    for (int i = 0; i < many; ++i) ASSERT_TRUE(names.contains("nom " + std::to_string(i))) << i;
+    EXPECT_FALSE(names.contains("nom " + std::to_string(many)));
+}
+
+// ---- two names and the entries that they lead to
+
+class TwoNames : public Engine {
+  protected:
+    TwoNames() {
+        disk().volume("F:\\").foldsCase = true;
+        disk().file("F:\\Plan");
+        disk().file("C:\\Plan");
+        disk().file("C:\\PLAN");
+        disk().link("C:\\plan", "C:\\Plan");
+    }
+    bool one(const std::string& a, const std::string& b) { return isOneEntry(faulty, a, b); }
+    bool two(const std::string& a, const std::string& b) { return areTwoEntries(faulty, a, b); }
+};
+
+TEST_F(TwoNames, AreOneEntryWhereTheVolumeFoldsCase) {
+    EXPECT_TRUE(one("F:\\Plan", "F:\\PLAN"));
+    EXPECT_FALSE(two("F:\\Plan", "F:\\PLAN"));
+}
+
+TEST_F(TwoNames, AreTwoEntriesWhereItDoesNotALinkIncluded) {
+    for (const char* other : {"C:\\PLAN", "C:\\plan", "C:\\PLan"}) {
+        EXPECT_FALSE(one("C:\\Plan", other)) << other;
+        EXPECT_TRUE(two("C:\\Plan", other)) << other;
+    }
+}
+
+TEST_F(TwoNames, AreNeitherForCertainWhenTheyCannotBeLookedUp) {
+    for (const char* failing : {"F:\\Plan", "F:\\PLAN"}) {
+        faulty.restart();
+        faulty.fail("lookUp", failing, error_number::ioDevice);
+        EXPECT_FALSE(one("F:\\Plan", "F:\\PLAN")) << failing;
+        EXPECT_FALSE(two("F:\\Plan", "F:\\PLAN")) << failing;
+    }
+}
+
+TEST_F(TwoNames, AreNeitherForCertainWhereNothingHasAnIdentity) {
+    disk().find("F:\\Plan")->id = {};
+    EXPECT_FALSE(one("F:\\Plan", "F:\\PLAN"));
+    EXPECT_FALSE(two("F:\\Plan", "F:\\PLAN"));
 }
 
 /// C: tells case, F: does not.
@@ -86,7 +144,8 @@ TEST_F(CaseBlindCopy, AsksTheDestinationNothingMoreInTheUsualCase) {
     run("C:\\Docs", "F:\\");
     memory.files().clearCalls();
     analyse("C:\\Docs", "F:\\");
-    EXPECT_THAT(memory.files().calls("lookUp"), ElementsAre("lookUp C:\\Docs"));
+    EXPECT_THAT(memory.files().calls("lookUp"), ElementsAre("lookUp F:\\Docs", "lookUp C:\\Docs"))
+        << "the two roots";
     EXPECT_THAT(memory.files().calls("openDirectory"),
                 ElementsAre("openDirectory C:\\Docs\\", "openDirectory F:\\Docs\\",
                             "openDirectory C:\\Docs\\"));

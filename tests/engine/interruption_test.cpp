@@ -19,7 +19,7 @@ class Interruption : public Engine {
     /// The user asks for a stop while `source` is being copied.
     void stopDuring(const std::string& source) {
         memory.files().copyHook = [this, source](const CopyMoment& moment) {
-            if (moment.source == source) statistics.interruptionRequested = true;
+            if (moment.source == source) control.interruptionRequested = true;
         };
     }
 };
@@ -48,7 +48,7 @@ TEST_F(Interruption, StopsBetweenDirectories) {
 }
 
 TEST_F(Interruption, StopsAnAnalysisAtTheNextEntry) {
-    window.onEvents = [this] { statistics.interruptionRequested = true; };
+    window.onEvents = [this] { control.interruptionRequested = true; };
     analyse("C:\\Docs", "F:\\");
     EXPECT_EQ(statistics.totalBytes, 3);
     EXPECT_EQ(statistics.directoriesRead, 1);
@@ -57,9 +57,9 @@ TEST_F(Interruption, StopsAnAnalysisAtTheNextEntry) {
 TEST_F(Interruption, StopsBetweenEmptyDirectories) {
     disk().directory("C:\\Vide\\A");
     disk().directory("C:\\Vide\\B");
-    window.onEvents = [this] { statistics.interruptionRequested = true; };
+    window.onEvents = [this] { control.interruptionRequested = true; };
     act("C:\\Vide", "F:\\");
-    EXPECT_THAT(disk().list("F:\\"), ElementsAre("F:\\Vide", "F:\\Vide\\A"));
+    EXPECT_THAT(list("F:\\"), ElementsAre("F:\\Vide", "F:\\Vide\\A"));
 }
 
 TEST_F(Interruption, KeepsTheOldContentOfAnAbandonedCopy) {
@@ -74,11 +74,11 @@ TEST_F(Interruption, KeepsTheOldContentOfAnAbandonedCopy) {
     run("C:\\Docs", "F:\\");
     EXPECT_EQ(disk().content("F:\\Docs\\b"), "the old content");
     EXPECT_EQ(disk().lastWrite("F:\\Docs\\b"), old);
-    EXPECT_THAT(disk().list("F:\\"), ElementsAre("F:\\Docs", "F:\\Docs\\b", "F:\\Docs\\A",
-                                                 "F:\\Docs\\B", "F:\\Docs\\a"));
-    EXPECT_TRUE(statistics.interruptionRequested);
+    EXPECT_THAT(list("F:\\"), ElementsAre("F:\\Docs", "F:\\Docs\\b", "F:\\Docs\\A", "F:\\Docs\\B",
+                                          "F:\\Docs\\a"));
+    EXPECT_TRUE(control.interruptionRequested);
     EXPECT_EQ(statistics.errorCount, 0);
-    EXPECT_EQ(statistics.lastErrorNumber, 0U);
+    EXPECT_EQ(control.lastErrorNumber, 0U);
     EXPECT_THAT(window.journal, IsEmpty());
     EXPECT_EQ(statistics.tallies[0].files, 1U);
 }
@@ -88,8 +88,8 @@ TEST_F(Interruption, CountsNoErrorForAnAbandonedSingleFile) {
     memory.files().copyHook = [this](const CopyMoment&) { memory.files().abandonCopies(); };
     run("C:\\Docs\\a", "F:\\");
     EXPECT_EQ(disk().content("F:\\a"), "old");
-    EXPECT_THAT(disk().list("F:\\"), ElementsAre("F:\\a"));
-    EXPECT_TRUE(statistics.interruptionRequested);
+    EXPECT_THAT(list("F:\\"), ElementsAre("F:\\a"));
+    EXPECT_TRUE(control.interruptionRequested);
     EXPECT_EQ(statistics.errorCount, 0);
     EXPECT_EQ(statistics.bytesDone, 0);
 }

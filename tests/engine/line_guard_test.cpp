@@ -14,7 +14,7 @@ TEST_F(Engine, NeverEntersItsOwnTarget) {
     disk().file("C:\\Docs\\a", "x");
     disk().directory("C:\\Docs\\Save");
     for (int times = 0; times < 3; ++times) run("C:\\Docs", "C:\\Docs\\Save");
-    EXPECT_THAT(disk().list("C:\\"),
+    EXPECT_THAT(list("C:\\"),
                 ElementsAre("C:\\Docs", "C:\\Docs\\a", "C:\\Docs\\Save", "C:\\Docs\\Save\\Docs",
                             "C:\\Docs\\Save\\Docs\\Save", "C:\\Docs\\Save\\Docs\\a"));
     EXPECT_EQ(statistics.errorCount, 0);
@@ -23,7 +23,7 @@ TEST_F(Engine, NeverEntersItsOwnTarget) {
 TEST_F(Engine, NeverEntersItsTargetInTheSamePassThatMadeIt) {
     disk().file("C:\\Docs\\a", "x");
     act("C:\\Docs", "C:\\Docs");
-    EXPECT_THAT(disk().list("C:\\"),
+    EXPECT_THAT(list("C:\\"),
                 ElementsAre("C:\\Docs", "C:\\Docs\\a", "C:\\Docs\\Docs", "C:\\Docs\\Docs\\a"));
 }
 
@@ -93,8 +93,8 @@ TEST(EngineWithoutCase, RefusesItsSourceInAnotherCase) {
 TEST_F(Engine, StopsAtARefusedLine) {
     disk().file("C:\\Docs\\a", "x");
     run("C:\\Docs", "C:\\");
-    EXPECT_TRUE(statistics.interruptionRequested);
-    EXPECT_EQ(statistics.lastErrorNumber, error_number::invalidParameter);
+    EXPECT_TRUE(control.interruptionRequested);
+    EXPECT_EQ(control.lastErrorNumber, error_number::invalidParameter);
 }
 
 TEST_F(Engine, CopiesTheSourceOfARefusedLineInAnother) {

@@ -18,11 +18,7 @@ class SpelledLine : public Engine, public testing::WithParamInterface<const char
         disk().file(R"(F:\Photos\p.jpg)", "of nobody's line");
         disk().file(R"(F:\p.jpg)", "of nobody's line");
     }
-    void clean(Layout layout) {
-        statistics.deletionWalk = true;
-        engine.cleanLine(lineRoots(GetParam(), "F:\\", layout), {});
-        statistics.deletionWalk = false;
-    }
+    void cleanIt(Layout layout) { clean(lineRoots(GetParam(), "F:\\", layout)); }
 };
 
 TEST_P(SpelledLine, IsCopiedUnderItsSourcesName) {
@@ -36,7 +32,7 @@ TEST_P(SpelledLine, IsCopiedUnderItsSourcesName) {
 TEST_P(SpelledLine, LosesItsOwnExcessFilesAlone) {
     run(GetParam(), "F:\\");
     disk().file(R"(F:\Docs\gone.txt)", "x");
-    clean(Layout::normal);
+    cleanIt(Layout::normal);
     EXPECT_FALSE(disk().exists(R"(F:\Docs\gone.txt)"));
     EXPECT_TRUE(disk().exists(R"(F:\Docs\a.txt)"));
     EXPECT_TRUE(disk().exists(R"(F:\Photos\p.jpg)"));
@@ -47,8 +43,8 @@ TEST_P(SpelledLine, ComesBackToItsSourceAlone) {
     run(GetParam(), "F:\\");
     disk().remove(R"(E:\Docs\a.txt)");
     disk().file(R"(E:\Docs\later.txt)", "not in the copy");
-    clean(Layout::reversed);
-    pass(lineRoots(GetParam(), "F:\\", Layout::reversed), false);
+    cleanIt(Layout::reversed);
+    pass(lineRoots(GetParam(), "F:\\", Layout::reversed), Pass::copy);
     EXPECT_EQ(disk().content(R"(E:\Docs\a.txt)"), "a");
     EXPECT_FALSE(disk().exists(R"(E:\Docs\later.txt)"));
     EXPECT_EQ(disk().content(R"(E:\Autre\live.txt)"), "live");
@@ -80,13 +76,11 @@ class PlacelessCopy : public Engine {
         statistics.errorCount = 0;
         memory.files().clearCalls();
         const int line = ++lines_;
-        system.options.ArbreMode = -1;
-        pass(roots, true, line);
-        system.options.ArbreMode = 0;
-        engine.cleanLine(roots, {});
-        pass(roots, true, line);
-        pass(roots, false, line);
-        engine.cleanLine(roots, {});
+        pass(roots, Pass::tree, line);
+        clean(roots, {}, line);
+        pass(roots, Pass::analysis, line);
+        pass(roots, Pass::copy, line);
+        clean(roots, {}, line);
         EXPECT_THAT(window.journal, ElementsAre(HasSubstr("refusée"), HasSubstr("Erreur: 87")))
             << roots.copy();
         EXPECT_EQ(statistics.errorCount, 1);

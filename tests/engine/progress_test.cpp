@@ -40,9 +40,13 @@ class ProgressTest : public testing::Test {
 
     MemoryPlatform memory;
     Platform platform = memory.platform();
+    SystemMod system{platform, {"", "H:\\Coffrelune", 3, 5}};
+    RunSwitches switches;
+    RunControl control;
     RunStatistics statistics;
-    RecordingWindow window;
-    Progress progress{statistics, platform, window};
+    RecordingDisplay window;
+    RunState state{system, window, switches, control, statistics};
+    Progress progress{state};
 };
 
 // ---- percentage

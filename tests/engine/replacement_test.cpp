@@ -7,10 +7,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr int yes = 0;
-constexpr int yesToAll = 1;
-constexpr int no = 2;
-constexpr int cancel = 3;
+using enum ReplacementAnswer;
 
 const std::uint64_t old = fileTimeAt(2024, 7, 10);
 
@@ -22,10 +19,10 @@ class Replacement : public Engine {
             disk().file("F:\\Docs\\" + name, "old", old);
         }
         disk().file("C:\\Docs\\d", "new", old);
-        statistics.askBeforeReplacing = true;
+        control.askBeforeReplacing = true;
     }
 
-    void actWith(std::deque<int> answers) {
+    void actWith(std::deque<ReplacementAnswer> answers) {
         window.answers = std::move(answers);
         act("C:\\Docs", "F:\\");
         EXPECT_THAT(window.answers, IsEmpty());
@@ -45,7 +42,7 @@ TEST_F(Replacement, IsAskedForEachExistingFileAndNoNewOne) {
     actWith({yes, no, yes});
     EXPECT_THAT(window.questions, ElementsAre("a", "b", "c"));
     EXPECT_THAT(contents(), ElementsAre("new", "old", "new", "new"));
-    EXPECT_TRUE(statistics.askBeforeReplacing);
+    EXPECT_TRUE(control.askBeforeReplacing);
     EXPECT_EQ(statistics.bytesDone, 9) << "a refused file is not done";
 }
 
@@ -53,26 +50,24 @@ TEST_F(Replacement, IsAskedNoMoreAfterYesToAll) {
     actWith({no, yesToAll});
     EXPECT_THAT(window.questions, ElementsAre("a", "b"));
     EXPECT_THAT(contents(), ElementsAre("old", "new", "new", "new"));
-    EXPECT_FALSE(statistics.askBeforeReplacing);
+    EXPECT_FALSE(control.askBeforeReplacing);
 }
 
 TEST_F(Replacement, EndsTheRunWhenItIsCancelled) {
     actWith({yes, cancel});
     EXPECT_THAT(contents(), ElementsAre("new", "old", "old", ""));
-    EXPECT_TRUE(statistics.interruptionRequested);
-    EXPECT_FALSE(statistics.copyGranted);
+    EXPECT_TRUE(control.interruptionRequested);
     EXPECT_EQ(statistics.errorCount, 0);
 }
 
 TEST_F(Replacement, IsGrantedWithoutTheQuestionWhenAskingIsOff) {
-    statistics.askBeforeReplacing = false;
+    control.askBeforeReplacing = false;
     actWith({});
     EXPECT_THAT(contents(), ElementsAre("new", "new", "new", "new"));
-    EXPECT_TRUE(statistics.copyGranted);
 }
 
 TEST_F(Replacement, IsNeitherAskedNorDoneWhenExistingFilesAreKept) {
-    statistics.keepExisting = true;
+    switches.keepExisting = true;
     analyse("C:\\Docs", "F:\\");
     EXPECT_EQ(statistics.totalBytes, 3);
     actWith({});
@@ -94,8 +89,8 @@ TEST_F(Replacement, IsAskedAlsoWhenTheFirstLookUpFailed) {
 
 TEST_F(Replacement, IsNotDoneWhenTheFileCannotBeLookedUp) {
     for (const bool keep : {true, false}) {
-        statistics.keepExisting = keep;
-        statistics.askBeforeReplacing = false;
+        switches.keepExisting = keep;
+        control.askBeforeReplacing = false;
         system.options.RecentSeul = -1;
         system.options.ContinueOnError = -1;
         disk().file("F:\\Docs\\a", "newer", old + 2 * oneSecond);
@@ -129,7 +124,7 @@ TEST_F(SingleFile, AddsItsSizeInTheAnalysis) {
 }
 
 TEST_F(SingleFile, IsCopiedChangedOrNotAndUnasked) {
-    statistics.askBeforeReplacing = true;
+    control.askBeforeReplacing = true;
     actOnIt();
     actOnIt();
     EXPECT_EQ(memory.files().calls("copyFile").size(), 3U) << "its read-only copy needs a second";
@@ -147,7 +142,7 @@ TEST_F(SingleFile, LosesItsReadOnlyBitWithTheOption) {
 }
 
 TEST_F(SingleFile, IsKeptWhereExistingFilesAre) {
-    statistics.keepExisting = true;
+    switches.keepExisting = true;
     disk().file("F:\\Save\\a.txt", "old");
     analyseIt();
     actOnIt();
@@ -159,7 +154,7 @@ TEST_F(SingleFile, IsKeptWhereExistingFilesAre) {
 }
 
 TEST_F(SingleFile, IsNotCopiedWhenNobodyCanTellWhetherThereIsOneToKeep) {
-    statistics.keepExisting = true;
+    switches.keepExisting = true;
     disk().file("F:\\Save\\a.txt", "old");
     faulty.fail("lookUp", "F:\\Save\\a.txt", error_number::ioDevice);
     analyseIt();
@@ -198,7 +193,7 @@ TEST_F(SingleFile, ComesBackIntoADirectoryThatIsGone) {
     disk().file("F:\\Save\\a.txt", "saved");
     disk().remove("C:\\Docs");
     system.operationKind = OperationKind::restore;
-    pass(lineRoots("C:\\Docs\\a.txt", "F:\\Save", Layout::reversed), false);
+    pass(lineRoots("C:\\Docs\\a.txt", "F:\\Save", Layout::reversed), Pass::copy);
     EXPECT_EQ(disk().content("C:\\Docs\\a.txt"), "saved");
     EXPECT_EQ(statistics.errorCount, 0);
 }

@@ -81,7 +81,7 @@ TEST_F(Scan, ListsEverythingBelowAMissingCopy) {
 }
 
 TEST_F(Scan, KeepsTheListWhateverBecomesOfExistingFiles) {
-    statistics.keepExisting = true;
+    switches.keepExisting = true;
     EXPECT_EQ(compare().size(), 4U);
 }
 
@@ -132,12 +132,16 @@ TEST_F(Scan, CountsAFileWhoseNameADirectoryBearsOnTheDestination) {
         for (const bool keepExisting : {false, true}) {
             EngineBench bench;
             bench.system.options = system.options;
-            bench.statistics.keepExisting = keepExisting;
+            bench.switches.keepExisting = keepExisting;
             bench.disk().file("C:\\Docs\\a", "new", old);
             bench.disk().directory("F:\\Docs\\a", old);
             bench.run("C:\\Docs", "F:\\");
             EXPECT_EQ(bench.statistics.errorCount, 1);
-            EXPECT_THAT(bench.window.journal, ElementsAre("Erreur: 5 - Fichier: C:\\Docs\\a"));
+            EXPECT_THAT(
+                bench.window.journal,
+                ElementsAre(
+                    "F:\\Docs\\a est un répertoire : le fichier de ce nom ne peut pas être copié.",
+                    "Erreur: 5 - Fichier: C:\\Docs\\a"));
             EXPECT_GT(bench.statistics.tallies[0].filesToCopy, 0);
             EXPECT_TRUE(bench.disk().find("F:\\Docs\\a")->isDirectory());
         }
@@ -205,7 +209,7 @@ TEST_F(Engine, NeverListsOrCopiesTheFilesOfTheSystem) {
         disk().file(std::string("C:\\Docs\\") + name, "x");
     }
     run("C:\\Docs", "F:\\");
-    EXPECT_THAT(disk().list("F:\\"), ElementsAre("F:\\Docs", "F:\\Docs\\a"));
+    EXPECT_THAT(list("F:\\"), ElementsAre("F:\\Docs", "F:\\Docs\\a"));
     EXPECT_EQ(statistics.bytesDone, 1);
     system.operationKind = OperationKind::comparison;
     disk().remove("F:\\Docs\\a");

@@ -13,7 +13,7 @@ using testing::IsEmpty;
 TEST_F(Engine, SaysThatASourceIsMissing) {
     act("C:\\Docs", "F:\\");
     EXPECT_THAT(window.criticals, ElementsAre("Répertoire source 'C:\\Docs\\' non trouvé."));
-    EXPECT_TRUE(statistics.interruptionRequested);
+    EXPECT_TRUE(control.interruptionRequested);
     EXPECT_TRUE(statistics.tallies[0].sourceMissing);
     EXPECT_EQ(statistics.errorCount, 0);
 }
@@ -38,7 +38,7 @@ TEST_F(Engine, CreatesTheTargetOfAMissingDriveUnderItsLetter) {
 TEST_F(Engine, IsSilentAboutAMissingSourceInTheAnalysis) {
     analyse("C:\\Docs", "F:\\");
     EXPECT_THAT(window.criticals, IsEmpty());
-    EXPECT_FALSE(statistics.interruptionRequested);
+    EXPECT_FALSE(control.interruptionRequested);
     EXPECT_FALSE(disk().exists("F:\\Docs"));
     EXPECT_TRUE(statistics.tallies[0].sourceMissing);
 }
@@ -55,7 +55,7 @@ TEST_F(Engine, IsSilentAboutAMissingSpecialFolder) {
         act(std::string("C:\\") + name, "F:\\");
     }
     EXPECT_THAT(window.criticals, IsEmpty());
-    EXPECT_FALSE(statistics.interruptionRequested);
+    EXPECT_FALSE(control.interruptionRequested);
 }
 
 TEST_F(Engine, TakesASourceThatCannotBeLookedUpForNoDirectory) {
@@ -83,7 +83,7 @@ TEST_F(UnreadableDirectory, IsCountedOnceOverAllPasses) {
     run("C:\\Docs", "F:\\");
     EXPECT_THAT(window.journal, ElementsAre("Erreur: 5 - Fichier: C:\\Docs\\Secret"));
     EXPECT_EQ(statistics.errorCount, 1);
-    EXPECT_FALSE(statistics.interruptionRequested);
+    EXPECT_FALSE(control.interruptionRequested);
     EXPECT_EQ(disk().content("F:\\Docs\\Voisin\\v"), "x");
     EXPECT_THAT(window.criticals, IsEmpty());
 }
@@ -96,7 +96,7 @@ TEST(UnreadableDirectoryAlone, IsCountedThoughNothingElseIsToBeCopied) {
         bench.system.options.ContinueOnError = goOn;
         bench.run("C:\\Docs", "F:\\");
         EXPECT_THAT(bench.window.journal, ElementsAre("Erreur: 5 - Fichier: C:\\Docs\\Secret"));
-        EXPECT_FALSE(bench.statistics.interruptionRequested);
+        EXPECT_FALSE(bench.control.interruptionRequested);
     }
 }
 
@@ -105,7 +105,7 @@ TEST_F(UnreadableDirectory, StopsTheCopyWithAMessage) {
     EXPECT_THAT(window.journal, ElementsAre("Erreur: 5 - Fichier: C:\\Docs\\Secret"));
     EXPECT_THAT(window.criticals,
                 ElementsAre("Répertoire source 'C:\\Docs\\Secret\\' non trouvé."));
-    EXPECT_TRUE(statistics.interruptionRequested);
+    EXPECT_TRUE(control.interruptionRequested);
     EXPECT_FALSE(disk().exists("F:\\Docs\\Voisin\\v"));
 }
 
@@ -143,23 +143,23 @@ TEST_F(Engine, CountsADirectoryThatVanishedBeforeItsFilesWereCopied) {
     disk().file("C:\\Docs\\A\\a", "x");
     disk().file("C:\\Docs\\B\\b", "x");
     window.onEvents = [this] {
-        if (!statistics.analysisPass) disk().remove("C:\\Docs\\B");
+        if (passing == Pass::copy) disk().remove("C:\\Docs\\B");
     };
     system.options.ContinueOnError = -1;
     run("C:\\Docs", "F:\\");
     EXPECT_THAT(window.journal, ElementsAre("Erreur: 3 - Fichier: C:\\Docs\\B"));
-    EXPECT_FALSE(statistics.interruptionRequested);
+    EXPECT_FALSE(control.interruptionRequested);
 }
 
 TEST_F(Engine, StopsAtADirectoryThatVanished) {
     disk().file("C:\\Docs\\A\\a", "x");
     disk().file("C:\\Docs\\B\\b", "x");
     window.onEvents = [this] {
-        if (!statistics.analysisPass) disk().remove("C:\\Docs\\B");
+        if (passing == Pass::copy) disk().remove("C:\\Docs\\B");
     };
     run("C:\\Docs", "F:\\");
     EXPECT_THAT(window.criticals, ElementsAre("Répertoire source 'C:\\Docs\\B\\' non trouvé."));
-    EXPECT_TRUE(statistics.interruptionRequested);
+    EXPECT_TRUE(control.interruptionRequested);
 }
 
 TEST_F(Engine, CountsASourceThatIsUnpluggedDuringTheAnalysis) {
@@ -218,8 +218,8 @@ TEST_F(Engine, StopsAtADirectoryThatCannotBeMade) {
     disk().file("C:\\Docs\\a", "x");
     disk().volume("F:\\").writeProtected = true;
     run("C:\\Docs", "F:\\");
-    EXPECT_TRUE(statistics.interruptionRequested);
-    EXPECT_EQ(statistics.lastErrorNumber, error_number::writeProtect);
+    EXPECT_TRUE(control.interruptionRequested);
+    EXPECT_EQ(control.lastErrorNumber, error_number::writeProtect);
 }
 
 TEST_F(Engine, TriesNothingBelowADirectoryWhoseNameAFileBears) {
@@ -228,7 +228,10 @@ TEST_F(Engine, TriesNothingBelowADirectoryWhoseNameAFileBears) {
     disk().file("F:\\Docs\\Sub", "a file of the user");
     system.options.ContinueOnError = -1;
     run("C:\\Docs", "F:\\");
-    EXPECT_THAT(window.journal, ElementsAre("Erreur: 267 - Fichier: C:\\Docs\\Sub"));
+    EXPECT_THAT(
+        window.journal,
+        ElementsAre("F:\\Docs\\Sub est un fichier : le répertoire de ce nom ne peut pas être créé.",
+                    "Erreur: 267 - Fichier: C:\\Docs\\Sub"));
     EXPECT_EQ(disk().content("F:\\Docs\\Sub"), "a file of the user");
     EXPECT_EQ(disk().content("F:\\Docs\\Autre\\b"), "x");
     for (const std::string& call : memory.files().calls("openDirectory")) {
@@ -243,7 +246,10 @@ TEST_F(Engine, DoesNotFollowALinkWhereADirectoryIsNeeded) {
     disk().link("F:\\Docs\\Sub", "F:\\Ailleurs");
     system.options.ContinueOnError = -1;
     run("C:\\Docs", "F:\\");
-    EXPECT_THAT(window.journal, ElementsAre("Erreur: 267 - Fichier: C:\\Docs\\Sub"));
+    EXPECT_THAT(
+        window.journal,
+        ElementsAre("F:\\Docs\\Sub est un lien : le répertoire de ce nom ne peut pas être créé.",
+                    "Erreur: 267 - Fichier: C:\\Docs\\Sub"));
     EXPECT_EQ(disk().content("F:\\Ailleurs\\a"), "of somebody else");
     EXPECT_TRUE(disk().find("F:\\Docs\\Sub")->isLink());
 }

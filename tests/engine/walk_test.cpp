@@ -30,7 +30,7 @@ TEST_F(Engine, CountsDirectoriesReadAndCreated) {
     EXPECT_THAT(window.counts, ElementsAre("1 répertoire(s) lu(s), 1 répertoire(s) créé(s)",
                                            "2 répertoire(s) lu(s), 2 répertoire(s) créé(s)",
                                            "3 répertoire(s) lu(s), 3 répertoire(s) créé(s)"));
-    EXPECT_THAT(disk().list("F:\\"), ElementsAre("F:\\Docs", "F:\\Docs\\A", "F:\\Docs\\B"));
+    EXPECT_THAT(list("F:\\"), ElementsAre("F:\\Docs", "F:\\Docs\\A", "F:\\Docs\\B"));
 }
 
 TEST_F(Engine, CreatesNothingInASecondTreePass) {
@@ -44,8 +44,8 @@ TEST_F(Engine, CreatesNothingInASecondTreePass) {
 TEST_F(Engine, CreatesMissingDirectoriesWhenItCopies) {
     disk().file("C:\\Docs\\A\\a", "x");
     act("C:\\Docs", "F:\\Save");
-    EXPECT_TRUE(statistics.interruptionRequested) << "the destination itself must exist";
-    statistics.interruptionRequested = false;
+    EXPECT_TRUE(control.interruptionRequested) << "the destination itself must exist";
+    control.interruptionRequested = false;
     disk().directory("F:\\Save");
     act("C:\\Docs", "F:\\Save");
     EXPECT_EQ(statistics.directoriesCreated, 2);
@@ -57,11 +57,10 @@ TEST_F(Engine, WritesNothingInAnAnalysisOrAComparison) {
     disk().file("C:\\Docs\\A\\a", "x");
     analyse("C:\\Docs", "F:\\");
     system.operationKind = OperationKind::comparison;
-    system.options.ArbreMode = -1;
     analyse("C:\\Docs", "F:\\");
     EXPECT_THAT(memory.files().writes(), IsEmpty());
     EXPECT_EQ(statistics.directoriesRead, 4);
-    EXPECT_THAT(disk().list("F:\\"), IsEmpty());
+    EXPECT_THAT(list("F:\\"), IsEmpty());
 }
 
 TEST_F(Engine, LeavesOutWhatTheLineExcludes) {
@@ -69,7 +68,7 @@ TEST_F(Engine, LeavesOutWhatTheLineExcludes) {
                              "C:\\Docs\\Recycled\\r", "C:\\Docs\\recycled\\s", "C:\\Docs\\t"}) {
         disk().file(path, "x");
     }
-    statistics.exclusions = {2, {"\\Photos"}};
+    exclusions = {ExclusionMode::listed, {"\\Photos"}};
     run("C:\\Docs", "F:\\");
     EXPECT_FALSE(disk().exists("F:\\Docs\\Photos"));
     EXPECT_TRUE(disk().exists("F:\\Docs\\Docs\\Photos\\q"));
@@ -80,9 +79,9 @@ TEST_F(Engine, LeavesOutWhatTheLineExcludes) {
 TEST_F(Engine, TakesTheFilesOfTheSourceAloneWithoutItsSubdirectories) {
     disk().file("C:\\Docs\\a", "x");
     disk().file("C:\\Docs\\Sub\\b", "x");
-    statistics.exclusions.mode = 1;
+    exclusions.mode = ExclusionMode::all;
     run("C:\\Docs", "F:\\");
-    EXPECT_THAT(disk().list("F:\\"), ElementsAre("F:\\Docs", "F:\\Docs\\a"));
+    EXPECT_THAT(list("F:\\"), ElementsAre("F:\\Docs", "F:\\Docs\\a"));
 }
 
 TEST_F(Engine, NeverEntersTheDirectoryOfTheSystem) {
@@ -90,7 +89,7 @@ TEST_F(Engine, NeverEntersTheDirectoryOfTheSystem) {
     disk().file("C:\\a", "x");
     memory.drives().setWindowsDirectory("C:\\WINDOWS");
     run("C:\\", "F:\\");
-    EXPECT_THAT(disk().list("F:\\"), ElementsAre("F:\\C", "F:\\C\\a"));
+    EXPECT_THAT(list("F:\\"), ElementsAre("F:\\C", "F:\\C\\a"));
 }
 
 // ---- roots
@@ -100,7 +99,7 @@ TEST_F(Engine, CopiesADriveRootIntoItsLetter) {
     disk().file("E:\\Sub\\a", "x");
     disk().directory("F:\\Save");
     run("E:\\", "F:\\Save");
-    EXPECT_THAT(disk().list("F:\\"),
+    EXPECT_THAT(list("F:\\"),
                 ElementsAre("F:\\Save", "F:\\Save\\E", "F:\\Save\\E\\Sub", "F:\\Save\\E\\Sub\\a"));
     EXPECT_EQ(statistics.directoriesCreated, 2);
     EXPECT_EQ(statistics.errorCount, 0);
@@ -116,7 +115,7 @@ TEST_F(Engine, TakesAnEmptyDriveForAnEmptyDirectory) {
     disk().volume("E:\\");
     disk().file("C:\\Docs\\a", "x");
     run("E:\\", "F:\\");
-    EXPECT_FALSE(statistics.interruptionRequested);
+    EXPECT_FALSE(control.interruptionRequested);
     EXPECT_TRUE(disk().exists("F:\\E"));
     run("C:\\Docs", "E:\\");
     EXPECT_EQ(disk().content("E:\\Docs\\a"), "x");
@@ -128,19 +127,19 @@ TEST_F(Engine, TakesAnEmptyDirectoryForNoMissingOne) {
     disk().directory("C:\\Docs");
     disk().directory("F:\\Save");
     act("C:\\Docs", "F:\\Save");
-    EXPECT_FALSE(statistics.interruptionRequested);
+    EXPECT_FALSE(control.interruptionRequested);
     EXPECT_TRUE(disk().exists("F:\\Save\\Docs"));
 }
 
 TEST_F(Engine, StopsWithoutADestination) {
     disk().file("C:\\Docs\\a", "x");
     for (const char* destination : {"G:\\", "G:\\Save", "F:\\Save", "\\\\nas\\photos", "G:"}) {
-        for (const bool analysis : {true, false}) {
-            statistics.interruptionRequested = false;
-            statistics.lastErrorNumber = 0;
-            pass(lineRoots("C:\\Docs", destination, Layout::normal), analysis);
-            EXPECT_TRUE(statistics.interruptionRequested) << destination;
-            EXPECT_EQ(statistics.lastErrorNumber, error_number::deviceDoesNotExist) << destination;
+        for (const Pass one : {Pass::tree, Pass::analysis, Pass::copy}) {
+            control.interruptionRequested = false;
+            control.lastErrorNumber = 0;
+            pass(lineRoots("C:\\Docs", destination, Layout::normal), one);
+            EXPECT_TRUE(control.interruptionRequested) << destination;
+            EXPECT_EQ(control.lastErrorNumber, error_number::deviceDoesNotExist) << destination;
         }
     }
     EXPECT_EQ(statistics.errorCount, 0);
@@ -151,7 +150,7 @@ TEST_F(Engine, MissesADriveThatIsUnplugged) {
     disk().file("C:\\Docs\\a", "x");
     disk().volume("F:\\").present = false;
     run("C:\\Docs", "F:");
-    EXPECT_EQ(statistics.lastErrorNumber, error_number::deviceDoesNotExist);
+    EXPECT_EQ(control.lastErrorNumber, error_number::deviceDoesNotExist);
 }
 
 TEST_F(Engine, TakesADriveWithoutItsBackslashForItsRoot) {
@@ -195,7 +194,7 @@ TEST_F(Engine, RemovesWhatAnInterruptedCopyLeft) {
     disk().directory("F:\\Docs");
     disk().leftover("F:\\Docs");
     run("C:\\Docs", "F:\\");
-    EXPECT_THAT(disk().list("F:\\"), ElementsAre("F:\\Docs", "F:\\Docs\\a"));
+    EXPECT_THAT(list("F:\\"), ElementsAre("F:\\Docs", "F:\\Docs\\a"));
 }
 
 TEST_F(Engine, LetsEventsRunAfterEachEntry) {
@@ -210,7 +209,7 @@ TEST_F(Engine, LeadsARestoreBackToTheSource) {
     disk().volume("C:\\");
     const LineRoots roots = lineRoots("C:\\Data\\Docs", "F:\\Save", Layout::reversed);
     system.operationKind = OperationKind::restore;
-    pass(roots, false);
+    pass(roots, Pass::copy);
     EXPECT_EQ(disk().content("C:\\Data\\Docs\\Sub\\a"), "x");
     EXPECT_FALSE(disk().exists("C:\\Data\\Docs\\Docs"));
 }
