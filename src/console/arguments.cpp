@@ -1,11 +1,11 @@
 #include "console/arguments.h"
 
 #include <CLI/CLI.hpp>
-#include <map>
+#include <optional>
 #include <sstream>
 
-#include "platform/terminal/streams.h"
-#include "system/display_text.h"
+#include "system/text.h"
+#include "views/terminal/streams.h"
 
 namespace coffrelune::console {
 namespace {
@@ -15,9 +15,12 @@ constexpr const char* exitStatuses =
     "État de sortie : 0 sans erreur ou rien à faire, 1 erreurs (ou différences trouvées),\n"
     "2 mauvais usage ou réglages, 3 interrompu ou refusé.";
 
-const std::map<std::string, OperationKind> kinds = {{"sauvegarde", OperationKind::backup},
-                                                    {"restauration", OperationKind::restore},
-                                                    {"comparaison", OperationKind::comparison}};
+std::optional<OperationKind> kindNamed(const std::string& word) {
+    for (const OperationKind kind : allKinds) {
+        if (word == wordsOf(kind).word) return kind;
+    }
+    return std::nullopt;
+}
 
 std::string versionText() {
     const std::string minor = "0" + std::to_string(COFFRELUNE_VERSION_MINOR);
@@ -45,8 +48,7 @@ CLI::Validator notEmpty() {
 
 CLI::Validator knownKind() {
     return CLI::Validator(
-        [](const std::string& name) { return std::string(kinds.count(name) != 0 ? "" : "type"); },
-        "");
+        [](const std::string& name) { return std::string(kindNamed(name) ? "" : "type"); }, "");
 }
 
 // What every command has.
@@ -94,6 +96,9 @@ void addCommands(CLI::App& app, Arguments& arguments) {
     addReplaceOptions(backup, arguments);
     backup->add_flag("--confirmer", arguments.confirmed,
                      "Copie l'arborescence seule (ArbreMode) sans demander");
+    backup->add_flag("--confirmer-source", arguments.originalConfirmed,
+                     "La source est la bonne, même si son volume, un montage ou une restauration\n"
+                     "inachevée faisait garder les fichiers excédentaires");
 
     CLI::App* restore = addCommand(app, arguments, Command::restore, "restaurer",
                                    "Remet les copies à leur place d'origine");
@@ -112,7 +117,7 @@ void addCommands(CLI::App& app, Arguments& arguments) {
                                    "Montre la dernière liste d'erreurs");
     journal
         ->add_option_function<std::string>(
-            "--type", [&](const std::string& name) { arguments.kind = kinds.at(name); },
+            "--type", [&](const std::string& name) { arguments.kind = *kindNamed(name); },
             "sauvegarde, restauration ou comparaison")
         ->type_name("TYPE")
         ->check(knownKind());

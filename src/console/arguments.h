@@ -19,6 +19,7 @@ struct Arguments {
     bool overwrite = false;
     bool keep = false;
     bool confirmed = false;                      // a restore needs no question
+    bool originalConfirmed = false;              // the sources are the right ones
     bool reversed = false;                       // compare from destination to source
     OperationKind kind = OperationKind::backup;  // whose journal
     bool journal = false;

@@ -5,8 +5,7 @@
 
 namespace coffrelune::console {
 
-// One function a command, each in a file of its own. Everything that the user must know has been
-// said when they return.
+// One function a command. Everything that the user must know has been said when they return.
 
 ExitStatus backUp(Session& session, const Arguments& arguments);
 ExitStatus restore(Session& session, const Arguments& arguments);

@@ -2,23 +2,13 @@
 
 #include <nlohmann/json.hpp>
 
+#include "operation/line_texts.h"
 #include "operation/run_report.h"
 
 namespace coffrelune::console {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-const char* kindName(OperationKind kind) {
-    switch (kind) {
-        case OperationKind::restore:
-            return "restauration";
-        case OperationKind::comparison:
-            return "comparaison";
-        default:
-            return "sauvegarde";
-    }
-}
 
 const char* outcomeName(RunEnd end, const RunStatistics& statistics) {
     switch (exitStatus(end, statistics)) {
@@ -40,12 +30,13 @@ Json asJson(const CopyError& error) {
 }
 
 // `copied` chooses between what the run copied and what a comparison found to copy.
-Json lineReport(const OperationHost& host, const RunStatistics& statistics, int line, bool copied) {
+Json lineReport(const SystemMod& system, const RunStatistics& statistics, int line, bool copied) {
     const LineTally& tally = statistics.tallies[static_cast<std::size_t>(line)];
     Json report;
     report["line"] = line + 1;
-    report["source"] = host.lineSource(line);
-    report["destination"] = host.lineDestination(line);
+    const LineTexts texts = lineTexts(system, line);
+    report["source"] = texts.source;
+    report["destination"] = texts.destination;
     report["sourceMissing"] = tally.sourceMissing;
     report["files"] = copied ? tally.files : tally.filesToCopy;
     report["bytes"] = copied ? tally.bytes : tally.bytesToCopy;
@@ -57,21 +48,17 @@ Json lineReport(const OperationHost& host, const RunStatistics& statistics, int 
 }
 
 // Everything that the three kinds have in common, in reading order.
-Json runReport(const SystemMod& system, const OperationHost& host,
-               const RunStatistics& statistics) {
+Json runReport(const SystemMod& system, const RunStatistics& statistics) {
     const bool copied = system.operationKind != OperationKind::comparison;
     Json report;
-    report["kind"] = kindName(system.operationKind);
+    report["kind"] = wordsOf(system.operationKind).word;
     report["configuration"] = system.configurationName;
     report["lines"] = Json::array();
     std::uint64_t files = 0;
     std::uint64_t bytes = 0;
-    for (int line = 0; line < host.lineCount(); ++line) {
-        if (!host.lineSelected(line) || host.lineSource(line).empty() ||
-            host.lineDestination(line).empty()) {
-            continue;
-        }
-        report["lines"].push_back(lineReport(host, statistics, line, copied));
+    for (int line = 0; line <= system.maximumIndex; ++line) {
+        if (system.lineAt(line).selected == 0 || !system.lineAt(line).filled()) continue;
+        report["lines"].push_back(lineReport(system, statistics, line, copied));
         files += report["lines"].back()["files"].get<std::uint64_t>();
         bytes += report["lines"].back()["bytes"].get<std::uint64_t>();
     }
@@ -85,17 +72,17 @@ Json runReport(const SystemMod& system, const OperationHost& host,
 
 }  // namespace
 
-std::string runAsJson(const SystemMod& system, const OperationHost& host,
-                      const RunStatistics& statistics, RunEnd end) {
-    Json report = runReport(system, host, statistics);
-    report["deleted"] = statistics.filesDeleted;
+std::string runAsJson(const SystemMod& system, const RunStatistics& statistics, RunEnd end) {
+    Json report = runReport(system, statistics);
+    report["deleted"] = statistics.filesRemoved;
+    report["kept"] = statistics.keptReasons;
     report["outcome"] = outcomeName(end, statistics);
     return dump(report);
 }
 
 std::string comparisonAsJson(const SystemMod& system, OperationHost& host,
                              const RunStatistics& statistics, RunEnd end) {
-    Json report = runReport(system, host, statistics);
+    Json report = runReport(system, statistics);
     report["direction"] = system.comparisonReversed ? "destination" : "source";
     report["summary"] = host.comparisonSummary().caption();
     report["list"] = Json::array();
@@ -110,7 +97,7 @@ std::string comparisonAsJson(const SystemMod& system, OperationHost& host,
 
 std::string journalAsJson(const SystemMod& system, const TextLog& lines) {
     Json report;
-    report["kind"] = kindName(system.operationKind);
+    report["kind"] = wordsOf(system.operationKind).word;
     report["configuration"] = system.configurationName;
     report["lines"] = Json::array();
     for (std::size_t i = 0; i < lines.lineCount(); ++i) {
@@ -122,10 +109,9 @@ std::string journalAsJson(const SystemMod& system, const TextLog& lines) {
 std::string resultsAsJson(const SystemMod& system) {
     Json report;
     report["configuration"] = system.configurationName;
-    for (const OperationKind kind :
-         {OperationKind::backup, OperationKind::restore, OperationKind::comparison}) {
+    for (const OperationKind kind : allKinds) {
         const LastResult& result = system.lastResults[static_cast<std::size_t>(kind)];
-        report[kindName(kind)] = {
+        report[wordsOf(kind).word] = {
             {"clean", {{"date", result.cleanDate}, {"duration", result.cleanDuration}}},
             {"problems",
              {{"date", result.errorDate},

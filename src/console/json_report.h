@@ -11,8 +11,7 @@ namespace coffrelune::console {
 
 /// A backup or a restore: kind, configuration, lines (source, destination, files, bytes, errors),
 /// totals, duration "hh:nn:ss" and outcome ("clean", "nothing", "errors", "interrupted").
-std::string runAsJson(const SystemMod& system, const OperationHost& host,
-                      const RunStatistics& statistics, RunEnd end);
+std::string runAsJson(const SystemMod& system, const RunStatistics& statistics, RunEnd end);
 
 /// A comparison: as above, files and bytes being what would be copied, with the list of the files
 /// and its summary; outcome "clean", "differences", "errors" or "interrupted".

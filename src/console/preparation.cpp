@@ -2,7 +2,6 @@
 
 #include "platform/native/native_platform.h"
 #include "startup/startup.h"
-#include "system/display_text.h"
 #include "system/paths.h"
 #include "system/text.h"
 
@@ -23,7 +22,7 @@ void createDestination(Session& session, const std::string& path) {
     FileService& files = session.system().platform.files;
     FileEntry entry;
     if (files.lookUp(path, LinkRule::follow, entry).ok() || liesWhereVolumesAre(path)) return;
-    if (files.createDirectory(path).ok()) {
+    if (files.createDirectory(path, DirectoryAccess::usual).ok()) {
         session.terminal().say("Répertoire destination créé : " + visibleControls(path));
     }
 }
@@ -51,9 +50,7 @@ bool prepareDirectRun(Session& session, const Arguments& arguments) {
     }
     if (arguments.command == Command::backup) createDestination(session, destination);
     system.resizeLines(0);
-    system.sources[0] = source;
-    system.destinations[0] = destination;
-    system.selected[0] = 1;
+    system.lines[0] = {source, destination, 1};
     system.Modifie = 1;
     system.options.ContinueOnError = -1;
     return true;

@@ -2,10 +2,10 @@
 
 #include "console/arguments.h"
 #include "platform/native/native_platform.h"
-#include "platform/terminal/interrupt_signals.h"
-#include "platform/terminal/terminal.h"
-#include "platform/terminal/terminal_windows.h"
 #include "settings/system_mod.h"
+#include "views/terminal/interrupt_signals.h"
+#include "views/terminal/terminal.h"
+#include "views/terminal/terminal_windows.h"
 
 namespace coffrelune::console {
 
@@ -18,6 +18,7 @@ class Session {
     Terminal& terminal() { return terminal_; }
     SystemMod& system() { return system_; }
     InstanceGuard& guard() { return native_.guard(); }
+    OperationStage& stage() { return windows_; }
 
   private:
     ProgramContext context(const Arguments& arguments);

@@ -1,7 +1,7 @@
 #include "mainwindow/configuration_panel.h"
 
 #include "dialogs/config_form.h"
-#include "dialogs/description_form.h"
+#include "dialogs/text_dialogs.h"
 
 namespace coffrelune {
 

@@ -1,6 +1,6 @@
 #include "mainwindow/label_drag.h"
 
-#include "system/dropped_text.h"
+#include "system/paths.h"
 
 namespace coffrelune {
 

@@ -1,28 +1,8 @@
 #include "mainwindow/launch_panel.h"
 
-#include <array>
+#include <algorithm>
 
 namespace coffrelune {
-namespace {
-
-constexpr std::int16_t startedByUser = 1;
-constexpr std::int16_t unattended = 0;
-
-struct KindTexts {
-    const char* tabKey;
-    const char* tab;
-    const char* launch;
-    const char* launchToolTip;
-};
-
-// By operation kind.
-constexpr std::array<KindTexts, 3> kinds = {{
-    {"S", "&Sauvegarde", "Lancer la Sauvegarde", "Cliquez ici pour lancer la sauvegarde"},
-    {"R", "&Restauration", "Lancer la Restauration", "Cliquez ici pour lancer la restauration"},
-    {"C", "&Comparaison", "Lancer la Comparaison", "Cliquez ici pour lancer la comparaison"},
-}};
-
-}  // namespace
 
 LaunchPanel::LaunchPanel(SystemMod& system, MainDialogs& dialogs, Button& launch,
                          Schedule& schedule, ProgramAfter& program, OperationLauncher& launcher)
@@ -32,28 +12,28 @@ LaunchPanel::LaunchPanel(SystemMod& system, MainDialogs& dialogs, Button& launch
       schedule_(schedule),
       program_(program),
       launcher_(launcher) {
-    for (const KindTexts& kind : kinds) Onglet.add(kind.tabKey, kind.tab);
+    for (const KindWords& kind : kindTable) Onglet.add(kind.letter, std::string("&") + kind.title);
     Onglet.onPick = [this](const std::string& key) { return pickTab(key); };
     launch_.onClick = [this] { this->launch(); };
 }
 
 void LaunchPanel::showKind() {
-    const KindTexts& texts = kinds.at(static_cast<std::size_t>(system_.operationKind));
-    launch_.setCaption(texts.launch);
-    launch_.setToolTip(texts.launchToolTip);
+    const KindWords& kind = wordsOf(system_.operationKind);
+    launch_.setCaption(std::string("Lancer la ") + kind.title);
+    launch_.setToolTip(std::string("Cliquez ici pour lancer la ") + kind.word);
     schedule_.setKind(system_.operationKind);
 }
 
 bool LaunchPanel::pickTab(const std::string& key) {
     if (!dialogs_.ready()) return false;
-    for (std::size_t kind = 0; kind < kinds.size(); ++kind) {
-        if (key != kinds.at(kind).tabKey) continue;
-        system_.operationKind = static_cast<OperationKind>(kind);
-        showKind();
-        if (onKindChanged) onKindChanged();
-        return true;
-    }
-    return false;
+    const auto* const picked =
+        std::find_if(allKinds.begin(), allKinds.end(),
+                     [&key](OperationKind kind) { return key == wordsOf(kind).letter; });
+    if (picked == allKinds.end()) return false;
+    system_.operationKind = *picked;
+    showKind();
+    if (onKindChanged) onKindChanged();
+    return true;
 }
 
 void LaunchPanel::launch() {
@@ -61,12 +41,12 @@ void LaunchPanel::launch() {
     const MainDialogs::Hold hold(dialogs_);
     switch (system_.operationKind) {
         case OperationKind::backup:
-            (void)launcher_.LanceOperation(startedByUser);
+            run(RunMode::startedByUser);
             // Whatever became of the backup: it may be what switches the computer off.
             program_.run();
             break;
         case OperationKind::restore:
-            if (launcher_.confirmRestore()) (void)launcher_.LanceOperation(startedByUser);
+            if (launcher_.confirmRestore()) run(RunMode::startedByUser);
             break;
         case OperationKind::comparison:
             (void)launcher_.launchComparison();
@@ -74,9 +54,14 @@ void LaunchPanel::launch() {
     }
 }
 
+void LaunchPanel::run(RunMode mode) {
+    // Who does not confirm runs nothing: what the run before has left still holds.
+    if (launcher_.LanceOperation(mode) != RunEnd::cancelled && onRan) onRan();
+}
+
 void LaunchPanel::backUpUnattended() {
     const MainDialogs::Hold hold(dialogs_);
-    (void)launcher_.LanceOperation(unattended);
+    run(RunMode::unattended);
     // With nothing else to copy the run ends as one that had nothing to do.
     if (!launcher_.statistics().copyPassStarted) {
         reportMissingSources(system_, launcher_.statistics());

@@ -23,6 +23,9 @@ class LaunchPanel {
     /// Another tab is shown: so are the lines and results of its kind.
     std::function<void()> onKindChanged;
 
+    /// A backup or a restore has ended: its record says what the user must see.
+    std::function<void()> onRan;
+
     /// Captions, tool tip and frames of the current kind.
     void showKind();
     /// An unattended backup, as the scheduler starts it.
@@ -33,6 +36,7 @@ class LaunchPanel {
   private:
     bool pickTab(const std::string& key);
     void launch();
+    void run(RunMode mode);
 
     SystemMod& system_;
     MainDialogs& dialogs_;

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "dialogs/line_form.h"
+#include "dialogs/drive_list_frm.h"
+#include "dialogs/text_dialogs.h"
+#include "platform/core_path.h"
 #include "system/text.h"
 
 namespace coffrelune {
@@ -89,11 +91,7 @@ void LineCommands::showProperties() {
 }
 
 void LineCommands::moveTo(int other) {
-    const auto from = static_cast<std::size_t>(row_);
-    const auto to = static_cast<std::size_t>(other);
-    std::swap(system_.sources[from], system_.sources[to]);
-    std::swap(system_.destinations[from], system_.destinations[to]);
-    std::swap(system_.selected[from], system_.selected[to]);
+    std::swap(system_.lineAt(row_), system_.lineAt(other));
     // What a line leaves out is stored under its number, and goes with it.
     const std::string moved = system_.PackExclusions(row_);
     const std::string displaced = system_.PackExclusions(other);
@@ -110,13 +108,13 @@ void LineCommands::moveTo(int other) {
 }
 
 void LineCommands::writeLine(int index) {
-    const auto line = static_cast<std::size_t>(index);
+    const BackupLine& line = system_.lineAt(index);
     const auto write = [&](const char* key, const std::string& value) {
-        (void)system_.WriteSetting(system_.configurationName, key + std::to_string(index), value);
+        system_.keep(system_.configurationName, key + std::to_string(index), value);
     };
-    write("Source", QuoteValue(system_.sources[line]));
-    write("Destination", QuoteValue(system_.destinations[line]));
-    write("Select", std::to_string(system_.selected[line]));
+    write("Source", QuoteValue(line.source));
+    write("Destination", QuoteValue(line.destination));
+    write("Select", std::to_string(line.selected));
 }
 
 void LineCommands::reset() {
@@ -127,6 +125,56 @@ void LineCommands::reset() {
     rows_.edit(row_, LineSide::left, "");
     rows_.edit(row_, LineSide::right, "");
     system_.ClearExclusions(row_);
+}
+
+namespace {
+
+constexpr std::size_t driveLength = 2;
+
+std::string driveOf(const std::string& path) {
+    return upperCase(path.substr(0, driveLength));
+}
+
+}  // namespace
+
+DestinationChange::DestinationChange(SystemMod& system, Desktop& desktop, MainDialogs& dialogs,
+                                     LineRows& rows)
+    : system_(system), desktop_(desktop), dialogs_(dialogs), rows_(rows) {}
+
+void DestinationChange::run() {
+    if (!onOneDrive()) {
+        (void)dialogs_.say("Toutes les sauvegardes doivent être sur la même unité disque !",
+                           MessageIcon::information, MessageButtons::ok,
+                           "Modification de toutes les destinations");
+        return;
+    }
+    DriveListFrm form(system_, desktop_);
+    dialogs_.show(form);
+    if (form.result() == "1" && hasDriveLetter(form.drive())) {
+        changeTo(form.drive().substr(0, driveLength));
+    }
+}
+
+bool DestinationChange::onOneDrive() const {
+    std::string first;
+    for (const BackupLine& line : system_.lines) {
+        if (!hasDriveLetter(line.destination)) continue;
+        const std::string drive = driveOf(line.destination);
+        if (first.empty()) first = drive;
+        if (drive != first) return false;
+    }
+    return true;
+}
+
+void DestinationChange::changeTo(const std::string& drive) {
+    for (int line = 0; line <= system_.maximumIndex; ++line) {
+        std::string& destination = system_.lineAt(line).destination;
+        if (!hasDriveLetter(destination)) continue;
+        destination.replace(0, driveLength, drive);
+        system_.keep(system_.configurationName, "Destination" + std::to_string(line),
+                     QuoteValue(destination));
+    }
+    rows_.ShowLines();
 }
 
 }  // namespace coffrelune

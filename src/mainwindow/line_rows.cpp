@@ -1,6 +1,7 @@
 #include "mainwindow/line_rows.h"
 
 #include "dialogs/exclude_form.h"
+#include "settings/setting_names.h"
 
 namespace coffrelune {
 
@@ -56,7 +57,7 @@ void LineRows::resize(int count) {
 void LineRows::SetRowCount(int highest) {
     system_.resizeLines(highest);
     const int number = system_.maximumIndex + 1;
-    (void)system_.WriteSetting("Position", "RepertMax", std::to_string(number));
+    system_.keep(globalSection, "RepertMax", std::to_string(number));
     resize(number);
     if (onRowsChanged) onRowsChanged();
 }
@@ -70,7 +71,7 @@ void LineRows::showRow(int index) {
     const LineTexts texts = lineTexts(system_, index);
     shown.LblS.setPath(texts.source);
     shown.LblD.setPath(texts.destination);
-    const bool ticked = system_.selected[static_cast<std::size_t>(index)] != 0;
+    const bool ticked = system_.lineAt(index).selected != 0;
     shown.ChkS.setChecked(ticked);
     shown.Img.setImage(ticked ? "ligne-selectionnee" : "ligne-non-selectionnee");
     checkRow(index);
@@ -78,7 +79,7 @@ void LineRows::showRow(int index) {
 
 void LineRows::checkRow(int index) {
     LineRow& checked = row(index);
-    const bool filled = !checked.LblS.path().empty() && !checked.LblD.path().empty();
+    const bool filled = system_.lineAt(index).filled();
     if (!filled && checked.ChkS.checked()) {
         checked.ChkS.setChecked(false);
         select(index);
@@ -90,10 +91,9 @@ void LineRows::checkRow(int index) {
 void LineRows::select(int index) {
     LineRow& changed = row(index);
     const bool ticked = changed.ChkS.checked();
-    system_.selected[static_cast<std::size_t>(index)] = ticked ? 1 : 0;
+    system_.lineAt(index).selected = ticked ? 1 : 0;
     changed.Img.setImage(ticked ? "ligne-selectionnee" : "ligne-non-selectionnee");
-    (void)system_.WriteSetting(system_.configurationName, "Select" + std::to_string(index),
-                               ticked ? "1" : "0");
+    system_.keep(system_.configurationName, "Select" + std::to_string(index), ticked ? "1" : "0");
 }
 
 // The row is shown again after each edit: in the reversed layout one path may change both labels.
@@ -131,7 +131,7 @@ void LineRows::chooseDestination(int index) {
 
 // What is left out belongs to what is backed up, whichever way the line is shown.
 void LineRows::showExclusions(int index) {
-    const std::string& source = system_.sources[static_cast<std::size_t>(index)];
+    const std::string& source = system_.lineAt(index).source;
     if (source.empty()) {
         (void)dialogs_.say("Sélectionnez d'abord un disque ou répertoire à sauvegarder !");
         return;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "settings/setting_names.h"
 #include "system/text.h"
 
 namespace coffrelune {
@@ -19,7 +20,8 @@ std::int16_t autoStartFrom(const std::string& text) {
 MainForm::MainForm(SystemMod& system, Desktop& desktop)
     : system_(system),
       dialogs_(system),
-      launcher_(system, *this),
+      stage_(system),
+      launcher_(system, *this, stage_),
       notices(system.platform.clock),
       lines(system, dialogs_),
       lineCommands(system, desktop, dialogs_, lines),
@@ -27,10 +29,10 @@ MainForm::MainForm(SystemMod& system, Desktop& desktop)
       destinations(system, desktop, dialogs_, lines),
       configuration(system, dialogs_, lines),
       toolbar(system, desktop, dialogs_, lineCommands, configuration, destinations),
-      schedule(system, desktop, dialogs_, Cmd[3]),
+      schedule(system, desktop, dialogs_, Cmd[taskSchedulerCmd]),
       program(system, desktop, dialogs_),
-      results(system, dialogs_, Cmd[4]),
-      launch(system, dialogs_, Cmd[1], schedule, program, launcher_),
+      results(system, dialogs_, Cmd[directionCmd]),
+      launch(system, dialogs_, Cmd[launchCmd], schedule, program, launcher_),
       place(system) {
     connect();
     load();
@@ -56,13 +58,15 @@ void MainForm::connect() {
         launch.backUpUnattended();
     };
     results.onDirectionChanged = [this] { ShowLines(); };
+    notices.onConfirm = [this] { launcher_.acceptOriginal(); };
+    launch.onRan = [this] { showKept(); };
     launch.onKindChanged = [this] { ShowLines(); };
     system_.tellWriteFailure([this](const std::string& text) { notices.add(text); });
 }
 
 void MainForm::load() {
     place.load();
-    system_.AutoStart = autoStartFrom(system_.ReadSetting("Position", "AutoStart"));
+    system_.AutoStart = autoStartFrom(system_.ReadSetting(globalSection, "AutoStart"));
     setCaption(system_.programTitle);
     if (system_.AutoMode) autoStatus_ = ExitStatus::interrupted;
     system_.operationKind = OperationKind::backup;
@@ -80,7 +84,17 @@ void MainForm::ShowLines() {
     results.ShowSummary();
 }
 
+// A restore has nothing that could be confirmed: it needs the proof that the copy is whole.
+void MainForm::showKept() {
+    const RunStatistics& record = launcher_.statistics();
+    const bool backedUp = system_.operationKind == OperationKind::backup;
+    notices.showKept(record.keptReasons, backedUp && record.originalInDoubt);
+}
+
 void MainForm::configurationLoaded() {
+    // What was confirmed were the sources of another configuration.
+    launcher_.forgetAcceptance();
+    notices.showKept({}, false);
     launch.showKind();
     ShowLines();
     results.ClearComparison();

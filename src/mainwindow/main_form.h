@@ -5,7 +5,6 @@
 #include <string>
 
 #include "mainwindow/configuration_panel.h"
-#include "mainwindow/destination_change.h"
 #include "mainwindow/label_drag.h"
 #include "mainwindow/launch_panel.h"
 #include "mainwindow/line_commands.h"
@@ -16,6 +15,7 @@
 #include "mainwindow/schedule.h"
 #include "mainwindow/toolbar.h"
 #include "mainwindow/window_place.h"
+#include "operation/copie.h"
 #include "operation/lance_operation.h"
 #include "operation/operation_host.h"
 #include "operation/run_report.h"
@@ -31,13 +31,15 @@ class MainForm final : public Window, public OperationHost {
     MainForm& operator=(const MainForm&) = delete;
     ~MainForm() override { system_.tellWriteFailure(nullptr); }
 
-    /// 1 launches the operation, 3 is "Planificateur de tâches", 4 turns the comparison round.
+    enum CmdIndex { launchCmd = 1, taskSchedulerCmd = 3, directionCmd = 4 };
+    /// By CmdIndex; `directionCmd` turns the comparison round.
     std::map<int, Button> Cmd;
 
   private:
     // Before the areas that use them.
     SystemMod& system_;
     MainDialogs dialogs_;
+    WindowStage stage_;
     OperationLauncher launcher_;
 
   public:
@@ -73,12 +75,8 @@ class MainForm final : public Window, public OperationHost {
     std::optional<ExitStatus> autoStatus() const { return autoStatus_; }
     const RunStatistics& statistics() const { return launcher_.statistics(); }
 
-    int lineCount() const override { return lines.count(); }
-    bool lineSelected(int line) const override { return lines.row(line).ChkS.checked(); }
-    std::string lineSource(int line) const override { return lines.row(line).LblS.path(); }
-    std::string lineDestination(int line) const override { return lines.row(line).LblD.path(); }
     void showLineDone(int line, bool done) override { lines.row(line).ImgOk.setVisible(done); }
-    void setLaunchEnabled(bool enabled) override { Cmd.at(1).setEnabled(enabled); }
+    void setLaunchEnabled(bool enabled) override { Cmd.at(launchCmd).setEnabled(enabled); }
     void setTimerEnabled(bool enabled) override { schedule.Timer1.setEnabled(enabled); }
     void resultStored(OperationKind) override { results.resultStored(); }
     TextLog& comparisonList() override { return results.TxtCp; }
@@ -89,6 +87,7 @@ class MainForm final : public Window, public OperationHost {
     void load();
     bool commitFields();
     void configurationLoaded();
+    void showKept();
     void firstActivation();
 
     bool activatedOnce_ = false;

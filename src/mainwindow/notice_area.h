@@ -4,6 +4,7 @@
 #include <deque>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "platform/controls.h"
 #include "platform/services.h"
@@ -20,19 +21,34 @@ class NoticeArea {
     Picture Img;
     std::array<Label, 5> Lbl;  // from the oldest that is shown to the newest
     Button Cmd{"Masquer"};
+    Button ConfirmCmd{"Confirmer la source"};  // there while the user may overrule what is shown
 
     /// Called when the area has grown, shrunk or gone.
     std::function<void()> onChanged;
+    /// The user says that the originals are the right ones.
+    std::function<void()> onConfirm;
 
     /// `text`: line ends become blanks.
     void add(const std::string& text);
 
+    /// Why the last run kept files that it was to delete, in the place of what the run before said
+    /// of that. `mayConfirm`: the user may know better.
+    void showKept(const std::vector<std::string>& reasons, bool mayConfirm);
+
   private:
+    struct Message {
+        std::string text;
+        bool ofLastRun = false;  // goes when the next one has ended
+    };
+
+    void push(const std::string& text, bool ofLastRun);
+    void withdraw();
+    void confirm();
     void show();
     void hide();
 
     Clock& clock_;
-    std::deque<std::string> messages_;
+    std::deque<Message> messages_;
     std::size_t dropped_ = 0;
 };
 

@@ -9,13 +9,13 @@ ProgramAfter::ProgramAfter(SystemMod& system, Desktop& desktop, MainDialogs& dia
     ProgToRunTxt.setReadOnly(true);
     ProgToRunTxt.setToolTip("Programme à exécuter après la sauvegarde");
     PrmToRunTxt.setToolTip("Paramètres du programme");
-    CmdP[0].setCaption("...");
-    CmdP[0].setToolTip("Choisir le programme à exécuter");
-    CmdP[1].setCaption("Effacer");
-    CmdP[1].setToolTip("Supprimer le programme à exécuter");
+    CmdP[chooseCmd].setCaption("...");
+    CmdP[chooseCmd].setToolTip("Choisir le programme à exécuter");
+    CmdP[clearCmd].setCaption("Effacer");
+    CmdP[clearCmd].setToolTip("Supprimer le programme à exécuter");
     ChkProg.onClick = [this] { tick(); };
-    CmdP[0].onClick = [this] { choose(); };
-    CmdP[1].onClick = [this] { clear(); };
+    CmdP[chooseCmd].onClick = [this] { choose(); };
+    CmdP[clearCmd].onClick = [this] { clear(); };
     PrmToRunTxt.onLeave = [this] { commit(); };
 }
 
@@ -26,7 +26,7 @@ void ProgramAfter::show() {
 }
 
 void ProgramAfter::write(const char* key, const std::string& value) {
-    (void)system_.WriteSetting(system_.configurationName, key, value);
+    system_.keep(system_.configurationName, key, value);
 }
 
 void ProgramAfter::commit() {

@@ -14,9 +14,11 @@ class ProgramAfter {
   public:
     ProgramAfter(SystemMod& system, Desktop& desktop, MainDialogs& dialogs);
 
+    enum CmdIndex : std::size_t { chooseCmd, clearCmd, cmdCount };
+
     CheckBox ChkProg{"&Programme à exécuter après la sauvegarde :"};
-    TextBox ProgToRunTxt;        // read-only
-    std::array<Button, 2> CmdP;  // 0 choose, 1 clear
+    TextBox ProgToRunTxt;  // read-only
+    std::array<Button, cmdCount> CmdP;
     Label PrmToRunLbl{"Paramè&tres :"};
     TextBox PrmToRunTxt;
 

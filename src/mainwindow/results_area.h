@@ -4,8 +4,8 @@
 #include <functional>
 
 #include "mainwindow/main_dialogs.h"
-#include "platform/link_label.h"
-#include "platform/text_log.h"
+#include "platform/commands.h"
+#include "platform/long_lists.h"
 
 namespace coffrelune {
 

@@ -52,9 +52,9 @@ Schedule::Schedule(SystemMod& system, Desktop& desktop, MainDialogs& dialogs, Bu
 
 void Schedule::show() {
     // As each value is understood elsewhere: 1 alone switches the first and the last one on.
-    Opt[0].setChecked(system_.Confirmation == 1);
-    Opt[1].setChecked(system_.Modifie != 0);
-    Opt[2].setChecked(system_.AutoSave == 1);
+    Opt[overwriteOpt].setChecked(system_.Confirmation == 1);
+    Opt[modifiedOpt].setChecked(system_.Modifie != 0);
+    Opt[automaticOpt].setChecked(system_.AutoSave == 1);
     // A time spoilt by hand in the settings file counts as midnight, and stays there until another
     // one is typed.
     showTime(isTimeOfDay(system_.AutoTime) ? system_.AutoTime : "00:00");
@@ -64,7 +64,7 @@ void Schedule::show() {
 void Schedule::setKind(OperationKind kind) {
     const bool backup = kind == OperationKind::backup;
     CadrePla.setEnabled(backup);
-    Opt[2].setEnabled(backup);
+    Opt[automaticOpt].setEnabled(backup);
     AutoHr.setEnabled(backup);
     taskScheduler_.setEnabled(backup);
 }
@@ -79,7 +79,7 @@ bool Schedule::storeTypedTime() {
     const std::string time = asTime(AutoHr.text());
     if (!isTimeOfDay(time)) return false;
     system_.AutoTime = time;
-    (void)system_.WriteSetting(system_.configurationName, "AutoTime", time);
+    system_.keep(system_.configurationName, "AutoTime", time);
     showTime(time);
     Arm(false);
     return true;
@@ -116,8 +116,8 @@ void Schedule::clickOption(std::size_t index) {
                                                  &system_.AutoSave};
     const std::int32_t state = Opt.at(index).checked() ? 1 : 0;
     *values.at(index) = state;
-    (void)system_.WriteSetting(system_.configurationName, keys.at(index), std::to_string(state));
-    if (index == 2) Timer1.setEnabled(state == 1);
+    system_.keep(system_.configurationName, keys.at(index), std::to_string(state));
+    if (index == automaticOpt) Timer1.setEnabled(state == 1);
 }
 
 void Schedule::Arm(bool afterRun) {

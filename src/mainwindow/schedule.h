@@ -7,9 +7,9 @@
 #include <string>
 
 #include "mainwindow/main_dialogs.h"
+#include "platform/commands.h"
 #include "platform/desktop_services.h"
 #include "platform/input_controls.h"
-#include "platform/timer.h"
 
 namespace coffrelune {
 
@@ -22,9 +22,10 @@ class Schedule {
     /// `taskScheduler` is the button "Planificateur de tâches".
     Schedule(SystemMod& system, Desktop& desktop, MainDialogs& dialogs, Button& taskScheduler);
 
+    enum OptIndex : std::size_t { overwriteOpt, modifiedOpt, automaticOpt, optCount };
+
     Frame CadrePla{"Planifier la sauvegarde"};
-    // 0 overwrite without confirmation, 1 modified files only, 2 automatic backup
-    std::array<CheckBox, 3> Opt;
+    std::array<CheckBox, optCount> Opt;
     TextBox AutoHr;  // "hh:nn"
     Timer Timer1;
 

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "mainwindow/configuration_panel.h"
-#include "mainwindow/destination_change.h"
 #include "mainwindow/line_commands.h"
 
 namespace coffrelune {

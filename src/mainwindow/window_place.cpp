@@ -1,11 +1,10 @@
 #include "mainwindow/window_place.h"
 
+#include "settings/setting_names.h"
 #include "system/text.h"
 
 namespace coffrelune {
 namespace {
-
-constexpr const char* position = "Position";
 
 // Window systems know no place farther away than 32767 pixels.
 int edgeFrom(const std::string& text) {
@@ -23,17 +22,17 @@ int stateFrom(const std::string& text) {
 }  // namespace
 
 void WindowPlace::load() {
-    left = edgeFrom(system_.ReadSetting(position, "Left"));
-    top = edgeFrom(system_.ReadSetting(position, "Top"));
-    state = static_cast<State>(stateFrom(system_.ReadSetting(position, "WindowState")));
+    left = edgeFrom(system_.ReadSetting(globalSection, "Left"));
+    top = edgeFrom(system_.ReadSetting(globalSection, "Top"));
+    state = static_cast<State>(stateFrom(system_.ReadSetting(globalSection, "WindowState")));
 }
 
 // What already means this value stays as it is written, even if it is nothing that we would write.
 void WindowPlace::saveNumber(const std::string& key, int value,
                              int (*understood)(const std::string&)) {
-    const std::string stored = system_.ReadSetting(position, key);
+    const std::string stored = system_.ReadSetting(globalSection, key);
     if (!stored.empty() && understood(stored) == value) return;
-    (void)system_.WriteSetting(position, key, std::to_string(value));
+    system_.keep(globalSection, key, std::to_string(value));
 }
 
 void WindowPlace::save() {

@@ -1,70 +1,65 @@
-// The window itself: how it opens, its button, how it closes.
 #include "operation/copie.h"
 
-#include "operation/error_list.h"
+#include "operation/frm_confirm.h"
+#include "system/text.h"
 
 namespace coffrelune {
-namespace {
-
-constexpr std::array<const char*, 3> captions = {"Sauvegarde ...", "Restauration ...",
-                                                 "Comparaison ..."};
-constexpr std::array<const char*, 3> words = {"sauvegarde", "restauration", "comparaison"};
-constexpr std::array<const char*, 6> directionImages = {"",
-                                                        "sens-sauvegarde",
-                                                        "sens-restauration",
-                                                        "sens-comparaison",
-                                                        "sens-sauvegarde-erreur",
-                                                        "sens-restauration-erreur"};
-
-}  // namespace
-
-Copie::Copie(SystemMod& system, RunStatistics& statistics, OperationHost& host)
-    : system_(system), statistics_(statistics), host_(host), engine_(system, statistics, *this) {
-    Cmd.onClick = [this] { press(); };
-    AnalyseChk.onClick = [this] { system_.SuiviAnalyse = AnalyseChk.checked() ? -1 : 0; };
-    load();
+void WindowStage::show(Operation& operation, OperationHost& host) {
+    Copie window(system_, operation, host);
+    system_.platform.windows.showModal(window);
 }
 
-void Copie::load() {
-    const auto kind = static_cast<std::size_t>(system_.operationKind);
+Copie::Copie(SystemMod& system, Operation& operation, OperationHost& host)
+    : system_(system), operation_(operation), host_(host) {
+    Cmd.onClick = [this] { press(); };
+    AnalyseChk.onClick = [this] { system_.SuiviAnalyse = AnalyseChk.checked() ? -1 : 0; };
     AnalyseChk.setChecked(system_.SuiviAnalyse != 0);
     AnalyseChk.setVisible(false);
     ImgSrc.setImage("lecteur");
     ImgDest.setImage("lecteur");
-    for (std::size_t i = 1; i < ImgSens.size(); ++i) {
-        ImgSens[i].setImage(directionImages[i]);
-        ImgSens[i].setVisible(false);
-    }
-    ImgSens[0].setImage(directionImages[kind + 1]);
+    showDirection(false);
     for (Picture& mark : ImgAtt) {
         mark.setImage("attention");
         mark.setVisible(false);
     }
-    setCaption(captions[kind]);
+    setCaption(operationCaption(system_));
     ProgBar.setValue(0);
-    AjouteECTxt("Début de la " + caption());
-    startTime_ = system_.platform.clock.now();
+    operation_.begin(*this);
+}
+
+// A comparison has no picture with an error mark.
+void Copie::showDirection(bool withErrors) {
+    switch (system_.operationKind) {
+        case OperationKind::backup:
+            ImgSens.setImage(withErrors ? "sens-sauvegarde-erreur" : "sens-sauvegarde");
+            break;
+        case OperationKind::restore:
+            ImgSens.setImage(withErrors ? "sens-restauration-erreur" : "sens-restauration");
+            break;
+        case OperationKind::comparison:
+            ImgSens.setImage("sens-comparaison");
+            break;
+    }
 }
 
 void Copie::activated() {
     if (activated_) return;
     activated_ = true;
-    // Before the first events run, so that a stop requested among them counts.
-    statistics_.interruptionRequested = false;
-    runPendingEvents();
-    if (system_.operationKind == OperationKind::comparison) {
-        LanceComparaison();
-    } else {
-        LanceCopie();
-    }
-}
-
-void Copie::press() {
-    if (finished_) {
+    operation_.run(*this);
+    if (!operation_.waitsForUser()) {
         unload();
         return;
     }
-    const std::string word = words[static_cast<std::size_t>(system_.operationKind)];
+    Cmd.setCaption("Fermer");
+    Cmd.setEnabled(true);
+}
+
+void Copie::press() {
+    if (finished()) {
+        unload();
+        return;
+    }
+    const std::string word = wordsOf(system_.operationKind).word;
     const Answer answer = system_.platform.windows.showMessage(
         {"Voulez-vous interrompre la " + word + " ?", caption(), MessageIcon::question,
          MessageButtons::yesNo});
@@ -72,23 +67,108 @@ void Copie::press() {
 }
 
 void Copie::requestInterruption() {
-    if (finished_) return;
+    if (finished()) return;
     Cmd.setEnabled(false);
-    statistics_.interruptionRequested = true;
+    operation_.requestInterruption();
 }
 
 void Copie::unload() {
-    // Neither outcome stops the run: it is over, and its result is still to be told.
-    (void)system_.WriteSetting("Position", "SuiviAnalyse", std::to_string(system_.SuiviAnalyse));
-    if (statistics_.errorCount > 0) {
-        const Status written = EcritErreurs(system_, ECTxt.text());
-        if (!written.ok()) {
-            system_.platform.windows.notice("La liste des erreurs n'a pas pu être écrite dans " +
-                                            written.path() + " (erreur " +
-                                            std::to_string(written.code()) + ").");
-        }
-    }
+    operation_.end(ECTxt.text());
     close();
+}
+
+void Copie::showPhase(const std::string& phase, const std::string& detail) {
+    ProgBar.setIndeterminate(true);
+    Lbl[phaseLabel].setCaption(phase);
+    Lbl[detailLabel].setCaption(detail);
+}
+
+void Copie::showCopyPhase(const std::string& remainingTime) {
+    ProgBar.setIndeterminate(false);
+    ProgBar.setValue(0);
+    AnalyseChk.setVisible(false);
+    Lbl[remainingTimeLabel].setCaption(remainingTime);
+    Lbl[analysedFileLabel].setCaption("");
+}
+
+void Copie::showComparisonPhase(const std::string& phase) {
+    ProgBar.setIndeterminate(true);
+    Lbl[percentageLabel].setCaption("");
+    Lbl[phaseLabel].setCaption(phase);
+    Lbl[remainingTimeLabel].setCaption("");
+    Lbl[rateLabel].setCaption("");
+    host_.comparisonList().clear();
+    host_.comparisonSummary().setCaption("");
+}
+
+void Copie::showSource(const std::string& path) {
+    Lbl[phaseLabel].setCaption("De: " + visibleControls(path));
+}
+
+void Copie::showDestination(const std::string& path) {
+    Lbl[detailLabel].setCaption("Vers: " + visibleControls(path));
+}
+
+void Copie::showFile(const std::string& path) {
+    Lbl[analysedFileLabel].setCaption(visibleControls(path));
+}
+
+void Copie::showPercentage(int percent, const std::string& caption) {
+    ProgBar.setValue(percent);
+    Lbl[percentageLabel].setCaption(caption);
+}
+
+void Copie::showRemainingTime(const std::string& caption) {
+    Lbl[remainingTimeLabel].setCaption(caption);
+}
+
+void Copie::showRate(const std::string& caption) {
+    Lbl[rateLabel].setCaption(caption);
+}
+
+void Copie::showCount(const std::string& caption) {
+    Lbl[detailLabel].setCaption(caption);
+}
+
+void Copie::addToComparison(const std::string& line) {
+    host_.comparisonList().append(visibleControls(line));
+}
+
+void Copie::showComparisonSummary(const std::string& summary) {
+    host_.comparisonSummary().setCaption(summary);
+}
+
+void Copie::AjouteECTxt(const std::string& text) {
+    ECTxt.append(visibleControls(text));
+    runPendingEvents();
+}
+
+void Copie::MajErreurImg() {
+    const auto kind = static_cast<std::size_t>(system_.operationKind);
+    if (kind >= ImgAtt.size()) return;
+    showDirection(true);
+    ImgAtt[kind].setVisible(true);
+}
+
+void Copie::showCritical(const std::string& text) {
+    const std::string line = visibleControls(text);
+    if (operation_.unattended()) {
+        AjouteECTxt(line);
+        system_.platform.windows.notice(line);
+    } else {
+        (void)system_.platform.windows.showMessage({line, caption(), MessageIcon::critical});
+    }
+}
+
+ReplacementAnswer Copie::DemandeRemplacement(const std::string& fileName) {
+    frmConfirm question(visibleControls(fileName));
+    system_.platform.windows.showModal(question);
+    runPendingEvents();
+    return question.answer();
+}
+
+void Copie::runPendingEvents() {
+    system_.platform.windows.runPendingEvents();
 }
 
 }  // namespace coffrelune

@@ -4,24 +4,28 @@
 #include <string>
 #include <vector>
 
-#include "engine/copie_mod.h"
-#include "engine/operation_window.h"
+#include "operation/operation.h"
 #include "operation/operation_host.h"
 #include "platform/controls.h"
-#include "platform/text_log.h"
-#include "settings/unfinished_copies.h"
+#include "platform/long_lists.h"
 
 namespace coffrelune {
 
-/// The operation window: runs one operation over the selected lines as soon as it is activated,
-/// shows how far it has come, and closes by itself, or waits at "Fermer" when there were errors.
-class Copie final : public Window, public OperationWindow {
+/// The operation window: runs an operation as soon as it is activated, shows how far it has come,
+/// and closes by itself, or waits at "Fermer" when there were errors.
+class Copie final : public Window, public RunDisplay {
   public:
-    /// `statistics` is read by the launcher after the window has closed.
-    Copie(SystemMod& system, RunStatistics& statistics, OperationHost& host);
+    Copie(SystemMod& system, Operation& operation, OperationHost& host);
 
-    // Lbl: 0 percentage, 1 phase then "De: ...", 2 remaining time, 3 detail, count, then
-    // "Vers: ...", 4 file being analysed, 5 transfer rate.
+    /// What each of the labels shows.
+    enum LabelOf : std::size_t {
+        percentageLabel,
+        phaseLabel,  // then "De: ..."
+        remainingTimeLabel,
+        detailLabel,  // a count, then "Vers: ..."
+        analysedFileLabel,
+        rateLabel,
+    };
     std::array<Label, 6> Lbl;
     ProgressBar ProgBar;
     TextLog ECTxt;
@@ -29,8 +33,8 @@ class Copie final : public Window, public OperationWindow {
     Button Cmd{"Annuler"};
     Picture ImgSrc;
     Picture ImgDest;
-    std::array<Picture, 6> ImgSens;  // 0 the one shown; 1 to 3 by kind; 4, 5 with an error mark
-    std::array<Picture, 2> ImgAtt;   // warning marks by kind
+    Picture ImgSens;                // between them, by kind and whether there were errors
+    std::array<Picture, 2> ImgAtt;  // warning marks by kind
 
     /// The first call starts the run. The view also calls it once when it has shown the window
     /// without it coming to the front (minimised, or behind another program): else nothing runs.
@@ -42,9 +46,13 @@ class Copie final : public Window, public OperationWindow {
     /// The run stops after the file in progress, without a question. Nothing once it is over.
     void requestInterruption();
     /// The run is over and the window waits for "Fermer".
-    bool finished() const { return finished_; }
+    bool finished() const { return operation_.waitsForUser(); }
 
-    // What the engine asks for.
+    // ---- RunDisplay --------------------------------------------------------------------------
+    void showPhase(const std::string& phase, const std::string& detail) override;
+    void offerAnalysisDetail() override { AnalyseChk.setVisible(true); }
+    void showCopyPhase(const std::string& remainingTime) override;
+    void showComparisonPhase(const std::string& phase) override;
     void showSource(const std::string& path) override;
     void showDestination(const std::string& path) override;
     void showFile(const std::string& path) override;
@@ -52,54 +60,34 @@ class Copie final : public Window, public OperationWindow {
     void showRemainingTime(const std::string& caption) override;
     void showRate(const std::string& caption) override;
     void showCount(const std::string& caption) override;
+    void showLineDone(int line) override { host_.showLineDone(line, true); }
     void addToComparison(const std::string& line) override;
+    void showComparisonSummary(const std::string& summary) override;
     void AjouteECTxt(const std::string& text) override;
     void MajErreurImg() override;
     void showCritical(const std::string& text) override;
-    int DemandeRemplacement(const std::string& fileName) override;
+    ReplacementAnswer DemandeRemplacement(const std::string& fileName) override;
     void runPendingEvents() override;
 
   private:
-    void LanceCopie();
-    void CopieArborescence();
-    void EffaceExcedents();
-    bool mayDeleteExcess();
-    void readExclusions();
-    void LanceComparaison();
-    void compareLines();
-    void endComparison();
-    void summarizeComparison();
-    void addToBoth(const std::string& line);
-    void showTreePhase();
-    void startAnalysis();
-    void analyseLines();
-    void markAnalysed(int line);
-    void markRestored();
-    void mark(int line);
-    void unmark(int line);
-    UnfinishedCopies::Kind writtenKind() const;
-    bool backsUp() const;
-    bool nothingToCopy(int line) const;
-    bool hasErrors(int line) const;
-    bool prepareCopy();
-    void copyLines();
-    void endRun();
-
-    bool takesPart(int line) const;
-    std::vector<LineRoots> rootsOfOthers(int line) const;
-    void walkLine(int line, bool analysisPass);
-    void load();
+    void showDirection(bool withErrors);
     void press();
     void unload();
 
     SystemMod& system_;
-    RunStatistics& statistics_;
+    Operation& operation_;
     OperationHost& host_;
-    CopieMod engine_;
     bool activated_ = false;
-    bool finished_ = false;
-    LocalTime startTime_;
-    std::vector<ExclusionList> ownExclusions_;  // of every line, as they were when the run began
+};
+
+/// Shows operations in a `Copie` of their own.
+class WindowStage final : public OperationStage {
+  public:
+    explicit WindowStage(SystemMod& system) : system_(system) {}
+    void show(Operation& operation, OperationHost& host) override;
+
+  private:
+    SystemMod& system_;
 };
 
 }  // namespace coffrelune

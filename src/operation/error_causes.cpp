@@ -1,7 +1,7 @@
 #include "operation/error_causes.h"
 
 #include "platform/status.h"
-#include "system/display_text.h"
+#include "system/text.h"
 
 namespace coffrelune {
 

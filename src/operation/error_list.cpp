@@ -1,6 +1,6 @@
 #include "operation/error_list.h"
 
-#include "settings/error_list_name.h"
+#include "settings/setting_names.h"
 
 namespace coffrelune {
 
@@ -13,7 +13,8 @@ Status EcritErreurs(SystemMod& system, const std::string& journal) {
     std::string bytes;
     // Characters outside the code page become "?": the list is for reading.
     (void)system.platform.ansi.encode(journal, bytes);
-    return system.platform.files.writeWhole(errorListPath(system, system.operationKind), bytes);
+    return system.platform.files.writeWhole(errorListPath(system, system.operationKind), bytes,
+                                            Durability::now);
 }
 
 std::string readErrorList(SystemMod& system, OperationKind kind) {

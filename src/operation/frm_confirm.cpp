@@ -11,7 +11,7 @@ frmConfirm::frmConfirm(const std::string& fileName)
     Image1.setImage("attention");
     for (std::size_t i = 0; i < Cmd.size(); ++i) {
         Cmd[i].onClick = [this, i] {
-            answer_ = static_cast<int>(i);
+            answer_ = static_cast<ReplacementAnswer>(i);
             close();
         };
     }

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/run_display.h"
 #include "platform/controls.h"
 
 namespace coffrelune {
@@ -13,19 +14,19 @@ class frmConfirm final : public Window {
   public:
     explicit frmConfirm(const std::string& fileName);
 
-    std::array<Button, 4> Cmd;  // "&Oui", "&Tous", "&Non", "Annuler"
+    std::array<Button, 4> Cmd;  // by answer: "&Oui", "&Tous", "&Non", "Annuler"
     std::array<Label, 2> Lbl;   // upper, lower
     Picture Image1;
 
-    /// Index of the pressed button; 3 when the window was closed without one, since a question that
-    /// nobody answered grants nothing.
-    int answer() const { return answer_; }
+    /// That of the pressed button; `cancel` when the window was closed without one, since a
+    /// question that nobody answered grants nothing.
+    ReplacementAnswer answer() const { return answer_; }
 
     std::vector<Button*> buttons() override;
     std::vector<Label*> labels() override { return {&Lbl[0], &Lbl[1]}; }
 
   private:
-    int answer_ = 3;
+    ReplacementAnswer answer_ = ReplacementAnswer::cancel;
 };
 
 }  // namespace coffrelune

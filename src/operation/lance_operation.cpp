@@ -1,40 +1,33 @@
 #include "operation/lance_operation.h"
 
-#include "operation/copie.h"
 #include "operation/error_causes.h"
 #include "operation/results.h"
 #include "operation/shared_copies.h"
 #include "system/sounds.h"
 
 namespace coffrelune {
-namespace {
 
-constexpr std::int16_t startedByUser = 1;
+OperationLauncher::OperationLauncher(SystemMod& system, OperationHost& host, OperationStage& stage)
+    : system_(system), host_(host), stage_(stage) {}
 
-}  // namespace
-
-OperationLauncher::OperationLauncher(SystemMod& system, OperationHost& host)
-    : system_(system), host_(host) {}
-
-RunEnd OperationLauncher::LanceOperation(std::int16_t mode) {
+RunEnd OperationLauncher::LanceOperation(RunMode mode) {
     host_.setTimerEnabled(false);
     host_.setLaunchEnabled(false);
     RunEnd end = RunEnd::cancelled;
     if (confirmTreeOnly(mode)) {
         end = run(mode);
-        for (int line = 0; line < host_.lineCount(); ++line) host_.showLineDone(line, false);
+        for (int line = 0; line <= system_.maximumIndex; ++line) host_.showLineDone(line, false);
     }
     host_.setLaunchEnabled(true);
     host_.setTimerEnabled(system_.AutoSave == 1);
     return end;
 }
 
-RunEnd OperationLauncher::run(std::int16_t mode) {
-    reset(mode);
+RunEnd OperationLauncher::run(RunMode mode) {
     if (system_.operationKind == OperationKind::backup) tellSharedCopies();
-    showOperation();
-    tellRestoreDeletions();
-    const bool interrupted = statistics_.interruptionRequested;
+    showOperation(mode, 0);
+    tellDeletions();
+    const bool interrupted = control_.interruptionRequested;
     if (statistics_.copyPassStarted) {
         report(mode, interrupted);
     } else {
@@ -48,23 +41,30 @@ RunEnd OperationLauncher::run(std::int16_t mode) {
 // Both lines may be meant so, and files of different names lie well side by side: it is said, and
 // the backup runs.
 void OperationLauncher::tellSharedCopies() {
-    for (const std::string& text : sharedCopies(system_, host_)) {
+    for (const std::string& text : sharedCopies(system_)) {
         if (toldCopies_.insert(text).second) system_.platform.windows.notice(text);
     }
 }
 
-// What a backup deletes is a copy. What a restore deletes is the user's own, and no message of its
-// end speaks of it.
-void OperationLauncher::tellRestoreDeletions() {
-    if (system_.operationKind != OperationKind::restore || statistics_.filesDeleted == 0) return;
-    system_.platform.windows.notice("La restauration a effacé " +
-                                    std::to_string(statistics_.filesDeleted) +
-                                    " fichier(s) excédentaire(s) ou à remplacer.");
+// No message of the end speaks of what was deleted.
+void OperationLauncher::tellDeletions() {
+    if (statistics_.filesRemoved == 0) return;
+    const bool restores = system_.operationKind == OperationKind::restore;
+    system_.platform.windows.notice(
+        (restores ? "La restauration a effacé " : "La sauvegarde a effacé de la copie ") +
+        std::to_string(statistics_.filesRemoved) + " fichier(s) excédentaire(s).");
 }
 
-void OperationLauncher::showOperation() {
-    Copie window(system_, statistics_, host_);
-    system_.platform.windows.showModal(window);
+void OperationLauncher::showOperation(RunMode mode, std::int32_t errorCount) {
+    RunSwitches switches;
+    switches.unattended = mode != RunMode::startedByUser;
+    switches.keepExisting = keepExisting_;
+    switches.acceptOriginal = acceptOriginal_ && system_.operationKind == OperationKind::backup;
+    if (system_.operationKind != OperationKind::comparison) forgetAcceptance();
+    Operation operation(system_, switches, errorCount);
+    stage_.show(operation, host_);
+    statistics_ = operation.statistics();
+    control_ = operation.control();
     system_.errorCount = statistics_.errorCount;
 }
 
@@ -80,19 +80,16 @@ bool OperationLauncher::confirmRestore() {
 
 RunEnd OperationLauncher::launchComparison() {
     host_.setLaunchEnabled(false);
-    // The error count alone is not reset: an interrupted comparison keeps that of the run before.
-    const std::int32_t errorCount = statistics_.errorCount;
-    reset(startedByUser);
-    statistics_.errorCount = errorCount;
-    showOperation();
+    // The error count alone is kept: that of the run before, for an interrupted comparison.
+    showOperation(RunMode::startedByUser, statistics_.errorCount);
     // What could not be read was not compared either: no clean result.
     StoreResult(system_, host_, statistics_.errorCount == 0 && statistics_.errors.empty());
     host_.setLaunchEnabled(true);
-    return statistics_.interruptionRequested ? RunEnd::interrupted : RunEnd::finished;
+    return control_.interruptionRequested ? RunEnd::interrupted : RunEnd::finished;
 }
 
-bool OperationLauncher::confirmTreeOnly(std::int16_t mode) {
-    if (confirmed_ || mode != startedByUser || system_.options.ArbreMode == 0) return true;
+bool OperationLauncher::confirmTreeOnly(RunMode mode) {
+    if (confirmed_ || mode != RunMode::startedByUser || system_.options.ArbreMode == 0) return true;
     const Answer answer = system_.platform.windows.showMessage(
         {"Seule l'arborescence des répertoires sera copiée sur le disque destination.\n"
          "Confirmez-vous la copie ?",
@@ -100,23 +97,16 @@ bool OperationLauncher::confirmTreeOnly(std::int16_t mode) {
     return answer == Answer::ok;
 }
 
-void OperationLauncher::reset(std::int16_t mode) {
-    statistics_ = RunStatistics();
-    statistics_.unattended = mode != startedByUser;
-    statistics_.keepExisting = keepExisting_;
-    statistics_.tallies.resize(static_cast<std::size_t>(host_.lineCount()));
-}
-
 // Also the path of a run that was interrupted before its copy pass: nothing has been copied then,
 // and the cause, when one is known, is told with it.
-void OperationLauncher::reportNothing(std::int16_t mode) {
+void OperationLauncher::reportNothing(RunMode mode) {
     const bool treeOnly = system_.options.ArbreMode != 0;
-    const std::string cause = errorCause(statistics_.lastErrorNumber, statistics_.sharingPath);
+    const std::string cause = errorCause(control_.lastErrorNumber, control_.sharingPath);
     std::string text = treeOnly                                          ? treeMessage()
                        : system_.operationKind == OperationKind::restore ? "Rien à restaurer !"
                                                                          : "Rien à sauvegarder !";
     if (!cause.empty()) text += "\n\n" + cause;
-    if (mode == startedByUser || !cause.empty()) say(mode, text, treeOnly);
+    if (mode == RunMode::startedByUser || !cause.empty()) say(mode, text, treeOnly);
 }
 
 std::string OperationLauncher::treeMessage() const {
@@ -125,11 +115,11 @@ std::string OperationLauncher::treeMessage() const {
            " répertoire(s) créé(s).";
 }
 
-void OperationLauncher::report(std::int16_t mode, bool interrupted) {
+void OperationLauncher::report(RunMode mode, bool interrupted) {
     if (!interrupted) StoreResult(system_, host_, statistics_.errorCount == 0);
     playEndSound(mode);
     const bool trouble = interrupted || statistics_.errorCount > 0;
-    if (mode == startedByUser || trouble) {
+    if (mode == RunMode::startedByUser || trouble) {
         say(mode, interrupted ? interruptedMessage() : finishedMessage(), true);
     }
 }
@@ -138,7 +128,7 @@ std::string OperationLauncher::interruptedMessage() const {
     // A restore never tells the cause: what it was restoring is still in the backup.
     if (system_.operationKind == OperationKind::restore) return "Restauration interrompue !";
     return "Sauvegarde interrompue !\n\n" +
-           errorCause(statistics_.lastErrorNumber, statistics_.sharingPath);
+           errorCause(control_.lastErrorNumber, control_.sharingPath);
 }
 
 std::string OperationLauncher::finishedMessage() const {
@@ -151,15 +141,15 @@ std::string OperationLauncher::finishedMessage() const {
 }
 
 // The success sound whatever happened: it says that the run is over, the message says how.
-void OperationLauncher::playEndSound(std::int16_t mode) {
-    if (mode != startedByUser || system_.options.SignalSonore == 0) return;
+void OperationLauncher::playEndSound(RunMode mode) {
+    if (mode != RunMode::startedByUser || system_.options.SignalSonore == 0) return;
     playEndOfCopySound(system_.platform.sounds, system_.platform.files, system_.homeDirectory,
                        system_.soundNames[0]);
 }
 
 // Nobody reads a box of an unattended run: it would keep the program waiting for ever.
-void OperationLauncher::say(std::int16_t mode, const std::string& text, bool information) {
-    if (mode != startedByUser) {
+void OperationLauncher::say(RunMode mode, const std::string& text, bool information) {
+    if (mode != RunMode::startedByUser) {
         system_.platform.windows.notice(text);
         return;
     }

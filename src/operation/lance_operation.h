@@ -1,11 +1,9 @@
 #pragma once
 
-#include <cstdint>
 #include <set>
 #include <string>
 
-#include "engine/run_statistics.h"
-#include "operation/operation_host.h"
+#include "operation/operation.h"
 
 namespace coffrelune {
 
@@ -17,21 +15,29 @@ enum class RunEnd {
     interrupted,  // by the user, by an error, or by a missing destination
 };
 
+/// Who is there to read and to answer: an unattended run asks nothing, shows no message and plays
+/// no sound.
+enum class RunMode { unattended, startedByUser };
+
 /// Launches an operation, tells how it went and records its result.
 class OperationLauncher {
   public:
-    OperationLauncher(SystemMod& system, OperationHost& host);
+    OperationLauncher(SystemMod& system, OperationHost& host, OperationStage& stage);
 
     /// What existing files become without a question, for the whole run; by default the
     /// configuration and the user decide.
     void keepExistingFiles() { keepExisting_ = true; }
 
+    /// The user says that the originals are the right ones; holds for the next backup, unless a
+    /// restore changes them before it.
+    void acceptOriginal() { acceptOriginal_ = true; }
+    void forgetAcceptance() { acceptOriginal_ = false; }
+
     /// The user has confirmed everything beforehand: no question precedes the run.
     void skipConfirmations() { confirmed_ = true; }
 
-    /// Runs a backup or a restore. `mode` 1: the user started it; any other value: unattended,
-    /// which asks nothing, shows no message and plays no sound.
-    RunEnd LanceOperation(std::int16_t mode);
+    /// Runs a backup or a restore.
+    RunEnd LanceOperation(RunMode mode);
 
     /// The two questions before a restore: true when both were answered OK.
     bool confirmRestore();
@@ -39,29 +45,32 @@ class OperationLauncher {
     /// Runs a comparison and records its result; asks and tells nothing.
     RunEnd launchComparison();
 
-    /// The record of the last run.
+    /// The record of the last run, and what stopped it.
     const RunStatistics& statistics() const { return statistics_; }
+    const RunControl& control() const { return control_; }
 
   private:
-    RunEnd run(std::int16_t mode);
-    void showOperation();
-    bool confirmTreeOnly(std::int16_t mode);
+    RunEnd run(RunMode mode);
+    void showOperation(RunMode mode, std::int32_t errorCount);
+    bool confirmTreeOnly(RunMode mode);
     void tellSharedCopies();
-    void tellRestoreDeletions();
-    void reset(std::int16_t mode);
-    void reportNothing(std::int16_t mode);
-    void report(std::int16_t mode, bool interrupted);
+    void tellDeletions();
+    void reportNothing(RunMode mode);
+    void report(RunMode mode, bool interrupted);
     std::string treeMessage() const;
     std::string interruptedMessage() const;
     std::string finishedMessage() const;
-    void playEndSound(std::int16_t mode);
-    void say(std::int16_t mode, const std::string& text, bool information);
+    void playEndSound(RunMode mode);
+    void say(RunMode mode, const std::string& text, bool information);
 
     SystemMod& system_;
     OperationHost& host_;
+    OperationStage& stage_;
     RunStatistics statistics_;
+    RunControl control_;
     std::set<std::string> toldCopies_;  // each is told once, not at every run
     bool keepExisting_ = false;
+    bool acceptOriginal_ = false;
     bool confirmed_ = false;
 };
 

@@ -1,6 +1,5 @@
 #include "operation/line_texts.h"
 
-#include "settings/unfinished_copies.h"
 #include "system/paths.h"
 #include "system/text.h"
 
@@ -26,51 +25,23 @@ void writePath(SystemMod& system, const char* key, int line, const std::string& 
 
 }  // namespace
 
-std::string copyOfLine(const SystemMod& system, int line) {
-    const std::string& source = system.sources[static_cast<std::size_t>(line)];
-    const std::string& destination = system.destinations[static_cast<std::size_t>(line)];
-    if (source.empty() || destination.empty()) return {};
-    return lineRoots(source, destination, Layout::normal).target;
-}
-
-void copyMoved(SystemMod& system, int line, const std::string& before) {
-    const std::string now = copyOfLine(system, line);
-    if (!before.empty() && !now.empty()) UnfinishedCopies(system).follow(before, now);
-}
-
-Layout currentLayout(const SystemMod& system) {
-    const bool reversed =
-        system.operationKind == OperationKind::restore ||
-        (system.operationKind == OperationKind::comparison && system.comparisonReversed);
-    return reversed ? Layout::reversed : Layout::normal;
-}
-
 LineTexts lineTexts(const SystemMod& system, int line) {
-    const std::string& source = system.sources[static_cast<std::size_t>(line)];
-    const std::string& destination = system.destinations[static_cast<std::size_t>(line)];
+    const auto& [source, destination, selected] = system.lineAt(line);
     if (currentLayout(system) == Layout::normal) return {source, destination};
     const std::string appended = appendedComponent(source);
     if (destination.empty() || appended.empty()) return {destination, source};
     return {joinPath(destination, appended), source};
 }
 
-LineRoots rootsOfLine(const SystemMod& system, int line) {
-    return lineRoots(system.sources[static_cast<std::size_t>(line)],
-                     system.destinations[static_cast<std::size_t>(line)], currentLayout(system));
-}
-
 void editLine(SystemMod& system, int line, LineSide side, const std::string& text) {
-    std::string& source = system.sources[static_cast<std::size_t>(line)];
-    std::string& destination = system.destinations[static_cast<std::size_t>(line)];
+    auto& [source, destination, selected] = system.lineAt(line);
     const bool reversed = currentLayout(system) == Layout::reversed;
-    const std::string copyBefore = copyOfLine(system, line);
     if ((side == LineSide::left) != reversed) {
         source = text;
     } else {
         destination = reversed ? withoutAppended(text, source) : text;
     }
     const bool sourceChanged = (side == LineSide::left) != reversed;
-    if (!sourceChanged) copyMoved(system, line, copyBefore);
     // A restore stores both together: its labels show one line from both ends.
     const bool both = system.operationKind == OperationKind::restore;
     if (sourceChanged || both) writePath(system, "Source", line, source);

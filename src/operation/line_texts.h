@@ -13,22 +13,10 @@ struct LineTexts {
     std::string destination;  // `LblD`: where they go
 };
 
-/// Restores, and comparisons from destination to source, read the copy.
-Layout currentLayout(const SystemMod& system);
-
 /// In the reversed layout the left text is the destination joined with the source's last component
 /// by exactly one backslash, the destination alone for a drive root, and empty without a
 /// destination.
 LineTexts lineTexts(const SystemMod& system, int line);
-
-/// The places that every pass over the line uses.
-LineRoots rootsOfLine(const SystemMod& system, int line);
-
-/// Where the line's copy lies; empty when a path is missing.
-std::string copyOfLine(const SystemMod& system, int line);
-/// The line's destination has changed, its copy was at `before`: the mark of an unfinished copy
-/// goes with it.
-void copyMoved(SystemMod& system, int line, const std::string& before);
 
 enum class LineSide { left, right };
 

@@ -3,22 +3,15 @@
 #include <string>
 
 #include "platform/controls.h"
-#include "platform/text_log.h"
+#include "platform/long_lists.h"
 #include "settings/system_mod.h"
 
 namespace coffrelune {
 
-/// What an operation needs of the window that launched it: the lines as it shows them, and what
-/// changes there while the operation runs.
+/// What changes in the window that launched an operation while it runs, and after it.
 class OperationHost {
   public:
     virtual ~OperationHost() = default;
-
-    virtual int lineCount() const = 0;
-    virtual bool lineSelected(int line) const = 0;
-    /// Full texts of the labels `LblS` and `LblD`, whatever they have room to display.
-    virtual std::string lineSource(int line) const = 0;
-    virtual std::string lineDestination(int line) const = 0;
 
     /// The done mark `ImgOk` of a line.
     virtual void showLineDone(int line, bool done) = 0;
@@ -30,6 +23,21 @@ class OperationHost {
     /// The list of a comparison and the label below it.
     virtual TextLog& comparisonList() = 0;
     virtual Label& comparisonSummary() = 0;
+};
+
+/// A host with no window: for the terminal, and for a start with "/Auto" where there is no display.
+class SharedHost final : public OperationHost {
+  public:
+    void showLineDone(int, bool) override {}
+    void setLaunchEnabled(bool) override {}
+    void setTimerEnabled(bool) override {}
+    void resultStored(OperationKind) override {}
+    TextLog& comparisonList() override { return comparisonList_; }
+    Label& comparisonSummary() override { return comparisonSummary_; }
+
+  private:
+    TextLog comparisonList_;
+    Label comparisonSummary_;
 };
 
 }  // namespace coffrelune

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "operation/line_texts.h"
-#include "settings/reserved_name.h"
-#include "system/display_text.h"
+#include "engine/line_roots.h"
+#include "settings/setting_names.h"
 #include "system/paths.h"
+#include "system/text.h"
 
 namespace coffrelune {
 namespace {
@@ -53,15 +53,17 @@ bool settingsUsable(SystemMod& system) {
 }
 
 ExitStatus runUnattended(SystemMod& system, OperationLauncher& launcher) {
-    constexpr std::int16_t unattended = 0;
     if (!settingsUsable(system)) return ExitStatus::wrongUse;
-    const RunEnd end = launcher.LanceOperation(unattended);
+    const RunEnd end = launcher.LanceOperation(RunMode::unattended);
     reportErrors(system, launcher.statistics());
     return exitStatus(end, launcher.statistics());
 }
 
 void reportErrors(const SystemMod& system, const RunStatistics& statistics) {
     WindowService& windows = system.platform.windows;
+    for (const std::string& reason : statistics.keptReasons) {
+        windows.notice(visibleControls(reason));
+    }
     for (const CopyError& error : statistics.errors) {
         windows.notice("Erreur: " + std::to_string(error.number) +
                        " - Fichier: " + visibleControls(error.path));

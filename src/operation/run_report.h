@@ -22,7 +22,8 @@ bool settingsUsable(SystemMod& system);
 /// settings, its errors are named afterwards.
 ExitStatus runUnattended(SystemMod& system, OperationLauncher& launcher);
 
-/// Names every error of the run, and every line whose source was not there.
+/// Says why files were kept that might be excess files, then names every error of the run, and
+/// every line whose source was not there.
 void reportErrors(const SystemMod& system, const RunStatistics& statistics);
 
 /// Names every line whose source was not there.

@@ -1,8 +1,8 @@
 #include "operation/shared_copies.h"
 
-#include "operation/line_texts.h"
-#include "system/display_text.h"
+#include "engine/line_roots.h"
 #include "system/paths.h"
+#include "system/text.h"
 
 namespace coffrelune {
 namespace {
@@ -12,32 +12,44 @@ std::string placeOf(const SystemMod& system, const std::string& path) {
     return system.platform.files.resolve(withoutTrailingBackslash(path));
 }
 
-bool isFilled(const SystemMod& system, int line) {
-    const auto index = static_cast<std::size_t>(line);
-    return !system.sources[index].empty() && !system.destinations[index].empty();
-}
-
 std::string told(int first, int second, const std::string& copy) {
     return "Les lignes " + std::to_string(first + 1) + " et " + std::to_string(second + 1) +
            " ont la même copie, " + visibleControls(copy) +
            " : de deux fichiers de même nom, un seul y est gardé.";
 }
 
+// Every place is resolved once, though each line is compared with all that come before it.
+struct LinePlaces {
+    int index;
+    bool selected;
+    std::string copy;  // as the line spells it
+    std::string copyPlace;
+    std::string originalPlace;
+};
+
+std::vector<LinePlaces> placesOfLines(const SystemMod& system) {
+    std::vector<LinePlaces> places;
+    for (const RunLine& line : filledLines(system)) {
+        places.push_back({line.index, system.lineAt(line.index).selected != 0, line.roots.copy(),
+                          placeOf(system, line.roots.copy()),
+                          placeOf(system, line.roots.original())});
+    }
+    return places;
+}
+
 }  // namespace
 
-std::vector<std::string> sharedCopies(const SystemMod& system, const OperationHost& host) {
+std::vector<std::string> sharedCopies(const SystemMod& system) {
     std::vector<std::string> texts;
-    for (int second = 1; second < host.lineCount(); ++second) {
-        if (!isFilled(system, second)) continue;
-        const LineRoots later = rootsOfLine(system, second);
-        const std::string place = placeOf(system, later.copy());
-        for (int first = 0; first < second; ++first) {
-            if (!isFilled(system, first)) continue;
-            if (!host.lineSelected(first) && !host.lineSelected(second)) continue;
-            const LineRoots earlier = rootsOfLine(system, first);
-            if (placeOf(system, earlier.copy()) != place) continue;
-            if (placeOf(system, earlier.original()) == placeOf(system, later.original())) continue;
-            texts.push_back(told(first, second, later.copy()));
+    const std::vector<LinePlaces> places = placesOfLines(system);
+    for (std::size_t i = 1; i < places.size(); ++i) {
+        const LinePlaces& later = places[i];
+        for (std::size_t k = 0; k < i; ++k) {
+            const LinePlaces& earlier = places[k];
+            if (!earlier.selected && !later.selected) continue;
+            if (earlier.copyPlace != later.copyPlace) continue;
+            if (earlier.originalPlace == later.originalPlace) continue;
+            texts.push_back(told(earlier.index, later.index, later.copy));
         }
     }
     return texts;

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "operation/operation_host.h"
+#include "settings/system_mod.h"
 
 namespace coffrelune {
 
@@ -11,6 +11,6 @@ namespace coffrelune {
 /// copies of different sources, when the operation takes in one of them: two cards with a
 /// directory DCIM each, saved to one disk. The lines are run as they are, what bears one name
 /// in both is kept once.
-std::vector<std::string> sharedCopies(const SystemMod& system, const OperationHost& host);
+std::vector<std::string> sharedCopies(const SystemMod& system);
 
 }  // namespace coffrelune

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "platform/controls.h"
-#include "platform/text_log.h"
+#include "platform/long_lists.h"
 #include "settings/system_mod.h"
 
 namespace coffrelune {

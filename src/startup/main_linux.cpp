@@ -6,9 +6,9 @@
 #include "platform/posix/desktop/posix_desktop.h"
 #include "platform/posix/posix_platform.h"
 #include "platform/posix/program_place.h"
-#include "platform/terminal/terminal_windows.h"
-#include "platform/wx/wx_program.h"
 #include "startup/startup.h"
+#include "views/terminal/terminal_windows.h"
+#include "views/wx/wx_program.h"
 
 namespace coffrelune {
 namespace {
@@ -95,7 +95,7 @@ class Program {
                 "« coffrelune /Auto » pour une sauvegarde sans surveillance.");
             return ExitStatus::wrongUse;
         }
-        const ExitStatus status = runAuto(system);
+        const ExitStatus status = runAuto(system, windows);
         rememberConfiguration(system);
         return status;
     }

@@ -5,9 +5,8 @@
 #include "platform/native/native_platform.h"
 #include "platform/win32/desktop/win32_desktop.h"
 #include "platform/win32/program_place.h"
-#include "platform/wx/wx_program.h"
-#include "startup/raw_command_line.h"
 #include "startup/startup.h"
+#include "views/wx/wx_program.h"
 
 namespace coffrelune {
 namespace {

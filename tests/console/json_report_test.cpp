@@ -5,7 +5,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include "operation/shared_host.h"
 #include "platform/memory/memory_platform.h"
 
 namespace coffrelune::console {
@@ -18,12 +17,12 @@ class JsonReport : public testing::Test {
     JsonReport() {
         system.configurationName = "Été";
         system.duration = "00:01:23";
-        system.sources[0] = R"(C:\Docs)";
-        system.destinations[0] = R"(F:\Save)";
-        system.sources[2] = R"(D:\Photos)";
-        system.destinations[2] = R"(G:\Save)";
-        system.selected[0] = 1;
-        system.selected[2] = 1;
+        system.lines[0].source = R"(C:\Docs)";
+        system.lines[0].destination = R"(F:\Save)";
+        system.lines[2].source = R"(D:\Photos)";
+        system.lines[2].destination = R"(G:\Save)";
+        system.lines[0].selected = 1;
+        system.lines[2].selected = 1;
         statistics.tallies.resize(6);
         statistics.tallies[0].files = 2;
         statistics.tallies[0].bytes = 8;
@@ -31,12 +30,12 @@ class JsonReport : public testing::Test {
         statistics.tallies[2].bytes = 5'000'000'000;
         statistics.tallies[2].sourceMissing = true;
     }
-    json report(RunEnd end) { return json::parse(runAsJson(system, host, statistics, end)); }
+    json report(RunEnd end) { return json::parse(runAsJson(system, statistics, end)); }
 
     MemoryPlatform memory;
     Platform platform = memory.platform();
     SystemMod system{platform, {"", R"(C:\Coffrelune)", 3, 5}};
-    SharedHost host{system};
+    SharedHost host;
     RunStatistics statistics;
 };
 
@@ -45,7 +44,7 @@ TEST_F(JsonReport, TellsTheWholeRun) {
     statistics.errorCount = 1;
     EXPECT_EQ(report(RunEnd::finished), json::parse(R"JSON({
         "kind": "sauvegarde", "configuration": "Été", "duration": "00:01:23",
-        "files": 3, "bytes": 5000000008, "outcome": "errors", "deleted": 0,
+        "files": 3, "bytes": 5000000008, "outcome": "errors", "deleted": 0, "kept": [],
         "errors": [{"number": 5, "path": "D:\\Photos\\c.jpg"}],
         "lines": [
           {"line": 1, "source": "C:\\Docs", "destination": "F:\\Save", "sourceMissing": false,
@@ -56,8 +55,8 @@ TEST_F(JsonReport, TellsTheWholeRun) {
 }
 
 TEST_F(JsonReport, LeavesOutTheLinesThatTookNoPart) {
-    system.selected[0] = 0;
-    system.destinations[2].clear();
+    system.lines[0].selected = 0;
+    system.lines[2].destination.clear();
     const json empty = report(RunEnd::nothing);
     EXPECT_TRUE(empty["lines"].empty());
     EXPECT_EQ(empty["files"], 0);

@@ -1,7 +1,7 @@
 // The configuration in use: its label, choosing another one, describing it.
 #include "dialogs/config_form.h"
-#include "dialogs/description_form.h"
 #include "dialogs/frm_about.h"
+#include "dialogs/text_dialogs.h"
 #include "mainwindow/main_form_fixture.h"
 
 namespace coffrelune {

@@ -37,18 +37,6 @@ TEST_F(DestinationChangeTest, GivesEveryDestinationTheChosenDrive) {
     EXPECT_EQ(right(4), R"(H:\Other\Place)");
 }
 
-TEST_F(DestinationChangeTest, TakesTheMarkOfAnUnfinishedCopyAlong) {
-    start(
-        "[Position]\nCopieIncomplete1=\"D:\\Save\\Docs\"\n"
-        "[General]\nSource0=\"C:\\Docs\"\nDestination0=\"D:\\Save\"\n"
-        "Source1=\"C:\\Photos\"\nDestination1=\"D:\\Save\"\n");
-    choose(R"(H:\)");
-    form->toolbar.TB.pick("ModifDest");
-    EXPECT_EQ(stored("Position", "CopieIncomplete1"), R"(D:\Save\Docs)");
-    EXPECT_EQ(stored("Position", "CopieIncomplete2"), R"(H:\Save\Docs)");
-    EXPECT_EQ(stored("Position", "CopieIncomplete3"), "");
-}
-
 TEST_F(DestinationChangeTest, RefusesDestinationsOnDifferentDrives) {
     start("[General]\nDestination0=\"D:\\Save\"\nDestination3=\"E:\\Save\"\n");
     const std::string before = settings();

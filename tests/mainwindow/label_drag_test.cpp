@@ -103,7 +103,7 @@ TEST_F(LabelDragTest, APathFromOneOfItsLabelsStaysAsItIs) {
     form->lines.edit(0, LineSide::left, "C:\\Docs\n");
     row(0).LblS.press();
     row(1).LblS.drop(text(form->drag.data()));
-    EXPECT_EQ(system->sources[1], "C:\\Docs\n") << "a line end may belong to a name";
+    EXPECT_EQ(system->lines[1].source, "C:\\Docs\n") << "a line end may belong to a name";
 }
 
 TEST_F(LabelDragTest, ADropInTheReversedLayoutIsTakenApartAsAnEditIs) {
@@ -112,7 +112,7 @@ TEST_F(LabelDragTest, ADropInTheReversedLayoutIsTakenApartAsAnEditIs) {
     row(0).LblS.press();
     row(0).LblS.drop(text(form->drag.data()));
     EXPECT_EQ(left(0), R"(F:\Save\Docs)");
-    EXPECT_EQ(system->destinations[0], R"(F:\Save)");
+    EXPECT_EQ(system->lines[0].destination, R"(F:\Save)");
     row(0).LblS.drop(files({R"(G:\Copies)"}));
     EXPECT_EQ(stored("Destination0"), R"(G:\Copies)");
 }
@@ -134,14 +134,14 @@ TEST_F(LabelDragTest, ANativePathIsTurnedIntoItsDriveFormWhereItEnters) {
     MainForm window(other, desktop);
     window.lines.row(0).LblS.drop(files({"/Photos"}));
     window.lines.row(0).LblD.drop(text("/Save"));
-    EXPECT_EQ(other.sources[0], R"(C:\Photos)");
-    EXPECT_EQ(other.destinations[0], R"(C:\Save)");
+    EXPECT_EQ(other.lines[0].source, R"(C:\Photos)");
+    EXPECT_EQ(other.lines[0].destination, R"(C:\Save)");
     window.lines.row(1).LblS.drop(text("file:///Mes%20photos\r\n"));
     window.lines.row(1).LblD.drop(text("\"/Save\"\n"));
-    EXPECT_EQ(other.sources[1], R"(C:\Mes photos)");
-    EXPECT_EQ(other.destinations[1], R"(C:\Save)");
+    EXPECT_EQ(other.lines[1].source, R"(C:\Mes photos)");
+    EXPECT_EQ(other.lines[1].destination, R"(C:\Save)");
     window.lines.row(2).LblS.drop(text("hello world"));
-    EXPECT_EQ(other.sources[2], "hello world");
+    EXPECT_EQ(other.lines[2].source, "hello world");
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // How the main window comes up, starts an unattended backup, remembers its place and closes.
 #include "dialogs/config_form.h"
-#include "dialogs/config_name_form.h"
+#include "dialogs/text_dialogs.h"
 #include "mainwindow/main_form_fixture.h"
 
 namespace coffrelune {

@@ -1,5 +1,5 @@
 // The row menu and the toolbar's commands on one line.
-#include "dialogs/line_form.h"
+#include "dialogs/text_dialogs.h"
 #include "mainwindow/main_form_fixture.h"
 
 namespace coffrelune {
@@ -133,7 +133,7 @@ TEST_F(LineCommandsTest, EditerTakesANativePathButNoCurrentDirectory) {
             dialog.Cmd[0].click();
         });
         (void)window.lineCommands.run("Editer");
-        return other.sources[0];
+        return other.lines[0].source;
     };
     EXPECT_EQ(edit("/Photos"), R"(C:\Photos)");
     for (const char* text : {"relative", "hello world", R"("C:\quoted")", "file:///tmp/a%20b"}) {
@@ -198,7 +198,7 @@ TEST_F(LineCommandsTest, AMovedLineKeepsItsExclusions) {
     EXPECT_EQ(stored("RepExclu1_Rep2"), R"(\Old)");
     restart();
     system->LoadExclusions(1);
-    EXPECT_EQ(system->exclusions.mode, 2);
+    EXPECT_EQ(system->exclusions.mode, ExclusionMode::listed);
     EXPECT_THAT(system->exclusions.directories, ElementsAre(R"(\Tmp)", R"(\Old)"));
 }
 
@@ -258,7 +258,7 @@ TEST_F(LineCommandsTest, MovingInTheReversedLayoutMovesTheLinesNotTheirLabels) {
     pickTab("R");
     command("LigneDown", 0);
     EXPECT_EQ(left(1), R"(F:\Save\Docs)");
-    EXPECT_EQ(system->destinations[1], R"(F:\Save)");
+    EXPECT_EQ(system->lines[1].destination, R"(F:\Save)");
     EXPECT_EQ(stored("Destination1"), R"(F:\Save)");
     EXPECT_EQ(stored("Source1"), R"(C:\Docs)");
 }
@@ -306,8 +306,8 @@ TEST_F(LineCommandsTest, DeleteLigneEmptiesBothPathsInTheReversedLayoutToo) {
     pickTab("R");
     user().answer(Answer::ok);
     command("DeleteLigne", 0);
-    EXPECT_EQ(system->sources[0], "");
-    EXPECT_EQ(system->destinations[0], "");
+    EXPECT_EQ(system->lines[0].source, "");
+    EXPECT_EQ(system->lines[0].destination, "");
     EXPECT_EQ(stored("Source0"), "");
     EXPECT_EQ(stored("Destination0"), "");
 }

@@ -56,10 +56,6 @@ TEST_F(LineRowsTest, ShowsSourceAndDestination) {
     EXPECT_TRUE(row(0).ChkS.checked());
     EXPECT_EQ(row(0).Img.image(), "ligne-selectionnee");
     EXPECT_EQ(row(1).Img.image(), "ligne-non-selectionnee");
-    EXPECT_EQ(form->lineSource(0), R"(C:\Docs)");
-    EXPECT_EQ(form->lineDestination(0), R"(F:\Save)");
-    EXPECT_TRUE(form->lineSelected(0));
-    EXPECT_EQ(form->lineCount(), 6);
 }
 
 TEST_F(LineRowsTest, ReversedShowsTheCopyOnTheLeftAndTheSourceOnTheRight) {
@@ -97,11 +93,11 @@ TEST_F(LineRowsTest, AComparisonFromSourceToDestinationIsShownAsABackupIs) {
 TEST_F(LineRowsTest, StoresATickAtOnce) {
     startWithLine();
     row(0).ChkS.click();
-    EXPECT_EQ(system->selected[0], 0);
+    EXPECT_EQ(system->lines[0].selected, 0);
     EXPECT_EQ(row(0).Img.image(), "ligne-non-selectionnee");
     EXPECT_EQ(stored("Select0"), "0");
     row(0).ChkS.click();
-    EXPECT_EQ(system->selected[0], 1);
+    EXPECT_EQ(system->lines[0].selected, 1);
     EXPECT_EQ(row(0).Img.image(), "ligne-selectionnee");
     EXPECT_EQ(stored("Select0"), "1");
 }
@@ -113,7 +109,7 @@ TEST_F(LineRowsTest, TakesTheTickFromALineWithoutBothPathsAndStoresThat) {
     for (int i = 0; i < 3; ++i) {
         EXPECT_FALSE(row(i).ChkS.checked());
         EXPECT_FALSE(row(i).ChkS.enabled());
-        EXPECT_EQ(system->selected[static_cast<std::size_t>(i)], 0);
+        EXPECT_EQ(system->lines[static_cast<std::size_t>(i)].selected, 0);
         EXPECT_EQ(stored("Select" + std::to_string(i)), "0");
         EXPECT_EQ(row(i).Img.image(), "ligne-non-selectionnee");
     }
@@ -143,7 +139,7 @@ TEST_F(LineRowsTest, ChoosesASource) {
     EXPECT_EQ(user().folderChoosers().back(),
               (Chooser{false, "Sélectionnez le répertoire source:", R"(C:\Docs)"}));
     EXPECT_EQ(left(0), R"(C:\Photos)");
-    EXPECT_EQ(system->sources[0], R"(C:\Photos)");
+    EXPECT_EQ(system->lines[0].source, R"(C:\Photos)");
     EXPECT_EQ(stored("Source0"), R"(C:\Photos)");
     EXPECT_EQ(stored("Destination0"), R"(F:\Save)");
 }
@@ -155,7 +151,7 @@ TEST_F(LineRowsTest, ChoosesADestination) {
     EXPECT_EQ(user().folderChoosers().back(),
               (Chooser{false, "Sélectionnez le répertoire destination:", R"(F:\Save)"}));
     EXPECT_EQ(right(0), R"(G:\Copies)");
-    EXPECT_EQ(system->destinations[0], R"(G:\Copies)");
+    EXPECT_EQ(system->lines[0].destination, R"(G:\Copies)");
     EXPECT_EQ(stored("Destination0"), R"(G:\Copies)");
     EXPECT_EQ(stored("Source0"), R"(C:\Docs)");
 }
@@ -202,8 +198,8 @@ TEST_F(LineRowsTest, ReversedTheRightLabelIsTheSourceAlone) {
     reverse();
     user().chooseNextFolder(R"(C:\Photos)");
     row(0).CmdD.click();
-    EXPECT_EQ(system->sources[0], R"(C:\Photos)");
-    EXPECT_EQ(system->destinations[0], R"(F:\Save)");
+    EXPECT_EQ(system->lines[0].source, R"(C:\Photos)");
+    EXPECT_EQ(system->lines[0].destination, R"(F:\Save)");
     EXPECT_EQ(right(0), R"(C:\Photos)");
     EXPECT_EQ(left(0), R"(F:\Save\Photos)") << "the copy follows its source's name";
     pickTab("S");
@@ -216,7 +212,7 @@ TEST_F(LineRowsTest, ReversedTheLeftLabelIsTheDestinationWithoutWhatWasAppended)
         startWithLine();
         reverse();
         form->lines.edit(0, LineSide::left, typed);
-        EXPECT_EQ(system->destinations[0], R"(G:\Copies)");
+        EXPECT_EQ(system->lines[0].destination, R"(G:\Copies)");
         EXPECT_EQ(left(0), R"(G:\Copies\Docs)");
         pickTab("S");
         EXPECT_EQ(right(0), R"(G:\Copies)") << "back to backup, the component is gone again";
@@ -228,7 +224,7 @@ TEST_F(LineRowsTest, ReversedTheLeftLabelIsTheDestinationWithoutWhatWasAppended)
 TEST_F(LineRowsTest, ARestoreStoresBothPathsTogether) {
     startWithLine();
     reverse();
-    system->sources[0] = R"(C:\Other)";
+    system->lines[0].source = R"(C:\Other)";
     form->lines.edit(0, LineSide::left, R"(G:\Copies)");
     EXPECT_EQ(stored("Source0"), R"(C:\Other)");
     EXPECT_EQ(stored("Destination0"), R"(G:\Copies)");
@@ -248,7 +244,7 @@ TEST_F(LineRowsTest, EmptyingTheLeftLabelReversedUnticksTheLine) {
     startWithLine();
     reverse();
     form->lines.edit(0, LineSide::left, "");
-    EXPECT_EQ(system->destinations[0], "");
+    EXPECT_EQ(system->lines[0].destination, "");
     EXPECT_FALSE(row(0).ChkS.checked());
     EXPECT_EQ(stored("Select0"), "0");
     EXPECT_EQ(stored("Source0"), R"(C:\Docs)");
@@ -293,7 +289,7 @@ TEST_F(LineRowsTest, MoreRowsKeepEveryLine) {
     form->lines.SetRowCount(8);
     EXPECT_EQ(told, 1);
     EXPECT_EQ(form->lines.count(), 9);
-    EXPECT_EQ(system->sources.size(), 9U);
+    EXPECT_EQ(system->lines.size(), 9U);
     EXPECT_EQ(left(0), R"(C:\Docs)");
     EXPECT_EQ(left(5), R"(C:\Photos)");
     EXPECT_EQ(row(8).NumLbl.caption(), "9.");
@@ -305,9 +301,7 @@ TEST_F(LineRowsTest, FewerRowsCutTheLinesBeyondThem) {
     row(5).LblS.press();
     form->lines.SetRowCount(2);
     EXPECT_EQ(form->lines.count(), 3);
-    EXPECT_EQ(system->sources.size(), 3U);
-    EXPECT_EQ(system->destinations.size(), 3U);
-    EXPECT_EQ(system->selected.size(), 3U);
+    EXPECT_EQ(system->lines.size(), 3U);
     EXPECT_EQ(stored("Position", "RepertMax"), "3");
     EXPECT_EQ(stored("Source5"), R"(C:\Photos)") << "the stored line is left alone";
     EXPECT_EQ(form->lineCommands.row(), 2) << "the toolbar acts on a row that exists";

@@ -74,5 +74,46 @@ TEST_F(NoticeAreaTest, ShowsControlCharactersOfANameEscaped) {
     EXPECT_EQ(shown().front().find('\t'), std::string::npos);
 }
 
+TEST_F(NoticeAreaTest, OffersToConfirmTheSourceOnlyWhereThatHelps) {
+    EXPECT_FALSE(area.ConfirmCmd.visible());
+    EXPECT_EQ(area.ConfirmCmd.caption(), "Confirmer la source");
+    EXPECT_EQ(area.ConfirmCmd.toolTip(),
+              "La source est la bonne : la prochaine sauvegarde peut effacer de la copie les "
+              "fichiers excédentaires");
+    area.showKept({"Fichiers conservés : a"}, false);
+    EXPECT_FALSE(area.ConfirmCmd.visible());
+    area.showKept({"Fichiers conservés : b"}, true);
+    EXPECT_TRUE(area.ConfirmCmd.visible());
+    EXPECT_THAT(shown(), ElementsAre("21/11/2026 08:30:05   Fichiers conservés : b"));
+}
+
+TEST_F(NoticeAreaTest, WhatAConfirmationAnswersGoesAndTheRestStays) {
+    int confirmed = 0;
+    area.onConfirm = [&confirmed] { ++confirmed; };
+    area.add("autre chose");
+    area.showKept({"a", "b"}, true);
+    area.ConfirmCmd.click();
+    EXPECT_EQ(confirmed, 1);
+    EXPECT_FALSE(area.ConfirmCmd.visible());
+    EXPECT_THAT(shown(), ElementsAre("21/11/2026 08:30:05   autre chose",
+                                     "21/11/2026 08:30:05   La source est confirmée pour la "
+                                     "prochaine sauvegarde."));
+    area.showKept({}, false);
+    EXPECT_THAT(shown(), ElementsAre("21/11/2026 08:30:05   autre chose"));
+}
+
+TEST_F(NoticeAreaTest, HidingTheReasonsHidesTheOfferToo) {
+    area.showKept({"a"}, true);
+    area.Cmd.click();
+    EXPECT_THAT(shown(), IsEmpty());
+    EXPECT_FALSE(area.ConfirmCmd.visible());
+}
+
+TEST_F(NoticeAreaTest, ManyReasonsAreCountedLikeOtherMessages) {
+    area.showKept({"1", "2", "3", "4", "5", "6"}, true);
+    EXPECT_EQ(shown().front(), "2 message(s) plus ancien(s)");
+    EXPECT_TRUE(area.ConfirmCmd.visible());
+}
+
 }  // namespace
 }  // namespace coffrelune

@@ -13,7 +13,7 @@ class Comparison : public OperationTest {
     Comparison() { system.operationKind = OperationKind::comparison; }
 
     RunEnd compare() {
-        if (!launcher) launcher = std::make_unique<OperationLauncher>(system, host);
+        if (!launcher) launcher = std::make_unique<OperationLauncher>(system, host, stage);
         return launcher->launchComparison();
     }
     Events list() {

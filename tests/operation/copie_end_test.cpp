@@ -15,10 +15,10 @@ TEST_F(InterruptedRun, InTheTreePassLeavesEverythingElseOut) {
     interruptAtLabel(3, "1 répertoire(s) lu(s), 1 répertoire(s) créé(s)");
     runCopie();
     EXPECT_FALSE(copie->open());
-    EXPECT_TRUE(statistics.interruptionRequested);
+    EXPECT_TRUE(control.interruptionRequested);
     EXPECT_FALSE(copie->Cmd.enabled());
-    EXPECT_THAT(disk().list(R"(F:\Save)"), ElementsAre(R"(F:\Save\Docs)"));
-    EXPECT_THAT(disk().list(R"(G:\Save)"), IsEmpty());
+    EXPECT_THAT(filesBelow(R"(F:\Save)"), ElementsAre(R"(F:\Save\Docs)"));
+    EXPECT_THAT(filesBelow(R"(G:\Save)"), IsEmpty());
     EXPECT_THAT(windows.changesOf("Lbl1"), ElementsAre("Copie de l'arborescence..."));
     EXPECT_THAT(windows.changesOf("AnalyseChk"), IsEmpty());
     EXPECT_EQ(system.options.ArbreMode, 0);
@@ -83,16 +83,15 @@ TEST_F(InterruptedRun, BeforeTheFirstPassIsNotForgotten) {
     user().answer(Answer::yes);
     whenEventsRun([](Copie&) { return true; }, [](Copie& window) { window.Cmd.click(); });
     runCopie();
-    EXPECT_TRUE(statistics.interruptionRequested);
+    EXPECT_TRUE(control.interruptionRequested);
     EXPECT_THAT(memory.files().calls("openDirectory"), IsEmpty());
 }
 
-TEST_F(InterruptedRun, AnEarlierInterruptionDoesNotStopTheNextRun) {
-    statistics.tallies.resize(system.sources.size());
-    statistics.interruptionRequested = true;
-    copie = std::make_unique<Copie>(system, statistics, host);
-    windows.showModal(*copie);
-    EXPECT_FALSE(statistics.interruptionRequested);
+TEST_F(InterruptedRun, AStopRequestedBeforeTheRunBeginsDoesNotStopIt) {
+    makeCopie();
+    copie->requestInterruption();
+    showCopie();
+    EXPECT_FALSE(control.interruptionRequested);
     EXPECT_EQ(copies().size(), 3U);
 }
 
@@ -103,7 +102,7 @@ TEST_F(InterruptedRun, AStopAfterTheEndDoesNotTurnAFinishedRunIntoAnInterruptedO
                   [](Copie& window) { window.requestInterruption(); });
     user().stepIn<Copie>([](Copie& window) { window.Cmd.click(); });
     runCopie();
-    EXPECT_FALSE(statistics.interruptionRequested);
+    EXPECT_FALSE(control.interruptionRequested);
     EXPECT_FALSE(copie->open());
 }
 
@@ -163,7 +162,7 @@ TEST_F(RunWithErrors, EndsTheJournalWithTheCountAndTheDuration) {
 TEST_F(RunWithErrors, ShowsTheWarningAndStillCopiesTheRest) {
     user().stepIn<Copie>([](Copie& window) { window.Cmd.click(); });
     runCopie();
-    EXPECT_EQ(copie->ImgSens[0].image(), "sens-sauvegarde-erreur");
+    EXPECT_EQ(copie->ImgSens.image(), "sens-sauvegarde-erreur");
     EXPECT_TRUE(copie->ImgAtt[0].visible());
     EXPECT_EQ(disk().content(R"(F:\Save\Docs\Sub\b.txt)"), "bbb");
     EXPECT_THAT(eventsThat("done "), ElementsAre("done 0", "done 1"));
@@ -200,10 +199,9 @@ TEST_F(RunDuration, IsZeroWhenTheClockWasSetBack) {
 }
 
 TEST_F(RunDuration, BeginsWhenTheWindowOpens) {
-    statistics.tallies.resize(system.sources.size());
-    copie = std::make_unique<Copie>(system, statistics, host);
+    makeCopie();
     clock().advanceSeconds(7);
-    windows.showModal(*copie);
+    showCopie();
     EXPECT_EQ(system.duration, "00:00:07");
 }
 

@@ -32,7 +32,7 @@ TEST_F(CopieRun, RunsAtTheFirstActivationOnly) {
 }
 
 TEST_F(CopieRun, DoesNotRunBeforeItIsActivated) {
-    const Copie window(system, statistics, host);
+    makeCopie();
     EXPECT_THAT(faults.calls(), IsEmpty());
 }
 
@@ -99,22 +99,6 @@ TEST_F(CopieRun, FollowsTheFilesOfTheAnalysisOnlyWhenAsked) {
                 ElementsAre(R"(C:\Docs\a.txt)", R"(C:\Docs\Sub\b.txt)", R"(D:\Photos\c.jpg)", ""));
 }
 
-TEST_F(CopieRun, TheTreePassWalksInTreeModeAndTurnsItOff) {
-    std::vector<std::int32_t> modes;
-    user().onPendingEvents = [&] {
-        if (windows.operation() == nullptr) return;
-        const std::string& phase = windows.operation()->Lbl[3].caption();
-        if (phase == "3 répertoire(s) lu(s), 3 répertoire(s) créé(s)" || phase == "Analyse de :") {
-            modes.push_back(system.options.ArbreMode);
-        }
-    };
-    runCopie();
-    ASSERT_FALSE(modes.empty());
-    EXPECT_EQ(modes.front(), -1);
-    EXPECT_EQ(modes.back(), 0);
-    EXPECT_EQ(system.options.ArbreMode, 0);
-}
-
 TEST_F(CopieRun, MarksEachLineWhenItIsDone) {
     runCopie();
     EXPECT_THAT(eventsThat("done "), ElementsAre("done 0", "done 1"));
@@ -124,14 +108,14 @@ TEST_F(CopieRun, LinesThatAreNotSelectedAreLeftAlone) {
     selectOnly({1});
     runCopie();
     EXPECT_THAT(eventsThat("done "), ElementsAre("done 1"));
-    EXPECT_THAT(disk().list(R"(F:\)"), ElementsAre(R"(F:\Save)"));
+    EXPECT_THAT(filesBelow(R"(F:\)"), ElementsAre(R"(F:\Save)"));
 }
 
 TEST_F(CopieRun, EachLineFollowsItsOwnExclusionsInEveryPass) {
     disk().file(R"(D:\Photos\Ete\d.jpg)", "dd");
     ASSERT_TRUE(system.WriteSetting("Travail", "RepExclu0_Mode", "1").ok());
     runCopie();
-    EXPECT_THAT(disk().list(R"(F:\Save)"), ElementsAre(R"(F:\Save\Docs)", R"(F:\Save\Docs\a.txt)"));
+    EXPECT_THAT(filesBelow(R"(F:\Save)"), ElementsAre(R"(F:\Save\Docs)", R"(F:\Save\Docs\a.txt)"));
     EXPECT_EQ(disk().content(R"(G:\Save\Photos\Ete\d.jpg)"), "dd");
     EXPECT_EQ(statistics.totalBytes, 15);
 }
@@ -154,8 +138,8 @@ TEST_F(CopieRun, WithNoSelectedLineTheEngineIsNotCalled) {
 }
 
 TEST_F(CopieRun, LinesWithoutSourceOrDestinationTakeNoPart) {
-    system.sources[0].clear();
-    system.destinations[1].clear();
+    system.lines[0].source.clear();
+    system.lines[1].destination.clear();
     runCopie();
     EXPECT_FALSE(copie->open());
     EXPECT_THAT(memory.files().calls("openDirectory"), IsEmpty());
@@ -165,7 +149,7 @@ TEST_F(CopieRun, LinesWithoutSourceOrDestinationTakeNoPart) {
 
 TEST_F(CopieRun, EmptyFilesAloneAreNotCopied) {
     disk().file(R"(C:\Vides\z.txt)", "");
-    system.sources[0] = R"(C:\Vides)";
+    system.lines[0].source = R"(C:\Vides)";
     selectOnly({0});
     runCopie();
     EXPECT_THAT(copies(), IsEmpty());
@@ -197,8 +181,8 @@ class TreeOnlyRun : public OperationTest {
 
 TEST_F(TreeOnlyRun, MakesTheDirectoriesAndCopiesNothing) {
     runCopie();
-    EXPECT_THAT(disk().list(R"(F:\Save)"), ElementsAre(R"(F:\Save\Docs)", R"(F:\Save\Docs\Sub)"));
-    EXPECT_THAT(disk().list(R"(G:\Save)"), ElementsAre(R"(G:\Save\Photos)"));
+    EXPECT_THAT(filesBelow(R"(F:\Save)"), ElementsAre(R"(F:\Save\Docs)", R"(F:\Save\Docs\Sub)"));
+    EXPECT_THAT(filesBelow(R"(G:\Save)"), ElementsAre(R"(G:\Save\Photos)"));
     EXPECT_THAT(copies(), IsEmpty());
     EXPECT_FALSE(statistics.copyPassStarted);
     EXPECT_FALSE(copie->open());

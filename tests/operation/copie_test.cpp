@@ -24,29 +24,28 @@ class CopieOfKind : public OperationTest, public testing::WithParamInterface<Kin
         system.operationKind = GetParam().kind;
         selectOnly({});
     }
-    void load() { copie = std::make_unique<Copie>(system, statistics, host); }
 };
 
 TEST_P(CopieOfKind, OpensWithTheCaptionOfItsKind) {
-    load();
+    makeCopie();
     EXPECT_EQ(copie->caption(), GetParam().caption);
 }
 
 TEST_P(CopieOfKind, BeginsTheJournalWithItsCaption) {
-    load();
+    makeCopie();
     EXPECT_EQ(copie->ECTxt.text(), std::string(GetParam().firstLine) + "\r\n");
 }
 
 TEST_P(CopieOfKind, ShowsTheDirectionPictureOfItsKindBetweenTheDrives) {
-    load();
-    EXPECT_EQ(copie->ImgSens[0].image(), GetParam().picture);
-    EXPECT_TRUE(copie->ImgSens[0].visible());
+    makeCopie();
+    EXPECT_EQ(copie->ImgSens.image(), GetParam().picture);
+    EXPECT_TRUE(copie->ImgSens.visible());
     EXPECT_TRUE(copie->ImgSrc.visible());
     EXPECT_TRUE(copie->ImgDest.visible());
 }
 
 TEST_P(CopieOfKind, AsksWithTheWordOfItsKindBeforeItStops) {
-    load();
+    makeCopie();
     user().answer(Answer::no);
     copie->Cmd.click();
     ASSERT_EQ(user().messages().size(), 1U);
@@ -72,7 +71,8 @@ INSTANTIATE_TEST_SUITE_P(
 
 class CopieWindow : public OperationTest {
   protected:
-    CopieWindow() { copie = std::make_unique<Copie>(system, statistics, host); }
+    CopieWindow() { makeCopie(); }
+    bool stopRequested() { return operation->control().interruptionRequested; }
 };
 
 TEST_F(CopieWindow, OpensWithTheBarAtZeroAndTheButtonReadyToInterrupt) {
@@ -87,7 +87,7 @@ TEST_F(CopieWindow, OpensWithTheBarAtZeroAndTheButtonReadyToInterrupt) {
 
 TEST_F(CopieWindow, ShowsTheErrorPictureAndTheWarningMarkOfABackup) {
     copie->MajErreurImg();
-    EXPECT_EQ(copie->ImgSens[0].image(), "sens-sauvegarde-erreur");
+    EXPECT_EQ(copie->ImgSens.image(), "sens-sauvegarde-erreur");
     EXPECT_TRUE(copie->ImgAtt[0].visible());
     EXPECT_FALSE(copie->ImgAtt[1].visible());
 }
@@ -95,22 +95,22 @@ TEST_F(CopieWindow, ShowsTheErrorPictureAndTheWarningMarkOfABackup) {
 TEST_F(CopieWindow, ShowsTheErrorPictureAndTheWarningMarkOfARestore) {
     system.operationKind = OperationKind::restore;
     copie->MajErreurImg();
-    EXPECT_EQ(copie->ImgSens[0].image(), "sens-restauration-erreur");
+    EXPECT_EQ(copie->ImgSens.image(), "sens-restauration-erreur");
     EXPECT_FALSE(copie->ImgAtt[0].visible());
     EXPECT_TRUE(copie->ImgAtt[1].visible());
 }
 
 TEST_F(CopieWindow, AComparisonHasNoErrorPictureToShow) {
     system.operationKind = OperationKind::comparison;
-    Copie window(system, statistics, host);
-    window.MajErreurImg();
-    EXPECT_EQ(window.ImgSens[0].image(), "sens-comparaison");
+    makeCopie();
+    copie->MajErreurImg();
+    EXPECT_EQ(copie->ImgSens.image(), "sens-comparaison");
 }
 
 TEST_F(CopieWindow, AnsweringNoChangesNothing) {
     user().answer(Answer::no);
     copie->Cmd.click();
-    EXPECT_FALSE(statistics.interruptionRequested);
+    EXPECT_FALSE(stopRequested());
     EXPECT_TRUE(copie->Cmd.enabled());
     EXPECT_TRUE(copie->open());
 }
@@ -118,7 +118,7 @@ TEST_F(CopieWindow, AnsweringNoChangesNothing) {
 TEST_F(CopieWindow, AnsweringYesRequestsTheStopAndDisablesTheButton) {
     user().answer(Answer::yes);
     copie->Cmd.click();
-    EXPECT_TRUE(statistics.interruptionRequested);
+    EXPECT_TRUE(stopRequested());
     EXPECT_FALSE(copie->Cmd.enabled());
     EXPECT_TRUE(copie->open());
     copie->Cmd.click();  // disabled: no second question
@@ -128,7 +128,7 @@ TEST_F(CopieWindow, AnsweringYesRequestsTheStopAndDisablesTheButton) {
 TEST_F(CopieWindow, TheCloseBoxAsksAsTheButtonDoes) {
     user().answer(Answer::yes);
     copie->closeBox();
-    EXPECT_TRUE(statistics.interruptionRequested);
+    EXPECT_TRUE(stopRequested());
     EXPECT_TRUE(copie->open());
 }
 
@@ -170,7 +170,8 @@ TEST_F(CopieWindow, ACriticalTextIsABoxTitledWithTheCaption) {
 }
 
 TEST_F(CopieWindow, ACriticalTextOfAnUnattendedRunGoesToTheJournalAndToANotice) {
-    statistics.unattended = true;
+    switches.unattended = true;
+    makeCopie();
     copie->showCritical(R"(Répertoire source 'C:\Docs\' non trouvé.)");
     EXPECT_THAT(user().messages(), IsEmpty());
     EXPECT_THAT(journal(), ElementsAre("Début de la Sauvegarde ...",
@@ -182,7 +183,8 @@ TEST_F(CopieWindow, ACriticalTextOfAnUnattendedRunGoesToTheJournalAndToANotice) 
 TEST_F(CopieWindow, ACriticalTextShowsControlCharactersInsteadOfObeyingThem) {
     user().answer(Answer::ok);
     copie->showCritical("Répertoire source 'C:\\a\x1b[2Jb\\' non trouvé.");
-    statistics.unattended = true;
+    switches.unattended = true;
+    makeCopie();
     copie->showCritical("Répertoire source 'C:\\a\nb\\' non trouvé.");
     EXPECT_EQ(user().messages()[0].text, "Répertoire source 'C:\\a␛[2Jb\\' non trouvé.");
     EXPECT_THAT(user().notices(), ElementsAre("Répertoire source 'C:\\a␊b\\' non trouvé."));
@@ -194,8 +196,8 @@ class SuiviAnalyse : public OperationTest, public testing::WithParamInterface<bo
 };
 
 TEST_P(SuiviAnalyse, DecidesTheCheckBox) {
-    const Copie window(system, statistics, host);
-    EXPECT_EQ(window.AnalyseChk.checked(), GetParam());
+    makeCopie();
+    EXPECT_EQ(copie->AnalyseChk.checked(), GetParam());
 }
 
 TEST_P(SuiviAnalyse, IsWrittenWheneverTheWindowCloses) {

@@ -52,7 +52,7 @@ TEST_F(EndSound, NeedsTheFile) {
 }
 
 TEST_F(EndSound, IsNotForUnattendedRuns) {
-    EXPECT_EQ(launch(0), RunEnd::finished);
+    EXPECT_EQ(launch(RunMode::unattended), RunEnd::finished);
     EXPECT_THAT(eventsThat("sound"), IsEmpty());
 }
 

@@ -90,7 +90,7 @@ TEST_F(ErrorList, ThatCannotBeWrittenIsToldAndTheRunGoesOn) {
     disk().file(R"(C:\Coffrelune\S_Travail.err)", "earlier");
     failCopyOf(R"(C:\Docs\a.txt)", 5);
     faults.fail("writeWhole", R"(C:\Coffrelune\S_Travail.err)", error_number::diskFull);
-    const RunEnd end = launch(0);
+    const RunEnd end = launch(RunMode::unattended);
     EXPECT_EQ(end, RunEnd::finished);
     EXPECT_THAT(user().notices(),
                 testing::Contains("La liste des erreurs n'a pas pu être écrite dans "

@@ -19,11 +19,13 @@ TEST(FrmConfirm, NamesTheFileAndOffersFourAnswers) {
     EXPECT_EQ(question.Image1.image(), "attention");
 }
 
-TEST(FrmConfirm, AnswersWithTheIndexOfThePressedButtonAndCloses) {
-    for (int index = 0; index < 4; ++index) {
+TEST(FrmConfirm, AnswersAsThePressedButtonSaysAndCloses) {
+    using enum ReplacementAnswer;
+    std::size_t button = 0;
+    for (const ReplacementAnswer answer : {yes, yesToAll, no, cancel}) {
         frmConfirm question("a.txt");
-        question.Cmd.at(static_cast<std::size_t>(index)).click();
-        EXPECT_EQ(question.answer(), index);
+        question.Cmd.at(button++).click();
+        EXPECT_EQ(question.answer(), answer);
         EXPECT_FALSE(question.open());
     }
 }
@@ -31,7 +33,7 @@ TEST(FrmConfirm, AnswersWithTheIndexOfThePressedButtonAndCloses) {
 TEST(FrmConfirm, ClosedWithoutAButtonItCancels) {
     frmConfirm question("a.txt");
     question.closeBox();
-    EXPECT_EQ(question.answer(), 3);
+    EXPECT_EQ(question.answer(), ReplacementAnswer::cancel);
     EXPECT_FALSE(question.open());
 }
 
@@ -84,7 +86,7 @@ TEST_F(Replacement, NonKeepsThatFileAndGoesOn) {
     runCopie();
     EXPECT_EQ(copyOf("a.txt"), "old");
     EXPECT_EQ(copyOf("d.txt"), "dddd");
-    EXPECT_FALSE(statistics.interruptionRequested);
+    EXPECT_FALSE(control.interruptionRequested);
 }
 
 TEST_F(Replacement, TousAsksNoMoreInThisRun) {
@@ -107,7 +109,7 @@ TEST_F(Replacement, TousDoesNotLastUntilTheNextRun) {
 TEST_F(Replacement, AnnulerStopsTheRunAndKeepsTheFile) {
     press(3);
     runCopie();
-    EXPECT_TRUE(statistics.interruptionRequested);
+    EXPECT_TRUE(control.interruptionRequested);
     EXPECT_EQ(copyOf("a.txt"), "old");
     EXPECT_EQ(copyOf("d.txt"), "old");
     EXPECT_EQ(copyOf(R"(Sub\b.txt)"), "(none)");
@@ -116,7 +118,7 @@ TEST_F(Replacement, AnnulerStopsTheRunAndKeepsTheFile) {
 TEST_F(Replacement, ClosingTheQuestionStopsTheRunToo) {
     user().stepIn<frmConfirm>([](frmConfirm& question) { question.closeBox(); });
     runCopie();
-    EXPECT_TRUE(statistics.interruptionRequested);
+    EXPECT_TRUE(control.interruptionRequested);
     EXPECT_EQ(copyOf("a.txt"), "old");
 }
 
@@ -136,33 +138,33 @@ TEST_F(Replacement, IsAskedWhenTheSettingIsAnythingButOne) {
 }
 
 TEST_F(Replacement, IsNotAskedByAnUnattendedRun) {
-    EXPECT_EQ(launch(0), RunEnd::finished);
+    EXPECT_EQ(launch(RunMode::unattended), RunEnd::finished);
     EXPECT_EQ(copyOf("a.txt"), "aaaaa");
     EXPECT_EQ(copyOf("d.txt"), "dddd");
 }
 
 TEST_F(Replacement, KeepingExistingFilesAsksNothingAndCopiesTheNewOnes) {
-    launcher = std::make_unique<OperationLauncher>(system, host);
+    launcher = std::make_unique<OperationLauncher>(system, host, stage);
     launcher->keepExistingFiles();
     user().answer(Answer::ok);
-    EXPECT_EQ(launcher->LanceOperation(1), RunEnd::finished);
+    EXPECT_EQ(launcher->LanceOperation(RunMode::startedByUser), RunEnd::finished);
     EXPECT_EQ(copyOf("a.txt"), "old");
     EXPECT_EQ(copyOf("d.txt"), "old");
     EXPECT_EQ(copyOf(R"(Sub\b.txt)"), "bbb");
 }
 
 TEST_F(Replacement, ShowsAFileNameWithALineEndOnOneLine) {
-    copie = std::make_unique<Copie>(system, statistics, host);
+    makeCopie();
     press(2);
-    EXPECT_EQ(copie->DemandeRemplacement("a\nb"), 2);
+    EXPECT_EQ(copie->DemandeRemplacement("a\nb"), ReplacementAnswer::no);
     EXPECT_THAT(asked, ElementsAre("Ce dossier contient déjà un fichier appelé 'a␊b'"));
 }
 
 TEST_F(Replacement, LetsEventsRunAfterTheQuestionIsGone) {
-    copie = std::make_unique<Copie>(system, statistics, host);
+    makeCopie();
     press(0);
     const std::uint64_t before = user().pendingEventsCount();
-    EXPECT_EQ(copie->DemandeRemplacement("a.txt"), 0);
+    EXPECT_EQ(copie->DemandeRemplacement("a.txt"), ReplacementAnswer::yes);
     EXPECT_EQ(user().pendingEventsCount(), before + 1);
 }
 

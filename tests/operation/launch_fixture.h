@@ -18,7 +18,7 @@ class LaunchTest : public OperationTest {
     /// Runs as the user who presses OK at the final message.
     RunEnd launchAndRead() {
         user().answer(Answer::ok);
-        return launch(1);
+        return launch(RunMode::startedByUser);
     }
     void closeAtFermer() {
         user().stepIn<Copie>([](Copie& window) { window.Cmd.click(); });

@@ -5,6 +5,46 @@
 namespace coffrelune {
 namespace {
 
+class LineLabels : public OperationTest {
+  protected:
+    LineTexts texts() { return lineTexts(system, 0); }
+};
+
+TEST_F(LineLabels, ShowTheCopyFirstInARestore) {
+    system.operationKind = OperationKind::restore;
+    EXPECT_EQ(texts().source, R"(F:\Save\Docs)");
+    EXPECT_EQ(texts().destination, R"(C:\Docs)");
+}
+
+TEST_F(LineLabels, ShowTheCopyFirstInAReversedComparisonOnly) {
+    system.operationKind = OperationKind::comparison;
+    EXPECT_EQ(texts().source, R"(C:\Docs)");
+    system.comparisonReversed = true;
+    EXPECT_EQ(texts().source, R"(F:\Save\Docs)");
+    system.operationKind = OperationKind::backup;
+    EXPECT_EQ(texts().source, R"(C:\Docs)");
+}
+
+TEST_F(LineLabels, ReversedJoinWithExactlyOneBackslash) {
+    system.operationKind = OperationKind::restore;
+    system.lines[0].destination = R"(F:\)";
+    EXPECT_EQ(texts().source, R"(F:\Docs)");
+}
+
+TEST_F(LineLabels, ReversedShowTheDestinationAloneForADriveRoot) {
+    system.operationKind = OperationKind::restore;
+    system.lines[0].source = R"(E:\)";
+    EXPECT_EQ(texts().source, R"(F:\Save)");
+    EXPECT_EQ(texts().destination, R"(E:\)");
+}
+
+TEST_F(LineLabels, ReversedShowNothingWithoutADestination) {
+    system.operationKind = OperationKind::restore;
+    system.lines[0].destination.clear();
+    EXPECT_EQ(texts().source, "");
+    EXPECT_EQ(texts().destination, R"(C:\Docs)");
+}
+
 class LineEdit : public OperationTest {
   protected:
     void reversed() { system.operationKind = OperationKind::restore; }
@@ -14,8 +54,8 @@ class LineEdit : public OperationTest {
 TEST_F(LineEdit, InTheNormalLayoutEachLabelIsOnePath) {
     editLine(system, 0, LineSide::left, R"(C:\Other)");
     editLine(system, 0, LineSide::right, R"(G:\Copies)");
-    EXPECT_EQ(system.sources[0], R"(C:\Other)");
-    EXPECT_EQ(system.destinations[0], R"(G:\Copies)");
+    EXPECT_EQ(system.lines[0].source, R"(C:\Other)");
+    EXPECT_EQ(system.lines[0].destination, R"(G:\Copies)");
     EXPECT_EQ(setting("Travail", "Source0"), R"(C:\Other)");
     EXPECT_EQ(setting("Travail", "Destination0"), R"(G:\Copies)");
 }
@@ -34,41 +74,41 @@ TEST_F(LineEdit, OfTheLeftLabelInARestoreLosesTheAppendedComponent) {
 TEST_F(LineEdit, OfTheLeftLabelWithoutTheComponentIsTheDestination) {
     reversed();
     editLine(system, 0, LineSide::left, R"(G:\Copies)");
-    EXPECT_EQ(system.destinations[0], R"(G:\Copies)");
+    EXPECT_EQ(system.lines[0].destination, R"(G:\Copies)");
     EXPECT_EQ(texts().source, R"(G:\Copies\Docs)");
 }
 
 TEST_F(LineEdit, OfTheLeftLabelDownToADriveKeepsItsRoot) {
     reversed();
     editLine(system, 0, LineSide::left, R"(G:\Docs)");
-    EXPECT_EQ(system.destinations[0], "G:\\");
+    EXPECT_EQ(system.lines[0].destination, "G:\\");
     EXPECT_EQ(texts().source, R"(G:\Docs)");
 }
 
 TEST_F(LineEdit, OfTheRightLabelInAReversedLayoutChangesTheSourceAlone) {
     reversed();
     editLine(system, 0, LineSide::right, R"(C:\Papers)");
-    EXPECT_EQ(system.sources[0], R"(C:\Papers)");
-    EXPECT_EQ(system.destinations[0], R"(F:\Save)");
+    EXPECT_EQ(system.lines[0].source, R"(C:\Papers)");
+    EXPECT_EQ(system.lines[0].destination, R"(F:\Save)");
     system.operationKind = OperationKind::comparison;
     system.comparisonReversed = true;
     editLine(system, 0, LineSide::right, R"(C:\Files)");
-    EXPECT_EQ(system.sources[0], R"(C:\Files)");
-    EXPECT_EQ(system.destinations[0], R"(F:\Save)");
+    EXPECT_EQ(system.lines[0].source, R"(C:\Files)");
+    EXPECT_EQ(system.lines[0].destination, R"(F:\Save)");
 }
 
 TEST_F(LineEdit, OfADriveRootsCopyTakesTheTextWhole) {
-    system.sources[0] = "E:\\";
+    system.lines[0].source = "E:\\";
     reversed();
     EXPECT_EQ(texts().source, R"(F:\Save)");
     editLine(system, 0, LineSide::left, R"(G:\E)");
-    EXPECT_EQ(system.destinations[0], R"(G:\E)");
+    EXPECT_EQ(system.lines[0].destination, R"(G:\E)");
 }
 
 TEST_F(LineEdit, EmptiedLeftLabelEmptiesTheDestination) {
     reversed();
     editLine(system, 0, LineSide::left, "");
-    EXPECT_EQ(system.destinations[0], "");
+    EXPECT_EQ(system.lines[0].destination, "");
     EXPECT_EQ(texts().source, "");
     EXPECT_EQ(setting("Travail", "Destination0"), "");
 }

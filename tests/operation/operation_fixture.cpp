@@ -1,5 +1,8 @@
 #include "operation/operation_fixture.h"
 
+#include "platform/own_names.h"
+#include "system/paths.h"
+
 namespace coffrelune {
 
 void RecordingHost::showLineDone(int line, bool done) {
@@ -82,10 +85,10 @@ OperationTest::OperationTest() : system(platform, {"", home, 3, 5}) {
     disk().directory(R"(F:\Save)");
     disk().directory(R"(G:\Save)");
     system.configurationName = "Travail";
-    system.sources[0] = R"(C:\Docs)";
-    system.destinations[0] = R"(F:\Save)";
-    system.sources[1] = R"(D:\Photos)";
-    system.destinations[1] = R"(G:\Save)";
+    system.lines[0].source = R"(C:\Docs)";
+    system.lines[0].destination = R"(F:\Save)";
+    system.lines[1].source = R"(D:\Photos)";
+    system.lines[1].destination = R"(G:\Save)";
     system.soundNames = {"Ok", "Erreur"};
     system.Modifie = 1;
     selectOnly({0, 1});
@@ -96,8 +99,8 @@ void OperationTest::TearDown() {
 }
 
 void OperationTest::selectOnly(const std::vector<int>& lines) {
-    system.selected.assign(system.sources.size(), 0);
-    for (const int line : lines) system.selected[static_cast<std::size_t>(line)] = 1;
+    for (BackupLine& line : system.lines) line.selected = 0;
+    for (const int line : lines) system.lineAt(line).selected = 1;
 }
 
 void OperationTest::placeOldCopy() {
@@ -124,15 +127,25 @@ void OperationTest::interruptAtLabel(std::size_t label, const std::string& text)
                   [](Copie& window) { window.Cmd.click(); });
 }
 
-void OperationTest::runCopie() {
-    statistics = RunStatistics();
-    statistics.tallies.resize(system.sources.size());
-    copie = std::make_unique<Copie>(system, statistics, host);
-    windows.showModal(*copie);
+void OperationTest::makeCopie() {
+    copie.reset();
+    operation = std::make_unique<Operation>(system, switches);
+    copie = std::make_unique<Copie>(system, *operation, host);
 }
 
-RunEnd OperationTest::launch(std::int16_t mode) {
-    launcher = std::make_unique<OperationLauncher>(system, host);
+void OperationTest::showCopie() {
+    windows.showModal(*copie);
+    statistics = operation->statistics();
+    control = operation->control();
+}
+
+void OperationTest::runCopie() {
+    makeCopie();
+    showCopie();
+}
+
+RunEnd OperationTest::launch(RunMode mode) {
+    launcher = std::make_unique<OperationLauncher>(system, host, stage);
     return launcher->LanceOperation(mode);
 }
 
@@ -142,6 +155,36 @@ Events OperationTest::journal() const {
         lines.emplace_back(copie->ECTxt.line(i));
     }
     return lines;
+}
+
+Events OperationTest::filesBelow(const std::string& directory) {
+    Events paths = disk().list(directory);
+    std::erase_if(paths, [](const std::string& path) {
+        return ownFileKind(splitPath(path).last).has_value();
+    });
+    return paths;
+}
+
+std::optional<Certificate> OperationTest::certificateIn(const std::string& copy) {
+    DirectoryMarks marks;
+    if (!readMarks(memory.files(), copy, marks).ok()) return {};
+    if (marks.certificates.size() != 1 || !marks.unreadable.empty()) return {};
+    return marks.certificates.front().certificate;
+}
+
+bool OperationTest::isComplete(const std::string& copy) {
+    const std::optional<Certificate> certificate = certificateIn(copy);
+    return certificate.has_value() && certificate->complete;
+}
+
+bool OperationTest::isOpen(const std::string& copy) {
+    const std::optional<Certificate> certificate = certificateIn(copy);
+    return certificate.has_value() && !certificate->complete;
+}
+
+bool OperationTest::markedUnfinished(const std::string& original) {
+    DirectoryMarks marks;
+    return readMarks(memory.files(), original, marks).ok() && !marks.restoreMarks.empty();
 }
 
 std::string OperationTest::setting(const std::string& section, const std::string& key) {

@@ -6,12 +6,13 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "engine/certificate.h"
 #include "operation/copie.h"
 #include "operation/lance_operation.h"
-#include "operation/shared_host.h"
 #include "platform/memory/faulty_files.h"
 #include "platform/memory/memory_platform.h"
 
@@ -19,25 +20,20 @@ namespace coffrelune {
 
 using Events = std::vector<std::string>;
 
-/// The lines as the shared state holds them; what the operation changes in the window that launched
-/// it is written down.
+/// What the operation changes in the window that launched it is written down.
 class RecordingHost final : public OperationHost {
   public:
-    RecordingHost(SystemMod& system, Events& events) : lines_(system), events_(events) {}
+    explicit RecordingHost(Events& events) : events_(events) {}
 
-    int lineCount() const override { return lines_.lineCount(); }
-    bool lineSelected(int line) const override { return lines_.lineSelected(line); }
-    std::string lineSource(int line) const override { return lines_.lineSource(line); }
-    std::string lineDestination(int line) const override { return lines_.lineDestination(line); }
     void showLineDone(int line, bool done) override;
     void setLaunchEnabled(bool enabled) override;
     void setTimerEnabled(bool enabled) override;
     void resultStored(OperationKind kind) override;
-    TextLog& comparisonList() override { return lines_.comparisonList(); }
-    Label& comparisonSummary() override { return lines_.comparisonSummary(); }
+    TextLog& comparisonList() override { return comparison_.comparisonList(); }
+    Label& comparisonSummary() override { return comparison_.comparisonSummary(); }
 
   private:
-    SharedHost lines_;
+    SharedHost comparison_;
     Events& events_;
 };
 
@@ -108,10 +104,22 @@ class OperationTest : public testing::Test {
     /// The user presses "Annuler" and answers "Oui" as soon as the label says this.
     void interruptAtLabel(std::size_t label, const std::string& text);
 
-    /// Runs the operation window alone, without its launcher; `copie` and `statistics` stay.
+    /// Makes `copie`, the window of a new `operation` that `switches` were chosen for.
+    void makeCopie();
+    /// Shows the window until it closes; `statistics` and `control` are those of its operation.
+    void showCopie();
+    /// Both: the operation window alone, without its launcher. Everything stays.
     void runCopie();
-    RunEnd launch(std::int16_t mode);
+    RunEnd launch(RunMode mode);
     Events journal() const;
+    /// Everything below a directory but the program's own files, as MemoryDisk::list.
+    Events filesBelow(const std::string& directory);
+    /// The one certificate in the root of a copy; nothing when there is none, or there are more.
+    std::optional<Certificate> certificateIn(const std::string& copy);
+    bool isComplete(const std::string& copy);
+    bool isOpen(const std::string& copy);
+    /// A restore into this original is marked as unfinished, in the original itself.
+    bool markedUnfinished(const std::string& original);
     std::string setting(const std::string& section, const std::string& key);
     std::string errorList(const std::string& name);
     /// "source destination" of every attempt to copy, in order.
@@ -128,8 +136,12 @@ class OperationTest : public testing::Test {
     Platform platform{faults, memory.drives(), memory.clock(), memory.locale(),
                       ansi,   sounds,          windows};
     SystemMod system;
-    RecordingHost host{system, events};
+    RecordingHost host{events};
+    WindowStage stage{system};
+    RunSwitches switches;
     RunStatistics statistics;
+    RunControl control;
+    std::unique_ptr<Operation> operation;
     std::unique_ptr<Copie> copie;
     std::unique_ptr<OperationLauncher> launcher;
 };

@@ -92,7 +92,7 @@ TEST_F(RunReport, NamesEveryErrorOnALineOfItsOwn) {
 }
 
 TEST_F(RunReport, NamesEveryLineWithoutItsSource) {
-    system.sources[1] = "D:\\Absent\x1b[2J";
+    system.lines[1].source = "D:\\Absent\x1b[2J";
     statistics.tallies.resize(2);
     statistics.tallies[1].sourceMissing = true;
     reportErrors(system, statistics);

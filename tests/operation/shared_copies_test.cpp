@@ -21,10 +21,10 @@ class SharedCopies : public LaunchTest {
         setSecond(R"(E:\Docs)", R"(F:\Save)");
     }
     void setSecond(const std::string& source, const std::string& destination) {
-        system.sources[1] = source;
-        system.destinations[1] = destination;
+        system.lines[1].source = source;
+        system.lines[1].destination = destination;
     }
-    Events told() { return sharedCopies(system, host); }
+    Events told() { return sharedCopies(system); }
 };
 
 TEST_F(SharedCopies, AreToldWhenOneOfTheLinesTakesPart) {
@@ -54,16 +54,16 @@ TEST_F(SharedCopies, AreNoneOfOneSourceOrOfTwoPlaces) {
 }
 
 TEST_F(SharedCopies, AreToldByTheFirstBackupAndNeitherAgainNorByARestore) {
-    OperationLauncher twice(system, host);
+    OperationLauncher twice(system, host, stage);
     system.operationKind = OperationKind::restore;
-    EXPECT_EQ(twice.LanceOperation(0), RunEnd::nothing);
+    EXPECT_EQ(twice.LanceOperation(RunMode::unattended), RunEnd::nothing);
     EXPECT_THAT(user().notices(), IsEmpty());
     system.operationKind = OperationKind::backup;
-    EXPECT_EQ(twice.LanceOperation(0), RunEnd::finished);
+    EXPECT_EQ(twice.LanceOperation(RunMode::unattended), RunEnd::finished);
     EXPECT_THAT(user().notices(), ElementsAre(text));
     EXPECT_TRUE(disk().exists(R"(F:\Save\Docs\a.txt)"));
     EXPECT_TRUE(disk().exists(R"(F:\Save\Docs\z.txt)"));
-    EXPECT_EQ(twice.LanceOperation(0), RunEnd::nothing);
+    EXPECT_EQ(twice.LanceOperation(RunMode::unattended), RunEnd::nothing);
     EXPECT_THAT(user().notices(), ElementsAre(text));
 }
 

@@ -8,12 +8,12 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class UnattendedRun : public LaunchTest, public testing::WithParamInterface<std::int16_t> {
+class UnattendedRun : public LaunchTest {
   protected:
-    RunEnd launchUnattended() { return launch(GetParam()); }
+    RunEnd launchUnattended() { return launch(RunMode::unattended); }
 };
 
-TEST_P(UnattendedRun, SaysNothingWhenAllWentWell) {
+TEST_F(UnattendedRun, SaysNothingWhenAllWentWell) {
     system.Confirmation = 0;
     placeOldCopy();
     EXPECT_EQ(launchUnattended(), RunEnd::finished);
@@ -23,14 +23,14 @@ TEST_P(UnattendedRun, SaysNothingWhenAllWentWell) {
     EXPECT_EQ(setting("Travail", "LastSave"), "15/03/2024 10:00:00");
 }
 
-TEST_P(UnattendedRun, SaysNothingWhenThereWasNothingToDo) {
+TEST_F(UnattendedRun, SaysNothingWhenThereWasNothingToDo) {
     selectOnly({});
     EXPECT_EQ(launchUnattended(), RunEnd::nothing);
     EXPECT_THAT(user().messages(), IsEmpty());
     EXPECT_THAT(user().notices(), IsEmpty());
 }
 
-TEST_P(UnattendedRun, RecordsErrorsAndGivesANotice) {
+TEST_F(UnattendedRun, RecordsErrorsAndGivesANotice) {
     system.AutoMode = true;
     system.options.ContinueOnError = -1;
     failCopyOf(R"(C:\Docs\a.txt)", 5);
@@ -41,14 +41,14 @@ TEST_P(UnattendedRun, RecordsErrorsAndGivesANotice) {
     EXPECT_EQ(setting("Travail", "LastSaveErr"), "15/03/2024 10:00:00");
 }
 
-TEST_P(UnattendedRun, WaitsAtFermerWithErrorsUnlessTheProgramRunsUnattended) {
+TEST_F(UnattendedRun, WaitsAtFermerWithErrorsUnlessTheProgramRunsUnattended) {
     system.options.ContinueOnError = -1;
     failCopyOf(R"(C:\Docs\a.txt)", 5);
     closeAtFermer();  // a step that was not taken would be a problem
     EXPECT_EQ(launchUnattended(), RunEnd::finished);
 }
 
-TEST_P(UnattendedRun, GivesANoticeOfAnAbsentDestination) {
+TEST_F(UnattendedRun, GivesANoticeOfAnAbsentDestination) {
     disk().volume(R"(F:\)").present = false;
     EXPECT_EQ(launchUnattended(), RunEnd::interrupted);
     EXPECT_THAT(user().notices(),
@@ -56,8 +56,8 @@ TEST_P(UnattendedRun, GivesANoticeOfAnAbsentDestination) {
     EXPECT_THAT(user().messages(), IsEmpty());
 }
 
-TEST_P(UnattendedRun, GivesANoticeOfAMissingSourceAndStops) {
-    system.sources[1] = R"(D:\Absent)";
+TEST_F(UnattendedRun, GivesANoticeOfAMissingSourceAndStops) {
+    system.lines[1].source = R"(D:\Absent)";
     system.AutoMode = true;
     EXPECT_EQ(launchUnattended(), RunEnd::interrupted);
     EXPECT_THAT(user().messages(), IsEmpty());
@@ -65,19 +65,13 @@ TEST_P(UnattendedRun, GivesANoticeOfAMissingSourceAndStops) {
     EXPECT_EQ(disk().content(R"(F:\Save\Docs\a.txt)"), "aaaaa");
 }
 
-TEST_P(UnattendedRun, DoesNotAskBeforeCopyingTheTreeAlone) {
+TEST_F(UnattendedRun, DoesNotAskBeforeCopyingTheTreeAlone) {
     system.options.ArbreMode = -1;
     EXPECT_EQ(launchUnattended(), RunEnd::finished);
     EXPECT_TRUE(disk().exists(R"(F:\Save\Docs\Sub)"));
     EXPECT_THAT(user().messages(), IsEmpty());
     EXPECT_THAT(user().notices(), IsEmpty());
 }
-
-INSTANTIATE_TEST_SUITE_P(Modes, UnattendedRun, testing::Values<std::int16_t>(0, 2, -1),
-                         [](const auto& tested) {
-                             return tested.param < 0 ? "Minus1"
-                                                     : "Mode" + std::to_string(tested.param);
-                         });
 
 }  // namespace
 }  // namespace coffrelune

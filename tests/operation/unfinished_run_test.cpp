@@ -1,82 +1,50 @@
 // What a run that was not finished leaves on one side alone, the next run keeps.
-#include "operation/line_texts.h"
-#include "operation/operation_fixture.h"
-#include "settings/unfinished_copies.h"
+#include "operation/unfinished_fixture.h"
 
 namespace coffrelune {
 namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
 
 constexpr const char* beforeTheAnalysis = "Analyse de la copie...";
 
-class UnfinishedRun : public OperationTest {
-  protected:
-    UnfinishedRun() {
-        system.options.SynchroCopie = -1;
-        system.options.ContinueOnError = -1;
-        system.Confirmation = 1;
-        system.AutoMode = true;  // no window waits because of errors
-    }
-    void backUp() { run(OperationKind::backup); }
-    void restore() { run(OperationKind::restore); }
-    void run(OperationKind kind) {
-        system.operationKind = kind;
-        runCopie();
-    }
-    void stopAt(std::size_t label, const std::string& beginLike) {
-        whenEventsRun(
-            [label, beginLike](Copie& window) {
-                return window.Lbl.at(label).caption().starts_with(beginLike);
-            },
-            [](Copie& window) { window.requestInterruption(); });
-    }
-    void change(const std::string& path) { disk().file(path, "changed", fileTimeAt(2024, 3, 9)); }
-    bool marked(const std::string& tree) { return UnfinishedCopies(system).hold(tree); }
-    bool markedOriginal(const std::string& tree) {
-        return UnfinishedCopies(system, UnfinishedCopies::Kind::originals).hold(tree);
-    }
-};
+// ---- a backup -----------------------------------------------------------------------------------
 
-TEST_F(UnfinishedRun, BackupStoppedAfterItsDeletionsIsMarked) {
+TEST_F(UnfinishedRun, BackupReplacesWhatDiffersAndTakesNothingAwayBefore) {
     selectOnly({0});
     backUp();
     change(R"(C:\Docs\a.txt)");
-    stopAt(1, beforeTheAnalysis);
+    stopAt(Copie::phaseLabel, beforeTheAnalysis);
     backUp();
-    ASSERT_TRUE(statistics.interruptionRequested);
-    ASSERT_FALSE(disk().exists(R"(F:\Save\Docs\a.txt)"));
-    EXPECT_TRUE(marked(R"(F:\Save\Docs)"));
-
-    restore();
-    EXPECT_EQ(disk().content(R"(C:\Docs\a.txt)"), "changed");
+    ASSERT_TRUE(control.interruptionRequested);
+    EXPECT_EQ(disk().content(R"(F:\Save\Docs\a.txt)"), "aaaaa");
+    EXPECT_EQ(statistics.filesRemoved, 0);
     backUp();
     EXPECT_EQ(disk().content(R"(F:\Save\Docs\a.txt)"), "changed");
-    EXPECT_FALSE(marked(R"(F:\Save\Docs)"));
+    EXPECT_TRUE(isComplete(R"(F:\Save\Docs)"));
 }
 
-TEST_F(UnfinishedRun, BackupStoppedInOneLineLeavesTheLaterOnesMarked) {
+TEST_F(UnfinishedRun, BackupStoppedInOneLineLeavesTheCopiesOfTheLaterOnesOpen) {
     backUp();
+    ASSERT_TRUE(isComplete(R"(G:\Save\Photos)"));
     change(R"(C:\Docs\a.txt)");
-    change(R"(D:\Photos\c.jpg)");
     disk().file(R"(D:\Photos\new.jpg)", "new");
-    stopAt(3, "Vers: ");
+    stopAt(Copie::detailLabel, "Vers: ");
     backUp();
-    ASSERT_TRUE(statistics.interruptionRequested);
-    ASSERT_FALSE(disk().exists(R"(G:\Save\Photos\c.jpg)"));
-    EXPECT_TRUE(marked(R"(G:\Save\Photos)"));
-
+    ASSERT_TRUE(control.interruptionRequested);
+    ASSERT_FALSE(disk().exists(R"(G:\Save\Photos\new.jpg)"));
+    EXPECT_TRUE(isOpen(R"(G:\Save\Photos)"));
     restore();
-    EXPECT_EQ(disk().content(R"(D:\Photos\c.jpg)"), "changed");
     EXPECT_EQ(disk().content(R"(D:\Photos\new.jpg)"), "new");
 }
 
-TEST_F(UnfinishedRun, WithoutDeletionsLeavesTheLaterLinesMarkedToo) {
+TEST_F(UnfinishedRun, BackupWithoutDeletionsLeavesTheLaterLinesWithoutProofToo) {
     system.options.SynchroCopie = 0;
-    disk().directory(R"(G:\Save\Photos)");
     disk().file(R"(G:\Save\Photos\older.jpg)", "older");
-    stopAt(3, "Vers: ");
+    stopAt(Copie::detailLabel, "Vers: ");
     backUp();
     ASSERT_FALSE(disk().exists(R"(G:\Save\Photos\c.jpg)"));
     system.options.SynchroCopie = -1;
@@ -85,61 +53,80 @@ TEST_F(UnfinishedRun, WithoutDeletionsLeavesTheLaterLinesMarkedToo) {
 }
 
 // A run whose only candidates are empty files copies nothing.
-TEST_F(UnfinishedRun, LeavesEmptyFilesThatNoRunHasCopied) {
+TEST_F(UnfinishedRun, BackupLeavesEmptyFilesThatNoRunHasCopied) {
     selectOnly({0});
     backUp();
     disk().file(R"(C:\Docs\empty)", "");
     backUp();
     ASSERT_FALSE(statistics.copyPassStarted);
     ASSERT_FALSE(disk().exists(R"(F:\Save\Docs\empty)"));
+    EXPECT_TRUE(isOpen(R"(F:\Save\Docs)"));
     restore();
     EXPECT_TRUE(disk().exists(R"(C:\Docs\empty)"));
 
     change(R"(C:\Docs\a.txt)");
     backUp();
     EXPECT_TRUE(disk().exists(R"(F:\Save\Docs\empty)"));
-    EXPECT_FALSE(marked(R"(F:\Save\Docs)"));
+    EXPECT_TRUE(isComplete(R"(F:\Save\Docs)"));
 }
 
-// What it has deleted to replace it lies in the copy alone.
-TEST_F(UnfinishedRun, RestoreStoppedAfterItsDeletionsKeepsTheCopyFromTheNextBackup) {
+TEST_F(UnfinishedRun, TreeOnlyBackupIsNoProof) {
+    selectOnly({0});
+    system.options.ArbreMode = -1;
+    backUp();
+    system.options.ArbreMode = 0;
+    EXPECT_TRUE(isOpen(R"(F:\Save\Docs)"));
+    restore();
+    EXPECT_EQ(disk().content(R"(C:\Docs\Sub\b.txt)"), "bbb");
+}
+
+// ---- a restore ----------------------------------------------------------------------------------
+
+TEST_F(UnfinishedRun, RestoreStoppedAfterItsFirstFileKeepsTheCopyFromTheNextBackup) {
     selectOnly({0});
     backUp();
-    change(R"(C:\Docs\a.txt)");
-    stopAt(1, beforeTheAnalysis);
+    disk().remove(R"(C:\Docs\a.txt)");
+    disk().remove(R"(C:\Docs\Sub\b.txt)");
+    stopAt(Copie::detailLabel, "Vers: ");
     restore();
-    ASSERT_FALSE(disk().exists(R"(C:\Docs\a.txt)"));
+    ASSERT_TRUE(disk().exists(R"(C:\Docs\a.txt)"));
+    ASSERT_FALSE(disk().exists(R"(C:\Docs\Sub\b.txt)"));
+    EXPECT_TRUE(markedUnfinished(R"(C:\Docs)"));
 
     backUp();
-    EXPECT_EQ(disk().content(R"(F:\Save\Docs\a.txt)"), "aaaaa");
+    EXPECT_EQ(disk().content(R"(F:\Save\Docs\Sub\b.txt)"), "bbb");
     EXPECT_EQ(statistics.errorCount, 1);
-    EXPECT_THAT(journal(), Contains("Fichiers excédentaires conservés dans F:\\Save\\Docs : la "
-                                    "dernière restauration dans C:\\Docs n'a pas tout remis."));
+    EXPECT_TRUE(statistics.originalInDoubt);
+    EXPECT_THAT(journal(),
+                Contains(HasSubstr(R"(conservés dans F:\Save\Docs : la dernière restauration dans )"
+                                   R"(C:\Docs n'a pas tout remis.)")));
 
     restore();
-    EXPECT_EQ(disk().content(R"(C:\Docs\a.txt)"), "aaaaa");
+    EXPECT_EQ(disk().content(R"(C:\Docs\Sub\b.txt)"), "bbb");
+    EXPECT_FALSE(markedUnfinished(R"(C:\Docs)"));
     disk().remove(R"(C:\Docs\a.txt)");
     backUp();
     EXPECT_EQ(statistics.errorCount, 0);
     EXPECT_FALSE(disk().exists(R"(F:\Save\Docs\a.txt)"));
 }
 
-TEST_F(UnfinishedRun, RestoreThatHasReplacedNothingLeavesNoMark) {
+TEST_F(UnfinishedRun, RestoreThatHasChangedNothingLeavesNoMark) {
     selectOnly({0});
     backUp();
-    stopAt(1, beforeTheAnalysis);
+    change(R"(C:\Docs\a.txt)");
+    stopAt(Copie::phaseLabel, beforeTheAnalysis);
     restore();
-    ASSERT_TRUE(statistics.interruptionRequested);
-    EXPECT_FALSE(markedOriginal(R"(C:\Docs)"));
+    ASSERT_TRUE(control.interruptionRequested);
+    EXPECT_EQ(disk().content(R"(C:\Docs\a.txt)"), "changed");
+    EXPECT_FALSE(markedUnfinished(R"(C:\Docs)"));
 }
 
 // As onto a new disk: nothing had to be deleted, and most of it is in the copy alone.
-TEST_F(UnfinishedRun, RestoreStoppedInItsMidstKeepsTheRestOfTheCopy) {
+TEST_F(UnfinishedRun, RestoreStoppedInItsMidstKeepsTheRestOfEveryCopy) {
     backUp();
     disk().remove(R"(C:\Docs)");
     disk().remove(R"(D:\Photos)");
-    disk().file(R"(D:\Photos\mine.jpg)", "mine");
-    stopAt(3, "Vers: ");
+    stopAt(Copie::detailLabel, "Vers: ");
     restore();
     ASSERT_TRUE(disk().exists(R"(C:\Docs\a.txt)"));
     ASSERT_FALSE(disk().exists(R"(C:\Docs\Sub\b.txt)"));
@@ -147,11 +134,10 @@ TEST_F(UnfinishedRun, RestoreStoppedInItsMidstKeepsTheRestOfTheCopy) {
     backUp();
     EXPECT_EQ(disk().content(R"(F:\Save\Docs\Sub\b.txt)"), "bbb");
     EXPECT_EQ(disk().content(R"(G:\Save\Photos\c.jpg)"), "cccccccc");
-    EXPECT_EQ(statistics.errorCount, 2);
     restore();
     EXPECT_EQ(disk().content(R"(D:\Photos\c.jpg)"), "cccccccc");
-    EXPECT_FALSE(markedOriginal(R"(C:\Docs)"));
-    EXPECT_FALSE(markedOriginal(R"(D:\Photos)"));
+    EXPECT_FALSE(markedUnfinished(R"(C:\Docs)"));
+    EXPECT_FALSE(markedUnfinished(R"(D:\Photos)"));
 }
 
 TEST_F(UnfinishedRun, RestoreThatCouldNotBringAFileBackKeepsItsCopy) {
@@ -174,70 +160,213 @@ TEST_F(UnfinishedRun, RestoreIsFinishedWhenOnlyAnEmptyFileIsLeft) {
     disk().remove(R"(C:\Docs\empty)");
     faults.fail("copyFile", R"(F:\Save\Docs\empty)", error_number::sharingViolation);
     restore();
-    ASSERT_TRUE(markedOriginal(R"(C:\Docs)"));
+    ASSERT_TRUE(markedUnfinished(R"(C:\Docs)"));
     restore();
-    EXPECT_FALSE(markedOriginal(R"(C:\Docs)"));
+    EXPECT_FALSE(markedUnfinished(R"(C:\Docs)"));
 }
 
-// C:\Docs to F:\Save, and that copy to G:\Save.
-TEST_F(UnfinishedRun, ChainOfLinesIsNoErrorAndLosesNoVersion) {
-    system.sources[1] = R"(F:\Save\Docs)";
+TEST_F(UnfinishedRun, RestoreThatCannotMarkTheOriginalMarksTheCopy) {
+    selectOnly({0});
+    backUp();
+    disk().remove(R"(C:\Docs\a.txt)");
+    disk().remove(R"(C:\Docs\Sub\b.txt)");
+    faults.fail("writeWhole", "", error_number::accessDenied, 1);
+    stopAt(Copie::detailLabel, "Vers: ");
+    restore();
+    ASSERT_FALSE(markedUnfinished(R"(C:\Docs)"));
+    backUp();
+    EXPECT_EQ(disk().content(R"(F:\Save\Docs\Sub\b.txt)"), "bbb");
+}
+
+// ---- who says what is right ---------------------------------------------------------------------
+
+TEST_F(UnfinishedRun, TheUserMaySayThatTheOriginalIsRightForOneRun) {
+    selectOnly({0});
+    backUp();
+    disk().remove(R"(C:\Docs\a.txt)");
+    disk().remove(R"(C:\Docs\Sub\b.txt)");
+    stopAt(Copie::detailLabel, "Vers: ");
+    restore();
+    ASSERT_TRUE(markedUnfinished(R"(C:\Docs)"));
+    switches.acceptOriginal = true;
+    backUp();
+    EXPECT_FALSE(markedUnfinished(R"(C:\Docs)"));
+    EXPECT_FALSE(disk().exists(R"(F:\Save\Docs\Sub\b.txt)"));
+    EXPECT_TRUE(disk().exists(R"(F:\Save\Docs\a.txt)"));
+    EXPECT_EQ(statistics.errorCount, 0);
+    EXPECT_FALSE(statistics.originalInDoubt);
+}
+
+TEST_F(UnfinishedRun, AnOriginalOnAnotherVolumeIsDoubtedUntilItIsConfirmed) {
+    selectOnly({0});
+    backUp();
+    disk().volume(R"(C:\)").identity = "another";
+    disk().remove(R"(C:\Docs\a.txt)");
+    backUp();
+    EXPECT_TRUE(disk().exists(R"(F:\Save\Docs\a.txt)"));
+    EXPECT_TRUE(statistics.originalInDoubt);
+    switches.acceptOriginal = true;
+    backUp();
+    EXPECT_FALSE(disk().exists(R"(F:\Save\Docs\a.txt)"));
+    switches.acceptOriginal = false;
+    disk().file(R"(F:\Save\Docs\gone.txt)", "gone");
+    backUp();
+    EXPECT_FALSE(disk().exists(R"(F:\Save\Docs\gone.txt)"));
+    EXPECT_EQ(statistics.errorCount, 0);
+}
+
+// ---- two copies of one original -----------------------------------------------------------------
+
+class CopiesInTurn : public UnfinishedRun {
+  protected:
+    CopiesInTurn() { selectOnly({0}); }
+    void plugIn(const char* destination) { system.lines[0].destination = destination; }
+};
+
+TEST_F(CopiesInTurn, AnOpenOneIsNoProofThoughTheOtherIsComplete) {
+    backUp();
+    plugIn(R"(G:\Save)");
+    disk().file(R"(C:\Docs\Sub\new.txt)", "new");
+    stopAt(Copie::detailLabel, "Vers: ");
+    backUp();
+    ASSERT_TRUE(isOpen(R"(G:\Save\Docs)"));
+    ASSERT_TRUE(isComplete(R"(F:\Save\Docs)"));
+    restore();
+    EXPECT_EQ(disk().content(R"(C:\Docs\Sub\new.txt)"), "new");
+    EXPECT_EQ(disk().content(R"(C:\Docs\Sub\b.txt)"), "bbb");
+}
+
+TEST_F(CopiesInTurn, AnUnfinishedRestoreFromOneKeepsTheOther) {
+    backUp();
+    plugIn(R"(G:\Save)");
+    backUp();
+    disk().remove(R"(C:\Docs\a.txt)");
+    disk().remove(R"(C:\Docs\Sub\b.txt)");
+    stopAt(Copie::detailLabel, "Vers: ");
+    restore();
+    ASSERT_FALSE(disk().exists(R"(C:\Docs\Sub\b.txt)"));
+    plugIn(R"(F:\Save)");
+    backUp();
+    EXPECT_EQ(disk().content(R"(F:\Save\Docs\Sub\b.txt)"), "bbb");
+}
+
+TEST_F(CopiesInTurn, TheEndOfOneRestoreDoesNotPassForThatOfAnother) {
+    backUp();
+    plugIn(R"(G:\Save)");
+    disk().file(R"(C:\Docs\Sub\later.txt)", "later");
+    backUp();
+    disk().remove(R"(C:\Docs\a.txt)");
+    disk().remove(R"(C:\Docs\Sub)");
+    stopAt(Copie::detailLabel, "Vers: ");
+    restore();
+    plugIn(R"(F:\Save)");
+    restore();
+    ASSERT_FALSE(disk().exists(R"(C:\Docs\Sub\later.txt)"));
+    EXPECT_TRUE(markedUnfinished(R"(C:\Docs)"));
+    plugIn(R"(G:\Save)");
+    backUp();
+    EXPECT_EQ(disk().content(R"(G:\Save\Docs\Sub\later.txt)"), "later");
+}
+
+// ---- C:\Docs to F:\Save, and that copy to G:\Save -----------------------------------------------
+
+class ChainOfLines : public UnfinishedRun {
+  protected:
+    ChainOfLines() { system.lines[1].source = R"(F:\Save\Docs)"; }
+    void runLine(int line, OperationKind kind) {
+        selectOnly({line});
+        run(kind);
+    }
+};
+
+TEST_F(ChainOfLines, IsNoErrorAndLosesNoVersion) {
     backUp();
     change(R"(C:\Docs\a.txt)");
     backUp();
     EXPECT_EQ(statistics.errorCount, 0);
     EXPECT_EQ(disk().content(R"(F:\Save\Docs\a.txt)"), "changed");
-
-    disk().file(R"(C:\Docs\a.txt)", "changed again", fileTimeAt(2024, 3, 10));
-    selectOnly({0});
-    backUp();
-    selectOnly({0, 1});
+    EXPECT_EQ(disk().content(R"(G:\Save\Docs\a.txt)"), "changed");
     disk().file(R"(C:\Docs\a.txt)", "spoilt", fileTimeAt(2024, 3, 11));
     restore();
-    EXPECT_TRUE(disk().exists(R"(C:\Docs\a.txt)"));
-    EXPECT_TRUE(disk().exists(R"(F:\Save\Docs\a.txt)"));
+    EXPECT_EQ(disk().content(R"(C:\Docs\a.txt)"), "changed");
+    EXPECT_EQ(disk().content(R"(F:\Save\Docs\a.txt)"), "changed");
 }
 
-TEST_F(UnfinishedRun, WithoutAPlaceForItsMarkDeletesNothingThatMerelyDiffers) {
-    selectOnly({0});
+TEST_F(ChainOfLines, WhatTheFirstCopyDoesNotHaveYetStaysInTheSecond) {
     backUp();
+    disk().remove(R"(F:\Save\Docs)");  // a new disk in the place of the old one
+    selectOnly({0});
+    stopAt(Copie::detailLabel, "Vers: ");
+    backUp();
+    ASSERT_FALSE(disk().exists(R"(F:\Save\Docs\Sub\b.txt)"));
+    runLine(1, OperationKind::backup);
+    EXPECT_EQ(disk().content(R"(G:\Save\Docs\Sub\b.txt)"), "bbb");
+    EXPECT_FALSE(statistics.originalInDoubt);
+}
+
+TEST_F(ChainOfLines, ARestoreIntoTheMiddleDeletesNothingThere) {
+    backUp();
+    disk().file(R"(C:\Docs\new.txt)", "new");
+    runLine(0, OperationKind::backup);
+    runLine(1, OperationKind::restore);
+    EXPECT_EQ(disk().content(R"(F:\Save\Docs\new.txt)"), "new");
+    runLine(0, OperationKind::restore);
+    EXPECT_EQ(disk().content(R"(C:\Docs\new.txt)"), "new");
+}
+
+TEST_F(ChainOfLines, AnUnfinishedRestoreIntoTheMiddleKeepsBothSides) {
+    backUp();
+    disk().remove(R"(F:\Save\Docs\a.txt)");
+    disk().remove(R"(F:\Save\Docs\Sub\b.txt)");
+    selectOnly({1});
+    stopAt(Copie::detailLabel, "Vers: ");
+    restore();
+    ASSERT_FALSE(disk().exists(R"(F:\Save\Docs\Sub\b.txt)"));
+    runLine(1, OperationKind::backup);
+    EXPECT_EQ(disk().content(R"(G:\Save\Docs\Sub\b.txt)"), "bbb");
+    runLine(0, OperationKind::restore);
+    EXPECT_EQ(disk().content(R"(C:\Docs\Sub\b.txt)"), "bbb");
+}
+
+// ---- what does not depend on the settings -------------------------------------------------------
+
+TEST_F(UnfinishedRun, IsKnownUnderAnotherLetterAndByOtherSettings) {
+    selectOnly({0});
+    stopAt(Copie::detailLabel, "Vers: ");
+    backUp();
+    ASSERT_TRUE(isOpen(R"(F:\Save\Docs)"));
+    ASSERT_TRUE(system.WriteSetting("Travail", "Destination0", "").ok());
+    system.configurationName = "Autre";
+    EXPECT_TRUE(isOpen(R"(F:\Save\Docs)"));
+    restore();
+    EXPECT_EQ(disk().content(R"(C:\Docs\Sub\b.txt)"), "bbb");
+}
+
+TEST_F(UnfinishedRun, WritesNoKeyOfItsOwnIntoTheSettings) {
+    stopAt(Copie::detailLabel, "Vers: ");
+    backUp();
+    const std::string settings = errorList("Coffrelune.ini");
+    EXPECT_EQ(settings.find("Incomplete"), std::string::npos);
+}
+
+TEST_F(UnfinishedRun, TellsHowManyFilesEachRunHasDeleted) {
+    selectOnly({0});
+    EXPECT_EQ(launch(RunMode::unattended), RunEnd::finished);
+    EXPECT_THAT(user().notices(), IsEmpty());
+    disk().file(R"(C:\Docs\new.txt)", "new");
     change(R"(C:\Docs\a.txt)");
     disk().file(R"(F:\Save\Docs\gone.txt)", "gone");
-    disk().volume(R"(C:\)").writeProtected = true;
-    stopAt(1, beforeTheAnalysis);
-    backUp();
-    EXPECT_EQ(disk().content(R"(F:\Save\Docs\a.txt)"), "aaaaa");
-    EXPECT_FALSE(disk().exists(R"(F:\Save\Docs\gone.txt)"));
-}
-
-TEST_F(UnfinishedRun, KeepsItsMarkUnderAnotherLetter) {
-    selectOnly({0});
-    stopAt(3, "Vers: ");
-    backUp();
-    ASSERT_TRUE(marked(R"(F:\Save\Docs)"));
-    system.operationKind = OperationKind::backup;
-    editLine(system, 0, LineSide::right, R"(G:\Save)");
-    EXPECT_TRUE(marked(R"(G:\Save\Docs)"));
-    EXPECT_TRUE(marked(R"(F:\Save\Docs)"));
-    editLine(system, 1, LineSide::right, R"(F:\Other)");
-    EXPECT_FALSE(marked(R"(F:\Other\Photos)"));
-}
-
-TEST_F(UnfinishedRun, TellsHowManyFilesARestoreHasDeleted) {
-    selectOnly({0});
-    EXPECT_EQ(launch(0), RunEnd::finished);
-    disk().file(R"(C:\Docs\new.txt)", "new");
-    disk().file(R"(F:\Save\Docs\gone.txt)", "gone");
     system.operationKind = OperationKind::restore;
-    EXPECT_EQ(launch(0), RunEnd::finished);
-    EXPECT_THAT(user().notices(),
-                ElementsAre("La restauration a effacé 1 fichier(s) excédentaire(s) ou à "
-                            "remplacer."));
+    EXPECT_EQ(launch(RunMode::unattended), RunEnd::finished);
+    EXPECT_EQ(launcher->statistics().filesDeleted, 2);
+    EXPECT_EQ(launcher->statistics().filesRemoved, 1);
     system.operationKind = OperationKind::backup;
     disk().remove(R"(C:\Docs\gone.txt)");
-    EXPECT_EQ(launch(0), RunEnd::nothing);
-    EXPECT_EQ(launcher->statistics().filesDeleted, 1);
-    EXPECT_EQ(user().notices().size(), 1U);
+    EXPECT_EQ(launch(RunMode::unattended), RunEnd::nothing);
+    EXPECT_EQ(launcher->statistics().filesRemoved, 1);
+    EXPECT_THAT(user().notices(),
+                ElementsAre("La restauration a effacé 1 fichier(s) excédentaire(s).",
+                            "La sauvegarde a effacé de la copie 1 fichier(s) excédentaire(s)."));
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
-#include "startup/raw_command_line.h"
-
 #include <gtest/gtest.h>
+
+#include "startup/startup.h"
 
 namespace coffrelune {
 namespace {

@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "operation/copie.h"
 #include "platform/memory/memory_platform.h"
 
 namespace coffrelune {
@@ -34,6 +35,10 @@ class StartUp : public testing::Test {
     bool start(const std::string& commandLine) {
         system = std::make_unique<SystemMod>(platform, ProgramContext{commandLine, home, 3, 5});
         return startUp(*system, memory.guard());
+    }
+    ExitStatus runAuto() {
+        WindowStage stage(*system);
+        return coffrelune::runAuto(*system, stage);
     }
     const std::vector<std::string>& notices() { return memory.windows().notices(); }
 
@@ -87,7 +92,7 @@ TEST_F(StartUp, RefusesASecondProcessBeforeItReadsTheSettings) {
 TEST_F(StartUp, WithoutArgumentsTakesTheConfigurationUsedLast) {
     EXPECT_TRUE(start(""));
     EXPECT_EQ(system->configurationName, "Maison");
-    EXPECT_EQ(system->sources[0], R"(C:\Photos)");
+    EXPECT_EQ(system->lines[0].source, R"(C:\Photos)");
     EXPECT_FALSE(system->AutoMode);
 }
 
@@ -95,7 +100,7 @@ TEST_F(StartUp, WithoutAnythingElseTakesGeneral) {
     memory.disk().file(settings, "[General]\r\nSource0=C:\\Docs\r\n");
     EXPECT_TRUE(start(""));
     EXPECT_EQ(system->configurationName, "General");
-    EXPECT_EQ(system->sources[0], R"(C:\Docs)");
+    EXPECT_EQ(system->lines[0].source, R"(C:\Docs)");
 }
 
 struct Arguments {
@@ -128,7 +133,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(StartUp, AutoSavesTheNamedConfiguration) {
     ASSERT_TRUE(start("/Auto /Travail"));
-    EXPECT_EQ(runAuto(*system), ExitStatus::clean);
+    EXPECT_EQ(runAuto(), ExitStatus::clean);
     EXPECT_EQ(memory.disk().content(R"(F:\Save\Docs\a.txt)"), "a");
     EXPECT_FALSE(memory.disk().exists(R"(F:\Save\Photos)"));
     EXPECT_THAT(notices(), IsEmpty());
@@ -137,20 +142,20 @@ TEST_F(StartUp, AutoSavesTheNamedConfiguration) {
 
 TEST_F(StartUp, AutoSavesTheConfigurationUsedLast) {
     ASSERT_TRUE(start("/Auto"));
-    EXPECT_EQ(runAuto(*system), ExitStatus::clean);
+    EXPECT_EQ(runAuto(), ExitStatus::clean);
     EXPECT_EQ(memory.disk().content(R"(F:\Save\Photos\p.jpg)"), "p");
 }
 
 TEST_F(StartUp, AutoReplacesWithoutAsking) {
     memory.disk().file(R"(F:\Save\Docs\a.txt)", "old");
     ASSERT_TRUE(start("/Auto /Travail"));
-    EXPECT_EQ(runAuto(*system), ExitStatus::clean);
+    EXPECT_EQ(runAuto(), ExitStatus::clean);
     EXPECT_EQ(memory.disk().content(R"(F:\Save\Docs\a.txt)"), "a");
 }
 
 TEST_F(StartUp, AutoRefusesAConfigurationThatDoesNotExist) {
     ASSERT_TRUE(start("/Auto /Travial"));
-    EXPECT_EQ(runAuto(*system), ExitStatus::wrongUse);
+    EXPECT_EQ(runAuto(), ExitStatus::wrongUse);
     EXPECT_THAT(notices(), ElementsAre("La configuration « Travial » n'existe pas.\n"
                                        "Configurations enregistrées : Travail, Maison, General\n"
                                        "Fichier de réglages : C:\\Coffrelune\\Coffrelune.ini"));
@@ -161,7 +166,7 @@ TEST_F(StartUp, AutoRefusesAConfigurationThatDoesNotExist) {
 TEST_F(StartUp, AutoRefusesSettingsThatCannotBeRead) {
     memory.disk().setUnreadable(settings);
     ASSERT_TRUE(start("/Auto"));
-    EXPECT_EQ(runAuto(*system), ExitStatus::wrongUse);
+    EXPECT_EQ(runAuto(), ExitStatus::wrongUse);
     EXPECT_EQ(notices().size(), 1U);
     EXPECT_THAT(memory.files().writes(), ElementsAre(R"(removeLeftovers C:\Coffrelune)"));
 }
@@ -171,7 +176,7 @@ TEST_F(StartUp, AutoNamesEveryErrorAndTellsTheScript) {
     memory.disk().setInUse(R"(C:\Docs\a.txt)");
     ASSERT_TRUE(start("/Auto /Travail"));
     system->options.ContinueOnError = -1;
-    EXPECT_EQ(runAuto(*system), ExitStatus::errors);
+    EXPECT_EQ(runAuto(), ExitStatus::errors);
     EXPECT_THAT(notices(),
                 ElementsAre("Sauvegarde terminée, nombre d'erreur(s): 1\r\n\r\nDurée : 00:00:00",
                             R"(Erreur: 32 - Fichier: C:\Docs\a.txt)"));
@@ -181,7 +186,7 @@ TEST_F(StartUp, AutoNamesEveryErrorAndTellsTheScript) {
 TEST_F(StartUp, AutoTellsTheScriptThatTheDestinationIsAbsent) {
     memory.disk().volume(R"(F:\)").present = false;
     ASSERT_TRUE(start("/Auto /Travail"));
-    EXPECT_EQ(runAuto(*system), ExitStatus::interrupted);
+    EXPECT_EQ(runAuto(), ExitStatus::interrupted);
     EXPECT_THAT(notices(),
                 ElementsAre("Rien à sauvegarder !\n\nLe disque destination n'existe pas."));
 }
@@ -196,7 +201,7 @@ TEST_F(StartUp, TheConfigurationInUseIsRemembered) {
 
 TEST_F(StartUp, TheReservedSectionIsNoConfiguration) {
     ASSERT_TRUE(start("/Auto /position"));
-    EXPECT_EQ(runAuto(*system), ExitStatus::wrongUse);
+    EXPECT_EQ(runAuto(), ExitStatus::wrongUse);
     rememberConfiguration(*system);
     EXPECT_EQ(system->ReadSetting("Position", "Config"), "Maison");
 }
@@ -204,7 +209,7 @@ TEST_F(StartUp, TheReservedSectionIsNoConfiguration) {
 TEST_F(StartUp, TheReservedSectionIsNeverWorkedOn) {
     ASSERT_TRUE(start("/position"));
     EXPECT_EQ(system->configurationName, "Maison");
-    EXPECT_EQ(system->sources[0], R"(C:\Photos)");
+    EXPECT_EQ(system->lines[0].source, R"(C:\Photos)");
 }
 
 TEST_F(StartUp, ARememberedConfigurationWithoutASectionStaysRemembered) {
