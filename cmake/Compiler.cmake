@@ -20,7 +20,11 @@ if(WIN32)
     _WIN32_WINNT=0x0A00 WINVER=0x0A00 NOMINMAX)
 endif()
 if(COFFRELUNE_SANITIZE)
+  # The checks for undefined behaviour are for the program: in tests they would only find the macros
+  # of the test library, and double what there is to compile.
+  set(COFFRELUNE_UNDEFINED -fsanitize=undefined -fno-sanitize-recover=all)
+  set(program $<NOT:$<BOOL:$<TARGET_PROPERTY:COFFRELUNE_IS_TEST>>>)
   target_compile_options(coffrelune_compiler INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=address -fno-omit-frame-pointer "$<${program}:${COFFRELUNE_UNDEFINED}>")
   target_link_options(coffrelune_compiler INTERFACE -fsanitize=address,undefined)
 endif()

@@ -31,7 +31,7 @@ foreach(line IN LISTS lines)
 endforeach()
 
 file(WRITE "${OUTPUT}" "// Made from assets/icons by cmake/GenerateIcons.cmake.
-#include \"platform/wx/icons.h\"
+#include \"views/wx/pictures.h\"
 
 #include <array>
 

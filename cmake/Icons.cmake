@@ -2,7 +2,7 @@
 # autres-noms.txt holds a line for each further name of a picture.
 set(COFFRELUNE_ICONS_SCRIPT ${CMAKE_CURRENT_LIST_DIR}/GenerateIcons.cmake)
 
-# Adds `iconSvg` (platform/wx/icons.h) to a target; compiled again when a picture changes.
+# Adds `iconSvg` (views/wx/pictures.h) to a target; compiled again when a picture changes.
 function(coffrelune_icons target)
   set(folder ${PROJECT_SOURCE_DIR}/assets/icons)
   set(output ${CMAKE_CURRENT_BINARY_DIR}/${target}_icons.cpp)

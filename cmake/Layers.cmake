@@ -18,6 +18,10 @@ function(coffrelune_tests name)
   add_executable(${name}_tests ${sources} ${ARG_EXTRA_SOURCES})
   target_include_directories(${name}_tests PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name}_tests PRIVATE ${ARG_LINKS} coffrelune_compiler GTest::gtest_main GTest::gmock)
+  set_target_properties(${name}_tests PROPERTIES COFFRELUNE_IS_TEST ON)
+  # Sources of the program that a test compiles for itself are checked as the program is.
+  list(FILTER ARG_EXTRA_SOURCES INCLUDE REGEX "^${PROJECT_SOURCE_DIR}/src/")
+  set_source_files_properties(${ARG_EXTRA_SOURCES} PROPERTIES COMPILE_OPTIONS "${COFFRELUNE_UNDEFINED}")
   if(CMAKE_CROSSCOMPILING)
     # One process a program: the emulator takes longer to start than most cases to run. Optimizing
     # what runs once would take longer still.

@@ -16,6 +16,15 @@ if ! flock -n 9; then
     flock 9
 fi
 
+# What another clone of this machine has compiled need not be compiled again. Paths count from this
+# clone, wherever it lies. What the caller has set for himself goes first.
+if command -v ccache >/dev/null; then
+    cache=${COFFRELUNE_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/coffrelune}
+    export CCACHE_DIR=${CCACHE_DIR-$cache/ccache} CCACHE_BASEDIR=${CCACHE_BASEDIR-$root}
+    export CCACHE_NOHASHDIR=${CCACHE_NOHASHDIR-1}
+    export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}
+fi
+
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 cd "$root"

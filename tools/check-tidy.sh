@@ -1,49 +1,96 @@
 #!/usr/bin/env bash
-# Runs clang-tidy over every source, as the debug build compiles it or, when only Windows does, as
-# the build for Windows does. A line and a count for each.
+# Runs clang-tidy over every source, as the build for Linux compiles it or, when only Windows does, as
+# the build for Windows does; a configured build is enough. A good verdict is kept outside the clone
+# until something that it depends on changes (tools/tidy_inputs.py). A line for each source that is
+# judged here, and the counts. Usage: check-tidy.sh [root of a tree]
 set -uo pipefail
 
-cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." || exit 1
-database=build/linux-debug
-windows=build/windows-release
-for build in "$database" "$windows"; do
+tools=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
+cd -P "${1-$tools/..}" || exit 1
+cache=${COFFRELUNE_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/coffrelune}/tidy
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+export work
+
+# The build of the checks or that of daily work, whichever was configured last.
+linux=build/linux-asan
+[[ ! build/linux-debug/compile_commands.json -nt $linux/compile_commands.json ]] ||
+    linux=build/linux-debug
+for build in "$linux" build/windows-release; do
     [[ -f $build/compile_commands.json ]] || {
-        echo "Il faut d'abord construire ${build##*/}." >&2
+        echo "Il faut d'abord configurer ${build##*/}." >&2
         exit 1
     }
 done
+
+common=(-Wno-unknown-warning-option -Wno-sign-conversion)
 # clang does not know where Debian keeps the C++ library of the compiler for Windows.
 library=$(x86_64-w64-mingw32-g++-posix -print-file-name=include/c++)
-windows_flags="--extra-arg=--target=x86_64-w64-mingw32"
+for_windows=(--target=x86_64-w64-mingw32)
 for folder in "" /x86_64-w64-mingw32 /backward; do
-    windows_flags+=" --extra-arg-before=-isystem$library$folder"
+    for_windows+=("-isystem$library$folder")
 done
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+"$tools/tidy_inputs.py" database "$work/linux" "$linux/compile_commands.json" "${common[@]}" &&
+    "$tools/tidy_inputs.py" database "$work/windows" build/windows-release/compile_commands.json \
+        "--except=$work/linux" "${common[@]}" "${for_windows[@]}" || exit 1
+
+# Beside the files that are read: the linter itself and what it is asked. Its packages name the
+# libraries and headers that come with it.
+seed=$(
+    echo 1 # another number makes every verdict anew
+    clang-tidy-14 --version
+    sha256sum <"$(readlink -f "$(command -v clang-tidy-14)")"
+    dpkg-query -W clang-tidy-14 libclang-cpp14 libllvm14 libclang-common-14-dev 2>/dev/null
+    find . -name .clang-tidy -not -path './build/*' -not -path './.git/*' | sort |
+        xargs -r -d '\n' sha256sum
+)
+# "KEY PATH" for each source of a database.
+keys() { "$tools/tidy_inputs.py" keys "$work/$1" "$seed"; }
 
 # The largest first, so that no long one is left to run alone at the end.
-find src tests bench -name '*.cpp' -printf '%s %p\n' | sort -rn | cut -d' ' -f2- >"$work/files"
-export database windows windows_flags work
-tidy() {
-    local log place=$database flags=''
-    log=$(mktemp -p "$work")
-    if ! grep -qF "/$1\"" "$database/compile_commands.json"; then
-        place=$windows
-        flags=$windows_flags
+find src tests -name '*.cpp' -printf '%s %p\n' | sort -rn | cut -d' ' -f2- >"$work/files"
+keys linux >"$work/linux.keys" && keys windows >"$work/windows.keys" || exit 1
+while read -r file; do
+    place=windows
+    ! grep -qF "/$file\"" "$work/linux/compile_commands.json" || place=linux
+    key=$(awk -v file="$file" 'substr($0, 66) == file { print $1 }' "$work/$place.keys")
+    if [[ -n $key && -f $cache/$key ]]; then
+        touch "$cache/$key"
+        echo "$file" >>"$work/known"
+    else
+        echo "$place $file" >>"$work/unknown"
+        [[ -z $key ]] || echo "$key $file" >>"$work/wanted"
     fi
-    if clang-tidy-14 -p "$place" $flags --quiet --extra-arg=-Wno-unknown-warning-option \
-        --extra-arg=-Wno-sign-conversion "$1" >"$log" 2>&1; then
-        echo "ok clang-tidy $1" | tee -a "$work/verdicts"
+done <"$work/files"
+touch "$work"/{known,unknown,wanted,verdicts}
+
+tidy() {
+    local place=${1%% *} file=${1#* } log
+    log=$(mktemp -p "$work")
+    if clang-tidy-14 -p "$work/$place" --quiet "$file" >"$log" 2>&1; then
+        echo "ok clang-tidy $file" | tee -a "$work/verdicts"
     else
         # The suppressed-warnings summary tells nothing about this file.
         grep -v -e '^[0-9]* warnings\? \(generated\|treated\)' -e '^Suppressed ' -e '^Use -header' "$log"
-        echo "FAUTE clang-tidy $1" | tee -a "$work/verdicts"
+        echo "FAUTE clang-tidy $file" | tee -a "$work/verdicts"
     fi
 }
 export -f tidy
-xargs -a "$work/files" -d '\n' -P "$(nproc)" -I '{}' bash -c 'tidy "$1"' _ '{}'
+xargs -a "$work/unknown" -d '\n' -r -P "$(nproc)" -I '{}' bash -c 'tidy "$1"' _ '{}'
 
-good=$(grep -c '^ok ' "$work/verdicts")
+# A file that was changed meanwhile may have been judged in either state: that verdict is not kept.
+if [[ -s $work/wanted ]] && mkdir -p "$cache"; then
+    sort -u <(keys linux) <(keys windows) >"$work/keys.now"
+    sed -n 's/^ok clang-tidy //p' "$work/verdicts" | sort >"$work/good"
+    sort "$work/wanted" | comm -12 - "$work/keys.now" | while read -r key file; do
+        grep -qxF "$file" "$work/good" && touch "$cache/$key"
+    done
+    find "$cache" -type f -mtime +60 -delete
+fi
+
+known=$(wc -l <"$work/known")
+good=$((known + $(grep -c '^ok ' "$work/verdicts")))
 bad=$(grep -c '^FAUTE ' "$work/verdicts")
+echo "clang-tidy : $known sources sur $(wc -l <"$work/files") étaient déjà jugées bonnes"
 echo "$good réussis, $bad échoués, 0 laissés"
 ((bad == 0 && good == $(wc -l <"$work/files")))

@@ -65,15 +65,16 @@ built="est dans la construction"
 fault "chaque *_test.cpp $built" tests/engine/forgotten_test.cpp '#include "engine/walk.h"\n'
 fault "chaque source $built" src/engine/forgotten.cpp '#include "platform/status.h"\n'
 fault "chaque source de Windows est dans sa construction" src/platform/win32/forgotten.cpp '#include <windows.h>\n'
-headers="restent dans leur dossier de src/platform"
+headers="restent dans src/platform/posix et dans les posix_*.cpp des vues"
 fault "les en-têtes du système $headers" src/engine/walk.cpp '#include <sys/stat.h>\n'
 fault "les en-têtes du système $headers" src/platform/status.h '#include <dirent.h>\n'
 fault "les en-têtes du système $headers" src/console/main.cpp '# include <unistd.h>\n'
-fault "les en-têtes de Windows restent dans les sources de src/platform/win32" \
-    src/platform/win32/files.h '#include <windows.h>\n'
-fault "les en-têtes de Windows restent dans les sources de src/platform/win32" \
-    src/engine/walk.cpp '#include <windows.h>\n'
-fault "les en-têtes des fenêtres restent dans src/platform/wx" src/engine/walk.cpp '#include <wx/wx.h>\n'
+fault "les en-têtes du système $headers" src/views/terminal/streams.h '#include <poll.h>\n'
+headers="restent dans src/platform/win32 et dans les sources de Windows des vues"
+fault "les en-têtes de Windows $headers" src/platform/win32/files.h '#include <windows.h>\n'
+fault "les en-têtes de Windows $headers" src/engine/walk.cpp '#include <windows.h>\n'
+fault "les en-têtes de Windows $headers" src/views/wx/desktop.h '#include <windows.h>\n'
+fault "les en-têtes des fenêtres restent dans src/views/wx" src/engine/walk.cpp '#include <wx/wx.h>\n'
 fault "arguments et JSON restent dans src/console" src/engine/walk.cpp '#include <nlohmann/json.hpp>\n'
 files="hors de src/platform, rien n'ouvre un fichier ni ne lance un programme"
 fault "$files" src/console/main.cpp '#include <fstream>\n'
@@ -84,6 +85,7 @@ layers="aucun dossier n'inclut un dossier qui est au-dessus de lui"
 fault "$layers" src/engine/walk.cpp '#include "operation/copie.h"\n'
 fault "$layers" src/platform/status.h '#include "system/text.h"\n'
 fault "$layers" src/engine/walk.cpp '#include "platform/posix/files.h"\n'
+fault "$layers" src/engine/walk.cpp '#include "views/wx/views.h"\n'
 fault "$layers" src/engine/walk.cpp '#include "walk.h"\n'
 fault "$layers" src/attic/walk.h '#include "engine/walk.h"\n'
 pictures="chaque image que le code nomme est dessinée"

@@ -7,7 +7,10 @@ shopt -s lastpipe
 
 root=${1-$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)}
 cd "$root" || exit 1
-database=build/linux-debug/compile_commands.json
+# The build of the checks or that of daily work, whichever was configured last.
+database=build/linux-asan/compile_commands.json
+[[ ! build/linux-debug/compile_commands.json -nt $database ]] ||
+    database=build/linux-debug/compile_commands.json
 windows_database=build/windows-release/compile_commands.json
 
 passed=0
@@ -45,7 +48,7 @@ not_compiled() {
     comm -23 <(sort) <(compiled "$1" | while read -r file; do realpath --relative-to=. "$file"; done | sort)
 }
 # What only Windows compiles is looked for in its own build, where there is one.
-for_windows='^(src/platform|tests/platform|tests/terminal)/win32/|/win32_[^/]*\.cpp$|_msw\.cpp$|/main_windows\.cpp$'
+for_windows='^(src/platform|tests/platform|tests/views/terminal)/win32/|/win32_[^/]*\.cpp$|_msw\.cpp$|/main_windows\.cpp$'
 find tests -name '*_test.cpp' | grep -vE "$for_windows" | not_compiled "$database" |
     verdict "chaque *_test.cpp est dans la construction"
 find src -name '*.cpp' | grep -vE "$for_windows" | not_compiled "$database" |
@@ -61,19 +64,19 @@ fi
 include='^[[:space:]]*#[[:space:]]*include[[:space:]]*'
 posix='(unistd|fcntl|dirent|c?signal|poll|termios|pwd|grp|mntent|fstab|langinfo|dlfcn|pthread|spawn|ftw|glob|syslog|sched|sys/[^>]*|linux/[^>]*|netinet/[^>]*|arpa/[^>]*)(\.h)?'
 
-code "$include<$posix>" src | grep -vE '^src/platform/(posix|terminal|wx)/' |
-    verdict "les en-têtes du système restent dans leur dossier de src/platform"
+code "$include<$posix>" src | grep -vE '^src/(platform/posix/|views/terminal/posix_[^:/]*\.cpp:)' |
+    verdict "les en-têtes du système restent dans src/platform/posix et dans les posix_*.cpp des vues"
 code "$include<(windows|winbase|shlobj|shellapi|mmsystem|winreg)[^>]*>" src |
-    grep -vE '^src/platform/(win32/[^:]*|(terminal|native)/win32_[^:/]*|wx/[^:/]*_msw)\.cpp:' |
-    verdict "les en-têtes de Windows restent dans les sources de src/platform/win32"
-code "$include<wx/" src | grep -vE '^src/platform/wx/' |
-    verdict "les en-têtes des fenêtres restent dans src/platform/wx"
+    grep -vE '^src/(platform/win32/[^:]*|platform/native/win32_[^:/]*|views/terminal/win32_[^:/]*|views/wx/[^:/]*_msw)\.cpp:' |
+    verdict "les en-têtes de Windows restent dans src/platform/win32 et dans les sources de Windows des vues"
+code "$include<wx/" src | grep -vE '^src/views/wx/' |
+    verdict "les en-têtes des fenêtres restent dans src/views/wx"
 code "$include<(CLI/|nlohmann/)" src | grep -vE '^src/console/' |
     verdict "arguments et JSON restent dans src/console"
 {
     code "$include<(fstream|filesystem)>" src
     code '(^|[^[:alnum:]_.>])(std::)?(fopen|freopen|fdopen|tmpfile|popen)[[:space:]]*\(|::system[[:space:]]*\(' src
-} | grep -vE '^src/platform/(posix|win32|terminal|wx)/' |
+} | grep -vE '^src/platform/(posix|win32)/' |
     verdict "hors de src/platform, rien n'ouvre un fichier ni ne lance un programme"
 code '^[[:space:]]*#[[:space:]]*(if|ifdef|ifndef|elif).*(_WIN32|_WIN64|WIN32|__linux__|__unix__|__APPLE__|_MSC_VER|__MINGW|__GNUC__)' src |
     grep -vE '^src/platform/' |
@@ -91,16 +94,16 @@ platform/win32       platform
 platform/win32/desktop platform platform/win32
 platform/memory      platform
 platform/native      platform platform/posix platform/win32
-platform/terminal    platform system settings engine operation
-platform/wx          platform platform/win32/desktop system settings engine operation dialogs mainwindow
 system               platform
 settings             platform system
 engine               platform system settings
 operation            platform system settings engine
 dialogs              platform system settings engine
 mainwindow           platform system settings engine operation dialogs
-startup              platform system settings engine operation dialogs mainwindow platform/posix platform/posix/desktop platform/win32 platform/win32/desktop platform/native platform/terminal platform/wx
-console              platform system settings engine operation startup platform/native platform/terminal
+views/terminal       platform system settings engine operation
+views/wx             platform platform/win32/desktop system settings engine operation dialogs mainwindow
+startup              platform system settings engine operation dialogs mainwindow platform/posix platform/posix/desktop platform/win32 platform/win32/desktop platform/native views/terminal views/wx
+console              platform system settings engine operation startup platform/native views/terminal
 '
 code "$include\"" src | sed -E 's/^src\/(([^:]*)\/)?([^:\/]+):([0-9]+):[^"]*"((.*)\/)?([^"\/]+)".*/\2 \6 src\/\1\3:\4/' |
     awk -v layers="$layers" '

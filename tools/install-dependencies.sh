@@ -6,7 +6,7 @@
 set -euo pipefail
 
 build_packages=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libwxgtk3.2-dev libgtk-3-dev)
-test_packages=(libgtest-dev libgmock-dev clang-format-14 clang-tidy-14 python3 xvfb icewm at-spi2-core
+test_packages=(ccache libgtest-dev libgmock-dev clang-format-14 clang-tidy-14 python3 xvfb icewm at-spi2-core
                dbus-daemon python3-gi gir1.2-atspi-2.0 xdotool x11-utils imagemagick libfaketime)
 windows_packages=(cmake ninja-build libcli11-dev nlohmann-json3-dev googletest make xz-utils
                   g++-mingw-w64-x86-64-posix wine wine64 locales xvfb xdotool python3)
@@ -15,7 +15,7 @@ case "${1-}" in
     build) packages=("${build_packages[@]}") commands=(g++ cmake ninja) ;;
     test)
         packages=("${build_packages[@]}" "${test_packages[@]}")
-        commands=(g++ cmake ninja clang-format-14 clang-tidy-14 python3)
+        commands=(g++ cmake ninja ccache clang-format-14 clang-tidy-14 python3)
         ;;
     windows)
         packages=("${windows_packages[@]}")
