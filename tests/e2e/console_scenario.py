@@ -15,6 +15,10 @@ import drive_scenarios
 import error_scenarios
 import harness
 import interruption_scenarios
+import loss_border_scenarios
+import loss_neighbour_scenarios
+import loss_restore_scenarios
+import loss_scenarios
 import question_scenarios
 import restore_scenarios
 import scale_scenarios
@@ -23,6 +27,7 @@ import unattended_scenarios
 
 MODULES = (copy_scenarios, question_scenarios, error_scenarios, drive_scenarios,
            settings_scenarios, restore_scenarios, unattended_scenarios, interruption_scenarios,
+           loss_scenarios, loss_border_scenarios, loss_restore_scenarios, loss_neighbour_scenarios,
            scale_scenarios)
 
 

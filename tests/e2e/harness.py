@@ -22,6 +22,8 @@ PATIENCE = 240  # seconds after which a program counts as hung
 TRIES = 10  # to catch a program in its midst
 # Where the programs see a native directory: the first that holds a path counts.
 DRIVES = [("/", "C:\\")]
+# What says in the root of a copy whose copy it is: beside the user's files, none of them.
+CERTIFICATE = re.compile(rb"\.~coffrelune-[0-9a-f]{16}\.copie")
 
 
 class Report:
@@ -303,6 +305,8 @@ def times_of(root):
     times = {}
     for directory, names, files in os.walk(os.fsencode(root)):
         for name in [*files, *names]:
+            if CERTIFICATE.fullmatch(name):
+                continue
             path = os.path.join(directory, name)
             if os.path.islink(path) or not os.path.isdir(path):
                 times[os.path.relpath(path, os.fsencode(root))] = os.lstat(path).st_mtime_ns // 100
@@ -310,18 +314,20 @@ def times_of(root):
 
 
 def names_below(root):
-    """Every relative path below a directory, as bytes."""
+    """Every relative path below a directory, as bytes, but for the certificates of copies."""
     found = set()
     for directory, names, files in os.walk(os.fsencode(root)):
-        for name in [*names, *files]:
+        for name in [*names, *(name for name in files if not CERTIFICATE.fullmatch(name))]:
             found.add(os.path.relpath(os.path.join(directory, name), os.fsencode(root)))
     return found
 
 
 def differences(left, right):
-    """What diff finds between two trees, line by line, links compared as links."""
-    answer = subprocess.run(["diff", "-r", "--no-dereference", left, right], capture_output=True,
-                            env={**os.environ, "LC_ALL": "C"}, check=False)
+    """What diff finds between two trees, line by line, links compared as links. The certificates
+    of copies are no part of it."""
+    answer = subprocess.run(["diff", "-r", "--no-dereference", "-x", ".~coffrelune-*.copie", left,
+                             right],
+                            capture_output=True, env={**os.environ, "LC_ALL": "C"}, check=False)
     return (answer.stdout + answer.stderr).decode(errors="backslashreplace").splitlines()
 
 

@@ -120,6 +120,38 @@ def compare(place, report):
     written(place, report, "LastCompNbErr", "2")
 
 
+def source_confirmed(place, report):
+    """Une source sur un autre volume : les fichiers sont gardés, la raison et le bouton le disent"""
+    tree(place)
+    place.write_line("ContinueOnError=-1\nSynchroCopie=-1\n")
+    program = place.open()
+    program.launch("Sauvegarde")
+    program.answer("OK")
+    certificate = next(f"{place.copy}/{name}" for name in os.listdir(place.copy)
+                       if name.endswith(".copie"))
+    text = read(certificate).decode()
+    write(certificate, re.sub("(?m)^volume=.*", "volume=uuid:un-autre-disque", text))
+    write(f"{place.copy}/sous/ancien.txt", "la dernière copie")
+
+    program.launch("Sauvegarde")
+    program.window("Sauvegarde ...").find("button", "Fermer").press()
+    program.answer("OK")
+    report.check("le fichier est gardé", os.path.exists(f"{place.copy}/sous/ancien.txt"))
+    report.check("la raison est dite", comes(lambda: any(
+        "n'est pas sur le même volume" in label for label in program.main.labels())),
+        program.main.labels())
+    program.main.find("button", "Confirmer la source").press()
+    report.check("le bouton s'en va", comes(
+        lambda: not program.main.has("button", "Confirmer la source")))
+    program.launch("Sauvegarde")
+    program.answer("OK")
+    report.check("le fichier est effacé", not os.path.exists(f"{place.copy}/sous/ancien.txt"))
+    report.check("le nombre est dit", comes(lambda: any(
+        "effacé de la copie 1 fichier(s)" in label for label in program.main.labels())),
+        program.main.labels())
+    report.equal("le programme finit bien", program.close().status, 0)
+
+
 def errors(place, report):
     """Une erreur : la fenêtre attend « Fermer », le message compte, la liste des erreurs se lit"""
     tree(place)
@@ -259,5 +291,5 @@ def link_without_address(place, report):
         "Liste des dernières erreurs de sauvegarde"))
 
 
-SCENARIOS = (backup, restore, compare, errors, replacement, stop, reader_launches,
-             link_without_address)
+SCENARIOS = (backup, restore, compare, source_confirmed, errors, replacement, stop,
+             reader_launches, link_without_address)

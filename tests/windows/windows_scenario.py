@@ -17,6 +17,9 @@ sys.path.insert(0, os.path.join(TESTS, "e2e"))
 import copy_scenarios
 import error_scenarios
 import harness
+import loss_neighbour_scenarios
+import loss_restore_scenarios
+import loss_scenarios
 import package_checks
 import question_scenarios
 import restore_scenarios
@@ -42,6 +45,16 @@ SHARED = {
     restore_scenarios: ("whole_cycle", "keeps_everything", "tree_only_without_terminal",
                         "gone_disk", "never_backed_up", "two_lines_in_one_place",
                         "target_over_source", "restore_questions"),
+    loss_scenarios: ("a_differing_file_is_counted_not_deleted",),
+    loss_restore_scenarios: ("complete_certificate_is_the_proof", "exclusions_of_then_and_now",
+                             "narrower_run_last", "tree_only_run_last", "backup_by_source_counts",
+                             "other_home", "copied_copy_becomes_a_copy",
+                             "damaged_certificates", "certificate_in_another_directory",
+                             "confirmed_source_after_a_restore"),
+    loss_neighbour_scenarios: ("other_configurations", "two_lines_one_copy",
+                               "shared_copy_restored", "copy_inside_its_source",
+                               "settings_inside_the_copy", "settings_inside_the_original",
+                               "file_and_directory_change_places"),
     unattended_scenarios: ("auto_run", "command_line_forms", "empty_last_element", "unknown_name",
                            "missing_disk"),
 }
