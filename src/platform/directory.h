@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "platform/file_entry.h"
 #include "platform/status.h"
@@ -26,7 +27,7 @@ class Directory {
 
     /// Gives the next entry, in the order in which the system returns them, and true; false at the
     /// end or after a failure, which status() then tells. "." and ".." may be among the entries.
-    /// Never given: the program's own files (own_names.h), sockets, FIFOs, devices, and the mount
+    /// Never given: the program's own files (names.h), sockets, FIFOs, devices, and the mount
     /// points of kernel pseudo file systems. A link is an entry of its own and no directory.
     virtual bool next(FileEntry& entry) = 0;
 
@@ -34,9 +35,14 @@ class Directory {
     /// nothing bears the name: its "no such entry" is then not to be trusted.
     virtual const Status& status() const = 0;
 
+    /// The directories that were met while the files were listed (Wanted::files, to the end), each
+    /// as a listing of directories gives it: nothing needs to be listed twice.
+    virtual std::vector<FileEntry> takeDirectories() = 0;
+
     /// Looks `name` (one component) up in this directory without following a link. False when there
     /// is no such entry or it cannot be read. Sees every write that this service made before the
-    /// call; what others write while the directory is open may be missed.
+    /// call, but for the files of a batch that is not finished; what others write while the
+    /// directory is open may be missed.
     virtual bool lookUp(const std::string& name, FileEntry& entry) = 0;
 };
 

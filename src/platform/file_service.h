@@ -5,22 +5,14 @@
 #include <string>
 #include <vector>
 
+#include "platform/copy_batch.h"
 #include "platform/directory.h"
 #include "platform/file_entry.h"
 #include "platform/held_tree.h"
 #include "platform/status.h"
+#include "platform/walk_ahead.h"
 
 namespace coffrelune {
-
-/// Told how far the copy of one file has come.
-class CopyObserver {
-  public:
-    virtual ~CopyObserver() = default;
-
-    /// Called after each chunk of at most 16 MiB and once at the end, on the calling thread.
-    /// `transferred`: bytes of this file so far.
-    virtual void chunkFinished(std::uint64_t transferred) = 0;
-};
 
 /// Who may enter a directory that is made.
 enum class DirectoryAccess {
@@ -82,12 +74,20 @@ class FileService {
     /// Copies one file over `destination`, which is complete or untouched whatever happens: the
     /// data goes to a temporary file beside it, takes the source's last-write time as it was before
     /// the reading, its attributes and, when the program may give files away, its owner, and only
-    /// then takes the final name. A source that ends before the size it had when it was opened
-    /// fails with 38. An existing read-only destination, or a directory there, fails with 5.
-    /// `sourceLinks` says whether a link is copied as a link (refuse) or its target's content is
-    /// (follow). `observer` may be null: a copy without notifications.
+    /// then, when the disk has it, takes the final name. A source that ends before the size it had
+    /// when it was opened fails with 38. An existing read-only destination, or a directory there,
+    /// fails with 5. `sourceLinks` says whether a link is copied as a link (refuse) or its target's
+    /// content is (follow). `observer` may be null: a copy without notifications.
     virtual Status copyFile(const std::string& source, const std::string& destination,
                             LinkRule sourceLinks, CopyObserver* observer) = 0;
+
+    /// A batch of copies into the tree `root`. `events` outlives it.
+    virtual std::unique_ptr<CopyBatch> startBatch(const std::string& root,
+                                                  AfterFailure afterFailure,
+                                                  CopyEvents& events) = 0;
+
+    /// A walk of one pass that only looks. It ends before something is written.
+    virtual std::unique_ptr<WalkAhead> startWalk() = 0;
 
     /// Makes the copy in progress, and every later one, end with 1235 at the next chunk, its old
     /// destination untouched. Async-signal-safe.
@@ -108,7 +108,7 @@ class FileService {
     virtual Status removeLeftovers(const std::string& directory) = 0;
 
     /// The names of the program's own files in a directory that are no temporaries: marks and
-    /// certificates (own_names.h), in any order.
+    /// certificates (names.h), in any order.
     virtual Status ownFiles(const std::string& directory, std::vector<std::string>& names) = 0;
 
     /// Reads a whole file of at most `limit` bytes (223 when it may be read but is larger).

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/characters.h"
 #include "platform/status.h"
 
 namespace coffrelune {
@@ -23,7 +24,7 @@ class DriveService {
 
     /// Turns what a person typed, dropped or chose into the core's form, once, where it enters. On
     /// Linux "/media/cle/Photos" gives "F:\Photos" when that volume is F:, else "C:\media\...".
-    /// A text that already has the core's form comes back in its plain spelling (core_path.h).
+    /// A text that already has the core's form comes back in its plain spelling (names.h).
     virtual std::string fromNative(const std::string& typed) = 0;
 
     /// The same of a text that entered through a window. Nobody stands in a directory there: what
@@ -61,19 +62,6 @@ class Locale {
     virtual ~Locale() = default;
     virtual std::string decimalSeparator() const = 0;
     virtual std::string groupSeparator() const = 0;
-};
-
-/// The user's ANSI code page, met only in the settings file and the error lists.
-class AnsiCodec {
-  public:
-    virtual ~AnsiCodec() = default;
-
-    /// UTF-8 to the code page, with "?" for what it cannot hold. Returns false when there was such
-    /// a character; `bytes` is complete all the same.
-    virtual bool encode(const std::string& utf8, std::string& bytes) const = 0;
-
-    /// Any bytes to UTF-8; never fails.
-    virtual std::string decode(const std::string& bytes) const = 0;
 };
 
 class SoundService {

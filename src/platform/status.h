@@ -39,13 +39,17 @@ inline constexpr std::uint32_t requestAborted = 1235;
 inline constexpr std::uint32_t cannotResolveName = 1921;
 }  // namespace error_number
 
-/// Outcome of a platform call: success, or a Windows error number with the path concerned and,
-/// where the system gave one, a text for the journal of a developer.
+/// Outcome of a platform call: success, or a Windows error number with the path concerned.
 class [[nodiscard]] Status {
   public:
     Status() = default;
 
-    static Status failure(std::uint32_t code, std::string path, std::string text = {});
+    static Status failure(std::uint32_t code, std::string path) {
+        Status status;
+        status.code_ = code;
+        status.path_ = std::move(path);
+        return status;
+    }
 
     bool ok() const { return code_ == error_number::none; }
     /// The system says for certain that nothing bears the name (2) or that a directory on the way
@@ -55,12 +59,10 @@ class [[nodiscard]] Status {
     }
     std::uint32_t code() const { return code_; }
     const std::string& path() const { return path_; }
-    const std::string& text() const { return text_; }
 
   private:
     std::uint32_t code_ = error_number::none;
     std::string path_;
-    std::string text_;
 };
 
 }  // namespace coffrelune

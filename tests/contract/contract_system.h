@@ -49,6 +49,9 @@ class ContractSystem {
     /// What another process is told that takes hold of the directory, claims it and ends.
     virtual std::uint32_t claimElsewhere(const std::string& path, TreeUse use) = 0;
 
+    /// What another process is told that clears the leftovers in the directory and ends.
+    virtual std::uint32_t clearLeftoversElsewhere(const std::string& directory) = 0;
+
     /// What a copy leaves behind in `directory` whose process is killed half-way.
     virtual void killCopyInto(const std::string& directory) = 0;
 

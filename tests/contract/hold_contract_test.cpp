@@ -1,5 +1,5 @@
 #include "contract/contract_fixture.h"
-#include "platform/own_names.h"
+#include "platform/names.h"
 
 namespace coffrelune {
 namespace {

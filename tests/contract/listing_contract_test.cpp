@@ -1,6 +1,7 @@
 #include <map>
 
 #include "contract/contract_fixture.h"
+#include "platform/names.h"
 
 namespace coffrelune {
 namespace {
@@ -8,7 +9,47 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class ListingContract : public Contract {};
+class ListingContract : public Contract {
+  protected:
+    std::vector<std::string> filesListed(const std::string& path) {
+        std::unique_ptr<Directory> opened;
+        EXPECT_TRUE(files().openDirectory(path, LinkRule::refuse, Wanted::files, opened).ok());
+        std::vector<std::string> names;
+        for (FileEntry found; opened->next(found);) names.push_back(found.name);
+        EXPECT_TRUE(opened->status().ok());
+        met_ = opened->takeDirectories();
+        return names;
+    }
+    /// While filesListed() listed the files.
+    const std::vector<FileEntry>& directoriesMet() const { return met_; }
+
+    std::vector<FileEntry> directoriesListed(const std::string& path) {
+        std::unique_ptr<Directory> opened;
+        EXPECT_TRUE(
+            files().openDirectory(path, LinkRule::refuse, Wanted::directories, opened).ok());
+        std::vector<FileEntry> entries;
+        for (FileEntry found; opened->next(found);) {
+            if (found.name != "." && found.name != "..") entries.push_back(found);
+        }
+        return entries;
+    }
+
+    static void expectSame(const std::vector<FileEntry>& found,
+                           const std::vector<FileEntry>& expected) {
+        ASSERT_EQ(found.size(), expected.size());
+        for (std::size_t i = 0; i < found.size(); ++i) {
+            EXPECT_EQ(found[i].name, expected[i].name);
+            EXPECT_EQ(found[i].attributes, expected[i].attributes);
+            EXPECT_EQ(found[i].id, expected[i].id);
+            EXPECT_EQ(found[i].times.lastWrite, expected[i].times.lastWrite);
+            EXPECT_EQ(found[i].mountPoint, expected[i].mountPoint);
+        }
+    }
+
+  private:
+    std::vector<FileEntry> met_;
+};
+class TreeLinkListingContract : public ListingContract {};
 class LinkListingContract : public Contract {};
 class UnreadableContract : public Contract {};
 class SpecialContract : public Contract {};
@@ -16,6 +57,8 @@ class SpecialContract : public Contract {};
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(SpecialContract);
 
 INSTANTIATE_TEST_SUITE_P(On, ListingContract, testing::ValuesIn(contractSystems()), contractName);
+INSTANTIATE_TEST_SUITE_P(On, TreeLinkListingContract,
+                         testing::ValuesIn(contractSystems(Capability::treeLinks)), contractName);
 INSTANTIATE_TEST_SUITE_P(On, LinkListingContract,
                          testing::ValuesIn(contractSystems(Capability::links)), contractName);
 INSTANTIATE_TEST_SUITE_P(On, UnreadableContract,
@@ -96,6 +139,42 @@ TEST_P(ListingContract, GivesOnlyWhatIsWanted) {
     EXPECT_THAT(listed(directory()), ElementsAre("Sous", "a.txt"));
     EXPECT_THAT(listed(directory(), Wanted::directories), ElementsAre("Sous"));
     EXPECT_THAT(listed(directory(), Wanted::files), ElementsAre("a.txt"));
+}
+
+TEST_P(ListingContract, DirectoriesMetOnTheWayAreThoseOfTheirOwnListing) {
+    system().makeDirectory(at("Sous"));
+    system().makeDirectory(at("Suite"));
+    make("a.txt", "abc");
+    make(ownFileName(OwnFile::certificate, 2), "own");
+    system().makeDirectory(at(ownFileName(OwnFile::certificate, 3)));
+    const std::vector<FileEntry> expected = directoriesListed(directory());
+    EXPECT_THAT(expected, testing::SizeIs(3));
+    EXPECT_THAT(filesListed(directory()), ElementsAre("a.txt"));
+    expectSame(directoriesMet(), expected);
+}
+
+TEST_P(ListingContract, DirectoriesAreMetWhereThereIsNoFile) {
+    EXPECT_THAT(filesListed(directory()), IsEmpty());
+    EXPECT_THAT(directoriesMet(), IsEmpty());
+    EXPECT_THAT(filesListed(system().secondDrive()), IsEmpty());
+    EXPECT_THAT(directoriesMet(), IsEmpty());
+    system().makeDirectory(at("Sous"));
+    EXPECT_THAT(filesListed(directory()), IsEmpty());
+    expectSame(directoriesMet(), directoriesListed(directory()));
+}
+
+TEST_P(ListingContract, DirectoriesAreMetInTheTopOfADrive) {
+    EXPECT_THAT(filesListed(system().drive()), IsEmpty());
+    EXPECT_THAT(directoriesMet(), testing::SizeIs(1));
+    expectSame(directoriesMet(), directoriesListed(system().drive()));
+}
+
+TEST_P(TreeLinkListingContract, LinksToDirectoriesAreMetAsTheyAreListed) {
+    system().makeDirectory(at("Sous"));
+    system().makeLink(at("lien"), "Sous");
+    make("a.txt", "abc");
+    (void)filesListed(directory());
+    expectSame(directoriesMet(), directoriesListed(directory()));
 }
 
 TEST_P(LinkListingContract, GivesALinkToADirectoryAmongTheFiles) {

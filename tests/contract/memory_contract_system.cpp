@@ -45,6 +45,9 @@ class MemoryContractSystem final : public ContractSystem {
         const Status status = others.hold(path, held);
         return status.ok() ? held->claim(use).code() : status.code();
     }
+    std::uint32_t clearLeftoversElsewhere(const std::string& directory) override {
+        return MemoryFiles(disk(), platform_.clock()).removeLeftovers(directory).code();
+    }
     void killCopyInto(const std::string& directory) override { disk().leftover(directory); }
 
     std::optional<std::string> content(const std::string& path) override {

@@ -152,20 +152,31 @@ bool PosixContractSystem::cutShort(const std::string& path, std::uint64_t size) 
     return true;
 }
 
-std::uint32_t PosixContractSystem::claimElsewhere(const std::string& path, TreeUse use) {
+std::uint32_t PosixContractSystem::codeElsewhere(
+    const std::function<std::uint32_t(FileService& files)>& call) const {
     const pid_t child = fork();
     EXPECT_GE(child, 0);
     if (child == 0) {
         const std::unique_ptr<PosixPlatform> platform = makePlatform();
-        std::unique_ptr<HeldTree> held;
-        const Status status = platform->files().hold(path, held);
-        const std::uint32_t code = status.ok() ? held->claim(use).code() : status.code();
-        _exit(static_cast<int>(std::min(code, greatestExitStatus)));
+        _exit(static_cast<int>(std::min(call(platform->files()), greatestExitStatus)));
     }
     int status = 0;
     EXPECT_EQ(waitpid(child, &status, 0), child);
     EXPECT_TRUE(WIFEXITED(status));
     return static_cast<std::uint32_t>(WEXITSTATUS(status));
+}
+
+std::uint32_t PosixContractSystem::claimElsewhere(const std::string& path, TreeUse use) {
+    return codeElsewhere([&](FileService& files) {
+        std::unique_ptr<HeldTree> held;
+        const Status status = files.hold(path, held);
+        return status.ok() ? held->claim(use).code() : status.code();
+    });
+}
+
+std::uint32_t PosixContractSystem::clearLeftoversElsewhere(const std::string& directory) {
+    return codeElsewhere(
+        [&](FileService& files) { return files.removeLeftovers(directory).code(); });
 }
 
 void PosixContractSystem::killCopyInto(const std::string& directory) {

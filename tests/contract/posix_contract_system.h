@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -37,6 +38,7 @@ class PosixContractSystem final : public ContractSystem {
     bool rename(const std::string& from, const std::string& to) override;
     bool cutShort(const std::string& path, std::uint64_t size) override;
     std::uint32_t claimElsewhere(const std::string& path, TreeUse use) override;
+    std::uint32_t clearLeftoversElsewhere(const std::string& directory) override;
     void killCopyInto(const std::string& directory) override;
     std::optional<std::string> content(const std::string& path) override;
     std::vector<std::string> names(const std::string& directory) override;
@@ -47,6 +49,8 @@ class PosixContractSystem final : public ContractSystem {
 
     /// Services of a process of its own on the same directories.
     std::unique_ptr<PosixPlatform> makePlatform() const;
+    /// What a process of its own is told by a call of its own services.
+    std::uint32_t codeElsewhere(const std::function<std::uint32_t(FileService& files)>& call) const;
     std::filesystem::path native(const std::string& path) const;
 
     std::filesystem::path base_;

@@ -104,6 +104,10 @@ class Win32ContractSystem final : public ContractSystem {
     }
     bool cutShort(const std::string& path, std::uint64_t size) override;
     std::uint32_t claimElsewhere(const std::string& path, TreeUse use) override;
+    // What bars another process is the handle of the file: it bars every other service.
+    std::uint32_t clearLeftoversElsewhere(const std::string& directory) override {
+        return Win32Platform().files().removeLeftovers(directory).code();
+    }
     void killCopyInto(const std::string& directory) override;
     std::optional<std::string> content(const std::string& path) override {
         return disk::content(path);

@@ -1,5 +1,7 @@
 #include "platform/memory/faulty_files.h"
 
+#include <deque>
+
 namespace coffrelune {
 namespace {
 
@@ -22,6 +24,12 @@ class FaultyFiles::FaultyDirectory final : public Directory {
     }
 
     const Status& status() const override { return failure_.ok() ? inner_->status() : failure_; }
+
+    std::vector<FileEntry> takeDirectories() override {
+        return failure_.ok() ? inner_->takeDirectories() : std::vector<FileEntry>();
+    }
+
+    Directory& inner() { return *inner_; }
 
     bool lookUp(const std::string& name, FileEntry& entry) override {
         return files_.enter("find", joined(path_, name)).ok() && inner_->lookUp(name, entry);
@@ -55,6 +63,87 @@ class FaultyFiles::FaultyTree final : public HeldTree {
     FaultyFiles& files_;
     std::string root_;
     std::unique_ptr<HeldTree> inner_;
+};
+
+// A file whose commit is to fail never reaches the inner batch, so that what bears its name is
+// untouched, as after a true failure.
+class FaultyFiles::FaultyBatch final : public CopyBatch, private CopyEvents {
+  public:
+    FaultyBatch(FaultyFiles& files, std::string root, AfterFailure afterFailure, CopyEvents& events)
+        : files_(files),
+          root_(std::move(root)),
+          afterFailure_(afterFailure),
+          events_(events),
+          inner_(files.inner_.startBatch(root_, afterFailure, *this)) {}
+
+    Status add(const CopyRequest& request, std::uint64_t& ticket) override {
+        Status status = files_.enter("copyFile", request.sourcePath, request.targetPath);
+        if (!status.ok()) return status;
+        Status commit = files_.enter("commit", request.targetPath);
+        if (commit.ok() && stopped_) {
+            commit = Status::failure(error_number::requestAborted, request.targetPath);
+        }
+        if (commit.ok()) status = forward(request);
+        if (!status.ok()) return status;
+        ticket = ++last_;
+        waiting_.push_back({ticket, commit});
+        stopped_ = stopped_ || (!commit.ok() && afterFailure_ == AfterFailure::stop);
+        return status;
+    }
+
+    Status finish() override {
+        const Status status = inner_->finish();
+        tellFailures();
+        stopped_ = false;
+        const Status chosen = files_.enter("finish", root_);
+        return chosen.ok() ? status : chosen;
+    }
+
+  private:
+    struct Waiting {
+        std::uint64_t ticket;
+        Status commit;  // success: the inner batch tells
+    };
+
+    Status forward(const CopyRequest& request) {
+        const CopyRequest inner{inside(request.source), inside(request.target), request.entry,
+                                request.sourcePath,     request.targetPath,     request.isNew,
+                                request.writable,       request.allTimes,       request.observer};
+        std::uint64_t ticket = 0;
+        return inner_->add(inner, ticket);
+    }
+
+    // Every open directory of this service is one of its own.
+    static Directory& inside(Directory& directory) {
+        return static_cast<FaultyDirectory&>(directory).inner();
+    }
+
+    void committed(std::uint64_t, const Status& status) override {
+        tellFailures();
+        const std::uint64_t ticket = waiting_.front().ticket;
+        waiting_.pop_front();
+        events_.committed(ticket, status);
+    }
+
+    void waiting() override { events_.waiting(); }
+
+    /// Those that come before the next file of the inner batch.
+    void tellFailures() {
+        while (!waiting_.empty() && !waiting_.front().commit.ok()) {
+            const Waiting first = waiting_.front();
+            waiting_.pop_front();
+            events_.committed(first.ticket, first.commit);
+        }
+    }
+
+    FaultyFiles& files_;
+    std::string root_;
+    AfterFailure afterFailure_;
+    CopyEvents& events_;
+    std::deque<Waiting> waiting_;  // in the order of their tickets
+    std::uint64_t last_ = 0;
+    bool stopped_ = false;
+    std::unique_ptr<CopyBatch> inner_;
 };
 
 void FaultyFiles::failCall(std::uint64_t number, std::uint32_t code) {
@@ -134,6 +223,11 @@ Status FaultyFiles::copyFile(const std::string& source, const std::string& desti
                              LinkRule sourceLinks, CopyObserver* observer) {
     Status status = enter("copyFile", source, destination);
     return status.ok() ? inner_.copyFile(source, destination, sourceLinks, observer) : status;
+}
+
+std::unique_ptr<CopyBatch> FaultyFiles::startBatch(const std::string& root,
+                                                   AfterFailure afterFailure, CopyEvents& events) {
+    return std::make_unique<FaultyBatch>(*this, root, afterFailure, events);
 }
 
 Status FaultyFiles::setAttributes(const std::string& path, std::uint32_t attributes) {

@@ -12,7 +12,9 @@ namespace coffrelune {
 /// Forwards to another file service and fails the calls that a test chooses; a failed call is not
 /// forwarded. Counts each call that can fail: every function of FileService except resolve and
 /// abandonCopies, of an open directory "next" (the listing breaks off) and "find" (lookUp tells
-/// that there is no such entry), and of a held tree "claim" and "flush".
+/// that there is no such entry), of a held tree "claim" and "flush", and of a batch "copyFile" (a
+/// file is added), "commit" (counted when it is added; it is told as failed in its turn) and
+/// "finish".
 class FaultyFiles final : public FileService {
   public:
     static constexpr int always = -1;
@@ -49,6 +51,9 @@ class FaultyFiles final : public FileService {
     Status removeDirectory(const std::string& path) override;
     Status copyFile(const std::string& source, const std::string& destination, LinkRule sourceLinks,
                     CopyObserver* observer) override;
+    std::unique_ptr<CopyBatch> startBatch(const std::string& root, AfterFailure afterFailure,
+                                          CopyEvents& events) override;
+    std::unique_ptr<WalkAhead> startWalk() override { return std::make_unique<PlainWalk>(*this); }
     void abandonCopies() override { inner_.abandonCopies(); }
     Status setAttributes(const std::string& path, std::uint32_t attributes) override;
     Status setTimes(const std::string& path, const FileTimes& times) override;
@@ -62,6 +67,7 @@ class FaultyFiles final : public FileService {
   private:
     class FaultyDirectory;
     class FaultyTree;
+    class FaultyBatch;
 
     struct Rule {
         std::uint64_t number;  // 0: by name and path

@@ -1,24 +1,13 @@
 #include <algorithm>
 
+#include "platform/memory/memory_batch.h"
 #include "platform/memory/memory_files.h"
 
 namespace coffrelune {
 
-// One copy from its first look to its final name.
-struct MemoryFiles::Copy {
-    std::string from;
-    std::string to;
-    MemoryNode::Pointer source;
-    MemoryPlace destination;
-    std::string temporaryName;
-    std::uint64_t size = 0;  // when it was opened
-    std::uint32_t attributes = 0;
-    FileTimes times;  // as they were before the reading
-};
-
 // What the copy reads. A link that the destination cannot hold stands for its target, when that is
 // a file.
-Status MemoryFiles::openSource(const Copy& copy, LinkRule links, MemoryPlace& source) const {
+Status MemoryFiles::openSource(const MemoryCopy& copy, LinkRule links, MemoryPlace& source) const {
     Status status = existing(copy.from, links, source);
     if (!status.ok()) return status;
     if (source.node->isLink() && !copy.destination.volume->holdsLinks) {
@@ -39,7 +28,8 @@ void MemoryFiles::spend(std::uint64_t bytes) {
     unpaidBytes_ %= bytesPerMillisecond_;
 }
 
-Status MemoryFiles::nextChunk(const Copy& copy, MemoryNode& temporary, std::uint64_t bytes) {
+Status MemoryFiles::nextChunk(const MemoryCopy& copy, std::uint64_t bytes) {
+    MemoryNode& temporary = *copy.temporary;
     const MemoryVolume& volume = *copy.destination.volume;
     if (!volume.present) return Status::failure(error_number::deviceDoesNotExist, copy.to);
     if (copy.source->readError != 0) return Status::failure(copy.source->readError, copy.from);
@@ -55,11 +45,12 @@ Status MemoryFiles::nextChunk(const Copy& copy, MemoryNode& temporary, std::uint
     return {};
 }
 
-Status MemoryFiles::transfer(const Copy& copy, MemoryNode& temporary, CopyObserver* observer) {
+Status MemoryFiles::transfer(const MemoryCopy& copy, CopyObserver* observer) {
+    const MemoryNode& temporary = *copy.temporary;
     do {
         const std::uint64_t done = temporary.size();
         const std::uint64_t left = std::max(copy.source->readableSize(), done) - done;
-        Status status = nextChunk(copy, temporary, std::min(left, chunkSize_));
+        Status status = nextChunk(copy, std::min(left, chunkSize_));
         if (!status.ok()) return status;
         if (copyHook) copyHook({copy.from, copy.to, temporary.size(), copy.source->size()});
         if (observer != nullptr) observer->chunkFinished(temporary.size());
@@ -69,50 +60,85 @@ Status MemoryFiles::transfer(const Copy& copy, MemoryNode& temporary, CopyObserv
     return {};
 }
 
-Status MemoryFiles::finish(const Copy& copy, const MemoryNode::Pointer& temporary) {
-    // The hook may have changed what stands under the final name.
-    MemoryPlace place;
-    Status status = prepareDestination(copy.to, LinkRule::refuse, place);
+// Looks at both ends. `isNew`: what may bear the name is looked at when the copy gets it.
+Status MemoryFiles::begin(MemoryCopy& copy, LinkRule links, bool isNew) const {
+    if (abandoned_) return Status::failure(error_number::requestAborted, copy.from);
+    MemoryPlace from;
+    MemoryPlace& to = copy.destination;
+    Status status = existing(copy.from, links, from);
+    if (status.ok()) status = locate(copy.to, LinkRule::refuse, to);
+    if (status.ok()) status = checkName(copy.to, to);
+    if (status.ok() && !isNew) status = checkReplaceable(copy.to, to);
+    if (status.ok()) status = openSource(copy, links, from);
     if (!status.ok()) return status;
+    copy.source = from.node;
+    if (copy.source == to.node) return Status::failure(error_number::sharingViolation, copy.to);
+    copy.size = copy.source->size();
+    copy.attributes = copy.source->attributes;
+    copy.times = copy.source->times;
+    if (to.node != nullptr) {
+        copy.old = to.node->times;
+        copy.oldSize = to.node->size();
+    }
+    return status;
+}
+
+// Makes the temporary: whole and with all that it bears but its name, or not there.
+Status MemoryFiles::fill(MemoryCopy& copy, CopyObserver* observer) {
+    const MemoryPlace& to = copy.destination;
+    const std::string name = disk_.newTemporaryName();
+    copy.temporary = disk_.newNode(*to.volume, name, attribute::normal);
+    copy.temporary->beingWritten = true;
+    to.parent->add(disk_.key(*to.volume, name), copy.temporary);
+    Status status = transfer(copy, observer);
+    if (!status.ok()) {
+        drop(copy);
+        return status;
+    }
     clock_.advance(millisecondsPerFile_);
     const std::uint64_t now = clock_.fileTime();
-    temporary->attributes = copy.attributes;
-    temporary->times = {now, now, copy.times.lastWrite};
-    if (temporary->isLink()) temporary->times = copy.times;
+    copy.temporary->attributes = copy.attributes;
+    copy.temporary->times = {now, now, copy.times.lastWrite};
+    if (copy.temporary->isLink()) copy.temporary->times = copy.times;
+    return status;
+}
+
+void MemoryFiles::giveName(const MemoryCopy& copy) {
     const MemoryPlace& to = copy.destination;
-    to.parent->rename(disk_.key(*to.volume, copy.temporaryName), disk_.key(*to.volume, to.name),
+    copy.temporary->beingWritten = false;
+    to.parent->rename(disk_.key(*to.volume, copy.temporary->name()), disk_.key(*to.volume, to.name),
                       to.name);
-    return {};
+}
+
+void MemoryFiles::drop(const MemoryCopy& copy) {
+    const MemoryPlace& to = copy.destination;
+    to.parent->remove(disk_.key(*to.volume, copy.temporary->name()));
 }
 
 Status MemoryFiles::copyFile(const std::string& source, const std::string& destination,
                              LinkRule sourceLinks, CopyObserver* observer) {
     record("copyFile", source, destination);
-    if (abandoned_) return Status::failure(error_number::requestAborted, source);
-    Copy copy{source, destination, nullptr, {}, disk_.newTemporaryName(), 0, 0, {}};
-    MemoryPlace from;
-    Status status = existing(source, sourceLinks, from);
-    if (status.ok()) status = prepareDestination(destination, LinkRule::refuse, copy.destination);
-    if (status.ok()) status = openSource(copy, sourceLinks, from);
+    MemoryCopy copy{source, destination};
+    Status status = begin(copy, sourceLinks, false);
+    if (status.ok()) status = fill(copy, observer);
     if (!status.ok()) return status;
-    copy.source = from.node;
-    if (copy.source == copy.destination.node) {
-        return Status::failure(error_number::sharingViolation, destination);
+    // The hook may have changed what stands under the final name.
+    MemoryPlace place;
+    status = prepareDestination(destination, LinkRule::refuse, place);
+    if (status.ok() && copy.destination.volume->flushError != 0) {
+        status = Status::failure(copy.destination.volume->flushError, destination);
     }
-    copy.size = copy.source->size();
-    copy.attributes = copy.source->attributes;
-    copy.times = copy.source->times;
-
-    const MemoryNode::Pointer parent = copy.destination.parent;
-    const auto temporary =
-        disk_.newNode(*copy.destination.volume, copy.temporaryName, attribute::normal);
-    parent->add(disk_.key(*copy.destination.volume, copy.temporaryName), temporary);
-    running_.insert(copy.temporaryName);
-    status = transfer(copy, *temporary, observer);
-    if (status.ok()) status = finish(copy, temporary);
-    if (!status.ok()) parent->remove(disk_.key(*copy.destination.volume, copy.temporaryName));
-    running_.erase(copy.temporaryName);
+    if (status.ok()) {
+        giveName(copy);
+    } else {
+        drop(copy);
+    }
     return status;
+}
+
+std::unique_ptr<CopyBatch> MemoryFiles::startBatch(const std::string& root,
+                                                   AfterFailure afterFailure, CopyEvents& events) {
+    return std::make_unique<MemoryBatch>(*this, root, afterFailure, events);
 }
 
 }  // namespace coffrelune

@@ -1,6 +1,6 @@
 #include "platform/memory/memory_directory.h"
 
-#include "platform/own_names.h"
+#include "platform/names.h"
 
 namespace coffrelune {
 
@@ -24,6 +24,10 @@ bool MemoryDirectory::gives(const MemoryNode& node) const {
     if (wanted_ != Wanted::everything && node.isDirectory() != (wanted_ == Wanted::directories)) {
         return false;
     }
+    return isThere(node);
+}
+
+bool MemoryDirectory::isThere(const MemoryNode& node) const {
     return node_->find(disk_.key(volume_, node.name())).get() == &node;
 }
 
@@ -52,6 +56,15 @@ bool MemoryDirectory::next(FileEntry& entry) {
         return true;
     }
     return false;
+}
+
+std::vector<FileEntry> MemoryDirectory::takeDirectories() {
+    std::vector<FileEntry> directories;
+    if (!status_.ok()) return directories;
+    for (const MemoryNode::Pointer& node : listing_) {
+        if (node->isDirectory() && isThere(*node)) directories.push_back(node->entry());
+    }
+    return directories;
 }
 
 bool MemoryDirectory::lookUp(const std::string& name, FileEntry& entry) {

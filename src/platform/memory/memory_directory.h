@@ -17,10 +17,12 @@ class MemoryDirectory final : public Directory {
 
     bool next(FileEntry& entry) override;
     const Status& status() const override { return status_; }
+    std::vector<FileEntry> takeDirectories() override;
     bool lookUp(const std::string& name, FileEntry& entry) override;
 
   private:
     bool gives(const MemoryNode& node) const;
+    bool isThere(const MemoryNode& node) const;
     bool nextDots(FileEntry& entry);
 
     const MemoryDisk& disk_;

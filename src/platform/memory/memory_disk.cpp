@@ -5,8 +5,8 @@
 #include <deque>
 
 #include "platform/memory/memory_hold.h"
-#include "platform/memory/memory_path.h"
-#include "platform/own_names.h"
+#include "platform/memory/memory_node.h"
+#include "platform/names.h"
 
 namespace coffrelune {
 namespace {
@@ -349,7 +349,7 @@ std::vector<std::string> MemoryDisk::list(const std::string& path) const {
 std::vector<std::string> MemoryDisk::driveRoots() const {
     std::vector<std::string> roots;
     for (const auto& [key, volume] : volumes_) {
-        if (volume.present && volume.root[1] == ':') roots.push_back(volume.root);
+        if (volume.present && hasDriveLetter(volume.root)) roots.push_back(volume.root);
     }
     return roots;
 }

@@ -72,17 +72,24 @@ Status MemoryFiles::changeable(const std::string& path, LinkRule links, MemoryPl
 Status MemoryFiles::prepareDestination(const std::string& path, LinkRule links,
                                        MemoryPlace& place) const {
     Status status = locate(path, links, place);
-    if (!status.ok()) return status;
+    if (status.ok()) status = checkName(path, place);
+    return status.ok() ? checkReplaceable(path, place) : status;
+}
+
+Status MemoryFiles::checkName(const std::string& path, const MemoryPlace& place) {
     if (place.volume->writeProtected) return Status::failure(error_number::writeProtect, path);
-    if (place.node && (place.node->isDirectory() || place.node->isReadOnly())) {
-        return Status::failure(error_number::accessDenied, path);
-    }
-    if (place.node && place.node->writeError != 0) {
-        return Status::failure(place.node->writeError, path);
-    }
     if (place.parent->writeError != 0) return Status::failure(place.parent->writeError, path);
     if (place.name.size() > longestName) return Status::failure(error_number::nameTooLong, path);
     return {};
+}
+
+// A file, or nothing, may take the place of what is there.
+Status MemoryFiles::checkReplaceable(const std::string& path, const MemoryPlace& place) {
+    if (place.node == nullptr) return {};
+    if (place.node->isDirectory() || place.node->isReadOnly()) {
+        return Status::failure(error_number::accessDenied, path);
+    }
+    return place.node->writeError == 0 ? Status() : Status::failure(place.node->writeError, path);
 }
 
 Status MemoryFiles::openDirectory(const std::string& path, LinkRule links, Wanted wanted,

@@ -5,13 +5,13 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "platform/file_service.h"
-#include "platform/memory/memory_clock.h"
+#include "platform/memory/memory_copy.h"
 #include "platform/memory/memory_disk.h"
 #include "platform/memory/memory_hold.h"
+#include "platform/memory/memory_services.h"
 
 namespace coffrelune {
 
@@ -51,6 +51,10 @@ class MemoryFiles final : public FileService {
     /// How much the clock moves on: for each file, and while bytes are copied (0: at once).
     void setCopyCost(std::int64_t millisecondsPerFile, std::uint64_t bytesPerMillisecond);
 
+    /// How many files of a batch wait for their names at most; 1, unless it is told otherwise: each
+    /// file has its name after the next call.
+    void setBatchSize(std::size_t files) { batchSize_ = files; }
+
     // ---- FileService -------------------------------------------------------------------------
     Status hold(const std::string& root, std::unique_ptr<HeldTree>& held) override;
     Status openDirectory(const std::string& path, LinkRule links, Wanted wanted,
@@ -63,6 +67,9 @@ class MemoryFiles final : public FileService {
     Status removeDirectory(const std::string& path) override;
     Status copyFile(const std::string& source, const std::string& destination, LinkRule sourceLinks,
                     CopyObserver* observer) override;
+    std::unique_ptr<CopyBatch> startBatch(const std::string& root, AfterFailure afterFailure,
+                                          CopyEvents& events) override;
+    std::unique_ptr<WalkAhead> startWalk() override { return std::make_unique<PlainWalk>(*this); }
     void abandonCopies() override { abandoned_ = true; }
     Status setAttributes(const std::string& path, std::uint32_t attributes) override;
     Status setTimes(const std::string& path, const FileTimes& times) override;
@@ -74,7 +81,7 @@ class MemoryFiles final : public FileService {
                       Durability durability) override;
 
   private:
-    struct Copy;
+    friend class MemoryBatch;
 
     void record(const char* name, const std::string& path, const std::string& more = {});
     Status locate(const std::string& path, LinkRule links, MemoryPlace& place) const;
@@ -83,19 +90,24 @@ class MemoryFiles final : public FileService {
     Status existing(const std::string& path, LinkRule links, MemoryPlace& place) const;
     Status changeable(const std::string& path, LinkRule links, MemoryPlace& place) const;
     Status prepareDestination(const std::string& path, LinkRule links, MemoryPlace& place) const;
-    Status openSource(const Copy& copy, LinkRule links, MemoryPlace& source) const;
-    Status transfer(const Copy& copy, MemoryNode& temporary, CopyObserver* observer);
-    Status nextChunk(const Copy& copy, MemoryNode& temporary, std::uint64_t bytes);
-    Status finish(const Copy& copy, const MemoryNode::Pointer& temporary);
+    static Status checkReplaceable(const std::string& path, const MemoryPlace& place);
+    static Status checkName(const std::string& path, const MemoryPlace& place);
+    Status openSource(const MemoryCopy& copy, LinkRule links, MemoryPlace& source) const;
+    Status begin(MemoryCopy& copy, LinkRule links, bool isNew) const;
+    Status fill(MemoryCopy& copy, CopyObserver* observer);
+    Status transfer(const MemoryCopy& copy, CopyObserver* observer);
+    Status nextChunk(const MemoryCopy& copy, std::uint64_t bytes);
+    void giveName(const MemoryCopy& copy);
+    void drop(const MemoryCopy& copy);
     void spend(std::uint64_t bytes);
 
     MemoryDisk& disk_;
     MemoryClock& clock_;
     std::vector<std::string> calls_;
     MemoryHolds holds_;
-    std::unordered_set<std::string> running_;  // temporaries of copies in progress
     std::atomic<bool> abandoned_ = false;
     std::uint64_t chunkSize_ = std::uint64_t{16} << 20;
+    std::size_t batchSize_ = 1;
     std::int64_t millisecondsPerFile_ = 0;
     std::uint64_t bytesPerMillisecond_ = 0;
     std::uint64_t unpaidBytes_ = 0;  // of a millisecond that is not full yet

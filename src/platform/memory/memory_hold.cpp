@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/memory/memory_path.h"
+#include "platform/memory/memory_node.h"
 
 namespace coffrelune {
 namespace {
@@ -76,8 +76,10 @@ Status MemoryHeldTree::claim(TreeUse use) {
 
 Status MemoryHeldTree::flush() {
     calls_.push_back("flush " + hold_.root);
-    if (hold_.volume->present) return {};
-    return Status::failure(error_number::deviceDoesNotExist, hold_.root);
+    const MemoryVolume& volume = *hold_.volume;
+    const std::uint32_t error =
+        volume.present ? volume.flushError : error_number::deviceDoesNotExist;
+    return error == 0 ? Status() : Status::failure(error, hold_.root);
 }
 
 }  // namespace coffrelune

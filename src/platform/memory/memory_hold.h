@@ -6,7 +6,7 @@
 
 #include "platform/held_tree.h"
 #include "platform/memory/memory_disk.h"
-#include "platform/memory/memory_path.h"
+#include "platform/memory/memory_node.h"
 
 namespace coffrelune {
 

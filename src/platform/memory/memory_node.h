@@ -13,6 +13,18 @@
 
 namespace coffrelune {
 
+/// A path of the core taken apart.
+struct MemoryPath {
+    std::string root;                     // "C:\" or "\\server\share"; empty when there is none
+    std::vector<std::string> components;  // below the root, empty ones left out
+};
+
+/// Takes any text; one that is no full path gets an empty root.
+MemoryPath splitMemoryPath(const std::string& path);
+
+/// ASCII and Latin-1 letters in upper case, for names that differ at most in case.
+std::string foldCase(const std::string& name);
+
 /// A process that uses a tree.
 struct TreeClaim {
     const void* process;  // null for a process that exists only in a test
@@ -39,6 +51,7 @@ class MemoryNode : public std::enable_shared_from_this<MemoryNode> {
                                      // directory also what making or removing something in it does
     std::uint32_t mode = usualMode;  // a directory's rights
     std::string owner;               // a directory's
+    bool beingWritten = false;       // a temporary that a running process holds open
     bool mountPoint = false;         // a directory that shows another volume
     std::vector<TreeClaim> claims;   // of a directory
 
@@ -81,14 +94,15 @@ class MemoryNode : public std::enable_shared_from_this<MemoryNode> {
 
 /// One drive or network share.
 struct MemoryVolume {
-    std::string root;                       // "C:\" or "\\server\share"
-    bool present = true;                    // false: unplugged
-    bool ready = true;                      // false: a drive without a medium, 21 for every call
-    bool writeProtected = false;            // 19 for every writing call
-    bool foldsCase = false;                 // names without their case; before its first file
-    bool holdsLinks = true;                 // false: as FAT
-    bool holdsRights = true;                // of directories; false: as FAT
-    std::string identity;                   // stable text, "" when the system tells none
+    std::string root;              // "C:\" or "\\server\share"
+    bool present = true;           // false: unplugged
+    bool ready = true;             // false: a drive without a medium, 21 for every call
+    bool writeProtected = false;   // 19 for every writing call
+    std::uint32_t flushError = 0;  // what it fails with to make safe what is written; 0: ok
+    bool foldsCase = false;        // names without their case; before its first file
+    bool holdsLinks = true;        // false: as FAT
+    bool holdsRights = true;       // of directories; false: as FAT
+    std::string identity;          // stable text, "" when the system tells none
     std::optional<std::uint64_t> capacity;  // bytes of all its files; 112 beyond
     MemoryNode::Pointer top;
 

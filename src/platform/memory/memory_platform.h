@@ -1,12 +1,11 @@
 #pragma once
 
-#include "platform/memory/memory_clock.h"
+#include "platform/characters.h"
 #include "platform/memory/memory_disk.h"
 #include "platform/memory/memory_files.h"
 #include "platform/memory/memory_services.h"
 #include "platform/memory/memory_windows.h"
 #include "platform/platform.h"
-#include "platform/windows1252.h"
 
 namespace coffrelune {
 
@@ -37,7 +36,9 @@ class MemoryPlatform {
     /// References to the services of this object, which outlives them.
     Platform platform() { return platform(files_); }
     /// The same with another file service, such as FaultyFiles over files().
-    Platform platform(FileService& files);
+    Platform platform(FileService& files) {
+        return {files, drives_, clock_, locale_, ansi_, sounds_, windows_};
+    }
 
   private:
     MemoryDisk disk_;

@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "platform/memory/memory_files.h"
-#include "platform/own_names.h"
+#include "platform/names.h"
 
 namespace coffrelune {
 namespace {
@@ -94,8 +94,9 @@ Status MemoryFiles::removeDirectory(const std::string& path) {
         if (node->writeError != 0) return Status::failure(node->writeError, path);
     }
     const auto& children = place.node->children();
-    const bool empty = std::all_of(children.begin(), children.end(),
-                                   [](const auto& child) { return isOwnFile(*child); });
+    const bool empty = std::all_of(children.begin(), children.end(), [](const auto& child) {
+        return isOwnFile(*child) && !child->beingWritten;
+    });
     if (!empty) return Status::failure(error_number::directoryNotEmpty, path);
     place.parent->remove(disk_.key(*place.volume, place.name));
     return {};
@@ -111,7 +112,7 @@ Status MemoryFiles::removeLeftovers(const std::string& directory) {
     }
     const auto children = place.node->children();
     for (const auto& child : children) {
-        if (!isTemporary(*child) || running_.count(child->name()) != 0) continue;
+        if (!isTemporary(*child) || child->beingWritten) continue;
         if (place.volume->writeProtected) {
             return Status::failure(error_number::writeProtect, directory);
         }

@@ -1,6 +1,6 @@
 #include "platform/native/native_platform.h"
-#include "platform/posix/program_place.h"
-#include "platform/system_level.h"
+#include "platform/platform.h"
+#include "platform/posix/posix_platform.h"
 
 namespace coffrelune {
 

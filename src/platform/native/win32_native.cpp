@@ -3,9 +3,8 @@
 #include <shellapi.h>
 
 #include "platform/native/native_platform.h"
-#include "platform/win32/own_version.h"
-#include "platform/win32/program_place.h"
 #include "platform/win32/wide_text.h"
+#include "platform/win32/win32_platform.h"
 
 namespace coffrelune {
 

@@ -1,7 +1,6 @@
 #include "platform/posix/errors.h"
 
 #include <cerrno>
-#include <system_error>
 
 namespace coffrelune {
 namespace {
@@ -74,7 +73,7 @@ std::uint32_t windowsError(int error) {
 }
 
 Status systemFailure(int error, const std::string& path) {
-    return Status::failure(windowsError(error), path, std::generic_category().message(error));
+    return Status::failure(windowsError(error), path);
 }
 
 }  // namespace coffrelune

@@ -6,6 +6,7 @@
 #include <cerrno>
 
 #include "platform/posix/errors.h"
+#include "platform/posix/file_times.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/rights.h"
 
@@ -121,7 +122,7 @@ Status PosixFileCopier::copyContent(const Job& job, const timespec* writeTime, b
     return error == 0 ? Status() : systemFailure(error, job.destination.core);
 }
 
-/// Bytes, owner, mode and time, in this order: each of the later ones bars one before.
+/// Bytes, owner, mode and times, in this order, since each of the later ones bars one before.
 int PosixFileCopier::fill(TemporaryFile& output, int input, const struct stat& before,
                           const timespec& writeTime, CopyObserver* observer) {
     int error = data_.copy(input, before, output.fd(), observer);
@@ -130,10 +131,9 @@ int PosixFileCopier::fill(TemporaryFile& output, int input, const struct stat& b
     }
     if (error == 0) error = keepMode(output.fd(), before.st_mode);
     if (error != 0) return error;
-    timespec unchanged{};
-    unchanged.tv_nsec = UTIME_OMIT;
-    const std::int64_t step = steps_.at(output.fd(), output.information().st_dev);
-    return stamp({output.fd()}, unchanged, writeTime, step);
+    error = stamp({output.fd()}, before.st_atim, writeTime, timeStepAt(output.fd()));
+    if (error != 0) return error;
+    return fsync(output.fd()) == 0 || errno == EINVAL || errno == EROFS ? 0 : errno;
 }
 
 Status PosixFileCopier::copyLink(const Job& job, const struct statx& link) {

@@ -5,7 +5,6 @@
 
 #include "platform/file_service.h"
 #include "platform/posix/data_copier.h"
-#include "platform/posix/file_times.h"
 #include "platform/posix/place.h"
 #include "platform/posix/temporary_file.h"
 
@@ -19,6 +18,7 @@ class PosixFileCopier {
 
     /// Async-signal-safe.
     void abandon() { abandoned_.store(true, std::memory_order_relaxed); }
+    const std::atomic<bool>& abandoned() const { return abandoned_; }
 
   private:
     struct Job;
@@ -31,7 +31,6 @@ class PosixFileCopier {
     static_assert(std::atomic<bool>::is_always_lock_free);
     std::atomic<bool> abandoned_ = false;
     DataCopier data_{abandoned_};
-    TimeSteps steps_;
 };
 
 }  // namespace coffrelune

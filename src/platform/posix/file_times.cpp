@@ -30,6 +30,23 @@ int setOnce(const StampTarget& target, timespec access, timespec write) {
     return result == 0 ? 0 : errno;
 }
 
+/// What the volume makes of a time whose digits tell the steps apart; 0 when that fits none.
+std::int64_t tryStep(int fd) {
+    constexpr timespec odd{1'000'000'001, 123'456'700};
+    struct statx now {};
+    if (setOnce({fd}, odd, odd) != 0 || statEntry(fd, "", false, now) != 0) return 0;
+    const std::uint64_t kept = fileTimeOf(now.stx_mtime);
+    constexpr std::int64_t steps[] = {1, 1'000, 10'000'000, nanosecondsPerSecond,
+                                      2 * nanosecondsPerSecond};
+    for (const std::int64_t step : steps) {
+        const timespec up = roundUp(odd, step);
+        const std::uint64_t above = toFileTime(up.tv_sec, static_cast<std::uint32_t>(up.tv_nsec));
+        const std::uint64_t width = static_cast<std::uint64_t>(step) / 100;
+        if (kept == above || (step > 1 && kept + width == above)) return step;
+    }
+    return 0;
+}
+
 bool keptTime(const StampTarget& target, timespec wanted) {
     struct statx now {};
     const char* name = target.name == nullptr ? "" : target.name;
@@ -109,12 +126,6 @@ std::int64_t timeStepAt(int fd) {
     return fstatfs(fd, &volume) == 0 ? timeGranularity(volume.f_type) : 1;
 }
 
-std::int64_t TimeSteps::at(int fd, dev_t device) {
-    if (step_ == 0 || device != device_) step_ = timeStepAt(fd);
-    device_ = device;
-    return step_;
-}
-
 int stamp(const StampTarget& target, timespec access, timespec write, std::int64_t step) {
     if (write.tv_nsec == UTIME_OMIT) return setOnce(target, access, write);
     const timespec wanted = step > 1 ? roundUp(write, step) : write;
@@ -128,6 +139,14 @@ int stamp(const StampTarget& target, timespec access, timespec write, std::int64
         error = setOnce(target, access, roundUp(write, tried));
     }
     return error;
+}
+
+int TimeStamps::set(int fd, dev_t device, timespec access, timespec write) {
+    if (!known_ || device != device_) step_ = tryStep(fd);
+    known_ = true;
+    device_ = device;
+    if (step_ == 0) return stamp({fd}, access, write, 1);
+    return setOnce({fd}, access, step_ > 1 ? roundUp(write, step_) : write);
 }
 
 }  // namespace coffrelune

@@ -30,19 +30,7 @@ bool tellsMountPoints(const struct statx& information);
 /// directory nor a link: such things do not exist for the core.
 bool fillEntry(const struct statx& information, std::string name, FileEntry& entry);
 
-/// What the volumes of one copy keep of a modification time.
-class TimeSteps {
-  public:
-    /// In nanoseconds. `fd`: open on the volume `device`, which is asked once in a row: numbers of
-    /// volumes that are gone are given again, but what stamp() finds kept corrects that.
-    std::int64_t at(int fd, dev_t device);
-
-  private:
-    dev_t device_ = 0;
-    std::int64_t step_ = 0;  // 0: not asked yet
-};
-
-/// The same for an open file or directory of any volume.
+/// What the volume of an open file or directory keeps of a modification time, by its type.
 std::int64_t timeStepAt(int fd);
 
 /// Whose times are set: an open file (`name` null), or an entry of an open directory, never what a
@@ -56,5 +44,18 @@ struct StampTarget {
 /// volume is seen to keep: a copy that seemed older than its source would be made again at every
 /// run. 0 or an errno value.
 int stamp(const StampTarget& target, timespec access, timespec write, std::int64_t step);
+
+/// The same for many files: what a volume makes of a time is tried out once on the first of its
+/// files, and where that gives a clear answer no other is asked.
+class TimeStamps {
+  public:
+    /// `fd`: open, on the volume `device`. 0 or an errno value.
+    int set(int fd, dev_t device, timespec access, timespec write);
+
+  private:
+    bool known_ = false;
+    dev_t device_ = 0;
+    std::int64_t step_ = 0;  // 0: each file must be looked at
+};
 
 }  // namespace coffrelune

@@ -9,7 +9,7 @@
 #include <optional>
 #include <string_view>
 
-#include "platform/own_names.h"
+#include "platform/names.h"
 #include "platform/posix/temporary_file.h"
 #include "platform/posix/unique_fd.h"
 

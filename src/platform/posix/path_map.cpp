@@ -2,9 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/ascii.h"
-#include "platform/core_path.h"
-#include "platform/posix/names.h"
+#include "platform/names.h"
 #include "platform/posix/native_path.h"
 
 namespace coffrelune {
@@ -59,8 +57,7 @@ std::string Place::name() const {
 
 bool hasCoreForm(std::string_view text) {
     if (text.starts_with("\\\\")) return text.size() > 2 && text[2] != '\\';
-    return text.size() >= 2 && ascii::isLetter(text[0]) && text[1] == ':' &&
-           (text.size() == 2 || text[2] == '\\');
+    return hasDriveLetter(text) && (text.size() == 2 || text[2] == '\\');
 }
 
 const PathRoot* PathMap::rootOf(std::string_view corePath, std::string_view& rest) const {

@@ -3,11 +3,11 @@
 #include <fcntl.h>
 
 #include <cerrno>
+#include <cstdint>
 
-#include "platform/own_names.h"
+#include "platform/names.h"
 #include "platform/posix/errors.h"
 #include "platform/posix/file_times.h"
-#include "platform/posix/names.h"
 #include "platform/posix/native_path.h"
 
 namespace coffrelune {
@@ -25,13 +25,9 @@ bool isAbsence(int error) {
 }  // namespace
 
 PosixDirectory::PosixDirectory(UniqueFd fd, dev_t device, Place place, Wanted wanted,
-                               const DriveTable& drives, int& openCount)
-    : place_(std::move(place)),
-      wanted_(wanted),
-      drives_(drives),
-      openCount_(openCount),
-      device_(device) {
-    ++openCount_;
+                               const Surroundings& around)
+    : place_(std::move(place)), wanted_(wanted), around_(around), device_(device) {
+    ++around_.openCount;
     fd_ = fd.get();
     if (wanted_ == Wanted::nothing) {
         path_ = std::move(fd);
@@ -44,7 +40,7 @@ PosixDirectory::PosixDirectory(UniqueFd fd, dev_t device, Place place, Wanted wa
             fd.release();
         }
     }
-    if (openCount_ > manyOpen) readAheadAndClose();
+    if (around_.openCount > manyOpen) readAheadAndClose();
 }
 
 PosixDirectory::~PosixDirectory() {
@@ -52,23 +48,37 @@ PosixDirectory::~PosixDirectory() {
 }
 
 void PosixDirectory::close() {
-    if (isOpen()) --openCount_;
+    if (isOpen()) --around_.openCount;
     fd_ = -1;
     listing_.reset();
     path_.reset();
+    target_.reset();
 }
 
 void PosixDirectory::readAheadAndClose() {
-    FileEntry entry;
-    while (read(entry)) ahead_.push_back(entry);
+    readAhead(SIZE_MAX);
     close();
 }
 
+void PosixDirectory::readAhead(std::size_t most) {
+    FileEntry entry;
+    while (ahead_.size() < most && read(entry)) ahead_.push_back(std::move(entry));
+}
+
+void PosixDirectory::lookAhead(const PosixDirectory& listing) {
+    known_.reserve(listing.ahead_.size());
+    for (const FileEntry& file : listing.ahead_) {
+        Known known;
+        known.error = emptyAt_.has_value() ? ENOENT : ask(file.name, known.entry);
+        if (known.error == ENOENT) (void)isStillEmpty();
+        known.entry.name = file.name;
+        known_.push_back(std::move(known));
+    }
+}
+
 bool PosixDirectory::next(FileEntry& entry) {
-    if (isOpen()) return read(entry);
-    if (ahead_.empty()) return false;
-    entry = std::move(ahead_.front());
-    ahead_.pop_front();
+    if (nextAhead_ == ahead_.size()) return isOpen() && read(entry);
+    entry = std::move(ahead_[nextAhead_++]);
     return true;
 }
 
@@ -81,8 +91,14 @@ bool PosixDirectory::read(FileEntry& entry) {
             return false;
         }
         const std::string_view name = found->d_name;
-        if (name == "." || name == ".." || !wantsKind(found->d_type)) continue;
-        if (describe(*found, entry)) return true;
+        if (name == "." || name == "..") continue;
+        const bool isDirectory = found->d_type == DT_DIR;
+        if (isDirectory && wanted_ == Wanted::files) directories_.emplace_back(name);
+        if (!wantsKind(found->d_type)) continue;
+        if (!describe(fd_, found->d_name, found->d_type, entry)) continue;
+        if (wanted_ == Wanted::directories && !entry.isDirectory()) continue;
+        if (wanted_ != Wanted::files || !entry.isDirectory()) return true;
+        directories_.emplace_back(name);  // of a file system that lists names alone
     }
     return false;
 }
@@ -102,28 +118,27 @@ bool PosixDirectory::wantsKind(unsigned char kind) const {
     }
 }
 
-bool PosixDirectory::describe(const dirent& found, FileEntry& entry) const {
+/// False for what is gone again, and for what does not exist for the core.
+bool PosixDirectory::describe(int directory, const std::string& name, unsigned char kind,
+                              FileEntry& entry) const {
     struct statx information {};
-    const int error = statEntry(fd_, found.d_name, false, information);
+    const int error = statEntry(directory, name.c_str(), false, information);
     if (error == ENOENT) return false;
     if (error != 0) {
         // What bars the look at an entry bars its copy as well: it is listed, so that the copy
         // fails by its name instead of passing unnoticed.
         information = {};
-        const mode_t kind = found.d_type == DT_UNKNOWN ? S_IFREG : DTTOIF(found.d_type);
-        information.stx_mode = static_cast<std::uint16_t>(kind | S_IWUSR);
+        const mode_t mode = kind == DT_UNKNOWN ? S_IFREG : DTTOIF(kind);
+        information.stx_mode = static_cast<std::uint16_t>(mode | S_IWUSR);
     }
-    if (!fill(information, toCoreName(found.d_name), entry)) return false;
+    if (!fill(information, toCoreName(name), entry)) return false;
     if (error != 0) {
         entry.mountPoint = false;
         entry.times = {};
         entry.id = {};
         entry.unreadable = true;
     }
-    if (wanted_ == Wanted::files && entry.isDirectory()) return false;
-    if (wanted_ == Wanted::directories && !entry.isDirectory()) return false;
-    if (!entry.isDirectory() && ownFileKind(found.d_name).has_value()) return false;
-    return !isPseudoMount(entry);
+    return entry.isDirectory() ? !isPseudoMount(entry) : !ownFileKind(name).has_value();
 }
 
 bool PosixDirectory::fill(const struct statx& information, std::string name,
@@ -136,29 +151,111 @@ bool PosixDirectory::fill(const struct statx& information, std::string name,
 }
 
 bool PosixDirectory::isPseudoMount(const FileEntry& entry) const {
-    return entry.isDirectory() && entry.id.volume != device_ && drives_.isPseudo(entry.id.volume);
+    return entry.isDirectory() && entry.id.volume != device_ &&
+           around_.pseudoDevices->contains(entry.id.volume);
+}
+
+std::vector<FileEntry> PosixDirectory::takeDirectories() {
+    std::vector<FileEntry> found;
+    UniqueFd again;
+    int fd = -1;
+    const int error = reach(again, fd);
+    if (error != 0) status_ = failureAt(error, place_);
+    for (const std::string& name : directories_) {
+        FileEntry entry;
+        if (error == 0 && describe(fd, name, DT_DIR, entry)) found.push_back(std::move(entry));
+    }
+    directories_.clear();
+    return found;
+}
+
+int PosixDirectory::reach(UniqueFd& again, int& fd) const {
+    fd = fd_;
+    if (isOpen()) return 0;
+    const int error = openPlace(place_, O_PATH | O_DIRECTORY, again);
+    fd = again.get();
+    return error;
+}
+
+int PosixDirectory::shareTarget(std::shared_ptr<CopyTarget>& target) {
+    if (target_ == nullptr) {
+        UniqueFd fd = std::move(path_);  // from here on the target owns it
+        if (!fd.valid()) {
+            const int error = isOpen() ? openEntry(fd_, ".", O_PATH | O_DIRECTORY, fd)
+                                       : openPlace(place_, O_PATH | O_DIRECTORY, fd);
+            if (error != 0) return error;
+        }
+        target_ = std::make_shared<CopyTarget>(std::move(fd), device_, place_);
+    }
+    target = target_;
+    return 0;
+}
+
+/// Where nothing is, nothing need be asked for.
+bool PosixDirectory::isStillEmpty() {
+    if (!askedEmpty_ && isEmpty()) emptyAt_ = around_.changes;
+    askedEmpty_ = true;
+    return emptyAt_ == around_.changes;
+}
+
+bool PosixDirectory::isEmpty() const {
+    UniqueFd fd;
+    if (!isOpen() || openEntry(fd_, ".", O_RDONLY | O_DIRECTORY, fd) != 0) return false;
+    const std::unique_ptr<DIR, CloseListing> listing(fdopendir(fd.get()));
+    if (listing == nullptr) return false;
+    fd.release();
+    for (;;) {
+        errno = 0;
+        const dirent* found = readdir(listing.get());
+        if (found == nullptr) return errno == 0;
+        const std::string_view name = found->d_name;
+        if (name != "." && name != "..") return false;
+    }
 }
 
 bool PosixDirectory::lookUp(const std::string& name, FileEntry& entry) {
-    if (name.empty() || name.find_first_of(std::string("\\/\0", 3)) != std::string::npos) {
+    if (name.empty() || name.find_first_of(std::string_view("\\/\0", 3)) != std::string::npos) {
         return false;
     }
+    if (const Known* known = recall(name)) {
+        if (known->error == 0) entry = known->entry;
+        return answer(known->error);
+    }
+    if (emptyAt_.has_value() && isStillEmpty()) return false;
+    const int error = ask(name, entry);
+    if (error == ENOENT && wanted_ == Wanted::nothing) (void)isStillEmpty();
+    return answer(error);
+}
+
+/// True when the name was found. Only a certain absence leaves the status alone.
+bool PosixDirectory::answer(int error) {
+    if (error != 0 && !isAbsence(error)) status_ = systemFailure(error, place_.core);
+    return error == 0;
+}
+
+/// 0 or an errno value; ENOENT also for what does not exist for the core.
+int PosixDirectory::ask(const std::string& name, FileEntry& entry) {
     UniqueFd again;
-    if (!isOpen()) {
-        const int error = openPlace(place_, O_PATH | O_DIRECTORY, again);
-        if (error != 0) {
-            status_ = failureAt(error, place_);
-            return false;
-        }
+    int fd = -1;
+    const int error = reach(again, fd);
+    if (error != 0) {
+        status_ = failureAt(error, place_);
+        return ENOENT;
     }
     struct statx information {};
-    const int fd = isOpen() ? fd_ : again.get();
-    const int error = statEntry(fd, toNativeName(name).c_str(), false, information);
-    if (error != 0) {
-        if (!isAbsence(error)) status_ = systemFailure(error, place_.core);
-        return false;
+    const int looked = statEntry(fd, toNativeName(name).c_str(), false, information);
+    if (looked != 0) return looked;
+    return fill(information, name, entry) ? 0 : ENOENT;
+}
+
+/// What lookAhead() has found out. Names that the walk leaves out are passed.
+const PosixDirectory::Known* PosixDirectory::recall(const std::string& name) {
+    for (std::size_t i = nextKnown_; i < known_.size(); ++i) {
+        if (known_[i].entry.name != name) continue;
+        nextKnown_ = i + 1;
+        return &known_[i];
     }
-    return fill(information, name, entry);
+    return nullptr;
 }
 
 }  // namespace coffrelune

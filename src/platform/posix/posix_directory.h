@@ -2,57 +2,97 @@
 
 #include <dirent.h>
 
-#include <deque>
+#include <atomic>
+#include <cstdint>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
 #include "platform/file_service.h"
-#include "platform/posix/drive_table.h"
+#include "platform/posix/copy_target.h"
 #include "platform/posix/place.h"
 #include "platform/posix/unique_fd.h"
 
 namespace coffrelune {
 
 /// An open directory. Look-ups ask the system each time: that costs less than a microsecond, so
-/// nothing is remembered and nothing can be out of date.
+/// nothing is remembered and nothing can be out of date, but that an empty directory is empty.
 class PosixDirectory final : public Directory {
   public:
+    /// What all directories of one file service share; both numbers outlive them.
+    struct Surroundings {
+        std::shared_ptr<const std::set<dev_t>> pseudoDevices;
+        std::atomic<int>& openCount;
+        const std::atomic<std::uint64_t>& changes;  // how many times names have changed
+    };
+
     /// `fd`: of the directory, which lies on `device`; with Wanted::nothing it may be an O_PATH
-    /// descriptor. `openCount` is shared by all directories of one file service and, with `drives`,
-    /// must outlive this object.
-    PosixDirectory(UniqueFd fd, dev_t device, Place place, Wanted wanted, const DriveTable& drives,
-                   int& openCount);
+    /// descriptor.
+    PosixDirectory(UniqueFd fd, dev_t device, Place place, Wanted wanted,
+                   const Surroundings& around);
     PosixDirectory(const PosixDirectory&) = delete;
     PosixDirectory& operator=(const PosixDirectory&) = delete;
     ~PosixDirectory() override;
 
     bool next(FileEntry& entry) override;
     const Status& status() const override { return status_; }
+    std::vector<FileEntry> takeDirectories() override;
     bool lookUp(const std::string& name, FileEntry& entry) override;
 
+    /// Reads entries before they are asked for, `most` of them.
+    void readAhead(std::size_t most);
+    /// Looks the next files of a listing up before they are asked for, in its order.
+    void lookAhead(const PosixDirectory& listing);
+
+    /// The directory as one that files are copied into. 0 or an errno value.
+    int shareTarget(std::shared_ptr<CopyTarget>& target);
+
+    /// A descriptor of it for ...at() calls; `again` owns it where it has been closed meanwhile.
+    /// 0 or an errno value.
+    int reach(UniqueFd& again, int& fd) const;
+
   private:
+    struct Known {
+        FileEntry entry;  // with its name; the rest when it was found
+        int error = 0;    // an errno value
+    };
+
     struct CloseListing {
         void operator()(DIR* listing) const { closedir(listing); }
     };
 
     bool isOpen() const { return fd_ >= 0; }
     bool read(FileEntry& entry);
+    int ask(const std::string& name, FileEntry& entry);
+    bool answer(int error);
+    const Known* recall(const std::string& name);
     bool wantsKind(unsigned char kind) const;
-    bool describe(const dirent& found, FileEntry& entry) const;
+    bool describe(int directory, const std::string& name, unsigned char kind,
+                  FileEntry& entry) const;
     bool fill(const struct statx& information, std::string name, FileEntry& entry) const;
     bool isPseudoMount(const FileEntry& entry) const;
+    bool isStillEmpty();
+    bool isEmpty() const;
     void readAheadAndClose();
     void close();
 
     Place place_;
     Wanted wanted_;
-    const DriveTable& drives_;
-    int& openCount_;
+    Surroundings around_;
     std::unique_ptr<DIR, CloseListing> listing_;
     UniqueFd path_;  // instead of a listing when only look-ups are wanted
     int fd_ = -1;    // of whichever of the two is open
     dev_t device_;
-    std::deque<FileEntry> ahead_;
+    std::vector<FileEntry> ahead_;  // read already
+    std::size_t nextAhead_ = 0;
+    std::vector<Known> known_;  // looked up already, in the order in which they will be asked for
+    std::size_t nextKnown_ = 0;
+    std::vector<std::string> directories_;  // native names, met while files were listed
+    std::shared_ptr<CopyTarget> target_;
+    std::optional<std::uint64_t> emptyAt_;  // value of changes_ when it was seen to be empty
+    bool askedEmpty_ = false;
     Status status_;
 };
 

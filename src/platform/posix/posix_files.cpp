@@ -10,10 +10,11 @@
 #include "platform/posix/file_times.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/own_files.h"
+#include "platform/posix/posix_batch.h"
 #include "platform/posix/posix_directory.h"
 #include "platform/posix/posix_held_tree.h"
+#include "platform/posix/posix_walk.h"
 #include "platform/posix/rights.h"
-#include "platform/posix/tree_place.h"
 #include "platform/posix/whole_file.h"
 
 namespace coffrelune {
@@ -67,13 +68,15 @@ int unlinkEntry(const Holder& holder, int flags) {
 
 /// Clears the program's own files out of a directory that holds nothing else. ENOTEMPTY when
 /// something else is in it, or when that cannot be told.
-int clearDirectory(const Holder& holder) {
+int clearDirectory(const Holder& holder, TreeLocks& locks) {
     Holder inside;
     inside.held = holder.held;
     const int error = openEntry(holder.directory, holder.entry(),
                                 O_RDONLY | O_DIRECTORY | O_NOFOLLOW, inside.opened);
     if (error != 0) return ENOTEMPTY;
     inside.directory = inside.opened.get();
+    TreeClaim claim;
+    if (!claim.take(locks, inside.directory, TreeUse::write)) return ENOTEMPTY;
     return changeIn(inside, [&] { return clearOwnFiles(inside.directory); });
 }
 
@@ -114,16 +117,19 @@ Status PosixFiles::reach(const std::string& path, Target& target) const {
 
 Status PosixFiles::open(const std::string& path, int flags, Opened& opened) const {
     Status status = locate(path, opened.place);
-    if (!status.ok()) return status;
+    return status.ok() ? openAt(flags, opened) : status;
+}
+
+Status PosixFiles::openAt(int flags, Opened& opened) {
     const Place& place = opened.place;
     const int error = openPlace(place, flags | O_DIRECTORY, opened.fd);
     if (error != 0) return failureAt(error, place);
     struct stat information {};
-    if (fstat(opened.fd.get(), &information) != 0) return systemFailure(errno, path);
+    if (fstat(opened.fd.get(), &information) != 0) return systemFailure(errno, place.core);
     // A held directory that was removed meanwhile can still be opened, and would seem empty.
     const bool isHold = place.hold != nullptr && place.native == place.hold->native;
     if (isHold && place.hold->counted && information.st_nlink == 0) {
-        return systemFailure(ENOENT, path);
+        return systemFailure(ENOENT, place.core);
     }
     opened.device = information.st_dev;
     return checkVolume(place, information.st_dev);
@@ -152,14 +158,54 @@ Status PosixFiles::hold(const std::string& root, std::unique_ptr<HeldTree>& held
 
 Status PosixFiles::openDirectory(const std::string& path, LinkRule links, Wanted wanted,
                                  std::unique_ptr<Directory>& directory) {
+    Place place;
+    Status status = locate(path, place);
+    std::unique_ptr<PosixDirectory> opened;
+    if (status.ok()) status = openDirectoryAt(place, links, wanted, surroundings(), opened);
+    if (status.ok()) directory = std::move(opened);
+    return status;
+}
+
+Status PosixFiles::openDirectoryAt(const Place& place, LinkRule links, Wanted wanted,
+                                   const PosixDirectory::Surroundings& around,
+                                   std::unique_ptr<PosixDirectory>& directory) {
     const int access = wanted == Wanted::nothing ? O_PATH : O_RDONLY;
     Opened opened;
-    Status status = open(path, links == LinkRule::follow ? access : access | O_NOFOLLOW, opened);
+    opened.place = place;
+    Status status = openAt(links == LinkRule::follow ? access : access | O_NOFOLLOW, opened);
     if (!status.ok()) return status;
     directory = std::make_unique<PosixDirectory>(std::move(opened.fd), opened.device,
-                                                 std::move(opened.place), wanted, drives_,
-                                                 openDirectories_);
+                                                 std::move(opened.place), wanted, around);
     return {};
+}
+
+PosixDirectory::Surroundings PosixFiles::surroundings() {
+    return {drives_.pseudoDevices(), openDirectories_, changes_};
+}
+
+std::unique_ptr<WalkAhead> PosixFiles::startWalk() {
+    const auto locatePair = [this](const DirectoryPair& pair, PlacedPair& placed) {
+        placed.pair = pair;
+        return locate(pair.source, placed.source).ok() && locate(pair.target, placed.target).ok();
+    };
+    const auto read = [around = surroundings()](const PlacedPair& placed) {
+        // As many as a listing of one system call gives; the rest of a large directory is read when
+        // it is asked for.
+        constexpr std::size_t block = 1024;
+        OpenedPair pair;
+        std::unique_ptr<PosixDirectory> source;
+        std::unique_ptr<PosixDirectory> target;
+        pair.sourceStatus =
+            openDirectoryAt(placed.source, placed.pair.sourceLinks, Wanted::files, around, source);
+        pair.targetStatus = openDirectoryAt(placed.target, placed.pair.targetLinks, Wanted::nothing,
+                                            around, target);
+        if (source != nullptr) source->readAhead(block);
+        if (source != nullptr && target != nullptr) target->lookAhead(*source);
+        pair.source = std::move(source);
+        pair.target = std::move(target);
+        return pair;
+    };
+    return std::make_unique<PosixWalk>(locatePair, read, std::make_unique<PlainWalk>(*this));
 }
 
 Status PosixFiles::lookUp(const std::string& path, LinkRule links, FileEntry& entry) {
@@ -187,6 +233,7 @@ std::string PosixFiles::resolve(const std::string& path) {
 }
 
 Status PosixFiles::createDirectory(const std::string& path, DirectoryAccess access) {
+    ++changes_;
     Place place;
     Holder holder;
     Status status = locate(path, place);
@@ -218,6 +265,7 @@ Status PosixFiles::matchDirectory(const std::string& source, const std::string& 
 }
 
 Status PosixFiles::removeDirectory(const std::string& path) {
+    ++changes_;
     Target target;
     Status status = reach(path, target);
     if (!status.ok()) return status;
@@ -226,7 +274,7 @@ Status PosixFiles::removeDirectory(const std::string& path) {
     const auto remove = [&] { return unlinkEntry(target.holder, AT_REMOVEDIR); };
     int error = changeIn(target.holder, remove);
     if (error == ENOTEMPTY || error == EEXIST) {
-        error = clearDirectory(target.holder);
+        error = clearDirectory(target.holder, *locks_);
         if (error == 0) error = remove();
     }
     if (error == EEXIST) error = ENOTEMPTY;  // either says it
@@ -236,11 +284,18 @@ Status PosixFiles::removeDirectory(const std::string& path) {
 
 Status PosixFiles::copyFile(const std::string& source, const std::string& destination,
                             LinkRule sourceLinks, CopyObserver* observer) {
+    ++changes_;
     Place from;
     Place to;
     Status status = locate(source, from);
     if (status.ok()) status = locate(destination, to);
     return status.ok() ? copier_.copy(from, to, sourceLinks, observer) : status;
+}
+
+std::unique_ptr<CopyBatch> PosixFiles::startBatch(const std::string&, AfterFailure afterFailure,
+                                                  CopyEvents& events) {
+    return std::make_unique<PosixBatch>(afterFailure, events, *locks_, targets_,
+                                        copier_.abandoned(), changes_);
 }
 
 Status PosixFiles::setAttributes(const std::string& path, std::uint32_t attributes) {
@@ -263,6 +318,7 @@ Status PosixFiles::setTimes(const std::string& path, const FileTimes& times) {
 }
 
 Status PosixFiles::removeFile(const std::string& path) {
+    ++changes_;
     Target target;
     Status status = reach(path, target);
     if (!status.ok()) return status;
@@ -276,6 +332,9 @@ Status PosixFiles::removeLeftovers(const std::string& directory) {
     Opened opened;
     Status status = open(directory, O_RDONLY, opened);
     if (!status.ok()) return status;
+    TreeClaim claim;
+    const bool ours = targets_.contains(opened.fd.get());
+    if (ours || !claim.take(*locks_, opened.fd.get(), TreeUse::write)) return {};  // being written
     const int error = removeTemporaries(opened.fd.get());
     return error == 0 ? Status() : systemFailure(error, directory);
 }
@@ -302,6 +361,7 @@ Status PosixFiles::readWhole(const std::string& path, std::uint64_t limit, std::
 
 Status PosixFiles::writeWhole(const std::string& path, const std::string& bytes,
                               Durability durability) {
+    ++changes_;
     Place place;
     Holder holder;
     Status status = locate(path, place);

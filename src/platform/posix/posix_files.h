@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <atomic>
 #include <memory>
 #include <set>
 #include <string>
@@ -10,7 +11,7 @@
 #include "platform/posix/drive_table.h"
 #include "platform/posix/file_copier.h"
 #include "platform/posix/hold.h"
-#include "platform/posix/tree_locks.h"
+#include "platform/posix/posix_directory.h"
 
 namespace coffrelune {
 
@@ -33,6 +34,9 @@ class PosixFiles final : public FileService {
     Status removeDirectory(const std::string& path) override;
     Status copyFile(const std::string& source, const std::string& destination, LinkRule sourceLinks,
                     CopyObserver* observer) override;
+    std::unique_ptr<CopyBatch> startBatch(const std::string& root, AfterFailure afterFailure,
+                                          CopyEvents& events) override;
+    std::unique_ptr<WalkAhead> startWalk() override;
     void abandonCopies() override { copier_.abandon(); }
     Status setAttributes(const std::string& path, std::uint32_t attributes) override;
     Status setTimes(const std::string& path, const FileTimes& times) override;
@@ -52,6 +56,11 @@ class PosixFiles final : public FileService {
                 struct statx& information) const;
     Status reach(const std::string& path, Target& target) const;
     Status open(const std::string& path, int flags, Opened& opened) const;
+    PosixDirectory::Surroundings surroundings();
+    static Status openAt(int flags, Opened& opened);
+    static Status openDirectoryAt(const Place& place, LinkRule links, Wanted wanted,
+                                  const PosixDirectory::Surroundings& around,
+                                  std::unique_ptr<PosixDirectory>& directory);
 
     const DriveTable& drives_;
     MountSources mounts_;
@@ -61,7 +70,9 @@ class PosixFiles final : public FileService {
     /// Paths of directories that were made for their owner alone and wait for their rights.
     std::set<std::string> closed_;
     PosixFileCopier copier_;
-    int openDirectories_ = 0;
+    CopyTargets targets_;
+    std::atomic<int> openDirectories_ = 0;
+    std::atomic<std::uint64_t> changes_ = 0;  // of names, by this service
 };
 
 }  // namespace coffrelune

@@ -1,12 +1,17 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "platform/held_tree.h"
 #include "platform/posix/hold.h"
-#include "platform/posix/tree_locks.h"
+#include "platform/posix/mount_table.h"
 
 namespace coffrelune {
+
+/// Where an open directory lies. `native`: the path by which it was opened. What the system does
+/// not tell stays empty.
+TreePlace treePlaceOf(int directory, const std::string& native, const MountSources& sources);
 
 /// Keeps a hold in the list of its file service.
 class PosixHeldTree final : public HeldTree {

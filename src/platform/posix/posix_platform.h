@@ -4,12 +4,20 @@
 #include <string>
 #include <vector>
 
+#include "platform/characters.h"
 #include "platform/posix/drive_table.h"
 #include "platform/posix/posix_files.h"
 #include "platform/posix/posix_services.h"
-#include "platform/windows1252.h"
 
 namespace coffrelune {
+
+/// Absolute native path of the directory that stands for "the executable's directory": that of the
+/// environment variable COFFRELUNE_HOME when it is set and not empty, else the executable's own.
+std::string settingsDirectory();
+
+/// Absolute native path of the running program's file, links resolved; empty when the system does
+/// not tell. DriveService::fromNative turns it into the core's form.
+std::string executablePath();
 
 struct PosixOptions {
     std::string settingsDirectory;  // absolute native path; `Lecteurs.ini` is kept there

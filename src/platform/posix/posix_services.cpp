@@ -9,8 +9,8 @@
 #include <ctime>
 #include <memory>
 
+#include "platform/characters.h"
 #include "platform/posix/native_path.h"
-#include "platform/utf8.h"
 
 namespace coffrelune {
 namespace {

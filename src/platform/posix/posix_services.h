@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/posix/drive_table.h"
-#include "platform/posix/tree_locks.h"
+#include "platform/posix/hold.h"
 #include "platform/services.h"
 
 namespace coffrelune {

@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <ctime>
 
-#include "platform/own_names.h"
+#include "platform/names.h"
 
 namespace coffrelune {
 namespace {
@@ -32,7 +32,7 @@ UniqueFd openForLock(int directory, const char* name) {
 
 }  // namespace
 
-std::string makeTemporaryName() {
+std::uint64_t randomNumber() {
     std::uint64_t number = 0;
     if (getrandom(&number, sizeof number, 0) != sizeof number) {
         // Names need to differ, not to be secret: O_EXCL refuses one that is taken.
@@ -41,7 +41,11 @@ std::string makeTemporaryName() {
         number = static_cast<std::uint64_t>(now.tv_nsec) << 32U ^
                  static_cast<std::uint64_t>(now.tv_sec) ^ static_cast<std::uint64_t>(getpid());
     }
-    return ownFileName(OwnFile::temporary, number);
+    return number;
+}
+
+std::string makeTemporaryName() {
+    return ownFileName(OwnFile::temporary, randomNumber());
 }
 
 TemporaryFile::~TemporaryFile() {

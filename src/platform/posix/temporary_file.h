@@ -2,11 +2,15 @@
 
 #include <sys/stat.h>
 
+#include <cstdint>
 #include <string>
 
 #include "platform/posix/unique_fd.h"
 
 namespace coffrelune {
+
+/// Differs from every other one.
+std::uint64_t randomNumber();
 
 /// A new name of an unfinished copy.
 std::string makeTemporaryName();

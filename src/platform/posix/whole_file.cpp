@@ -74,6 +74,8 @@ int readWholeEntry(int directory, const char* name, bool follow, std::uint64_t l
                                 4096, kind.stx_size - std::min<std::size_t>(done, kind.stx_size)));
         const ssize_t count = read(fd.get(), bytes.data() + done, bytes.size() - done);
         error = count < 0 ? errno : 0;
+        // Only its name can say that a file is not there: who reads "absent" writes a new one.
+        if (error == ENOENT || error == ENOTDIR) error = EIO;
         bytes.resize(done + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
         if (bytes.size() > limit) error = EFBIG;
         if (error == EINTR) continue;

@@ -90,6 +90,18 @@ FileId identityOf(void* handle, const BY_HANDLE_FILE_INFORMATION& information) {
     return checkedIdentity(id.VolumeSerialNumber, half[0] ^ half[1] * odd);
 }
 
+/// All but the name and the identity. 0 or a system error.
+std::uint32_t queryOpen(void* handle, BY_HANDLE_FILE_INFORMATION& information, FileEntry& entry) {
+    if (GetFileInformationByHandle(handle, &information) == 0) return GetLastError();
+    FILE_ATTRIBUTE_TAG_INFO mark{};
+    if ((information.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+        GetFileInformationByHandleEx(handle, FileAttributeTagInfo, &mark, sizeof mark) == 0) {
+        mark.ReparseTag = 0;
+    }
+    fill(information, mark.ReparseTag, entry);
+    return 0;
+}
+
 bool isDirectory(const NativePath& path) {
     const DWORD attributes = GetFileAttributesW(path.text.c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
@@ -164,24 +176,25 @@ std::uint32_t queryIdentity(const NativePath& path, FileId& id) {
     return error;
 }
 
+std::uint32_t queryOpenState(void* handle, FileEntry& entry) {
+    BY_HANDLE_FILE_INFORMATION information;
+    const std::uint32_t error = queryOpen(handle, information, entry);
+    // What is open is the end of every link.
+    entry.attributes &= ~attribute::link;
+    return error;
+}
+
 std::uint32_t queryOpenFile(void* handle, FileEntry& entry) {
     const std::uint32_t error = queryOpenEntry(handle, entry);
-    // What is open is the end of every link.
     entry.attributes &= ~attribute::link;
     return error;
 }
 
 std::uint32_t queryOpenEntry(void* handle, FileEntry& entry) {
     BY_HANDLE_FILE_INFORMATION information;
-    if (GetFileInformationByHandle(handle, &information) == 0) return GetLastError();
-    FILE_ATTRIBUTE_TAG_INFO mark{};
-    if ((information.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
-        GetFileInformationByHandleEx(handle, FileAttributeTagInfo, &mark, sizeof mark) == 0) {
-        mark.ReparseTag = 0;
-    }
-    fill(information, mark.ReparseTag, entry);
-    entry.id = identityOf(handle, information);
-    return 0;
+    const std::uint32_t error = queryOpen(handle, information, entry);
+    if (error == 0) entry.id = identityOf(handle, information);
+    return error;
 }
 
 std::uint32_t checkLeadsAway(const NativePath& link) {

@@ -51,6 +51,9 @@ std::uint32_t queryTarget(const NativePath& path, FileEntry& entry);
 /// Identity of what the path leads to. 0 or a system error.
 std::uint32_t queryIdentity(const NativePath& path, FileId& id);
 
+/// All of an open file but its name and its identity. 0 or a system error.
+std::uint32_t queryOpenState(void* handle, FileEntry& entry);
+
 /// All of an open file but its name. 0 or a system error.
 std::uint32_t queryOpenFile(void* handle, FileEntry& entry);
 

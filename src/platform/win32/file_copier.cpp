@@ -3,8 +3,11 @@
 #include <windows.h>
 #include <winioctl.h>
 
-#include "platform/win32/access_rights.h"
+#include <cstddef>
+#include <string_view>
+
 #include "platform/win32/entry_query.h"
+#include "platform/win32/file_changes.h"
 
 namespace coffrelune {
 namespace {
@@ -36,6 +39,16 @@ bool mayHoldStreams(void* file) {
            (flags & FILE_NAMED_STREAMS) != 0;
 }
 
+/// True when the volume of an open file says that it has no named streams. The open file is asked:
+/// to list them by its path opens it again. "No" may also mean that the volume does not tell.
+bool hasContentAlone(void* file) {
+    alignas(FILE_STREAM_INFO) std::byte list[512];
+    if (GetFileInformationByHandleEx(file, FileStreamInfo, list, sizeof list) == 0) return false;
+    const auto& first = *reinterpret_cast<const FILE_STREAM_INFO*>(list);
+    const std::wstring_view name(first.StreamName, first.StreamNameLength / sizeof(wchar_t));
+    return first.NextEntryOffset == 0 && name == L"::$DATA";
+}
+
 /// The temporary file as what its source is kept as. 0 or a system error.
 std::uint32_t prepare(const FileEntry& source, std::uint32_t encryption, TemporaryFile& output,
                       bool& sparse) {
@@ -52,51 +65,90 @@ std::uint32_t prepare(const FileEntry& source, std::uint32_t encryption, Tempora
     return 0;
 }
 
+/// False when what was opened is not the file that a listing gave, or has changed since.
+bool looksLike(const FileEntry& opened, const FileEntry& listed) {
+    return opened.size == listed.size && opened.times.lastWrite == listed.times.lastWrite;
+}
+
+/// What a copy of `original` is stamped with.
+FileTimes timesFor(const CopyTerms& terms, const FileEntry& original) {
+    return terms.allTimes ? original.times : FileTimes{0, 0, original.times.lastWrite};
+}
+
+std::uint32_t attributesFor(const CopyTerms& terms, const FileEntry& original) {
+    const std::uint32_t attributes =
+        terms.writable ? original.attributes & ~attribute::readOnly : original.attributes;
+    return settableAttributes(attributes);
+}
+
 }  // namespace
 
-Status Win32FileCopier::copy(const CopyPair& pair, LinkRule sourceLinks, CopyObserver* observer) {
+Status Win32FileCopier::copy(const CopyPair& pair, const CopyTerms& terms) {
+    WrittenCopy copy;
+    Status status = write(pair, terms, copy);
+    if (!status.ok()) return status;
+    std::uint32_t error = copy.file.holdsData() ? pair.guard.dataWritten(copy.file.handle()) : 0;
+    if (error == 0) error = copy.file.commit(pair.to, pair.guard);
+    return error == 0 ? status : failureAt(error, pair.to, pair.destination);
+}
+
+Status Win32FileCopier::write(const CopyPair& pair, const CopyTerms& terms, WrittenCopy& copy) {
     if (abandoned_.load(std::memory_order_relaxed)) {
         return Status::failure(error_number::requestAborted, pair.source);
     }
     FileEntry entry;
-    const std::uint32_t error = queryEntry(pair.from, entry);
+    const bool isKnown = terms.listed != nullptr;
+    const std::uint32_t error = isKnown ? 0 : queryEntry(pair.from, entry);
     if (error != 0) return failureAt(error, pair.from, pair.source);
+    if (isKnown) entry = *terms.listed;
     if (entry.isDirectory()) return Status::failure(error_number::accessDenied, pair.source);
-    if (entry.isLink() && sourceLinks == LinkRule::refuse) return copyLink(pair, entry, observer);
-    return copyContent(pair, nullptr, observer);
+    if (entry.isLink() && terms.sourceLinks == LinkRule::refuse) {
+        return writeLink(pair, terms, entry, copy);
+    }
+    return writeContent(pair, terms, nullptr, copy);
 }
 
-/// `times`: null for the source's own.
-Status Win32FileCopier::copyContent(const CopyPair& pair, const FileTimes* times,
-                                    CopyObserver* observer) {
+/// `link`: whose times the copy gets; null for the source's own.
+Status Win32FileCopier::writeContent(const CopyPair& pair, const CopyTerms& terms,
+                                     const FileEntry* link, WrittenCopy& copy) {
     const UniqueHandle input = openForReading(pair.from.text);
     if (!input.valid()) return failureAt(GetLastError(), pair.from, pair.source);
     // Taken before the reading: a source that changes meanwhile keeps a later time than its copy
     // and is copied again by the next run.
     FileEntry before;
-    std::uint32_t error = queryOpenFile(input.get(), before);
+    std::uint32_t error =
+        terms.isNew ? queryOpenState(input.get(), before) : queryOpenFile(input.get(), before);
     if (error != 0) return failureAt(error, pair.from, pair.source);
-    std::optional<FileEntry> old;
-    error = checkReplaceable(pair.to, before.id, old);
+    if (link != nullptr) {
+        before.times = link->times;
+    } else if (terms.listed != nullptr && !looksLike(before, *terms.listed)) {
+        // Something else bears the name by now, a link perhaps.
+        CopyTerms again = terms;
+        again.listed = nullptr;
+        return write(pair, again, copy);
+    }
+    error = fill(pair, terms, input.get(), before, copy);
+    return error == 0 ? Status() : failureAt(error, pair.to, pair.destination);
+}
 
-    const std::uint32_t encryption = encryptionOf(before) | encryptionOf(old);
-    TemporaryFile output;
+/// 0 or a system error.
+std::uint32_t Win32FileCopier::fill(const CopyPair& pair, const CopyTerms& terms, void* input,
+                                    const FileEntry& before, WrittenCopy& copy) {
+    std::uint32_t error = 0;
+    if (!terms.isNew) error = checkReplaceable(pair.to, before.id, copy.old);
+    const std::uint32_t encryption = encryptionOf(before) | encryptionOf(copy.old);
+    TemporaryFile& output = copy.file;
     if (error == 0) error = output.create(pair.to.holder(), encryption);
     // While there is nothing in it: nobody reads what the old file would have kept from him.
-    if (error == 0 && old) keepAccessRights(pair.to, output.path());
+    if (error == 0 && isKept(copy.old)) keepAccessRights(pair.to, output.path());
     bool sparse = false;
     if (error == 0) error = prepare(before, encryption, output, sparse);
     if (error == 0) {
-        error = data_.copy(input.get(), before.size, output.handle(), sparse, observer);
+        error = data_.copy(input, before.size, output.handle(), sparse, terms.observer);
     }
-    if (error == 0) error = copyStreams(pair, output);
-    if (error == 0) {
-        const std::uint64_t lastWrite = (times != nullptr ? *times : before.times).lastWrite;
-        error = output.stamp({0, 0, lastWrite}, before.attributes);
-    }
-    if (error == 0) error = pair.guard.dataWritten(output.handle());
-    if (error == 0) error = output.commit(pair.to, pair.guard);
-    return error == 0 ? Status() : failureAt(error, pair.to, pair.destination);
+    if (error == 0 && !hasContentAlone(input)) error = copyStreams(pair, output);
+    copy.size = before.size;
+    return error == 0 ? output.stamp(timesFor(terms, before), attributesFor(terms, before)) : error;
 }
 
 /// What a program attached to the file under a name of its own ("downloaded from there").
@@ -142,25 +194,24 @@ std::uint32_t Win32FileCopier::copyStream(const std::wstring& source,
     return error == 0 ? guard.dataWritten(output.get()) : error;
 }
 
-Status Win32FileCopier::copyLink(const CopyPair& pair, const FileEntry& link,
-                                 CopyObserver* observer) {
-    std::optional<FileEntry> old;
-    std::uint32_t error = checkReplaceable(pair.to, {}, old);
+Status Win32FileCopier::writeLink(const CopyPair& pair, const CopyTerms& terms,
+                                  const FileEntry& link, WrittenCopy& copy) {
+    std::uint32_t error = 0;
+    if (!terms.isNew) error = checkReplaceable(pair.to, {}, copy.old);
     if (error != 0) return failureAt(error, pair.to, pair.destination);
     const NativePath made = temporaryPath(pair.to.holder());
     if (CopyFileExW(pair.from.text.c_str(), made.text.c_str(), nullptr, nullptr, nullptr,
                     COPY_FILE_COPY_SYMLINK | COPY_FILE_FAIL_IF_EXISTS) == 0) {
         error = GetLastError();
         // The content with the link's own time: so the next run finds it up to date.
-        if (saysNoLinks(error)) return copyContent(pair, &link.times, observer);
+        if (saysNoLinks(error)) return writeContent(pair, terms, &link, copy);
         return failureAt(error, pair.to, pair.destination);
     }
-    TemporaryFile output;
-    error = output.adopt(made);
-    if (error == 0) error = output.stamp({0, 0, link.times.lastWrite}, 0);
-    if (error == 0) error = output.commit(pair.to, pair.guard);
+    error = copy.file.adopt(made);
+    const std::uint32_t attributes = terms.writable ? attributesFor(terms, link) : 0;
+    if (error == 0) error = copy.file.stamp(timesFor(terms, link), attributes);
     if (error != 0) return failureAt(error, pair.to, pair.destination);
-    if (observer != nullptr) observer->chunkFinished(link.size);
+    if (terms.observer != nullptr) terms.observer->chunkFinished(link.size);
     return {};
 }
 

@@ -37,6 +37,9 @@ class HeldRoot {
     /// From here on, the directory that a link leads to now may be reached through it.
     void enter(const NativePath& link, const FileId& target) { entered_[link.text] = target; }
 
+    /// A directory below it may be on another volume.
+    bool hasEntered() const { return !entered_.empty(); }
+
     /// Closes a directory, and what is open below it, that is about to be removed.
     void letGo(const NativePath& path);
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "platform/core_path.h"
+#include "platform/names.h"
 #include "platform/win32/unique_handle.h"
 #include "platform/win32/wide_text.h"
 
@@ -19,15 +19,6 @@ constexpr std::wstring_view verbatimShare = LR"(\\?\UNC\)";
 
 bool isSeparator(wchar_t c) {
     return c == L'\\' || c == L'/';
-}
-
-bool isLetter(wchar_t c) {
-    return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z');
-}
-
-bool isDrive(std::wstring_view text) {
-    return text.size() >= 2 && isLetter(text[0]) && text[1] == L':' &&
-           (text.size() == 2 || isSeparator(text[2]));
 }
 
 Status refusal(std::uint32_t number, std::string_view core) {
@@ -59,11 +50,11 @@ bool takeRoot(std::wstring_view& rest, std::wstring& root) {
         root = std::wstring(verbatim).append(rest.substr(0, end)) + L"\\";
         const bool volume = rest.starts_with(L"Volume{");
         if (volume) rest.remove_prefix(end);
-        if (volume || !isDrive(rest)) return volume;
+        if (volume || !startsWithDrive(rest)) return volume;
     } else if (rest.size() > 2 && isSeparator(rest[0]) && isSeparator(rest[1])) {
         rest.remove_prefix(2);
     }
-    if (isDrive(rest)) {
+    if (startsWithDrive(rest)) {
         const auto letter = static_cast<wchar_t>(rest[0] & ~0x20);
         root = std::wstring(verbatim) + letter + L":\\";
         rest.remove_prefix(2);
@@ -80,7 +71,8 @@ bool takeRoot(std::wstring_view& rest, std::wstring& root) {
 }
 
 bool looksAbsolute(std::wstring_view text) {
-    return isDrive(text) || (text.size() > 2 && isSeparator(text[0]) && isSeparator(text[1]));
+    return startsWithDrive(text) ||
+           (text.size() > 2 && isSeparator(text[0]) && isSeparator(text[1]));
 }
 
 /// Calls that fill a buffer and tell the length that it needs. Empty when they fail.
@@ -152,7 +144,7 @@ std::string toCore(std::wstring_view native) {
     if (native.starts_with(verbatimShare)) {
         return R"(\\)" + narrow(native.substr(verbatimShare.size()));
     }
-    if (native.starts_with(verbatim) && isDrive(native.substr(verbatim.size()))) {
+    if (native.starts_with(verbatim) && startsWithDrive(native.substr(verbatim.size()))) {
         native.remove_prefix(verbatim.size());
     }
     return narrow(native);
@@ -160,7 +152,7 @@ std::string toCore(std::wstring_view native) {
 
 bool hasCoreForm(std::string_view text) {
     if (text.starts_with(R"(\\)")) return text.size() > 2 && text[2] != '\\' && text[2] != '?';
-    return isDrive(wide(text.substr(0, 3))) && text.find('/') == std::string_view::npos;
+    return startsWithDrive(text) && text.find('/') == std::string_view::npos;
 }
 
 std::wstring plainPath(const std::string& core) {
@@ -244,8 +236,7 @@ std::string fromTyped(const std::string& typed) {
 std::string fromEntered(const std::string& entered) {
     if (hasCoreForm(entered)) return inPlainSpelling(entered);
     std::wstring text = tidied(entered);
-    const bool drive = text.size() > 2 && text[0] == L'\\' && text[2] == L':';
-    if (drive && hasCoreForm(narrow(text.substr(1)))) text.erase(0, 1);
+    if (text.starts_with(L'\\') && startsWithDrive(text.substr(1))) text.erase(0, 1);
     const bool isPath = text.starts_with(verbatim) || hasCoreForm(narrow(text));
     return isPath ? inPlainSpelling(narrow(text)) : entered;
 }

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <vector>
 
-#include "platform/own_names.h"
+#include "platform/names.h"
 #include "platform/win32/entry_query.h"
 #include "platform/win32/wide_text.h"
 
@@ -26,13 +26,6 @@ std::uint64_t nextNumber() {
     return (time ^ (static_cast<std::uint64_t>(ticks.QuadPart) << 20) ^
             (std::uint64_t{GetCurrentProcessId()} << 44)) *
            odd;
-}
-
-FILETIME fileTimeOf(std::uint64_t units) {
-    FILETIME time;
-    time.dwLowDateTime = static_cast<DWORD>(units);
-    time.dwHighDateTime = static_cast<DWORD>(units >> 32);
-    return time;
 }
 
 // Not in every compiler's headers; the values are part of the system's interface.
@@ -101,17 +94,21 @@ std::uint32_t TemporaryFile::stamp(const FileTimes& times, std::uint32_t attribu
 }
 
 std::uint32_t TemporaryFile::commit(const NativePath& destination, WriteGuard& guard) {
-    const std::uint32_t error = guard.mayGetItsName();
-    if (error != 0) return error;
+    std::uint32_t error = guard.mayGetItsName();
+    if (error == 0) error = takeName(destination, true);
+    return error == 0 && holdsData_ ? guard.named(file_.get()) : error;
+}
+
+std::uint32_t TemporaryFile::takeName(const NativePath& destination, bool replaces) {
     // The newer call also replaces a file that somebody reads; systems and volumes that do not know
     // it replace what nobody holds open. Either is one step for whoever looks.
-    if (rename(file_.get(), renameExtended, destination.text, replaceIfExists | posixSemantics) ||
-        rename(file_.get(), FileRenameInfo, destination.text, TRUE)) {
-        path_ = {};
-        if (holdsData_) guard.named(file_.get());
-        return 0;
-    }
-    return GetLastError();
+    const bool done =
+        (replaces &&
+         rename(file_.get(), renameExtended, destination.text, replaceIfExists | posixSemantics)) ||
+        rename(file_.get(), FileRenameInfo, destination.text, replaces ? TRUE : FALSE);
+    if (!done) return GetLastError();
+    path_ = {};
+    return 0;
 }
 
 std::uint32_t settableAttributes(std::uint32_t attributes) {
@@ -123,17 +120,11 @@ std::uint32_t settableAttributes(std::uint32_t attributes) {
 }
 
 std::uint32_t stampFile(void* handle, const FileTimes& times, std::uint32_t attributes) {
-    const FILETIME creation = fileTimeOf(times.creation);
-    const FILETIME access = fileTimeOf(times.lastAccess);
-    const FILETIME write = fileTimeOf(times.lastWrite);
-    if (SetFileTime(handle, times.creation == 0 ? nullptr : &creation,
-                    times.lastAccess == 0 ? nullptr : &access,
-                    times.lastWrite == 0 ? nullptr : &write) == 0) {
-        return GetLastError();
-    }
-    if (attributes == 0) return 0;
-    FILE_BASIC_INFO basic{};  // a time of zero stays as it is
-    basic.FileAttributes = settableAttributes(attributes);
+    FILE_BASIC_INFO basic{};  // a time or a word of zero stays as it is
+    basic.CreationTime.QuadPart = static_cast<LONGLONG>(times.creation);
+    basic.LastAccessTime.QuadPart = static_cast<LONGLONG>(times.lastAccess);
+    basic.LastWriteTime.QuadPart = static_cast<LONGLONG>(times.lastWrite);
+    basic.FileAttributes = attributes == 0 ? 0 : settableAttributes(attributes);
     return SetFileInformationByHandle(handle, FileBasicInfo, &basic, sizeof basic) != 0
                ? 0
                : GetLastError();
@@ -146,20 +137,25 @@ std::uint32_t checkReplaceable(const NativePath& destination, const FileId& sour
     if (error == ERROR_FILE_NOT_FOUND || error == ERROR_NO_MORE_FILES) return 0;
     if (error != 0) return error;
     if (entry.isDirectory() || entry.isReadOnly()) return ERROR_ACCESS_DENIED;
-    // Of a link nothing is kept but its place: what else it shows is its target's.
-    if (!entry.isLink()) old = entry;
     // To write into it would be refused while another program holds it; to replace it behind that
     // program's back would leave the two with different files.
     const UniqueHandle probe =
         openShared(destination.text, DELETE | FILE_WRITE_DATA, FILE_FLAG_OPEN_REPARSE_POINT);
     if (!probe.valid()) return GetLastError();
-    const std::uint32_t queried = queryOpenFile(probe.get(), entry);
+    FileEntry opened;
+    const std::uint32_t queried = queryOpenFile(probe.get(), opened);
     if (queried != 0) return queried;
+    entry.id = opened.id;
+    old = entry;
     return source.known() && entry.id == source ? ERROR_SHARING_VIOLATION : 0;
 }
 
+bool isKept(const std::optional<FileEntry>& old) {
+    return old && !old->isLink();
+}
+
 std::uint32_t encryptionOf(const std::optional<FileEntry>& entry) {
-    return entry ? entry->attributes & FILE_ATTRIBUTE_ENCRYPTED : 0;
+    return isKept(entry) ? entry->attributes & FILE_ATTRIBUTE_ENCRYPTED : 0;
 }
 
 std::uint32_t removeUnlessWritten(const NativePath& path) {

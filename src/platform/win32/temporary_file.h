@@ -20,7 +20,8 @@ class WriteGuard {
     virtual std::uint32_t dataWritten(void*) { return 0; }
     /// The temporary is in the directory that was meant, or a system error.
     virtual std::uint32_t mayGetItsName() { return 0; }
-    virtual void named(void*) {}
+    /// 0 or a system error, about a file that bears its name whatever this gives.
+    virtual std::uint32_t named(void*) { return 0; }
 };
 
 /// A file that has not got its name yet. It is open for as long as this object holds it, so that
@@ -40,6 +41,8 @@ class TemporaryFile {
     std::uint32_t adopt(const NativePath& path);
 
     void* handle() const { return file_.get(); }
+    /// False for a link, which has nothing that can be flushed.
+    bool holdsData() const { return holdsData_; }
     const NativePath& path() const { return path_; }
 
     /// Gives it attributes and times; a time of 0 stays as it is. 0 or a system error.
@@ -47,6 +50,9 @@ class TemporaryFile {
 
     /// Gives it its name, over what bears that name, in one step. 0 or a system error.
     std::uint32_t commit(const NativePath& destination, WriteGuard& guard);
+
+    /// The same without a question. `replaces`: false to leave what bears the name (183).
+    std::uint32_t takeName(const NativePath& destination, bool replaces);
 
   private:
     UniqueHandle file_;
@@ -65,9 +71,13 @@ std::uint32_t stampFile(void* handle, const FileTimes& times, std::uint32_t attr
 
 /// Success when a copy may take the place of what is there: nothing, or a file or a link that can
 /// be written. 5 for a directory or a read-only file, 32 for one in use or the `source` itself.
-/// `old`: the file that will be replaced, nothing when there is none.
+/// `old`: what will be replaced, with its identity; nothing when there is nothing.
 std::uint32_t checkReplaceable(const NativePath& destination, const FileId& source,
                                std::optional<FileEntry>& old);
+
+/// True for a file whose rights and whose encryption the one that takes its place keeps. Of a link
+/// nothing is kept but its place: what else it shows is its target's.
+bool isKept(const std::optional<FileEntry>& old);
 
 /// What a file that takes the place of `entry` must be created with, to be as hard to read.
 std::uint32_t encryptionOf(const std::optional<FileEntry>& entry);

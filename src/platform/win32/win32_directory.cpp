@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "platform/own_names.h"
+#include "platform/names.h"
 #include "platform/win32/wide_text.h"
 
 namespace coffrelune {
@@ -13,6 +13,10 @@ namespace {
 bool isAbsence(std::uint32_t error) {
     return error == ERROR_FILE_NOT_FOUND || error == ERROR_INVALID_NAME ||
            error == ERROR_NO_MORE_FILES;
+}
+
+bool isDots(const std::string& name) {
+    return name == "." || name == "..";
 }
 
 bool mayBeOldName(const FileEntry& entry) {
@@ -28,21 +32,34 @@ std::uint32_t Win32Directory::open() {
 
 bool Win32Directory::next(FileEntry& entry) {
     while (listing_.next(entry)) {
-        if (!isWanted(entry)) continue;
-        if (mayBeOldName(entry) && isShut(entry.name)) continue;
-        // A walk of directories must know the place that it copies to when it meets it, whatever
-        // the path or the link that leads there.
-        if (wanted_ == Wanted::directories) {
-            (void)queryIdentity(path_.child(wide(entry.name)), entry.id);
+        if (isWanted(entry)) {
+            const bool isKept = wanted_ == Wanted::directories
+                                    ? complete(entry)
+                                    : !mayBeOldName(entry) || !isShut(entry.name);
+            if (isKept) return true;
+        } else if (wanted_ == Wanted::files && entry.isDirectory() && !isDots(entry.name)) {
+            directories_.push_back(entry);
         }
-        return true;
     }
     if (listing_.error() != 0) status_ = Status::failure(listing_.error(), core_);
     return false;
 }
 
+std::vector<FileEntry> Win32Directory::takeDirectories() {
+    std::erase_if(directories_, [&](FileEntry& entry) { return !complete(entry); });
+    return std::move(directories_);
+}
+
+/// False for a directory that is not to be listed. A walk of directories must know the place that
+/// it copies to when it meets it, whatever the path or the link that leads there.
+bool Win32Directory::complete(FileEntry& entry) const {
+    if (mayBeOldName(entry) && isShut(entry.name)) return false;
+    (void)queryIdentity(path_.child(wide(entry.name)), entry.id);
+    return true;
+}
+
 bool Win32Directory::isWanted(const FileEntry& entry) const {
-    if (entry.name == "." || entry.name == "..") return false;
+    if (isDots(entry.name)) return false;
     if (entry.isDirectory()) return wanted_ != Wanted::files;
     return wanted_ != Wanted::directories && !ownFileKind(entry.name);
 }

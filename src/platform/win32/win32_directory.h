@@ -32,9 +32,11 @@ class Win32Directory final : public Directory {
 
     bool next(FileEntry& entry) override;
     const Status& status() const override { return status_; }
+    std::vector<FileEntry> takeDirectories() override;
     bool lookUp(const std::string& name, FileEntry& entry) override;
 
   private:
+    bool complete(FileEntry& entry) const;
     bool isWanted(const FileEntry& entry) const;
     bool isShut(const std::string& name) const;
     std::uint32_t ask(const std::string& name, FileEntry& entry);
@@ -43,6 +45,7 @@ class Win32Directory final : public Directory {
     std::string core_;
     Wanted wanted_;
     Listing listing_;
+    std::vector<FileEntry> directories_;  // met while files were listed
     std::shared_ptr<KnownEntries> known_;
     std::weak_ptr<HeldRoot> hold_;
     Status status_;

@@ -3,8 +3,8 @@
 #include <windows.h>
 
 #include "platform/win32/entry_query.h"
-#include "platform/win32/removal.h"
-#include "platform/win32/whole_file.h"
+#include "platform/win32/file_changes.h"
+#include "platform/win32/win32_batch.h"
 #include "platform/win32/win32_directory.h"
 
 namespace coffrelune {
@@ -34,28 +34,11 @@ std::uint32_t checkOwner(const Win32Place& place) {
 
 }  // namespace
 
-Status Win32Files::reach(const std::string& path, Win32Place& place) const {
-    Status status = holds_.locate(path, place);
-    if (!status.ok()) return status;
-    const std::uint32_t error = place.checkWay();
-    return error == 0 ? status : failureAt(error, place.path, path);
-}
-
-Status Win32Files::reachToWrite(const std::string& path, Win32Place& place) {
-    Status status = reach(path, place);
-    if (!status.ok()) return status;
-    for (const std::weak_ptr<KnownEntries>& one : watched_) {
-        if (const auto known = one.lock()) known->forget(place.path.name());
-    }
-    place.expectWrite();
-    return status;
-}
-
 /// Runs a step that gives a system error at the place that a path means.
 template <typename Step>
 Status Win32Files::at(const std::string& path, Step step) const {
     Win32Place place;
-    Status status = reach(path, place);
+    Status status = places_.reach(path, place);
     if (!status.ok()) return status;
     const std::uint32_t error = step(place);
     return error == 0 ? status : failureAt(error, place.path, path);
@@ -65,14 +48,14 @@ Status Win32Files::at(const std::string& path, Step step) const {
 template <typename Step>
 Status Win32Files::writeAt(const std::string& path, Step step) {
     Win32Place place;
-    Status status = reachToWrite(path, place);
+    Status status = places_.reachToWrite(path, place);
     if (!status.ok()) return status;
     const std::uint32_t error = step(place);
     return error == 0 ? status : failureAt(error, place.path, path);
 }
 
 Status Win32Files::hold(const std::string& root, std::unique_ptr<HeldTree>& held) {
-    return holds_.take(root, held);
+    return places_.holds().take(root, held);
 }
 
 Status Win32Files::openDirectory(const std::string& path, LinkRule links, Wanted wanted,
@@ -87,18 +70,12 @@ Status Win32Files::openDirectory(const std::string& path, LinkRule links, Wanted
         if (error == 0) error = place.checkWhole();
         if (error != 0) return error;
         const std::shared_ptr<HeldRoot> root(place.hold, place.hold ? &place.hold->root : nullptr);
-        auto opened = std::make_unique<Win32Directory>(place.path, path, wanted, watch(), root);
+        auto opened =
+            std::make_unique<Win32Directory>(place.path, path, wanted, places_.watch(), root);
         error = opened->open();
         if (error == 0) directory = std::move(opened);
         return error;
     });
-}
-
-std::shared_ptr<KnownEntries> Win32Files::watch() {
-    std::erase_if(watched_, [](const auto& known) { return known.expired(); });
-    auto known = std::make_shared<KnownEntries>();
-    watched_.push_back(known);
-    return known;
 }
 
 Status Win32Files::lookUp(const std::string& path, LinkRule links, FileEntry& entry) {
@@ -114,7 +91,7 @@ Status Win32Files::identify(const std::string& path, FileId& id) {
 
 std::string Win32Files::resolve(const std::string& path) {
     Win32Place place;
-    const bool held = holds_.locate(path, place).ok() && place.hold != nullptr;
+    const bool held = places_.holds().locate(path, place).ok() && place.hold != nullptr;
     return resolvedPath(held ? toCore(place.path.text) : path);
 }
 
@@ -149,11 +126,19 @@ Status Win32Files::copyFile(const std::string& source, const std::string& destin
                             LinkRule sourceLinks, CopyObserver* observer) {
     Win32Place from;
     Win32Place to;
-    Status status = reach(source, from);
-    if (status.ok()) status = reachToWrite(destination, to);
+    Status status = places_.reach(source, from);
+    if (status.ok()) status = places_.reachToWrite(destination, to);
     if (!status.ok()) return status;
-    HeldWriteGuard guard(to);
-    return copier_.copy({source, destination, from.path, to.path, guard}, sourceLinks, observer);
+    HeldWriteGuard guard(to, Durability::now);
+    CopyTerms terms;
+    terms.sourceLinks = sourceLinks;
+    terms.observer = observer;
+    return copier_.copy({source, destination, from.path, to.path, guard}, terms);
+}
+
+std::unique_ptr<CopyBatch> Win32Files::startBatch(const std::string& root,
+                                                  AfterFailure afterFailure, CopyEvents& events) {
+    return std::make_unique<Win32Batch>(places_, copier_, root, afterFailure, events);
 }
 
 Status Win32Files::setAttributes(const std::string& path, std::uint32_t attributes) {
@@ -210,7 +195,7 @@ Status Win32Files::writeWhole(const std::string& path, const std::string& bytes,
         if (error != 0) return error;
         // Outside every hold nobody flushes the volume later.
         const Durability promised = place.hold == nullptr ? Durability::now : durability;
-        HeldWriteGuard guard(place);
+        HeldWriteGuard guard(place, durability);
         return writeWholeFile(target, bytes, promised, guard);
     });
 }

@@ -6,8 +6,7 @@
 
 #include "platform/file_service.h"
 #include "platform/win32/file_copier.h"
-#include "platform/win32/known_entries.h"
-#include "platform/win32/win32_holds.h"
+#include "platform/win32/win32_places.h"
 
 namespace coffrelune {
 
@@ -30,6 +29,9 @@ class Win32Files final : public FileService {
     Status removeDirectory(const std::string& path) override;
     Status copyFile(const std::string& source, const std::string& destination, LinkRule sourceLinks,
                     CopyObserver* observer) override;
+    std::unique_ptr<CopyBatch> startBatch(const std::string& root, AfterFailure afterFailure,
+                                          CopyEvents& events) override;
+    std::unique_ptr<WalkAhead> startWalk() override { return std::make_unique<PlainWalk>(*this); }
     void abandonCopies() override { copier_.abandon(); }
     Status setAttributes(const std::string& path, std::uint32_t attributes) override;
     Status setTimes(const std::string& path, const FileTimes& times) override;
@@ -41,18 +43,14 @@ class Win32Files final : public FileService {
                       Durability durability) override;
 
   private:
-    Status reach(const std::string& path, Win32Place& place) const;
-    Status reachToWrite(const std::string& path, Win32Place& place);
     template <typename Step>
     Status at(const std::string& path, Step step) const;
     template <typename Step>
     Status writeAt(const std::string& path, Step step);
     Status checkDirectory(const std::string& path) const;
-    std::shared_ptr<KnownEntries> watch();
 
-    Win32Holds holds_;
+    Win32Places places_;
     Win32FileCopier copier_;
-    std::vector<std::weak_ptr<KnownEntries>> watched_;  // of the directories that are open
 };
 
 }  // namespace coffrelune

@@ -4,13 +4,39 @@
 #include <string>
 #include <vector>
 
-#include "platform/held_tree.h"
+#include "platform/file_service.h"
 #include "platform/win32/held_root.h"
+#include "platform/win32/native_path.h"
 #include "platform/win32/temporary_file.h"
-#include "platform/win32/tree_claim.h"
-#include "platform/win32/volume_flush.h"
+#include "platform/win32/unique_handle.h"
+#include "platform/win32/volumes.h"
 
 namespace coffrelune {
+
+/// A use of a tree that other processes see, until this goes.
+///
+/// Named objects tell the processes of this computer of each other. Those of others meet at a lock
+/// file in the directory, which only a writer makes: nothing is written into a tree that is read.
+struct Win32Claim {
+    std::wstring tree;
+    TreeUse use = TreeUse::read;
+    unsigned seat = 0;  // of a reader
+    UniqueHandle object;
+    UniqueHandle lockFile;  // of a writer
+};
+
+/// The uses that this process makes of trees. Two of its own on one tree never meet.
+class Win32Claims {
+  public:
+    /// `id` and `directory`: of the tree. 0, or 33 when another process is in the way.
+    std::uint32_t claim(const FileId& id, const NativePath& directory, TreeUse use,
+                        std::shared_ptr<Win32Claim>& claim);
+
+  private:
+    std::shared_ptr<Win32Claim> ownClaim(const std::wstring& tree, TreeUse use) const;
+
+    std::vector<std::weak_ptr<Win32Claim>> own_;
+};
 
 /// What lives as long as a hold.
 struct Win32Hold {
@@ -33,17 +59,20 @@ struct Win32Place {
     void expectWrite() const;
 };
 
-/// Of a file that is written at a place.
+/// Of a file that is written at a place. Outside every hold nobody flushes the volume later: what
+/// is written there is safe at once, whatever the durability.
 class HeldWriteGuard final : public WriteGuard {
   public:
-    explicit HeldWriteGuard(const Win32Place& place) : hold_(place.hold) {}
+    HeldWriteGuard(const Win32Place& place, Durability durability)
+        : hold_(place.hold), isSafeAtOnce_(!place.hold || durability == Durability::now) {}
 
     std::uint32_t dataWritten(void* file) override;
     std::uint32_t mayGetItsName() override;
-    void named(void* file) override;
+    std::uint32_t named(void* file) override;
 
   private:
     std::shared_ptr<Win32Hold> hold_;
+    bool isSafeAtOnce_;
 };
 
 /// The holds of this process.

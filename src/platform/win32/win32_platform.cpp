@@ -2,7 +2,46 @@
 
 #include <windows.h>
 
+#include "platform/platform.h"
+#include "platform/win32/native_path.h"
+#include "platform/win32/wide_text.h"
+
 namespace coffrelune {
+namespace {
+
+constexpr std::size_t longestPath = 32768;
+
+std::string environmentText(const wchar_t* name) {
+    std::wstring text(longestPath, L'\0');
+    const DWORD length =
+        GetEnvironmentVariableW(name, text.data(), static_cast<DWORD>(text.size()));
+    return length < text.size() ? narrow({text.data(), length}) : std::string();
+}
+
+}  // namespace
+
+std::string executablePath() {
+    std::wstring path(longestPath, L'\0');
+    const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    return toCore({path.data(), length});
+}
+
+std::string settingsDirectory() {
+    const std::string chosen = environmentText(L"COFFRELUNE_HOME");
+    if (!chosen.empty()) return fromTyped(chosen);
+    const std::string program = executablePath();
+    const std::size_t separator = program.rfind('\\');
+    // "C:\coffrelune.exe" lies in the root, whose backslash belongs to it.
+    return program.substr(0, separator == 2 ? 3 : separator);
+}
+
+std::int16_t ownSystemLevel() {
+    OSVERSIONINFOW told{};
+    told.dwOSVersionInfoSize = sizeof told;
+    if (GetVersionExW(&told) == 0) return 0;
+    return systemLevel({told.dwPlatformId == VER_PLATFORM_WIN32_NT, told.dwMajorVersion,
+                        told.dwMinorVersion, told.dwBuildNumber});
+}
 
 Win32Platform::Win32Platform() {
     SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, nullptr);

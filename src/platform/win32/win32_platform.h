@@ -1,10 +1,25 @@
 #pragma once
 
-#include "platform/win32/ansi_code_page.h"
+#include <cstdint>
+#include <string>
+
+#include "platform/win32/wide_text.h"
 #include "platform/win32/win32_files.h"
 #include "platform/win32/win32_services.h"
 
 namespace coffrelune {
+
+/// Absolute path of the directory that stands for "the executable's directory", in the core's form:
+/// that of the environment variable COFFRELUNE_HOME when it is set and not empty, else the
+/// executable's own.
+std::string settingsDirectory();
+
+/// The running program's file, in the core's form.
+std::string executablePath();
+
+/// systemLevel() of the running system; 0 when it does not tell its version. Windows tells one
+/// that it knows the program's manifest to name, which is enough to tell old systems from new ones.
+std::int16_t ownSystemLevel();
 
 /// Every service of a Windows system but its windows and the desktop's.
 class Win32Platform {

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/memory/memory_platform.h"
-#include "platform/own_names.h"
+#include "platform/names.h"
 
 namespace coffrelune {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <cerrno>
 
-#include "platform/own_names.h"
+#include "platform/names.h"
 #include "platform/posix/temporary_directory.h"
 
 namespace coffrelune {

@@ -2,8 +2,8 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
-#include "platform/win32/ansi_code_page.h"
 #include "platform/win32/test_disk.h"
+#include "platform/win32/wide_text.h"
 #include "platform/win32/win32_files.h"
 #include "settings/settings_file.h"
 

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "engine/engine_fixture.h"
-#include "platform/own_names.h"
+#include "platform/names.h"
 #include "platform/win32/test_disk.h"
 #include "platform/win32/win32_platform.h"
 

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
-#include "platform/own_names.h"
+#include "platform/names.h"
 #include "platform/win32/test_disk.h"
 #include "platform/win32/wide_text.h"
 #include "platform/win32/win32_files.h"

@@ -5,8 +5,6 @@
 
 #include <algorithm>
 
-#include "platform/win32/own_version.h"
-#include "platform/win32/program_place.h"
 #include "platform/win32/test_disk.h"
 #include "platform/win32/wide_text.h"
 #include "platform/win32/win32_platform.h"

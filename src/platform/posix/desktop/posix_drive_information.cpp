@@ -8,7 +8,7 @@
 #include <array>
 #include <memory>
 
-#include "platform/ascii.h"
+#include "platform/characters.h"
 #include "platform/posix/mount_table.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/place.h"

@@ -5,9 +5,18 @@
 #include "platform/desktop_services.h"
 #include "platform/services.h"
 #include "platform/win32/desktop/win32_drive_information.h"
-#include "platform/win32/desktop/win32_registry.h"
 
 namespace coffrelune {
+
+/// The registry. Keys are opened for all access, as the machine's own Run key is only for those
+/// who may change it.
+class Win32Registry final : public RegistryService {
+  public:
+    /// The length that is handed over is that of the text alone, without a terminating NUL.
+    Status setText(Root root, const std::string& key, const std::string& name,
+                   const std::string& data) override;
+    Status deleteValue(Root root, const std::string& key, const std::string& name) override;
+};
 
 /// Makes the calling thread one on which extensions of the shell can run, as long as this lives.
 /// Does no harm where a toolkit has done so before.

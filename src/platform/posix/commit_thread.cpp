@@ -1,0 +1,197 @@
+#include "platform/posix/commit_thread.h"
+
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <iterator>
+#include <system_error>
+
+#include "platform/posix/native_path.h"
+#include "platform/posix/rights.h"
+#include "platform/posix/signals_blocked.h"
+
+namespace coffrelune {
+namespace {
+
+bool isSame(const struct statx& a, const struct statx& b) {
+    return a.stx_ino == b.stx_ino && a.stx_size == b.stx_size &&
+           a.stx_mtime.tv_sec == b.stx_mtime.tv_sec && a.stx_mtime.tv_nsec == b.stx_mtime.tv_nsec;
+}
+
+/// Takes a name that nothing bears: EEXIST when somebody has taken it.
+int takeNewName(const WaitingCopy& copy) {
+    const int directory = copy.target->directory();
+    const char* from = copy.temporary.c_str();
+    const char* to = copy.name.c_str();
+    if (renameat2(directory, from, directory, to, RENAME_NOREPLACE) == 0) return 0;
+    if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP) return errno;
+    // A file system that does not know the question: what comes between the two calls is lost.
+    struct statx taken {};
+    const int error = statEntry(directory, to, false, taken);
+    if (error == 0) return EEXIST;
+    if (error != ENOENT) return error;
+    return renameat(directory, from, directory, to) == 0 ? 0 : errno;
+}
+
+}  // namespace
+
+int flushVolume(int fd) {
+    if (syncfs(fd) == 0) return 0;
+    if (errno != ENOSYS && errno != EINVAL) return errno;
+    sync();  // all volumes, where one alone cannot be asked for
+    return 0;
+}
+
+CommitThread::CommitThread(AfterFailure afterFailure) : afterFailure_(afterFailure) {
+    const SignalsBlocked blocked;
+    try {
+        thread_ = std::thread([this] { run(); });
+    } catch (const std::system_error&) {
+        // No thread to be had: groups are committed by who hands them over.
+    }
+}
+
+CommitThread::~CommitThread() {
+    {
+        const std::lock_guard lock(mutex_);
+        ending_ = true;
+    }
+    work_.notify_one();
+    if (thread_.joinable()) thread_.join();
+    for (const Group& group : groups_) {
+        for (const WaitingCopy& copy : group.copies) {
+            unlinkat(copy.target->directory(), copy.temporary.c_str(), 0);
+        }
+    }
+}
+
+bool CommitThread::knows(dev_t device) const {
+    const std::lock_guard lock(mutex_);
+    return std::any_of(volumes_.begin(), volumes_.end(),
+                       [&](const FlushPoint& volume) { return volume.device == device; });
+}
+
+void CommitThread::addVolume(FlushPoint volume) {
+    const std::lock_guard lock(mutex_);
+    volumes_.push_back(std::move(volume));
+}
+
+void CommitThread::commit(std::vector<WaitingCopy> group, bool last) {
+    {
+        const std::lock_guard lock(mutex_);
+        waiting_ += group.size();
+        groups_.push_back({std::move(group), last});
+    }
+    work_.notify_one();
+    if (thread_.joinable()) return;
+    std::unique_lock lock(mutex_);
+    commitWaiting(lock);
+}
+
+std::vector<WaitingCopy> CommitThread::takeDone() {
+    const std::lock_guard lock(mutex_);
+    waiting_ -= done_.size();
+    return std::exchange(done_, {});
+}
+
+std::size_t CommitThread::waiting() const {
+    const std::lock_guard lock(mutex_);
+    return waiting_;
+}
+
+bool CommitThread::wait() {
+    std::unique_lock lock(mutex_);
+    const auto isIdle = [&] { return groups_.empty() && !busy_; };
+    progress_.wait_for(lock, std::chrono::milliseconds(250),
+                       [&] { return isIdle() || !done_.empty(); });
+    return isIdle();
+}
+
+int CommitThread::takeFlushError() {
+    const std::lock_guard lock(mutex_);
+    return std::exchange(flushError_, 0);
+}
+
+void CommitThread::run() {
+    std::unique_lock lock(mutex_);
+    for (;;) {
+        work_.wait(lock, [&] { return ending_ || !groups_.empty(); });
+        if (ending_) return;
+        commitWaiting(lock);
+    }
+}
+
+/// All that has come meanwhile shares one flush.
+void CommitThread::commitWaiting(std::unique_lock<std::mutex>& lock) {
+    Group all;
+    for (Group& group : groups_) {
+        std::move(group.copies.begin(), group.copies.end(), std::back_inserter(all.copies));
+        all.last = all.last || group.last;
+    }
+    groups_.clear();
+    busy_ = true;
+    lock.unlock();
+    commitGroup(all);
+    const int error = all.last ? flushVolumes() : 0;
+    if (all.last) failed_ = false;
+    lock.lock();
+    busy_ = false;
+    if (error != 0) flushError_ = error;
+    std::move(all.copies.begin(), all.copies.end(), std::back_inserter(done_));
+    progress_.notify_one();
+}
+
+void CommitThread::commitGroup(Group& group) {
+    const int flushed = group.copies.empty() ? 0 : flushVolumes();
+    for (WaitingCopy& copy : group.copies) {
+        copy.error = failed_ ? ECANCELED : flushed;
+        if (copy.error == 0) copy.error = giveName(copy);
+        if (copy.error == 0) continue;
+        // Nothing more can be done about a leftover that stays: a later run removes it.
+        unlinkat(copy.target->directory(), copy.temporary.c_str(), 0);
+        failed_ = failed_ || afterFailure_ == AfterFailure::stop;
+    }
+}
+
+int CommitThread::flushVolumes() {
+    std::size_t count = 0;
+    {
+        const std::lock_guard lock(mutex_);
+        count = volumes_.size();
+    }
+    int failure = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        int fd = -1;
+        {
+            const std::lock_guard lock(mutex_);
+            fd = volumes_[i].fd.get();
+        }
+        const int error = flushVolume(fd);
+        if (error != 0) failure = error;
+    }
+    return failure;
+}
+
+int CommitThread::giveName(WaitingCopy& copy) const {
+    const CopyTarget& target = *copy.target;
+    return changeIn(target.holder(), [&] {
+        if (!copy.old) return takeNewName(copy);
+        struct statx now {};
+        const int error = target.checkOld(copy.name.c_str(), now);
+        if (error == ENOENT) return takeNewName(copy);
+        if (error != 0) return error;
+        // Somebody has written there while the copy waited; the next run decides anew.
+        if (!isSame(*copy.old, now)) return ETXTBSY;
+        const int directory = target.directory();
+        return renameat(directory, copy.temporary.c_str(), directory, copy.name.c_str()) == 0
+                   ? 0
+                   : errno;
+    });
+}
+
+}  // namespace coffrelune

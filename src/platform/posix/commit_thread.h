@@ -1,0 +1,97 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/copy_batch.h"
+#include "platform/posix/copy_target.h"
+#include "platform/posix/unique_fd.h"
+
+namespace coffrelune {
+
+/// A copy that waits for its name.
+struct WaitingCopy {
+    std::uint64_t ticket = 0;
+    std::shared_ptr<CopyTarget> target;
+    std::string temporary;  // native names in the target
+    std::string name;
+    std::optional<struct statx> old;  // what it replaces; nothing when it is new
+    int error = 0;                    // an errno value, once it is through
+};
+
+/// A volume that is written to. Opened before the first write: the system tells a late write error
+/// to those who had the volume open when it happened.
+struct FlushPoint {
+    dev_t device = 0;
+    UniqueFd fd;
+};
+
+/// Flushes volumes and gives copies their names, on a thread of its own while others are copied.
+class CommitThread {
+  public:
+    explicit CommitThread(AfterFailure afterFailure);
+    CommitThread(const CommitThread&) = delete;
+    CommitThread& operator=(const CommitThread&) = delete;
+    /// What has not begun to be committed is given up.
+    ~CommitThread();
+
+    /// A volume that a later group writes to; before the first write.
+    void addVolume(FlushPoint volume);
+    bool knows(dev_t device) const;
+
+    /// Takes copies over, in the order of their tickets. `last`: the names are flushed as well.
+    void commit(std::vector<WaitingCopy> group, bool last);
+
+    /// The copies that are through since the last call, in order.
+    std::vector<WaitingCopy> takeDone();
+
+    /// Copies and targets that were taken over and are not through, or not taken back.
+    std::size_t waiting() const;
+
+    /// Waits at most a quarter of a second for something to be through; true when all of it is.
+    bool wait();
+
+    /// Of the flush of the names; 0 or an errno value. Forgotten with this call.
+    int takeFlushError();
+
+  private:
+    struct Group {
+        std::vector<WaitingCopy> copies;
+        bool last = false;
+    };
+
+    void run();
+    void commitWaiting(std::unique_lock<std::mutex>& lock);
+    void commitGroup(Group& group);
+    int flushVolumes();
+    int giveName(WaitingCopy& copy) const;
+
+    const AfterFailure afterFailure_;
+    bool failed_ = false;  // nothing more may be committed until the last group is through
+
+    mutable std::mutex mutex_;
+    std::condition_variable work_;
+    std::condition_variable progress_;
+    std::vector<FlushPoint> volumes_;  // added to by the caller, never removed
+    std::deque<Group> groups_;
+    std::vector<WaitingCopy> done_;
+    std::size_t waiting_ = 0;
+    bool busy_ = false;
+    bool ending_ = false;
+    int flushError_ = 0;
+    std::thread thread_;  // last: it uses all the others
+};
+
+/// Flushes a volume. 0 or an errno value.
+int flushVolume(int fd);
+
+}  // namespace coffrelune

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "platform/posix/copy_writer.h"
+#include "platform/posix/hold.h"
+#include "platform/posix/place.h"
+
+namespace coffrelune {
+
+/// A directory that files are copied into. It stays open, and barred to other processes that clear
+/// leftovers, until the last of them has its name.
+class CopyTarget {
+  public:
+    /// `directory`: open, O_PATH will do; lies on `device`.
+    CopyTarget(UniqueFd directory, dev_t device, Place place);
+
+    int directory() const { return holder_.directory; }
+    const Holder& holder() const { return holder_; }
+    const Place& place() const { return place_; }
+    dev_t device() const { return device_; }
+
+    /// On the thread that uses `locks`, like the destruction of this object.
+    void bar(TreeLocks& locks);
+
+    /// Creates the file that becomes the copy of `original`, with the mode of its original from the
+    /// start where that shows it to nobody else. `mask`: of the process (umask). 0 or an errno
+    /// value.
+    int create(const char* name, const struct stat& original, mode_t mask, UniqueFd& fd,
+               NewFile& made);
+
+    /// Success when a copy may take the place of what `name` is: of files and links, never of
+    /// anything else or of a read-only file. 0 or an errno value, ENOENT when nothing bears it.
+    int checkOld(const char* name, struct statx& old) const;
+
+  private:
+    /// What is known of the files that are created here.
+    enum class Usual {
+        nothing,
+        owner,  // who owns them
+        mode,   // that their mode is what was asked for, less the mask
+        odd,    // that it is something else
+    };
+
+    Place place_;
+    Holder holder_;  // the directory itself; its name is empty
+    dev_t device_;
+    TreeClaim claim_;
+    Usual usual_ = Usual::nothing;
+    mode_t seen_ = 0;  // that was asked for when `usual_` was found out: others may fare otherwise
+    NewFile last_;
+};
+
+/// The directories that the batches of one file service have open.
+class CopyTargets {
+  public:
+    void add(const std::shared_ptr<CopyTarget>& target) { targets_.push_back(target); }
+
+    /// How many there are now.
+    std::size_t count();
+
+    /// Whether copies wait in the directory that `fd` has open.
+    bool contains(int fd) const;
+
+  private:
+    std::vector<std::weak_ptr<CopyTarget>> targets_;
+};
+
+}  // namespace coffrelune

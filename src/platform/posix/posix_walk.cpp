@@ -1,0 +1,117 @@
+#include "platform/posix/posix_walk.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "platform/posix/signals_blocked.h"
+
+namespace coffrelune {
+namespace {
+
+// Each pair that was read keeps two directories open.
+constexpr std::size_t farthest = 8;
+
+/// Whether a directory could not be opened for want of something that the walk holds.
+bool mayBeShort(const Status& status) {
+    return !status.ok() && !status.saysAbsent();
+}
+
+}  // namespace
+
+PosixWalk::PosixWalk(Locate locate, Read read, std::unique_ptr<WalkAhead> plain)
+    : locate_(std::move(locate)), read_(std::move(read)), plain_(std::move(plain)) {
+    if (std::thread::hardware_concurrency() < 2) return;
+    const SignalsBlocked blocked;
+    try {
+        thread_ = std::thread([this] { run(); });
+    } catch (const std::system_error&) {
+        // No thread to be had: everything is read when it is asked for.
+    }
+}
+
+PosixWalk::~PosixWalk() {
+    {
+        const Lock lock(mutex_);
+        ending_ = true;
+    }
+    changed_.notify_all();
+    if (thread_.joinable()) thread_.join();
+}
+
+void PosixWalk::announce(std::vector<DirectoryPair> pairs) {
+    if (!thread_.joinable()) return;
+    {
+        const Lock lock(mutex_);
+        std::for_each(pairs.rbegin(), pairs.rend(), [&](const DirectoryPair& pair) {
+            auto job = std::make_shared<Job>();
+            if (locate_(pair, job->placed)) jobs_.push_back(std::move(job));
+        });
+    }
+    changed_.notify_all();
+}
+
+OpenedPair PosixWalk::open(const DirectoryPair& pair) {
+    Lock lock(mutex_);
+    const std::shared_ptr<Job> job = take(pair);
+    if (job == nullptr) {
+        lock.unlock();
+        return plain_->open(pair);
+    }
+    if (job->state == State::waiting) work(*job, lock);
+    while (job->state != State::done) {
+        if (const std::shared_ptr<Job> other = nextWaiting()) {
+            work(*other, lock);
+        } else {
+            changed_.wait(lock);
+        }
+    }
+    if (mayBeShort(job->opened.sourceStatus) || mayBeShort(job->opened.targetStatus)) {
+        // What was read ahead keeps directories open; without them it may go.
+        jobs_.clear();
+        job->opened = {};
+        lock.unlock();
+        return plain_->open(pair);
+    }
+    changed_.notify_all();  // another one comes within reach
+    return std::move(job->opened);
+}
+
+/// The job of a pair, taken off the list with those that the walk has passed.
+std::shared_ptr<PosixWalk::Job> PosixWalk::take(const DirectoryPair& pair) {
+    const auto found = std::find_if(jobs_.rbegin(), jobs_.rend(),
+                                    [&](const auto& job) { return job->placed.pair == pair; });
+    if (found == jobs_.rend()) return nullptr;
+    std::shared_ptr<Job> job = *found;
+    jobs_.erase(found.base() - 1, jobs_.end());
+    return job;
+}
+
+std::shared_ptr<PosixWalk::Job> PosixWalk::nextWaiting() const {
+    const std::size_t near = std::min(jobs_.size(), farthest);
+    const auto end = jobs_.rbegin() + static_cast<std::ptrdiff_t>(near);
+    const auto found = std::find_if(jobs_.rbegin(), end,
+                                    [](const auto& job) { return job->state == State::waiting; });
+    return found == end ? nullptr : *found;
+}
+
+void PosixWalk::work(Job& job, Lock& lock) {
+    job.state = State::running;
+    lock.unlock();
+    job.opened = read_(job.placed);
+    lock.lock();
+    job.state = State::done;
+}
+
+void PosixWalk::run() {
+    Lock lock(mutex_);
+    while (!ending_) {
+        if (const std::shared_ptr<Job> job = nextWaiting()) {
+            work(*job, lock);
+            changed_.notify_all();
+        } else {
+            changed_.wait(lock);
+        }
+    }
+}
+
+}  // namespace coffrelune
