@@ -3,8 +3,8 @@
 #include <charconv>
 #include <string_view>
 
-#include "platform/own_names.h"
-#include "settings/escape.h"
+#include "platform/names.h"
+#include "settings/encoding.h"
 #include "system/paths.h"
 
 namespace coffrelune {

@@ -25,6 +25,7 @@ CopieMod::CopieMod(RunState& run, CopyErrors& errors)
       errors_(errors),
       progress_(run),
       copier_(run.system, progress_),
+      queue_(run, errors, progress_, copier_),
       guard_(run.files()) {}
 
 void CopieMod::walkLine(LineTrees& trees, Pass pass) {
@@ -52,8 +53,12 @@ void CopieMod::walkLine(LineTrees& trees, Pass pass) {
     if (saysMissing(found) || isDriveRoot(roots().source)) createTarget();
     if (run_.stopped()) return;
     progress_.clearTexts();
+    if (pass_ == Pass::copy) queue_.open(trees.line().index, roots().target);
+    if (!mayCreate()) ahead_ = files_.startWalk();
     walkTree({withTrailingBackslash(roots().source), withTrailingBackslash(roots().target),
               LinkRule::follow});
+    ahead_.reset();
+    queue_.close();
 }
 
 // The test for a drive root comes first: it may hold nothing and yet be a freshly formatted disk.
@@ -143,11 +148,45 @@ void CopieMod::copySingleFile(const FileEntry& entry) {
         run_.control.interruptionRequested = true;
         return;
     }
-    if (!copied.ok()) errors_.failed(copied.code(), source, splitPath(source).parent);
-    countDone(entry, copied.ok());
+    // A file that failed counts too: the percentage measures how far the run has come.
+    statistics_.bytesDone += static_cast<float>(entry.size);
+    if (!copied.ok()) return errors_.failed(copied.code(), source, splitPath(source).parent);
+    LineTally& tally = run_.tally(trees_->line().index);
+    ++tally.files;
+    tally.bytes += entry.size;
+}
+
+// One directory of a pass that changes nothing.
+void CopieMod::look(const Place& place) {
+    OpenedPair pair = ahead_->open(pairOf(place));
+    if (!pair.sourceStatus.ok()) return sourceNotListed(place, pair.sourceStatus);
+    ++statistics_.directoriesRead;
+    if (!pair.targetStatus.ok() && errors_.hasFailedInLine(place.source)) return;
+    scanDirectory({place, *pair.source, pair.target.get()});
+    if (run_.stopped()) return;
+    const std::vector<std::string> names = subdirectories(place, *pair.source);
+    pair = {};  // a deep tree must not hold a descriptor for every level
+    walkSubdirectories(place, names);
+}
+
+DirectoryPair CopieMod::pairOf(const Place& place) const {
+    return {place.source, place.links, place.destination, targetLinks(place)};
+}
+
+// What comes next may be read while this directory is looked at.
+void CopieMod::announce(const Place& place, const std::vector<std::string>& names,
+                        std::size_t first) {
+    constexpr std::size_t most = 8;
+    if (ahead_ == nullptr || first % most != 0) return;
+    std::vector<DirectoryPair> pairs;
+    for (std::size_t i = first; i < std::min(first + most, names.size()); ++i) {
+        pairs.push_back(pairOf(below(place, names[i])));
+    }
+    ahead_->announce(std::move(pairs));
 }
 
 void CopieMod::walkTree(const Place& place) {
+    if (!mayCreate()) return look(place);
     const Wanted wanted = pass_ == Pass::tree ? Wanted::directories : Wanted::files;
     std::unique_ptr<Directory> listing;
     const Status listed = files_.openDirectory(place.source, place.links, wanted, listing);
@@ -160,19 +199,15 @@ void CopieMod::walkTree(const Place& place) {
     if (pass_ == Pass::tree) {
         showTreeCounts();
     } else {
-        scanDirectory(*listing, target.get(), place);
-        listing.reset();
+        scanDirectory({place, *listing, target.get()});
         if (run_.stopped()) return;
-        const Status again =
-            files_.openDirectory(place.source, place.links, Wanted::directories, listing);
-        if (!again.ok()) return sourceNotListed(place, again);
     }
     const std::vector<std::string> names = subdirectories(place, *listing);
     listing.reset();  // a deep tree must not hold a descriptor for every level
     target.reset();
     walkSubdirectories(place, names);
     // Last, since it may forbid writing. A volume that refuses keeps its own rights.
-    if (isNew || bringsRights()) (void)files_.matchDirectory(place.source, place.destination);
+    if (isNew || bringsRights()) queue_.matchDirectory(place.source, place.destination);
 }
 
 // A copy that no backup of this program has made may show any rights: a restore gives them to none
@@ -224,18 +259,19 @@ bool CopieMod::openTarget(const Place& place, std::unique_ptr<Directory>& target
     const Status opened = open();
     if (!opened.ok()) {
         if (errors_.hasFailedInLine(place.source)) return false;
-        if (!mayCreate()) return true;
         return createMissingTarget(place, opened) && open().ok();
     }
     // Once per run and directory is enough: the tree pass meets every one of them. What cannot be
     // removed now stays hidden from every listing until a later run can.
-    if (pass_ == Pass::tree) (void)files_.removeLeftovers(place.destination);
+    const bool isRoot = place.links == LinkRule::follow;  // where certificates are written
+    if (pass_ == Pass::tree && (isRoot || trees_->mayHoldLeftovers())) {
+        (void)files_.removeLeftovers(place.destination);
+    }
     return true;
 }
 
 // A mount in the written tree that shows what is read: one file would be written over another.
 bool CopieMod::leadsBack(const Place& place) {
-    if (!mayCreate()) return false;
     const std::string path = withoutTrailingBackslash(place.destination);
     FileEntry entry;
     const bool isThere =
@@ -287,12 +323,17 @@ void CopieMod::showTreeCounts() {
     display_.runPendingEvents();
 }
 
+CopieMod::Place CopieMod::below(const Place& place, const std::string& name) {
+    return {place.source + name + "\\", place.destination + name + "\\", LinkRule::enter};
+}
+
 void CopieMod::walkSubdirectories(const Place& place, const std::vector<std::string>& names) {
     FoldedNames handled;
-    for (const std::string& name : names) {
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        announce(place, names, i);
         if (run_.stopped()) return;
-        if (!handled.add(name) && isTaken(name, place, Wanted::directories)) continue;
-        walkTree({place.source + name + "\\", place.destination + name + "\\", LinkRule::enter});
+        if (!handled.add(names[i]) && isTaken(names[i], place, Wanted::directories)) continue;
+        walkTree(below(place, names[i]));
         display_.runPendingEvents();
     }
 }
@@ -300,18 +341,27 @@ void CopieMod::walkSubdirectories(const Place& place, const std::vector<std::str
 // The names are gathered before any is entered, for the descriptor's sake.
 std::vector<std::string> CopieMod::subdirectories(const Place& place, Directory& listing) {
     std::vector<std::string> names;
-    for (FileEntry entry; listing.next(entry);) {
-        if (!entry.isDirectory()) continue;
-        if (isExcludedDirectory(place.source, entry.name, leftOut_)) continue;
-        if (guard_.isTarget(place.source + entry.name, entry)) continue;
-        if (entry.mountPoint && pass_ == Pass::tree)
-            trees_->mountMet(place.source + entry.name, entry.id);
-        names.push_back(entry.name);
+    if (pass_ == Pass::tree) {
+        for (FileEntry entry; listing.next(entry);) {
+            if (entry.isDirectory() && isWanted(place, entry)) names.push_back(entry.name);
+        }
+    } else {
+        for (const FileEntry& entry : listing.takeDirectories()) {
+            if (isWanted(place, entry)) names.push_back(entry.name);
+        }
     }
     if (!listing.status().ok()) {
         errors_.failedOnce(listing.status().code(), withoutTrailingBackslash(place.source));
     }
     return names;
+}
+
+bool CopieMod::isWanted(const Place& place, const FileEntry& directory) {
+    const std::string path = place.source + directory.name;
+    if (isExcludedDirectory(place.source, directory.name, leftOut_)) return false;
+    if (guard_.isTarget(path, directory)) return false;
+    if (directory.mountPoint && pass_ == Pass::tree) trees_->mountMet(path, directory.id);
+    return true;
 }
 
 }  // namespace coffrelune

@@ -5,12 +5,12 @@
 #include <vector>
 
 #include "engine/copy_errors.h"
-#include "engine/decision.h"
-#include "engine/exclusion_rules.h"
+#include "engine/copy_queue.h"
 #include "engine/file_copier.h"
-#include "engine/line_guard.h"
+#include "engine/line_roots.h"
 #include "engine/line_trees.h"
 #include "engine/progress.h"
+#include "engine/rules.h"
 
 namespace coffrelune {
 
@@ -32,6 +32,13 @@ class CopieMod {
         LinkRule links = LinkRule::enter;  // only the roots of a line are links that are followed
     };
 
+    // The same, open. The target is null where there is none, which no copy pass goes on with.
+    struct Pair {
+        const Place& place;
+        Directory& source;
+        Directory* target = nullptr;
+    };
+
     bool mayCreate() const { return pass_ == Pass::tree || pass_ == Pass::copy; }
     const LineRoots& roots() const { return trees_->roots(); }
 
@@ -48,28 +55,31 @@ class CopieMod {
     bool hasVanished(const Status& status);
     void sourceNotListed(const Place& place, const Status& status);
     LinkRule targetLinks(const Place& place) const;
+    void look(const Place& place);
     bool openTarget(const Place& place, std::unique_ptr<Directory>& target);
+    void announce(const Place& place, const std::vector<std::string>& names, std::size_t first);
+    DirectoryPair pairOf(const Place& place) const;
     bool leadsBack(const Place& place);
     bool mayBeOwn(const FileEntry& entry, const Place& place);
     bool createMissingTarget(const Place& place, const Status& opened);
     bool isBlocked(const Place& place);
     void showTreeCounts();
+    static Place below(const Place& place, const std::string& name);
     void walkSubdirectories(const Place& place, const std::vector<std::string>& names);
     std::vector<std::string> subdirectories(const Place& place, Directory& listing);
+    bool isWanted(const Place& place, const FileEntry& directory);
 
     bool isTaken(const std::string& name, const Place& place, Wanted kind);
-    void scanDirectory(Directory& files, Directory* target, const Place& place);
+    void scanDirectory(const Pair& pair);
     bool keepsSome() const;
-    bool findExisting(const FileEntry& entry, Directory* target, const Place& place,
-                      FileEntry& existing, bool& found);
-    void scanFile(const FileEntry& entry, Directory* target, const Place& place);
+    bool findExisting(const FileEntry& entry, const Pair& pair, FileEntry& existing, bool& found);
+    void scanFile(const FileEntry& entry, const Pair& pair);
     void analyseFile(const FileEntry& entry, const Decision& decision, const Place& place);
-    void copyFile(const FileEntry& entry, const Decision& decision, const Place& place);
+    void copyFile(const FileEntry& entry, const Decision& decision, bool found, const Pair& pair);
     bool mayReplace(const std::string& name);
     bool mayChange();
     void tellObstacle(const std::string& text);
     void countToCopy(const FileEntry& entry);
-    void countDone(const FileEntry& entry, bool copied);
 
     RunState& run_;
     FileService& files_;
@@ -78,11 +88,13 @@ class CopieMod {
     CopyErrors& errors_;
     Progress progress_;
     FileCopier copier_;
+    CopyQueue queue_;
     LineGuard guard_;
 
     // Of the line and pass in progress.
     LineTrees* trees_ = nullptr;
     Pass pass_ = Pass::analysis;
+    std::unique_ptr<WalkAhead> ahead_;  // where the pass changes nothing
     LeftOut leftOut_;
     DecisionOptions decision_;
 };

@@ -9,6 +9,7 @@ namespace coffrelune {
 // would replace that of the first, run after run, and both would count as saved. Asked for names
 // that came up again without their case, which is rare, so the source may be listed once more.
 bool CopieMod::isTaken(const std::string& name, const Place& place, Wanted kind) {
+    queue_.settle();  // the copy of the first one shows whether they are one
     std::unique_ptr<Directory> listing;
     if (!files_.openDirectory(place.source, place.links, kind, listing).ok()) return false;
     for (FileEntry other; listing->next(other);) {
@@ -20,18 +21,20 @@ bool CopieMod::isTaken(const std::string& name, const Place& place, Wanted kind)
     return false;
 }
 
-void CopieMod::scanDirectory(Directory& files, Directory* target, const Place& place) {
+void CopieMod::scanDirectory(const Pair& pair) {
     FoldedNames handled;
-    for (FileEntry entry; files.next(entry);) {
+    const std::string& source = pair.place.source;
+    for (FileEntry entry; pair.source.next(entry);) {
         const bool isWanted = !entry.isDirectory() && !isSystemFile(entry.name);
-        if (isWanted && (handled.add(entry.name) || !isTaken(entry.name, place, Wanted::files))) {
-            scanFile(entry, target, place);
+        if (isWanted &&
+            (handled.add(entry.name) || !isTaken(entry.name, pair.place, Wanted::files))) {
+            scanFile(entry, pair);
         }
         display_.runPendingEvents();
         if (run_.stopped()) return;
     }
-    if (!files.status().ok()) {
-        errors_.failedOnce(files.status().code(), withoutTrailingBackslash(place.source));
+    if (!pair.source.status().ok()) {
+        errors_.failedOnce(pair.source.status().code(), withoutTrailingBackslash(source));
     }
 }
 
@@ -42,9 +45,10 @@ bool CopieMod::keepsSome() const {
 }
 
 // False when nobody can tell what bears the name; that has been counted.
-bool CopieMod::findExisting(const FileEntry& entry, Directory* target, const Place& place,
-                            FileEntry& existing, bool& found) {
-    found = target != nullptr && target->lookUp(entry.name, existing);
+bool CopieMod::findExisting(const FileEntry& entry, const Pair& pair, FileEntry& existing,
+                            bool& found) {
+    const Place& place = pair.place;
+    found = pair.target != nullptr && pair.target->lookUp(entry.name, existing);
     if (found || pass_ != Pass::copy || !keepsSome()) return true;
     const Status status = files_.lookUp(place.destination + entry.name, LinkRule::refuse, existing);
     found = status.ok();
@@ -53,7 +57,8 @@ bool CopieMod::findExisting(const FileEntry& entry, Directory* target, const Pla
     return false;
 }
 
-void CopieMod::scanFile(const FileEntry& entry, Directory* target, const Place& place) {
+void CopieMod::scanFile(const FileEntry& entry, const Pair& pair) {
+    const Place& place = pair.place;
     // Listed, but not to be looked at: its age is unknown, and no rule may take it for up to date.
     if (entry.unreadable) {
         errors_.unread(error_number::accessDenied, place.source + entry.name);
@@ -61,7 +66,7 @@ void CopieMod::scanFile(const FileEntry& entry, Directory* target, const Place& 
     }
     FileEntry existing;
     bool found = false;
-    if (!findExisting(entry, target, place, existing, found)) return;
+    if (!findExisting(entry, pair, existing, found)) return;
     const bool analysing = pass_ == Pass::analysis;
     if (found && decision_.compare && analysing && run_.system.SuiviAnalyse != 0 &&
         !run_.comparing()) {
@@ -77,7 +82,7 @@ void CopieMod::scanFile(const FileEntry& entry, Directory* target, const Place& 
         tellObstacle(place.destination + entry.name +
                      " est un répertoire : le fichier de ce nom ne peut pas être copié.");
     }
-    copyFile(entry, decision, place);
+    copyFile(entry, decision, found, pair);
 }
 
 // Of two originals with one copy, that copy holds one file of each name, and nobody can say whose:
@@ -106,20 +111,17 @@ void CopieMod::analyseFile(const FileEntry& entry, const Decision& decision, con
     display_.showCount(std::to_string(statistics_.filesToCopy) + " fichier(s) à copier ");
 }
 
-void CopieMod::copyFile(const FileEntry& entry, const Decision& decision, const Place& place) {
+void CopieMod::copyFile(const FileEntry& entry, const Decision& decision, bool found,
+                        const Pair& pair) {
+    const Place& place = pair.place;
     const bool asks = !decision.isNew && run_.control.askBeforeReplacing;
     if ((asks && !mayReplace(entry.name)) || !mayChange()) return;
     progress_.refreshCaptions(place.source, place.destination);
-    const std::string source = place.source + entry.name;
-    const Status copied =
-        copier_.copy(entry, source, place.destination + entry.name, LinkRule::refuse);
-    if (copied.code() == error_number::requestAborted) {
+    if (!queue_.add({entry, pair.source, *pair.target, place.source, place.destination, found})) {
         // The user gave the file up: its old copy is whole, and that is no error.
         run_.control.interruptionRequested = true;
         return;
     }
-    if (!copied.ok()) errors_.failed(copied.code(), source, place.source);
-    countDone(entry, copied.ok());
     progress_.refreshCaptions(place.source, place.destination);
     progress_.refreshEstimate();
 }
@@ -144,15 +146,6 @@ void CopieMod::countToCopy(const FileEntry& entry) {
     LineTally& tally = run_.tally(trees_->line().index);
     ++tally.filesToCopy;
     tally.bytesToCopy += entry.size;
-}
-
-void CopieMod::countDone(const FileEntry& entry, bool copied) {
-    // A file that failed counts too: the percentage measures how far the run has come.
-    statistics_.bytesDone += static_cast<float>(entry.size);
-    if (!copied) return;
-    LineTally& tally = run_.tally(trees_->line().index);
-    ++tally.files;
-    tally.bytes += entry.size;
 }
 
 }  // namespace coffrelune

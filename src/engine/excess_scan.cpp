@@ -65,23 +65,32 @@ bool ExcessWalk::isSpelledOtherwise(const FileEntry& entry, const Place& place) 
     std::unique_ptr<Directory> listing;
     if (referenceNames_ == nullptr) {
         auto names = std::make_unique<FoldedNames>();
-        if (!files_.openDirectory(place.reference, LinkRule::follow, Wanted::files, listing).ok()) {
-            return true;
-        }
+        if (!listReference(place, listing)) return true;
         for (FileEntry other; listing->next(other);) (void)names->add(other.name);
-        if (!listing->status().ok()) return true;
+        if (!isListed(*listing, place)) return true;
         referenceNames_ = std::move(names);
     }
     if (!referenceNames_->contains(entry.name)) return false;
-    if (!files_.openDirectory(place.reference, LinkRule::follow, Wanted::files, listing).ok()) {
-        return true;
-    }
+    if (!listReference(place, listing)) return true;
     for (FileEntry other; listing->next(other);) {
         if (other.name == entry.name || !equalIgnoringCase(other.name, entry.name)) continue;
         const std::string path = place.cleaned + other.name;
         if (!areTwoEntries(files_, path, place.cleaned + entry.name)) return true;
     }
-    return !listing->status().ok();
+    return !isListed(*listing, place);
+}
+
+// False when it cannot be: that is an error, since files are kept for it.
+bool ExcessWalk::listReference(const Place& place, std::unique_ptr<Directory>& listing) {
+    const Status opened =
+        files_.openDirectory(place.reference, LinkRule::follow, Wanted::files, listing);
+    tellUnread(opened, place.reference);
+    return opened.ok();
+}
+
+bool ExcessWalk::isListed(const Directory& listing, const Place& place) {
+    tellUnread(listing.status(), place.reference);
+    return listing.status().ok();
 }
 
 void ExcessWalk::remove(const FileEntry& entry, const Place& place) {

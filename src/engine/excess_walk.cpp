@@ -198,7 +198,7 @@ void ExcessWalk::walk(const Place& place) {
     std::unique_ptr<Directory> files;
     const Status listed = files_.openDirectory(place.cleaned, links, Wanted::files, files);
     if (!listed.ok()) {
-        if (!listed.saysAbsent()) errors_.unread(listed.code(), place.cleaned);
+        tellUnread(listed, place.cleaned);
         return;
     }
     if (belongsToOthers(place)) return;
@@ -211,6 +211,7 @@ void ExcessWalk::walk(const Place& place) {
     }
     // The program's own files are no part of what a line keeps in step.
     if (!holdsSettings(place)) scan(*files, reference.get(), place);
+    tellUnread(files->status(), place.cleaned);
     files.reset();  // a deep tree must not hold a descriptor for every level
     reference.reset();
     for (const std::string& name : subdirectories(place, links)) {
@@ -322,7 +323,10 @@ bool ExcessWalk::isKnownMount(const std::string& path) const {
 std::vector<std::string> ExcessWalk::subdirectories(const Place& place, LinkRule links) {
     std::vector<std::string> names;
     std::unique_ptr<Directory> directories;
-    if (!files_.openDirectory(place.cleaned, links, Wanted::directories, directories).ok()) {
+    const Status opened =
+        files_.openDirectory(place.cleaned, links, Wanted::directories, directories);
+    if (!opened.ok()) {
+        tellUnread(opened, place.cleaned);
         return names;
     }
     for (FileEntry entry; directories->next(entry);) {
@@ -330,7 +334,13 @@ std::vector<std::string> ExcessWalk::subdirectories(const Place& place, LinkRule
         if (isLeftOutNow(place, entry) || isProtected(place.cleaned + entry.name, entry)) continue;
         names.push_back(entry.name);
     }
+    tellUnread(directories->status(), place.cleaned);
     return names;
+}
+
+// What was not listed was not compared: the run has not done all that it says.
+void ExcessWalk::tellUnread(const Status& listed, const std::string& directory) {
+    if (!listed.ok() && !listed.saysAbsent()) errors_.unread(listed.code(), directory);
 }
 
 }  // namespace coffrelune

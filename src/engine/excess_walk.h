@@ -6,12 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "engine/decision.h"
-#include "engine/exclusion_rules.h"
 #include "engine/folded_names.h"
-#include "engine/line_guard.h"
+#include "engine/line_roots.h"
 #include "engine/line_trees.h"
 #include "engine/objections.h"
+#include "engine/rules.h"
 
 namespace coffrelune {
 
@@ -71,12 +70,15 @@ class ExcessWalk {
     bool isGone(const FileEntry& entry, Directory* reference, const Place& place,
                 FileEntry& counterpart, bool& known);
     bool isSpelledOtherwise(const FileEntry& entry, const Place& place);
+    bool listReference(const Place& place, std::unique_ptr<Directory>& listing);
+    bool isListed(const Directory& listing, const Place& place);
     void remove(const FileEntry& entry, const Place& place);
     void showDeleted(const FileEntry& entry, const std::string& path);
     bool enter(const Place& place, const std::string& name, Place& below);
     bool isLeftOutNow(const Place& place, const FileEntry& entry) const;
     bool isKnownMount(const std::string& path) const;
     std::vector<std::string> subdirectories(const Place& place, LinkRule links);
+    void tellUnread(const Status& listed, const std::string& directory);
 
     bool stopped() const { return run_.stopped() || failed_; }
     const LineRoots& roots() const { return trees_->roots(); }

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "platform/utf8.h"
+#include "platform/characters.h"
 #include "system/text.h"
 
 namespace coffrelune {

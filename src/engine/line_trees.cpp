@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/own_names.h"
+#include "platform/names.h"
 #include "system/paths.h"
 
 namespace coffrelune {
@@ -68,6 +68,7 @@ void LineTrees::readCopy() {
     if (!readMarks(files_, roots().copy(), copyMarks_).ok()) copyMarks_.unreadable.push_back("");
     const Certificate* own = certificate();
     if (own == nullptr) return;
+    foundComplete_ = backsUp() && own->complete;
     const std::string original = withTrailingBackslash(roots().original());
     for (const std::string& mount : own->mounts) {
         FileEntry entry;

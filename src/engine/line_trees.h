@@ -28,6 +28,10 @@ class LineTrees {
     /// The root of the written tree is a link, which a user made: nothing is deleted behind it.
     bool targetIsLink() const { return targetIsLink_; }
 
+    /// An earlier run may have left unfinished files in the written tree. Not so where the copy was
+    /// complete when it was taken hold of: then no run has been killed in it.
+    bool mayHoldLeftovers() const { return !foundComplete_; }
+
     /// Called before each change of the written tree: the first one makes the copy's certificate
     /// say that it is not complete, or marks the original as half restored. A failure means that
     /// nothing may be changed.
@@ -105,7 +109,8 @@ class LineTrees {
     bool refused_ = false;
     bool targetIsLink_ = false;
     bool isSingleFile_ = false;  // a directory of its name in the destination is not its tree
-    bool changing_ = false;      // beforeChange() has done its work
+    bool foundComplete_ = false;
+    bool changing_ = false;  // beforeChange() has done its work
 };
 
 }  // namespace coffrelune

@@ -12,10 +12,8 @@ BackupRun::BackupRun(RunState& run)
 void BackupRun::LanceCopie() {
     const bool treeOnly = run_.system.options.ArbreMode != 0;
     begin();
-    if (treeOnly) {
-        CopieArborescence();
-    } else {
-        CopieArborescence();
+    CopieArborescence();
+    if (!treeOnly) {
         if (mayDeleteExcess(run_) && !run_.stopped()) EffaceExcedents();
         run_.statistics.totalBytes = 0;
         startAnalysis();

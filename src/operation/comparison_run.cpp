@@ -1,6 +1,6 @@
 #include "operation/comparison_run.h"
 
-#include "engine/size_text.h"
+#include "engine/progress.h"
 #include "operation/operation.h"
 #include "system/date_time.h"
 #include "system/numbers.h"

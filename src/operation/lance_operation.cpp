@@ -1,8 +1,8 @@
 #include "operation/lance_operation.h"
 
-#include "operation/error_causes.h"
+#include "operation/errors.h"
+#include "operation/line_texts.h"
 #include "operation/results.h"
-#include "operation/shared_copies.h"
 #include "system/sounds.h"
 
 namespace coffrelune {

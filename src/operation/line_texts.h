@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "engine/line_roots.h"
 #include "settings/system_mod.h"
@@ -26,5 +27,11 @@ enum class LineSide { left, right };
 /// G:\Copies\Docs makes G:\Copies the destination, editing it to G:\Copies makes it that too.
 /// A settings file that cannot be written leaves the line in memory as edited.
 void editLine(SystemMod& system, int line, LineSide side, const std::string& text);
+
+/// A text for the user for every two lines whose copies lie in the same place, though they are
+/// copies of different sources, when the operation takes in one of them: two cards with a
+/// directory DCIM each, saved to one disk. The lines are run as they are, what bears one name
+/// in both is kept once.
+std::vector<std::string> sharedCopies(const SystemMod& system);
 
 }  // namespace coffrelune

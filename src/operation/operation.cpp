@@ -2,7 +2,7 @@
 
 #include "operation/backup_run.h"
 #include "operation/comparison_run.h"
-#include "operation/error_list.h"
+#include "operation/errors.h"
 #include "system/date_time.h"
 
 namespace coffrelune {

@@ -9,8 +9,6 @@
 namespace coffrelune {
 namespace {
 
-constexpr std::array<const char*, 3> suffixes = {"Save", "Rest", "Comp"};  // by operation kind
-
 struct SummaryTexts {
     const char* clean;
     const char* problem;
@@ -60,7 +58,7 @@ ResultSummary summarize(const SystemMod& system, OperationKind kind) {
 
 void StoreResult(SystemMod& system, OperationHost& host, bool clean) {
     const OperationKind kind = system.operationKind;
-    const std::string suffix = suffixes[static_cast<std::size_t>(kind)];
+    const std::string suffix = wordsOf(kind).key;
     const std::string date = formatDateTime(system.platform.clock.now());
     // A settings file that cannot be written leaves the memory right: outcomes are ignored.
     const auto write = [&](const std::string& key, const std::string& value) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "operation/operation_host.h"
+#include "operation/operation.h"
 #include "settings/system_mod.h"
 
 namespace coffrelune {

@@ -15,7 +15,7 @@
 #include "engine/excess_walk.h"
 #include "platform/memory/faulty_files.h"
 #include "platform/memory/memory_platform.h"
-#include "platform/own_names.h"
+#include "platform/names.h"
 #include "system/paths.h"
 
 namespace coffrelune {

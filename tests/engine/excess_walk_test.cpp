@@ -1,5 +1,7 @@
 #include "engine/excess_walk.h"
 
+#include <algorithm>
+
 #include "engine/excess_fixture.h"
 
 namespace coffrelune {
@@ -419,6 +421,58 @@ TEST_F(ExcessFiles, ARestoreKeepsTheSystemDirectoryOfTheComputerThatWasSaved) {
     EXPECT_TRUE(restore("C:\\Docs", "F:\\Save"));
     EXPECT_FALSE(kept("C:\\Docs\\new.txt"));
     EXPECT_TRUE(kept("C:\\Docs\\WINDOWS\\system.dll"));
+}
+
+// ---- what cannot be listed ----------------------------------------------------------------------
+
+TEST_F(ExcessFiles, AListingOfTheCopyThatBreaksOffIsAnError) {
+    system.options.ContinueOnError = -1;
+    pair("same.txt");
+    disk().file("F:\\Save\\Docs\\Sub\\gone.txt", "x");
+    faulty.fail("next", "F:\\Save\\Docs\\Sub\\", error_number::ioDevice);
+    clean();
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\Sub\\gone.txt"));
+    EXPECT_THAT(window.journal, testing::Contains("Erreur: 1117 - Fichier: F:\\Save\\Docs\\Sub"));
+    EXPECT_EQ(statistics.errorCount, 1);
+}
+
+TEST_F(ExcessFiles, AReferenceThatCannotBeListedKeepsItsFilesAndIsAnError) {
+    system.options.ContinueOnError = -1;
+    pair("same.txt");
+    pair("Sub\\same.txt");
+    disk().file("F:\\Save\\Docs\\Sub\\gone.txt", "x");
+    faulty.fail("next", "C:\\Docs\\Sub\\", error_number::ioDevice);
+    clean();
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\Sub\\gone.txt"));
+    EXPECT_THAT(window.journal, testing::Contains("Erreur: 1117 - Fichier: C:\\Docs\\Sub"));
+    EXPECT_EQ(statistics.errorCount, 1);
+}
+
+TEST_F(ExcessFiles, SubdirectoriesThatCannotBeListedAreAnError) {
+    system.options.ContinueOnError = -1;
+    pair("same.txt");
+    const std::string gone = "F:\\Save\\Docs\\Sub\\Deep\\gone.txt";
+    const auto isListing = [](const std::string& call) {
+        return call == "openDirectory F:\\Save\\Docs\\Sub\\";
+    };
+    // The first run opens the certificate; those after it make the same calls as each other.
+    std::vector<std::string> calls;
+    for (int run = 0; run < 2; ++run) {
+        disk().file(gone, "x");
+        faulty.restart();
+        clean();
+        calls = faulty.calls();
+    }
+    const auto last = std::find_if(calls.rbegin(), calls.rend(), isListing);
+    ASSERT_NE(last, calls.rend());
+    disk().file(gone, "x");
+    faulty.restart();
+    faulty.failCall(static_cast<std::uint64_t>(calls.rend() - last), error_number::ioDevice);
+    clean();
+    ASSERT_TRUE(isListing(faulty.calls().at(static_cast<std::size_t>(calls.rend() - last) - 1)));
+    EXPECT_TRUE(kept(gone));
+    EXPECT_EQ(statistics.errorCount, 1);
+    EXPECT_THAT(window.journal, testing::Contains("Erreur: 1117 - Fichier: F:\\Save\\Docs\\Sub"));
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 #include "operation/backup_run.h"
 
 #include "operation/launch_fixture.h"
-#include "platform/own_names.h"
+#include "platform/names.h"
 #include "system/paths.h"
 
 namespace coffrelune {

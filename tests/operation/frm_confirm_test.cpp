@@ -1,5 +1,4 @@
-#include "operation/frm_confirm.h"
-
+#include "operation/copie.h"
 #include "operation/operation_fixture.h"
 
 namespace coffrelune {

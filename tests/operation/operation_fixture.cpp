@@ -1,6 +1,6 @@
 #include "operation/operation_fixture.h"
 
-#include "platform/own_names.h"
+#include "platform/names.h"
 #include "system/paths.h"
 
 namespace coffrelune {

@@ -1,0 +1,83 @@
+#include "engine/copy_queue.h"
+
+namespace coffrelune {
+
+CopyQueue::CopyQueue(RunState& run, CopyErrors& errors, Progress& progress, FileCopier& copier)
+    : run_(run), files_(run.files()), errors_(errors), progress_(progress), copier_(copier) {}
+
+void CopyQueue::open(int line, const std::string& root) {
+    line_ = line;
+    root_ = root;
+    const bool goesOn = run_.system.options.ContinueOnError != 0;
+    batch_ = files_.startBatch(root, goesOn ? AfterFailure::goOn : AfterFailure::stop, *this);
+}
+
+bool CopyQueue::add(const Wish& wish) {
+    const std::string source = wish.sourceDirectory + wish.entry.name;
+    const std::string target = wish.targetDirectory + wish.entry.name;
+    std::uint64_t ticket = 0;
+    Status copied = copyOnce(wish, source, target, ticket);
+    if (!copied.ok() && copied.code() != error_number::requestAborted) {
+        copier_.setAttributes(target, attribute::normal);
+        copied = copyOnce(wish, source, target, ticket);
+    }
+    if (copied.code() == error_number::requestAborted) return false;
+    // A file that failed counts too: the percentage measures how far the run has come.
+    run_.statistics.bytesDone += static_cast<float>(wish.entry.size);
+    if (copied.ok()) {
+        waiting_.push_back({ticket, wish.sourceDirectory, wish.entry.name, wish.entry.size, {}});
+    } else {
+        errors_.failed(copied.code(), source, wish.sourceDirectory);
+    }
+    return true;
+}
+
+Status CopyQueue::copyOnce(const Wish& wish, const std::string& source, const std::string& target,
+                           std::uint64_t& ticket) {
+    const CopyOptions& options = run_.system.options;
+    CopyRequest request{wish.source, wish.target, wish.entry, source, target};
+    request.isNew = !wish.found;
+    request.writable = wish.entry.isReadOnly() && options.DelReadOnly != 0;
+    request.allTimes = options.SynchroDate != 0;
+    const bool withProgress = run_.system.OsLevel >= 1 && options.AltCopie == 0;
+    request.observer = withProgress ? &progress_ : nullptr;
+    return batch_->add(request, ticket);
+}
+
+void CopyQueue::committed(std::uint64_t, const Status& status) {
+    // In the order in which they were added, one call each.
+    const Waiting copy = std::move(waiting_.front());
+    waiting_.pop_front();
+    if (status.ok()) {
+        LineTally& tally = run_.tally(line_);
+        ++tally.files;
+        tally.bytes += copy.size;
+    } else if (status.code() == error_number::requestAborted) {
+        run_.control.interruptionRequested = true;
+    } else {
+        errors_.failed(status.code(), copy.directory + copy.name, copy.directory);
+    }
+    // A volume that refuses keeps its own rights.
+    for (const auto& [source, target] : copy.matches) (void)files_.matchDirectory(source, target);
+}
+
+void CopyQueue::matchDirectory(const std::string& source, const std::string& target) {
+    if (waiting_.empty()) {
+        (void)files_.matchDirectory(source, target);  // as above
+    } else {
+        waiting_.back().matches.emplace_back(source, target);
+    }
+}
+
+void CopyQueue::settle() {
+    if (batch_ == nullptr) return;
+    const Status finished = batch_->finish();
+    if (!finished.ok()) errors_.failed(finished.code(), root_, root_);
+}
+
+void CopyQueue::close() {
+    settle();
+    batch_.reset();
+}
+
+}  // namespace coffrelune
