@@ -3,11 +3,10 @@
 #include "console/json_report.h"
 #include "console/preparation.h"
 #include "console/session.h"
-#include "operation/error_causes.h"
-#include "operation/operation_host.h"
+#include "operation/errors.h"
+#include "operation/operation.h"
 #include "operation/results.h"
 #include "operation/run_report.h"
-#include "operation/visu_err_frm.h"
 
 namespace coffrelune::console {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "platform/utf8.h"
+#include "platform/characters.h"
 #include "system/text.h"
 
 namespace coffrelune {
@@ -143,10 +143,10 @@ void ExcludeForm::removeAll() {
 void ExcludeForm::accept() {
     system_.ClearExclusions(line_);
     for (std::size_t i = 0; i < OptExclu.size(); ++i) {
-        if (OptExclu.at(i).checked()) system_.WriteExclusionMode(line_, modeOf(i));
+        if (OptExclu.at(i).checked()) system_.writeExclusionMode(line_, modeOf(i));
     }
     for (std::size_t i = 0; i < Liste.entries().size(); ++i) {
-        system_.WriteExcludedDirectory(line_, i + 1, Liste.entries()[i]);
+        system_.writeExcludedDirectory(line_, i + 1, Liste.entries()[i]);
     }
     close();
 }

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/commands.h"
 #include "platform/input_controls.h"
-#include "platform/path_label.h"
 #include "settings/system_mod.h"
 
 namespace coffrelune {

@@ -5,7 +5,7 @@
 
 #include "dialogs/drive_list_frm.h"
 #include "dialogs/text_dialogs.h"
-#include "platform/core_path.h"
+#include "platform/names.h"
 #include "system/text.h"
 
 namespace coffrelune {

@@ -7,7 +7,7 @@
 
 #include "mainwindow/main_dialogs.h"
 #include "operation/line_texts.h"
-#include "platform/path_label.h"
+#include "platform/commands.h"
 
 namespace coffrelune {
 

@@ -17,7 +17,7 @@
 #include "mainwindow/window_place.h"
 #include "operation/copie.h"
 #include "operation/lance_operation.h"
-#include "operation/operation_host.h"
+#include "operation/operation.h"
 #include "operation/run_report.h"
 
 namespace coffrelune {

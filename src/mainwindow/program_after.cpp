@@ -1,6 +1,6 @@
 #include "mainwindow/program_after.h"
 
-#include "settings/escape.h"
+#include "settings/encoding.h"
 
 namespace coffrelune {
 

@@ -1,7 +1,7 @@
 #include "mainwindow/results_area.h"
 
+#include "operation/errors.h"
 #include "operation/results.h"
-#include "operation/visu_err_frm.h"
 #include "system/date_time.h"
 
 namespace coffrelune {

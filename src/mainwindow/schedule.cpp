@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/utf8.h"
+#include "platform/characters.h"
 #include "system/date_time.h"
 
 namespace coffrelune {

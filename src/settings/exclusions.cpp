@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "settings/escape.h"
+#include "settings/encoding.h"
 #include "settings/system_mod.h"
 #include "system/text.h"
 
@@ -65,15 +65,15 @@ void SystemMod::StoreExclusions(const std::string& packed, int line) {
     keep(configurationName, prefix(line) + "Mode", elements[0]);
     for (std::size_t number = 1; number < elements.size(); ++number) {
         if (elements[number].empty()) return;
-        WriteExcludedDirectory(line, number, unescapeCharacters(elements[number], separators));
+        writeExcludedDirectory(line, number, unescapeCharacters(elements[number], separators));
     }
 }
 
-void SystemMod::WriteExclusionMode(int line, ExclusionMode mode) {
+void SystemMod::writeExclusionMode(int line, ExclusionMode mode) {
     keep(configurationName, prefix(line) + "Mode", std::to_string(static_cast<std::int32_t>(mode)));
 }
 
-void SystemMod::WriteExcludedDirectory(int line, std::size_t number, const std::string& directory) {
+void SystemMod::writeExcludedDirectory(int line, std::size_t number, const std::string& directory) {
     keep(configurationName, directoryKey(line, number), storable(directory));
 }
 

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
-#include "platform/system_level.h"
+#include "platform/platform.h"
 
 namespace coffrelune {
 
@@ -17,5 +18,17 @@ struct ProgramContext {
     std::string executablePath = {};
     std::int16_t systemLevel = newestSystemLevel;  // 0 when the system does not tell its version
 };
+
+/// What the arguments ask for.
+struct CommandLine {
+    bool AutoMode = false;
+    /// The configuration named last, in ProperCase; empty when the last name is ("/Auto/"); nothing
+    /// when none is given.
+    std::optional<std::string> configurationName;
+};
+
+/// Understands the arguments after the program path, as one text: "/Auto /Travail", "/travail", or
+/// a bare name, which is then taken whole, blanks included.
+CommandLine readCommandLine(const std::string& text);
 
 }  // namespace coffrelune

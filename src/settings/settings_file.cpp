@@ -78,14 +78,15 @@ void SettingsFile::load() {
     std::string bytes;
     // The stamp is taken first: a change made while the file is read is then seen the next time.
     status_ = files_.lookUp(path_, LinkRule::follow, entry);
-    if (status_.ok()) status_ = files_.readWhole(path_, largestFile, bytes);
     const bool missing = status_.saysAbsent();
+    // A file that was there a moment ago is not taken for none, which would be written anew.
+    if (status_.ok()) status_ = files_.readWhole(path_, largestFile, bytes);
     if (missing) status_ = Status();
     loaded_ = status_.ok() && !missing;
     stamp_ = std::move(entry);
     if (!status_.ok()) bytes.clear();
     if (!text_.parse(std::move(bytes))) {
-        status_ = Status::failure(error_number::invalidData, path_, "not a text file");
+        status_ = Status::failure(error_number::invalidData, path_);
     }
 }
 
@@ -94,7 +95,7 @@ Status SettingsFile::finish(SettingsText::Edit edit) {
     // From here on the text in memory is not known to be that of the file.
     loaded_ = false;
     if (edit == SettingsText::Edit::refused) {
-        return Status::failure(error_number::invalidParameter, path_, "cannot be stored");
+        return Status::failure(error_number::invalidParameter, path_);
     }
     if (text_.serialise().size() > largestFile) {
         return Status::failure(error_number::fileTooLarge, path_);

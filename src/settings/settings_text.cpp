@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "settings/escape.h"
-#include "settings/utf16le.h"
+#include "settings/encoding.h"
 #include "system/text.h"
 
 namespace coffrelune {
@@ -116,7 +115,8 @@ SettingsText::Edit SettingsText::setValue(const std::string& section, const std:
     if (!canBeReadBack(key)) return Edit::refused;
     const std::string stored = escapeCharacters(value, lineBreakers);
     const std::string header = '[' + escapeCharacters(section, lineBreakers) + ']';
-    if (!makeRoomFor(header + key + stored)) return Edit::refused;
+    // Apart, as they will stand: bytes that are no text alone might be a character together.
+    if (!makeRoomFor(header + '\n' + key + '=' + stored)) return Edit::refused;
     const Section* found = find(section);
     if (found == nullptr) {
         insertLine(bytes_.size(), header);

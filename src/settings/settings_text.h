@@ -27,7 +27,7 @@ namespace coffrelune {
 ///
 /// Where those functions leave a hole, no setting is lost and none comes back: deleting concerns
 /// every duplicate; comments right above a header stay with it; CR, LF and NUL within a value or a
-/// section's name are written as private-use characters (see escape.h).
+/// section's name are written as private-use characters (see encoding.h).
 class SettingsText {
   public:
     enum class Edit { none, made, refused };

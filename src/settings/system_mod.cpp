@@ -4,7 +4,7 @@
 #include <limits>
 #include <utility>
 
-#include "settings/command_line.h"
+#include "settings/program_context.h"
 #include "settings/setting_names.h"
 #include "system/paths.h"
 #include "system/text.h"

@@ -7,9 +7,8 @@
 #include <vector>
 
 #include "platform/platform.h"
-#include "settings/backup_line.h"
+#include "settings/configuration.h"
 #include "settings/copy_options.h"
-#include "settings/operation_kind.h"
 #include "settings/program_context.h"
 #include "settings/settings_file.h"
 
@@ -62,9 +61,9 @@ class SystemMod {
     std::string PackExclusions(int line);
     void StoreExclusions(const std::string& packed, int line);
     void ClearExclusions(int line);
-    void WriteExclusionMode(int line, ExclusionMode mode);
+    void writeExclusionMode(int line, ExclusionMode mode);
     /// `number` counts from 1.
-    void WriteExcludedDirectory(int line, std::size_t number, const std::string& directory);
+    void writeExcludedDirectory(int line, std::size_t number, const std::string& directory);
     /// Highest index of a line with a source or a destination; 0 when none has (line 0 is not
     /// looked at, a configuration keeps at least one line).
     int LastUsedLine() const;

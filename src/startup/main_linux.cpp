@@ -5,7 +5,6 @@
 #include "mainwindow/main_form.h"
 #include "platform/posix/desktop/posix_desktop.h"
 #include "platform/posix/posix_platform.h"
-#include "platform/posix/program_place.h"
 #include "startup/startup.h"
 #include "views/terminal/terminal_windows.h"
 #include "views/wx/wx_program.h"

@@ -4,7 +4,7 @@
 #include "mainwindow/main_form.h"
 #include "platform/native/native_platform.h"
 #include "platform/win32/desktop/win32_desktop.h"
-#include "platform/win32/program_place.h"
+#include "platform/win32/win32_platform.h"
 #include "startup/startup.h"
 #include "views/wx/wx_program.h"
 

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "platform/ascii.h"
-#include "platform/core_path.h"
+#include "platform/characters.h"
+#include "platform/names.h"
 #include "system/text.h"
 
 namespace coffrelune {

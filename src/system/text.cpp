@@ -4,7 +4,7 @@
 #include <iterator>
 #include <limits>
 
-#include "platform/utf8.h"
+#include "platform/characters.h"
 #include "system/casing_tables.h"
 
 namespace coffrelune {

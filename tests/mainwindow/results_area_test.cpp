@@ -1,6 +1,6 @@
 // The summary of the last runs, the comparison's list and its direction.
 #include "mainwindow/main_form_fixture.h"
-#include "operation/visu_err_frm.h"
+#include "operation/errors.h"
 
 namespace coffrelune {
 namespace {

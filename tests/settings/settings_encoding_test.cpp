@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/windows1252.h"
+#include "platform/characters.h"
+#include "settings/encoding.h"
 #include "settings/settings_text.h"
-#include "settings/utf16le.h"
 
 namespace coffrelune {
 namespace {
@@ -71,6 +71,13 @@ TEST_F(SettingsEncodingTest, KeepsBytesThatTheCodePageLeavesFree) {
     load("[A]\nx=\x81\x8D\x8F\x90\x9D\n");
     EXPECT_EQ(text.setValue("A", "y", text.value("A", "x")), Edit::made);
     EXPECT_EQ(text.serialise(), "[A]\nx=\x81\x8D\x8F\x90\x9D\ny=\x81\x8D\x8F\x90\x9D\n");
+}
+
+TEST_F(SettingsEncodingTest, BytesOfAKeyAndItsValueAreNoCharacterTogether) {
+    load("[A]\nx=1\n");
+    EXPECT_EQ(text.setValue("A", "k\xC3", "\xA9"), Edit::made);
+    EXPECT_EQ(readBack("A", "k\xC3"), "\xA9");
+    EXPECT_EQ(readBack("A", "x"), "1");
 }
 
 TEST_F(SettingsEncodingTest, KeepsAUtf8File) {

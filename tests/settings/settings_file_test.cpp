@@ -158,6 +158,9 @@ TEST_F(SettingsFileTest, NeverWritesOverAFileThatCannotBeReadForADefect) {
     faults.restart();
     faults.fail("lookUp", path, 21);
     expectRefused(21);
+    faults.restart();
+    faults.fail("readWhole", path, 2);  // it was found a moment ago
+    expectRefused(2);
 }
 
 TEST_F(SettingsFileTest, RefusesWhenTheFileBecomesUnreadableLater) {

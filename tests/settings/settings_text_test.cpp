@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "platform/windows1252.h"
+#include "platform/characters.h"
 
 namespace coffrelune {
 namespace {

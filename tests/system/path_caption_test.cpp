@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/commands.h"
 #include "platform/memory/memory_desktop.h"
-#include "platform/path_label.h"
 
 namespace coffrelune {
 namespace {

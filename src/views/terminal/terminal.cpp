@@ -1,6 +1,6 @@
 #include "views/terminal/terminal.h"
 
-#include "platform/utf8.h"
+#include "platform/characters.h"
 
 namespace coffrelune {
 namespace {

@@ -1,13 +1,72 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
+#include "operation/operation.h"
 #include "platform/services.h"
 #include "views/terminal/interrupt_signals.h"
 #include "views/terminal/terminal.h"
-#include "views/terminal/terminal_run.h"
 
 namespace coffrelune {
+
+/// An operation in a terminal: one line with its phase or percentage, remaining time and rate; and
+/// its journal, line by line, when that is wanted.
+class TerminalRun final : public RunDisplay {
+  public:
+    /// `windows` asks the questions. Everything passed outlives this.
+    TerminalRun(Operation& operation, OperationHost& host, WindowService& windows,
+                Terminal& terminal, bool printsJournal);
+    ~TerminalRun() override;
+    TerminalRun(const TerminalRun&) = delete;
+    TerminalRun& operator=(const TerminalRun&) = delete;
+
+    /// Redraws the line when something changed and `now` (milliseconds) is late enough.
+    void refresh(std::int64_t now);
+
+    Operation& operation() { return operation_; }
+    const std::string& journal() const { return journal_.text(); }
+
+    void showPhase(const std::string& phase, const std::string& detail) override;
+    void offerAnalysisDetail() override {}
+    void showCopyPhase(const std::string& remainingTime) override;
+    void showComparisonPhase(const std::string& phase) override;
+    void showSource(const std::string& path) override;
+    void showDestination(const std::string& path) override { show(detail_, "Vers: " + path); }
+    void showFile(const std::string& path) override { show(file_, path); }
+    void showPercentage(int percent, const std::string& caption) override;
+    void showRemainingTime(const std::string& caption) override { show(remainingTime_, caption); }
+    void showRate(const std::string& caption) override { show(rate_, caption); }
+    void showCount(const std::string& caption) override { show(detail_, caption); }
+    void showLineDone(int line) override { host_.showLineDone(line, true); }
+    void addToComparison(const std::string& line) override;
+    void showComparisonSummary(const std::string& summary) override;
+    void AjouteECTxt(const std::string& text) override;
+    void MajErreurImg() override {}
+    void showCritical(const std::string& text) override;
+    ReplacementAnswer DemandeRemplacement(const std::string& fileName) override;
+    void runPendingEvents() override { windows_.runPendingEvents(); }
+
+  private:
+    void show(std::string& part, const std::string& text);
+    std::string text() const;
+
+    Operation& operation_;
+    OperationHost& host_;
+    WindowService& windows_;
+    Terminal& terminal_;
+    bool printsJournal_;
+    TextLog journal_;
+    // The parts of the line; with a percentage the copy has begun.
+    std::string percentage_;
+    std::string phase_;
+    std::string remainingTime_;
+    std::string detail_;
+    std::string file_;
+    std::string rate_;
+    bool changed_ = true;
+    std::int64_t drawnAt_ = 0;
+};
 
 /// Windows in a terminal: each one is a question whose buttons are the answers. An operation is a
 /// progress line.

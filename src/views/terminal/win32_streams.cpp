@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/utf8.h"
+#include "platform/characters.h"
 #include "views/terminal/streams.h"
 
 namespace coffrelune::streams {

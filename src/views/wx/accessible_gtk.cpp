@@ -1,7 +1,7 @@
 #include <gtk/gtk.h>
 #include <wx/stattext.h>
 
-#include "platform/utf8.h"
+#include "platform/characters.h"
 #include "views/wx/accessible.h"
 
 namespace coffrelune {

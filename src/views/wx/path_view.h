@@ -2,7 +2,7 @@
 
 #include <wx/window.h>
 
-#include "platform/path_label.h"
+#include "platform/commands.h"
 #include "views/wx/peer.h"
 
 namespace coffrelune {

@@ -2,7 +2,7 @@
 
 #include <wx/control.h>
 
-#include "platform/utf8.h"
+#include "platform/characters.h"
 
 namespace coffrelune {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <thread>
 
-#include "operation/frm_confirm.h"
+#include "operation/copie.h"
 #include "operation/lance_operation.h"
 #include "platform/memory/memory_platform.h"
 #include "views/terminal/default_signals.h"

@@ -1,8 +1,8 @@
-#include "settings/escape.h"
+#include "settings/encoding.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/windows1252.h"
+#include "platform/characters.h"
 #include "settings/settings_text.h"
 
 namespace coffrelune {

@@ -1,4 +1,4 @@
-#include "settings/command_line.h"
+#include "settings/program_context.h"
 
 #include <gtest/gtest.h>
 
