@@ -49,12 +49,16 @@ def signals_pending(process):
 
 
 def deliver(process, number):
-    """Sends a signal to a program that stands still and lets it take it, and nothing more: the
-    stop that follows comes behind it. So two of them never melt into one."""
+    """Sends a signal to a program that stands still and lets it take it, and hardly more: the stop
+    that follows comes behind it, or before it where another thread is quicker to stop them all. So
+    two of them never melt into one."""
     process.send_signal(number)
-    process.send_signal(signal.SIGCONT)
-    stands_still(process)
-    return not signals_pending(process)
+    for _ in range(100):
+        process.send_signal(signal.SIGCONT)
+        stands_still(process)
+        if not signals_pending(process):
+            return True
+    return False
 
 
 def stop_among_many(place, report, more, arguments=None):

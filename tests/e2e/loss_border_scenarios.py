@@ -231,7 +231,7 @@ def bare_destination(place, report):
 @needs(why_no_mount, why_no_trace)
 def destination_lazily_unmounted(place, report):
     """La destination démontée au milieu : rien ne tombe dans le point de montage nu"""
-    for call, number in (("mkdirat", 1), ("renameat", 1), ("renameat", 3), ("syncfs", 1)):
+    for call, number in (("mkdirat", 1), ("renameat", 1), ("renameat2", 1), ("syncfs", 1)):
         with disk(place, "dest") as point:
             shutil.rmtree(place.source)
             plant(place.source, FILES)

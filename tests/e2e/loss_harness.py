@@ -236,7 +236,12 @@ class Halted:
             os.kill(int(child), number)
 
     def finish(self):
-        self.signal(signal.SIGCONT)
+        # strace counts the calls of each thread apart: another one may stop the program again.
+        while self.process.poll() is None:
+            with contextlib.suppress(OSError):
+                self.signal(signal.SIGCONT)
+            with contextlib.suppress(subprocess.TimeoutExpired):
+                self.process.wait(0.2)
         return wait(self.process)
 
     def kill(self):

@@ -63,7 +63,7 @@ def interrupted_chain(place, report):
         check(report, "F vers G", back_up(place), 0)
         os.rename(f"{place.source}/a.txt", f"{place.source}/un autre nom.txt")
         settle(place)
-        report.check("A vers F est tuée", killed(place, "renameat", 2, BACKUP))
+        report.check("A vers F est tuée", killed(place, "renameat2", 1, BACKUP))
         report.check("F a perdu l'ancien nom", "a.txt" not in tree(place.copy))
         if together:
             settle(place, (place.source, place.destination), chain)

@@ -313,8 +313,8 @@ def certificate_in_another_directory(place, report):
 def interrupted_backup_each_pass(place, report):
     """Une sauvegarde tuée dans chaque passe : la restauration n'efface rien"""
     for name, call, number in (("arborescence", "mkdirat", 1), ("effacement", "unlinkat", 1),
-                               ("copie", "renameat", 2), ("fin", "syncfs", 1),
-                               ("certificat", "renameat", 4)):
+                               ("copie", "renameat2", 1), ("fin", "syncfs", 2),
+                               ("certificat", "renameat", 2)):
         shutil.rmtree(place.copy, ignore_errors=True)
         shutil.rmtree(place.source)
         settle(place)
@@ -335,7 +335,7 @@ def interrupted_restore_then_backup(place, report):
     """Une restauration tuée, puis une sauvegarde vers le même disque ou l'autre : tout y reste"""
     other = f"{place.root}/Autre disque"
     os.mkdir(other)
-    for call, number in (("renameat", 2), ("renameat", 3), ("unlinkat", 1)):
+    for call, number in (("renameat2", 1), ("renameat2", 2), ("unlinkat", 1)):
         for root in (place.destination, other):
             shutil.rmtree(f"{root}/Données", ignore_errors=True)
         shutil.rmtree(place.source)
