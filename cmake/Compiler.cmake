@@ -13,6 +13,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # https://gcc.gnu.org/bugzilla/show_bug.cgi?id=105651
   target_compile_options(coffrelune_compiler INTERFACE -Wno-restrict)
 endif()
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  # Only this compiler counts them among the conversions that -Wconversion is about.
+  target_compile_options(coffrelune_compiler INTERFACE -Wno-sign-conversion)
+endif()
 if(WIN32)
   # Windows 10 is the oldest one that is supported. Its headers' min and max would spoil the
   # library's.
@@ -26,5 +30,11 @@ if(COFFRELUNE_SANITIZE)
   set(program $<NOT:$<BOOL:$<TARGET_PROPERTY:COFFRELUNE_IS_TEST>>>)
   target_compile_options(coffrelune_compiler INTERFACE
     -fsanitize=address -fno-omit-frame-pointer "$<${program}:${COFFRELUNE_UNDEFINED}>")
+  target_link_options(coffrelune_compiler INTERFACE -fsanitize=address,undefined)
+endif()
+if(COFFRELUNE_FUZZ)
+  # fuzzer-no-link: the program tells the fuzzer which of its branches an input has reached.
+  target_compile_options(coffrelune_compiler INTERFACE
+    -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(coffrelune_compiler INTERFACE -fsanitize=address,undefined)
 endif()

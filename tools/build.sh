@@ -35,10 +35,18 @@ if [[ ! -f $directory/build.ninja || CMakePresets.json -nt $directory/build.ninj
         exit 1
     fi
 fi
-if ! ninja -C "$directory" -n 2>/dev/null 9>&- | grep -q 'no work to do'; then
-    echo "Construction de $preset..." >&2
-fi
-if ! ninja -C "$directory" -j "$(nproc)" >"$log" 2>&1 9>&-; then
+# Passes on what ninja says, and tells the user once something is really built: to look through the
+# folders of the tests for new ones comes before every build.
+announce() {
+    local line told=
+    while IFS= read -r line; do
+        printf '%s\n' "$line"
+        [[ -z $told && $line == \[* && $line != *"Re-checking globbed directories"* ]] || continue
+        echo "Construction de $preset..." >&2
+        told=1
+    done
+}
+if ! ninja -C "$directory" -j "$(nproc)" 2>&1 9>&- | announce >"$log"; then
     # A line that begins with "[12/80]" only tells what was built.
     grep -v '^\[[0-9]*/[0-9]*\] \(Building\|Linking\|Generating\)' "$log" >&2 || cat "$log" >&2
     echo "La construction de $preset a échoué." >&2

@@ -160,9 +160,9 @@ grep_texts -F -e "$root/" | verdict "aucun chemin de la machine d'un développeu
 grep_texts -w -e "TO""DO" -e "FIX""ME" -e "XX""X" -e "HA""CK" |
     verdict "aucune note de travail inachevé"
 {
-    grep_texts -e '[[:blank:]]$' -- | grep -v '\.md:'
+    grep_texts -e '[[:blank:]]$' -- | grep -vE '\.md:|^fuzz/corpus/'
     texts | xargs -0 -r -I '{}' sh -c '[ ! -s "$1" ] || [ -z "$(tail -c 1 "$1" | tr -d "\n\0")" ] || echo "$1 : dernière ligne sans fin"' _ '{}' |
-        grep -vE '\.(ico|png|wav|ini) :'
+        grep -vE '\.(ico|png|wav|ini) :|^fuzz/corpus/'
 } | verdict "ni blancs en fin de ligne, ni dernière ligne sans fin"
 
 echo "$passed réussis, $failed échoués, 0 laissés"
