@@ -1,7 +1,7 @@
 // The command line of the window program against the plainest reading of it.
 
 #include "feed.h"
-#include "settings/command_line.h"
+#include "settings/program_context.h"
 #include "system/text.h"
 
 namespace coffrelune::fuzz {

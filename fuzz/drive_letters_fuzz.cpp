@@ -7,7 +7,7 @@
 #include <map>
 
 #include "feed.h"
-#include "platform/posix/drive_letters.h"
+#include "platform/posix/drive_table.h"
 #include "platform/posix/whole_file.h"
 
 namespace coffrelune::fuzz {

@@ -1,7 +1,7 @@
 // A text that another program offers by drag and drop.
 
 #include "feed.h"
-#include "platform/core_path.h"
+#include "platform/names.h"
 #include "platform/posix/path_map.h"
 #include "system/paths.h"
 

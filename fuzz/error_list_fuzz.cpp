@@ -1,8 +1,7 @@
 // The window of the last errors over a file of any bytes, and a journal that is written and shown.
 
 #include "feed.h"
-#include "operation/error_list.h"
-#include "operation/visu_err_frm.h"
+#include "operation/errors.h"
 #include "platform/memory/memory_platform.h"
 #include "system/text.h"
 

@@ -33,12 +33,12 @@ void run(Feed& feed) {
     expect(!whole || system.exclusions == first, "a packed list is the list");
 
     std::vector<std::string> directories;
-    system.WriteExclusionMode(2, ExclusionMode::listed);
+    system.writeExclusionMode(2, ExclusionMode::listed);
     while (!feed.ends() && directories.size() < 6) {
         const std::string directory = feed.text();
         if (directory.empty() || directory.size() > 300 || stored(directory) != directory) continue;
         directories.push_back(directory);
-        system.WriteExcludedDirectory(2, directories.size(), directory);
+        system.writeExcludedDirectory(2, directories.size(), directory);
     }
     system.LoadExclusions(2);
     expect(system.exclusions.directories == directories, "every directory is written");

@@ -1,17 +1,14 @@
 // Path helpers: a name, a path and a second path of any bytes.
 
 #include "engine/certificate.h"
-#include "engine/exclusion_rules.h"
+#include "engine/rules.h"
 #include "feed.h"
-#include "platform/core_path.h"
-#include "platform/own_names.h"
-#include "platform/posix/names.h"
+#include "platform/characters.h"
+#include "platform/names.h"
+#include "platform/posix/mount_table.h"
 #include "platform/posix/native_path.h"
-#include "platform/posix/octal.h"
 #include "platform/posix/path_map.h"
-#include "platform/utf8.h"
-#include "settings/escape.h"
-#include "settings/utf16le.h"
+#include "settings/encoding.h"
 #include "system/paths.h"
 #include "system/text.h"
 

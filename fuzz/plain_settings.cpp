@@ -1,8 +1,7 @@
 #include "plain_settings.h"
 
-#include "platform/windows1252.h"
-#include "settings/escape.h"
-#include "settings/utf16le.h"
+#include "platform/characters.h"
+#include "settings/encoding.h"
 #include "system/text.h"
 
 namespace coffrelune::fuzz {

@@ -5,7 +5,7 @@
 
 #include "feed.h"
 #include "plain_settings.h"
-#include "platform/windows1252.h"
+#include "platform/characters.h"
 #include "settings/settings_text.h"
 
 namespace coffrelune::fuzz {
