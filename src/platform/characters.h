@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -13,6 +14,10 @@ constexpr bool isLetter(Char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
+constexpr char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
 constexpr bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
@@ -22,6 +27,12 @@ constexpr int hexDigit(char c) {
     if (isDigit(c)) return c - '0';
     if (c >= 'a' && c <= 'f') return c - 'a' + 10;
     return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
+}
+
+/// Characters that every code page holds and every screen shows, at least one.
+constexpr bool isShownText(std::string_view text) {
+    return !text.empty() &&
+           std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
 }
 
 }  // namespace coffrelune::ascii
@@ -101,6 +112,9 @@ class AnsiCodec {
 
     /// Any bytes to UTF-8; never fails.
     virtual std::string decode(const std::string& bytes) const = 0;
+
+    /// Editors of this system write UTF-8 without a mark: a file that can be read so was.
+    virtual bool editorsWriteUtf8() const { return false; }
 };
 
 /// The code page of western European Windows, used as the ANSI code page on Linux.
@@ -110,6 +124,7 @@ class Windows1252 final : public AnsiCodec {
   public:
     bool encode(const std::string& utf8, std::string& bytes) const override;
     std::string decode(const std::string& bytes) const override;
+    bool editorsWriteUtf8() const override { return true; }
 };
 
 }  // namespace coffrelune

@@ -81,4 +81,16 @@ void PathLabel::drag(bool underWay) {
     if (onDrag) onDrag(underWay);
 }
 
+void PathLabel::edit(const std::string& typed) {
+    if (enabled() && onEdit) onEdit(typed);
+}
+
+void PathLabel::empty() {
+    if (enabled() && onEmpty) onEmpty();
+}
+
+std::vector<std::string> PathLabel::complete(const std::string& typed) const {
+    return onComplete ? onComplete(typed) : std::vector<std::string>();
+}
+
 }  // namespace coffrelune

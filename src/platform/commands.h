@@ -103,11 +103,20 @@ class PathLabel : public Label {
     void rightClick();  // opens the row menu
     void drop(const Dragged& dragged);
     void drag(bool underWay);  // the path is being dragged away, or no longer
+    /// A path has been typed in the label's place; only an editable label offers that.
+    void edit(const std::string& typed);
+    void empty();  // the key that deletes
+    bool editable() const { return static_cast<bool>(onEdit); }
+    /// Texts that what has been typed may become; none when nobody knows.
+    std::vector<std::string> complete(const std::string& typed) const;
 
     std::function<void()> onPress;
     std::function<void()> onRightClick;
     std::function<void(const Dragged&)> onDrop;
     std::function<void(bool underWay)> onDrag;
+    std::function<void(const std::string& typed)> onEdit;
+    std::function<void()> onEmpty;
+    std::function<std::vector<std::string>(const std::string& typed)> onComplete;
 
   private:
     std::string path_;

@@ -27,6 +27,10 @@ void Control::setToolTip(std::string toolTip) {
     if (assign(toolTip_, std::move(toolTip))) changed();
 }
 
+void Control::setSpokenName(std::string name) {
+    if (assign(spokenName_, std::move(name))) changed();
+}
+
 void Control::setTexts(std::string caption, std::string toolTip) {
     const bool otherCaption = assign(caption_, std::move(caption));
     const bool otherToolTip = assign(toolTip_, std::move(toolTip));

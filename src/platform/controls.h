@@ -31,14 +31,16 @@ class Control {
 
     /// A peer that ends before the control is detached before, with null.
     void attach(ControlPeer* peer) { peer_ = peer; }
-
     const std::string& caption() const { return caption_; }
     const std::string& toolTip() const { return toolTip_; }
+    /// What a screen reader says for the control where its caption does not tell it from others.
+    const std::string& spokenName() const { return spokenName_; }
     bool visible() const { return visible_; }
     bool enabled() const { return enabled_; }
 
     void setCaption(std::string caption);
     void setToolTip(std::string toolTip);
+    void setSpokenName(std::string name);
     void setVisible(bool visible);
     void setEnabled(bool enabled);
 
@@ -50,6 +52,7 @@ class Control {
   private:
     std::string caption_;
     std::string toolTip_;
+    std::string spokenName_;
     bool visible_ = true;
     bool enabled_ = true;
     ControlPeer* peer_ = nullptr;

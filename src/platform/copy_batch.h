@@ -38,6 +38,13 @@ enum class AfterFailure {
     stop,  // they are not committed either (1235)
 };
 
+/// What volumes have made of the last-write times of files.
+enum class KeptTimes {
+    exactly,
+    rounded,  // the copy bears the next time that the volume holds
+    lost,     // the copy bears another time
+};
+
 /// One file that is to be copied, under the same name into another directory.
 struct CopyRequest {
     Directory& source;  // open, of the service that made the batch, like the next
@@ -69,6 +76,9 @@ class CopyBatch {
     /// called for all of it. A failure concerns the names of files that were told as committed. The
     /// batch may be used again. Works after abandonCopies(), too: what was copied is not lost.
     virtual Status finish() = 0;
+
+    /// The worst that has become of the time of a file that was added.
+    virtual KeptTimes keptTimes() const = 0;
 };
 
 }  // namespace coffrelune

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/status.h"
+#include "platform/task_scheduler.h"
 
 namespace coffrelune {
 
@@ -19,8 +20,12 @@ class ShellService {
     virtual void open(const std::string& target, const std::string& parameters) = 0;
     /// The desktop's own properties window of a file, directory or drive.
     virtual void showProperties(const std::string& path) = 0;
+    /// False where the desktop has no window of scheduled tasks.
+    virtual bool hasTaskScheduler() { return true; }
     /// The desktop's window of scheduled tasks, where one is known.
     virtual void openTaskScheduler() = 0;
+    /// A short message of the desktop's own, which waits for nobody.
+    virtual void notify(const std::string& title, const std::string& text) = 0;
     /// Plays a sound of the system by its name ("SystemStart"), asynchronously.
     virtual void playSystemSound(const std::string& name) = 0;
 };
@@ -61,6 +66,7 @@ struct Desktop {
     ShellService& shell;
     DriveInformation& driveInformation;
     RegistryService& registry;
+    TaskScheduler* tasks = nullptr;  // null where the desktop's own window is the way
 };
 
 }  // namespace coffrelune

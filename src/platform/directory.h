@@ -35,6 +35,17 @@ class Directory {
     /// nothing bears the name: its "no such entry" is then not to be trusted.
     virtual const Status& status() const = 0;
 
+    /// What the directory itself was when it was opened, without its name; null where that is not
+    /// told, so that it has to be looked up.
+    virtual const FileEntry* self() const { return nullptr; }
+
+    /// True when it had, for certain, the owner and the rights of `original` when both were opened.
+    virtual bool hasRightsOf(const Directory& /*original*/) const { return false; }
+
+    /// Whether the next file that next() gives is likely to be copied at once. A hint: it may then
+    /// be opened instead of looked at.
+    virtual void expectCopy(bool /*expected*/) {}
+
     /// The directories that were met while the files were listed (Wanted::files, to the end), each
     /// as a listing of directories gives it: nothing needs to be listed twice.
     virtual std::vector<FileEntry> takeDirectories() = 0;

@@ -34,6 +34,13 @@ struct FileId {
     bool operator==(const FileId&) const = default;
 };
 
+/// What keeps everybody from changing a file, or the entries of a directory, whatever its rights.
+enum class Lock {
+    none,
+    immutable,
+    additionsOnly,
+};
+
 /// One entry of a directory, as a listing or a look-up gives it.
 struct FileEntry {
     std::string name;  // last component only, in the core's form
@@ -43,6 +50,8 @@ struct FileEntry {
     FileId id;                // may be unknown where a listing does not give it
     bool unreadable = false;  // listed by its name alone: size and times are not known
     bool mountPoint = false;  // a directory that shows another volume, or another place of this one
+
+    Lock lock = Lock::none;
 
     bool isDirectory() const { return (attributes & attribute::directory) != 0; }
     bool isReadOnly() const { return (attributes & attribute::readOnly) != 0; }

@@ -62,9 +62,10 @@ class FileService {
     /// Creates one directory level. 183 when the name is taken, by a directory or by a file.
     virtual Status createDirectory(const std::string& path, DirectoryAccess access) = 0;
 
-    /// Gives the directory `target` the rights of `source` and, when the program may give files
-    /// away, its owner; both are directories and no links (the root of a hold may be one). Nothing
-    /// where the volume knows no such rights, or where rights come from where a directory lies.
+    /// Gives the directory `target` the rights, the attributes and the times of `source` and, when
+    /// the program may give files away, its owner; both are directories and no links (the root of a
+    /// hold may be one). Nothing where the volume knows no such rights, or where rights come from
+    /// where a directory lies.
     virtual Status matchDirectory(const std::string& source, const std::string& target) = 0;
 
     /// Removes an empty directory; 145 when something is in it (the program's own files do not

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "platform/status.h"
+#include "platform/time_grid.h"
 
 namespace coffrelune {
 
@@ -40,6 +41,10 @@ class HeldTree {
     /// Everything written to the volume since the hold is safe when this succeeds, write errors
     /// that showed late included.
     virtual Status flush() = 0;
+
+    /// What the volume makes of the times of files, tried out there on a file of the program's own
+    /// that is removed again. 50 when it keeps none.
+    virtual Status measureTimes(TimeGrid& grid) = 0;
 };
 
 }  // namespace coffrelune

@@ -10,6 +10,7 @@ void TextLog::append(std::string_view text) {
         std::size_t end = text.find("\r\n", start);
         starts_.push_back(text_.size());
         text_.append(text.substr(start, end - start)).append("\r\n");
+        if (wanted_ && wanted_(line(starts_.size() - 1))) matching_.push_back(starts_.size() - 1);
         if (end == std::string_view::npos) break;
         start = end + 2;
     }
@@ -20,7 +21,30 @@ void TextLog::clear() {
     ++generation_;
     text_.clear();
     starts_.clear();
+    matching_.clear();
+    select({});
     changed();
+}
+
+void TextLog::showOnly(Test wanted) {
+    ++generation_;
+    wanted_ = std::move(wanted);
+    matching_.clear();
+    for (std::size_t i = 0; wanted_ && i < starts_.size(); ++i) {
+        if (wanted_(line(i))) matching_.push_back(i);
+    }
+    select({});
+    changed();
+}
+
+void TextLog::pick(std::vector<std::size_t> shown) {
+    if (enabled() && visible()) select(std::move(shown));
+}
+
+void TextLog::select(std::vector<std::size_t> shown) {
+    if (shown == selection_) return;
+    selection_ = std::move(shown);
+    if (onPick) onPick();
 }
 
 std::string_view TextLog::line(std::size_t index) const {

@@ -52,16 +52,19 @@ class Clock {
 
     virtual LocalTime now() = 0;
 
+    /// The local time of a file, given in units of 100 ns since 1601-01-01 UTC.
+    virtual LocalTime localTime(std::uint64_t fileTime) = 0;
+
     /// Milliseconds of a clock that is never set back; only differences mean anything.
     virtual std::int64_t monotonicMilliseconds() = 0;
 };
 
-/// How the user's system writes numbers. Never empty, UTF-8.
+/// How the user's system writes numbers.
 class Locale {
   public:
     virtual ~Locale() = default;
+    /// Never empty; ASCII, so that every code page holds it.
     virtual std::string decimalSeparator() const = 0;
-    virtual std::string groupSeparator() const = 0;
 };
 
 class SoundService {
@@ -91,6 +94,9 @@ struct MessageBoxText {
     std::string title;
     MessageIcon icon = MessageIcon::information;
     MessageButtons buttons = MessageButtons::ok;
+    /// What is asked about overwrites, deletes or resets: who presses Enter without reading
+    /// refuses.
+    bool harmful = false;
 };
 
 class Window;
@@ -123,6 +129,15 @@ class WindowService {
     virtual std::string chooseFile(const std::string& /*title*/, const std::string& /*filter*/) {
         return {};
     }
+
+    /// Lets the user choose where a file is to be written; `name` is proposed. The path in the
+    /// core's form; empty when cancelled. The user has agreed to the end of what is there.
+    virtual std::string chooseNewFile(const std::string& /*title*/, const std::string& /*name*/) {
+        return {};
+    }
+
+    /// Puts a text where other programs can paste it from.
+    virtual void copyText(const std::string& /*text*/) {}
 
     /// A line that must not get lost though nobody is asked anything: stderr in a terminal.
     virtual void notice(const std::string& text) = 0;

@@ -227,5 +227,14 @@ TEST_P(LinkBatchContract, CopiesALinkAsALinkAndReplacesOneWithoutWritingThroughI
     EXPECT_TRUE(holds(to("precieux"), "precious"));
 }
 
+TEST_P(BatchContract, TellsThatTheTimesHaveBeenKept) {
+    original("a.txt");
+    start();
+    EXPECT_EQ(batch().keptTimes(), KeptTimes::exactly);
+    EXPECT_EQ(add("a.txt"), 0U);
+    finish();
+    EXPECT_EQ(batch().keptTimes(), KeptTimes::exactly);
+}
+
 }  // namespace
 }  // namespace coffrelune

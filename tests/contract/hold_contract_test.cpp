@@ -350,5 +350,16 @@ TEST_P(FileLinkHoldContract, NeverWritesThroughALinkBelow) {
     EXPECT_TRUE(holds(at("arbre\\lien.ini"), "content"));
 }
 
+TEST_P(HoldContract, TriesOutWhatTheVolumeMakesOfTimesAndLeavesNothing) {
+    makeTree("content");
+    const auto held = hold(at("arbre"));
+    TimeGrid grid{0};
+    ASSERT_TRUE(held->measureTimes(grid).ok());
+    EXPECT_EQ(grid.held(newTime), newTime) << "the step is " << grid.step;
+    EXPECT_LT(grid.earliest, oldTime);
+    EXPECT_GT(grid.latest, newTime);
+    EXPECT_THAT(system().names(at("arbre")), ElementsAre("Sous", "a.txt"));
+}
+
 }  // namespace
 }  // namespace coffrelune

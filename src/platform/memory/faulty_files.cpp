@@ -59,6 +59,11 @@ class FaultyFiles::FaultyTree final : public HeldTree {
         return status.ok() ? inner_->flush() : status;
     }
 
+    Status measureTimes(TimeGrid& grid) override {
+        Status status = files_.enter("measureTimes", root_);
+        return status.ok() ? inner_->measureTimes(grid) : status;
+    }
+
   private:
     FaultyFiles& files_;
     std::string root_;
@@ -98,6 +103,8 @@ class FaultyFiles::FaultyBatch final : public CopyBatch, private CopyEvents {
         const Status chosen = files_.enter("finish", root_);
         return chosen.ok() ? status : chosen;
     }
+
+    KeptTimes keptTimes() const override { return inner_->keptTimes(); }
 
   private:
     struct Waiting {

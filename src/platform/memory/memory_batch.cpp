@@ -1,5 +1,6 @@
 #include "platform/memory/memory_batch.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/memory/memory_files.h"
@@ -44,7 +45,12 @@ Status MemoryBatch::write(const CopyRequest& request, MemoryCopy& copy) {
     MemoryNode& made = *copy.temporary;
     if (request.writable) made.attributes &= ~attribute::readOnly;
     if (made.attributes == 0) made.attributes = attribute::normal;
+    const std::uint64_t written = made.times.lastWrite;
     if (request.allTimes) made.times = request.entry.times;
+    made.times.lastWrite = written;
+    if (written == copy.times.lastWrite) return status;
+    const bool keeps = copy.destination.volume->keepsTimes;
+    kept_ = std::max(kept_, keeps ? KeptTimes::rounded : KeptTimes::lost);
     return status;
 }
 

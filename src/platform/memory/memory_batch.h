@@ -25,6 +25,7 @@ class MemoryBatch final : public CopyBatch {
 
     Status add(const CopyRequest& request, std::uint64_t& ticket) override;
     Status finish() override;
+    KeptTimes keptTimes() const override { return kept_; }
 
   private:
     struct Waiting {
@@ -45,6 +46,7 @@ class MemoryBatch final : public CopyBatch {
     std::vector<Waiting> waiting_;
     std::set<const MemoryVolume*> named_;  // where files have got their names since finish()
     std::uint64_t last_ = 0;
+    KeptTimes kept_ = KeptTimes::exactly;
     bool stopped_ = false;
 };
 

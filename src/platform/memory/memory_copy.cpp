@@ -98,7 +98,7 @@ Status MemoryFiles::fill(MemoryCopy& copy, CopyObserver* observer) {
     clock_.advance(millisecondsPerFile_);
     const std::uint64_t now = clock_.fileTime();
     copy.temporary->attributes = copy.attributes;
-    copy.temporary->times = {now, now, copy.times.lastWrite};
+    copy.temporary->times = {now, now, to.volume->heldTime(copy.times.lastWrite, now)};
     if (copy.temporary->isLink()) copy.temporary->times = copy.times;
     return status;
 }

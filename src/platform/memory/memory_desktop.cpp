@@ -86,4 +86,22 @@ Status MemoryRegistry::deleteValue(Root root, const std::string& key, const std:
     return deleted ? Status() : Status::failure(error_number::fileNotFound, key);
 }
 
+Status MemoryTaskScheduler::write(const PlannedTask& task, std::string&) {
+    if (failure_ != 0) return Status::failure(failure_, task.name);
+    tasks_[task.name] = task;
+    return {};
+}
+
+Status MemoryTaskScheduler::read(const std::string& name, PlannedEntry& entry) {
+    const auto found = tasks_.find(name);
+    if (found == tasks_.end()) return Status::failure(error_number::fileNotFound, name);
+    entry = {"mémoire", found->second.time, found->second.program};
+    return {};
+}
+
+Status MemoryTaskScheduler::remove(const std::string& name) {
+    if (failure_ != 0) return Status::failure(failure_, name);
+    return tasks_.erase(name) > 0 ? Status() : Status::failure(error_number::fileNotFound, name);
+}
+
 }  // namespace coffrelune

@@ -22,11 +22,18 @@ class MemoryShell final : public ShellService {
 
     void open(const std::string& target, const std::string& parameters) override;
     void showProperties(const std::string& path) override { properties_.push_back(path); }
+    bool hasTaskScheduler() override { return schedulerThere_; }
+    void setTaskScheduler(bool there) { schedulerThere_ = there; }
     void openTaskScheduler() override { ++schedulerOpenings_; }
+    void notify(const std::string& title, const std::string& text) override {
+        notices_.push_back({title, text});
+    }
     void playSystemSound(const std::string& name) override { systemSounds_.push_back(name); }
 
     const std::vector<Opened>& opened() const { return opened_; }
     const std::vector<std::string>& properties() const { return properties_; }
+    /// Title and text of each.
+    const std::vector<Opened>& notices() const { return notices_; }
     int schedulerOpenings() const { return schedulerOpenings_; }
     const std::vector<std::string>& systemSounds() const { return systemSounds_; }
 
@@ -34,7 +41,9 @@ class MemoryShell final : public ShellService {
     std::vector<Opened> opened_;
     std::vector<std::string> properties_;
     std::vector<std::string> systemSounds_;
+    std::vector<Opened> notices_;
     int schedulerOpenings_ = 0;
+    bool schedulerThere_ = true;
 };
 
 /// Knows the drives that a test describes; every other one has no medium (21).
@@ -89,6 +98,22 @@ class MemoryRegistry final : public RegistryService {
     std::vector<std::string> calls_;
 };
 
+/// Plans nothing, and remembers what it was to plan. Fails while a test says so.
+class MemoryTaskScheduler final : public TaskScheduler {
+  public:
+    Status write(const PlannedTask& task, std::string& advice) override;
+    Status read(const std::string& name, PlannedEntry& entry) override;
+    Status remove(const std::string& name) override;
+
+    const std::map<std::string, PlannedTask>& tasks() const { return tasks_; }
+    /// What write() and remove() answer; 0 for success.
+    void fail(std::uint32_t number) { failure_ = number; }
+
+  private:
+    std::map<std::string, PlannedTask> tasks_;
+    std::uint32_t failure_ = 0;
+};
+
 /// The desktop's services in memory, beside a MemoryPlatform.
 class MemoryDesktop {
   public:
@@ -101,12 +126,14 @@ class MemoryDesktop {
     MemoryRegistry& registry() { return registry_; }
 
     /// References to the services of this object, which outlives them.
-    Desktop desktop() { return {shell_, driveInformation_, registry_}; }
+    Desktop desktop() { return {shell_, driveInformation_, registry_, &tasks_}; }
+    MemoryTaskScheduler& tasks() { return tasks_; }
 
   private:
     MemoryShell shell_;
     MemoryDriveInformation driveInformation_;
     MemoryRegistry registry_;
+    MemoryTaskScheduler tasks_;
 };
 
 }  // namespace coffrelune

@@ -149,7 +149,9 @@ Status MemoryFiles::setTimes(const std::string& path, const FileTimes& times) {
     record("setTimes", path);
     MemoryPlace place;
     Status status = changeable(path, LinkRule::refuse, place);
-    if (status.ok()) place.node->times = times;
+    if (!status.ok()) return status;
+    place.node->times = times;
+    place.node->times.lastWrite = place.volume->heldTime(times.lastWrite, clock_.fileTime());
     return status;
 }
 

@@ -82,4 +82,16 @@ Status MemoryHeldTree::flush() {
     return error == 0 ? Status() : Status::failure(error, hold_.root);
 }
 
+Status MemoryHeldTree::measureTimes(TimeGrid& grid) {
+    calls_.push_back("measureTimes " + hold_.root);
+    const MemoryVolume& volume = *hold_.volume;
+    const std::uint32_t error = !volume.present         ? error_number::deviceDoesNotExist
+                                : volume.writeProtected ? error_number::writeProtect
+                                : !volume.keepsTimes    ? error_number::notSupported
+                                                        : 0;
+    if (error != 0) return Status::failure(error, hold_.root);
+    grid = volume.times;
+    return {};
+}
+
 }  // namespace coffrelune

@@ -52,6 +52,7 @@ class MemoryHeldTree final : public HeldTree {
     const TreePlace& place() const override { return place_; }
     Status claim(TreeUse use) override;
     Status flush() override;
+    Status measureTimes(TimeGrid& grid) override;
 
   private:
     void giveUpClaim();

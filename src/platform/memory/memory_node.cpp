@@ -72,6 +72,7 @@ FileEntry MemoryNode::entry() const {
     entry.times = times;
     entry.id = id;
     entry.mountPoint = mountPoint;
+    entry.lock = lock;
     return entry;
 }
 

@@ -51,6 +51,7 @@ class MemoryNode : public std::enable_shared_from_this<MemoryNode> {
                                      // directory also what making or removing something in it does
     std::uint32_t mode = usualMode;  // a directory's rights
     std::string owner;               // a directory's
+    Lock lock = Lock::none;          // what it tells; `writeError` is what it does
     bool beingWritten = false;       // a temporary that a running process holds open
     bool mountPoint = false;         // a directory that shows another volume
     std::vector<TreeClaim> claims;   // of a directory
@@ -102,11 +103,17 @@ struct MemoryVolume {
     bool foldsCase = false;        // names without their case; before its first file
     bool holdsLinks = true;        // false: as FAT
     bool holdsRights = true;       // of directories; false: as FAT
+    TimeGrid times;                // that its files can bear
+    bool keepsTimes = true;        // false: a file bears the time of its writing
     std::string identity;          // stable text, "" when the system tells none
     std::optional<std::uint64_t> capacity;  // bytes of all its files; 112 beyond
     MemoryNode::Pointer top;
 
     std::uint64_t usedBytes() const;
+    /// What a file bears that is given the time `wanted` at the moment `now`.
+    std::uint64_t heldTime(std::uint64_t wanted, std::uint64_t now) const {
+        return keepsTimes ? times.held(wanted) : now;
+    }
 };
 
 }  // namespace coffrelune

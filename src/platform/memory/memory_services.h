@@ -13,15 +13,10 @@ namespace coffrelune {
 class MemoryLocale final : public Locale {
   public:
     std::string decimalSeparator() const override { return decimal_; }
-    std::string groupSeparator() const override { return group_; }
-    void set(const std::string& decimal, const std::string& group) {
-        decimal_ = decimal;
-        group_ = group;
-    }
+    void set(const std::string& decimal) { decimal_ = decimal; }
 
   private:
     std::string decimal_ = ",";
-    std::string group_ = " ";
 };
 
 /// The drives that the disk holds and that are present.
@@ -84,6 +79,7 @@ class MemoryClock final : public Clock {
     explicit MemoryClock(const LocalTime& start = {2024, 3, 15, 10, 0, 0, 0}) { set(start); }
 
     LocalTime now() override { return localTimeOf(fileTime_); }
+    LocalTime localTime(std::uint64_t fileTime) override { return localTimeOf(fileTime); }
     std::int64_t monotonicMilliseconds() override { return monotonic_; }
 
     /// The reading of now() as the time of a file written at this moment.

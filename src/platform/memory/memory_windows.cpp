@@ -77,6 +77,11 @@ std::string MemoryWindows::chooseFile(const std::string& title, const std::strin
     return nextPath(files_, title);
 }
 
+std::string MemoryWindows::chooseNewFile(const std::string& title, const std::string& name) {
+    fileChoosers_.push_back({title, name});
+    return nextPath(files_, "chooser of a new file '" + title + "'");
+}
+
 std::string MemoryWindows::nextPath(std::deque<std::string>& paths, const std::string& what) {
     if (paths.empty()) {
         addProblem("chooser not expected: " + what);

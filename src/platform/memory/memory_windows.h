@@ -64,6 +64,7 @@ class MemoryWindows final : public WindowService {
     /// The choosers shown, in order.
     const std::vector<FolderChooser>& folderChoosers() const { return folderChoosers_; }
     const std::vector<FileChooser>& fileChoosers() const { return fileChoosers_; }
+    const std::string& copied() const { return copied_; }
     const std::vector<std::string>& notices() const { return notices_; }
     /// Captions of the windows shown, as they were at the show.
     const std::vector<std::string>& shown() const { return shown_; }
@@ -79,6 +80,8 @@ class MemoryWindows final : public WindowService {
     std::string chooseFolder(bool includeFiles, const std::string& prompt,
                              const std::string& start) override;
     std::string chooseFile(const std::string& title, const std::string& filter) override;
+    std::string chooseNewFile(const std::string& title, const std::string& name) override;
+    void copyText(const std::string& text) override { copied_ = text; }
     void notice(const std::string& text) override { notices_.push_back(text); }
 
   private:
@@ -93,6 +96,7 @@ class MemoryWindows final : public WindowService {
     std::vector<FileChooser> fileChoosers_;
     std::vector<MessageBoxText> messages_;
     std::vector<std::string> notices_;
+    std::string copied_;
     std::vector<std::string> shown_;
     std::vector<std::string> unexpected_;
     std::uint64_t pendingEventsCount_ = 0;

@@ -1,9 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "platform/content_reader.h"
+#include "platform/desktop_services.h"
+#include "platform/output_file.h"
 #ifdef _WIN32
 #include "platform/win32/win32_platform.h"
 #else
@@ -36,6 +40,25 @@ std::string rawCommandLine();
 
 /// systemLevel() of the system that the program runs on.
 std::int16_t nativeSystemLevel();
+
+/// What the system tells of the drives of a platform, which outlives it.
+std::unique_ptr<DriveInformation> makeDriveInformation(NativePlatform& platform);
+
+/// Reads what the files of a platform hold; the platform outlives it.
+std::unique_ptr<ContentReader> makeContentReader(NativePlatform& platform);
+
+/// Empties a file, or creates it. `path`: in the core's form.
+Status createOutputFile(NativePlatform& platform, const std::string& path,
+                        std::unique_ptr<OutputFile>& file);
+
+/// The system's scheduler; the platform outlives it.
+std::unique_ptr<TaskScheduler> makeTaskScheduler(NativePlatform& platform);
+
+/// A short message of the user's desktop, where there is one.
+void notifyDesktop(NativePlatform& platform, const std::string& title, const std::string& text);
+
+/// A path of the core as the user's other programs know it; empty when it leads nowhere.
+std::string nativePath(NativePlatform& platform, const std::string& path);
 
 /// Where volumes are mounted, in the core's form: a directory missing there is a volume that is not
 /// plugged in. None where every volume has a letter.

@@ -38,6 +38,14 @@ int takeNewName(const WaitingCopy& copy) {
     return renameat(directory, from, directory, to) == 0 ? 0 : errno;
 }
 
+/// Volumes for which a name is none answer in several ways, as if something else were wrong.
+bool isNameRefused(const WaitingCopy& copy) {
+    if (copy.error != EINVAL && copy.error != ENOENT) return false;
+    struct statx left {};
+    const CopyTarget& target = *copy.target;
+    return statEntry(target.directory(), copy.temporary.c_str(), false, left) == 0;
+}
+
 }  // namespace
 
 int flushVolume(int fd) {
@@ -150,11 +158,27 @@ void CommitThread::commitGroup(Group& group) {
     const int flushed = group.copies.empty() ? 0 : flushVolumes();
     for (WaitingCopy& copy : group.copies) {
         copy.error = failed_ ? ECANCELED : flushed;
+        if (copy.error == 0) copy.error = flushErrorSince(copy.begun);
         if (copy.error == 0) copy.error = giveName(copy);
+        if (isNameRefused(copy)) copy.error = EILSEQ;
+        if (copy.error == 0) checkTime(copy);
         if (copy.error == 0) continue;
         // Nothing more can be done about a leftover that stays: a later run removes it.
         unlinkat(copy.target->directory(), copy.temporary.c_str(), 0);
         failed_ = failed_ || afterFailure_ == AfterFailure::stop;
+    }
+}
+
+/// The first file of a volume tells of the others.
+void CommitThread::checkTime(const WaitingCopy& copy) {
+    if (!copy.stamp) return;
+    Naming& naming = namings_[copy.target->device()];
+    if (naming == Naming::keeps || (naming == Naming::unknown && !isOrdinary(*copy.stamp))) return;
+    const int directory = copy.target->directory();
+    const StampState state = checkStamp(directory, copy.name.c_str(), *copy.stamp);
+    if (state == StampState::lost) losesTimes_.store(true, std::memory_order_relaxed);
+    if (naming == Naming::unknown) {
+        naming = state == StampState::givenAgain ? Naming::resets : Naming::keeps;
     }
 }
 
@@ -174,7 +198,22 @@ int CommitThread::flushVolumes() {
         const int error = flushVolume(fd);
         if (error != 0) failure = error;
     }
+    if (failure != 0) {
+        const std::lock_guard lock(mutex_);
+        ++failedFlushes_;
+        lastFailure_ = failure;
+    }
     return failure;
+}
+
+std::uint64_t CommitThread::failedFlushes() const {
+    const std::lock_guard lock(mutex_);
+    return failedFlushes_;
+}
+
+int CommitThread::flushErrorSince(std::uint64_t begun) const {
+    const std::lock_guard lock(mutex_);
+    return begun == failedFlushes_ ? 0 : lastFailure_;
 }
 
 int CommitThread::giveName(WaitingCopy& copy) const {

@@ -2,9 +2,11 @@
 
 #include <sys/stat.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -14,6 +16,7 @@
 
 #include "platform/copy_batch.h"
 #include "platform/posix/copy_target.h"
+#include "platform/posix/file_times.h"
 #include "platform/posix/unique_fd.h"
 
 namespace coffrelune {
@@ -25,6 +28,8 @@ struct WaitingCopy {
     std::string temporary;  // native names in the target
     std::string name;
     std::optional<struct statx> old;  // what it replaces; nothing when it is new
+    std::optional<Stamp> stamp;       // that it must bear under its name
+    std::uint64_t begun = 0;          // failedFlushes() before its first write
     int error = 0;                    // an errno value, once it is through
 };
 
@@ -60,8 +65,15 @@ class CommitThread {
     /// Waits at most a quarter of a second for something to be through; true when all of it is.
     bool wait();
 
+    /// How many flushes have failed. One that fails loses, and tells once, what any file had been
+    /// given by then: also a file that is not in its group, which its own flush will find clean.
+    std::uint64_t failedFlushes() const;
+
     /// Of the flush of the names; 0 or an errno value. Forgotten with this call.
     int takeFlushError();
+
+    /// A volume has not kept the time of a file.
+    bool losesTimes() const { return losesTimes_.load(std::memory_order_relaxed); }
 
   private:
     struct Group {
@@ -73,10 +85,17 @@ class CommitThread {
     void commitWaiting(std::unique_lock<std::mutex>& lock);
     void commitGroup(Group& group);
     int flushVolumes();
+    int flushErrorSince(std::uint64_t begun) const;
     int giveName(WaitingCopy& copy) const;
+    void checkTime(const WaitingCopy& copy);
+
+    /// What becomes of the times of files on a volume once they are closed and have their names.
+    enum class Naming { unknown, keeps, resets };
 
     const AfterFailure afterFailure_;
     bool failed_ = false;  // nothing more may be committed until the last group is through
+    std::map<dev_t, Naming> namings_;
+    std::atomic<bool> losesTimes_ = false;
 
     mutable std::mutex mutex_;
     std::condition_variable work_;
@@ -88,7 +107,9 @@ class CommitThread {
     bool busy_ = false;
     bool ending_ = false;
     int flushError_ = 0;
-    std::thread thread_;  // last: it uses all the others
+    std::uint64_t failedFlushes_ = 0;
+    int lastFailure_ = 0;  // an errno value
+    std::thread thread_;   // last: it uses all the others
 };
 
 /// Flushes a volume. 0 or an errno value.

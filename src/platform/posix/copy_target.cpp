@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "platform/posix/extra_attributes.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/rights.h"
 
@@ -22,6 +23,7 @@ void CopyTarget::bar(TreeLocks& locks) {
     // Where it cannot be barred, leftovers might be taken away too early: an error, and no loss.
     if (openEntry(directory(), ".", O_RDONLY | O_DIRECTORY, readable) != 0) return;
     (void)claim_.take(locks, readable.get(), TreeUse::write);
+    handsDown_ = handsDownAccessList(readable.get());
 }
 
 int CopyTarget::create(const char* name, const struct stat& original, mode_t mask, UniqueFd& fd,
@@ -37,11 +39,13 @@ int CopyTarget::create(const char* name, const struct stat& original, mode_t mas
     if (error != 0) return error;
     made = last_;
     made.mode = mode & ~mask;
+    made.inherits = handsDown_;
     const bool known = usual_ == Usual::mode && (!own || mode == seen_);
     if (known || (usual_ == Usual::owner && !own)) return 0;
     struct stat information {};
     if (fstat(fd.get(), &information) != 0) return errno;
-    made = {information.st_uid, information.st_gid, information.st_mode, information.st_dev};
+    made = {information.st_uid, information.st_gid, information.st_mode, information.st_dev,
+            handsDown_};
     if (own) usual_ = (made.mode & 07777) == (mode & ~mask) ? Usual::mode : Usual::odd;
     if (own) seen_ = mode;
     if (usual_ == Usual::nothing) usual_ = Usual::owner;
@@ -52,6 +56,7 @@ int CopyTarget::create(const char* name, const struct stat& original, mode_t mas
 int CopyTarget::checkOld(const char* name, struct statx& old) const {
     const int error = changeIn(holder_, [&] { return statEntry(directory(), name, false, old); });
     if (error != 0 || S_ISLNK(old.stx_mode)) return error;
+    if (lockOf(old) != Lock::none) return EPERM;  // known before a byte is written
     return S_ISREG(old.stx_mode) && (old.stx_mode & S_IWUSR) != 0 ? 0 : EACCES;
 }
 

@@ -50,6 +50,7 @@ class CopyTarget {
     Holder holder_;  // the directory itself; its name is empty
     dev_t device_;
     TreeClaim claim_;
+    bool handsDown_ = false;  // an access list to what is made in it
     Usual usual_ = Usual::nothing;
     mode_t seen_ = 0;  // that was asked for when `usual_` was found out: others may fare otherwise
     NewFile last_;

@@ -5,6 +5,7 @@
 #include <atomic>
 
 #include "platform/posix/data_copier.h"
+#include "platform/posix/extra_attributes.h"
 #include "platform/posix/file_times.h"
 
 namespace coffrelune {
@@ -15,10 +16,11 @@ struct NewFile {
     gid_t group = 0;
     mode_t mode = 0;
     dev_t device = 0;
+    bool inherits = false;  // an access list of its directory
 };
 
-/// Makes an open, empty file the copy of another: bytes, owner, mode and times, in this order,
-/// since each of the later ones bars one before.
+/// Makes an open, empty file the copy of another: bytes, owner, mode, attributes and times, in this
+/// order, since each of the later ones bars or changes one before.
 class CopyWriter {
   public:
     /// `abandoned`: tested at every chunk; must outlive this object.
@@ -29,8 +31,13 @@ class CopyWriter {
     int write(int input, const struct stat& before, int output, const NewFile& made,
               CopyObserver* observer);
 
+    /// What the last file must bear under its name.
+    const std::optional<Stamp>& stamp() const { return stamps_.last(); }
+    KeptTimes keptTimes() const { return stamps_.kept(); }
+
   private:
     DataCopier data_;
+    ExtraAttributes extras_;
     TimeStamps stamps_;
 };
 

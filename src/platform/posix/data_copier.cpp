@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 
 #include "platform/posix/whole_file.h"
@@ -35,12 +36,23 @@ int DataCopier::copy(int source, const struct stat& information, int destination
     if (buffer_.size() < needed && !canSend_) buffer_.resize(needed);
 
     const bool sparse = static_cast<std::uint64_t>(information.st_blocks) * 512 < size_;
-    int error = sparse ? copySparse() : copyUpTo(size_);
+    int error = sparse ? copyHoles() : copyUpTo(size_);
     // Files that a file system makes up while they are read say that they hold nothing.
     if (error == 0 && size_ == 0) error = copyUpTo(UINT64_MAX);
     if (error == 0 && position_ < size_) error = ENODATA;
     if (error == 0 && position_ == 0) error = report();
     return error;
+}
+
+/// With its holes, or whole where the destination takes bytes in their order alone, as servers do
+/// that store whole files.
+int DataCopier::copyHoles() {
+    const int error = copySparse();
+    constexpr std::array told = {0, ENOSPC, EDQUOT, EFBIG, ECANCELED, ENODATA};
+    if (std::find(told.begin(), told.end(), error) != told.end()) return error;
+    position_ = 0;
+    if (lseek(source_, 0, SEEK_SET) < 0 || lseek(destination_, 0, SEEK_SET) < 0) return errno;
+    return copyUpTo(size_);  // over all that has been written
 }
 
 int DataCopier::copySparse() {
@@ -66,7 +78,7 @@ int DataCopier::copySparse() {
     struct stat now {};
     if (fstat(source_, &now) != 0) return errno;
     if (static_cast<std::uint64_t>(now.st_size) < size_) return ENODATA;
-    if (ftruncate(destination_, toOffset(size_)) != 0) return errno;
+    if (position_ < size_ && ftruncate(destination_, toOffset(size_)) != 0) return errno;
     position_ = size_;
     return report();
 }

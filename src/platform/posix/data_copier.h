@@ -24,6 +24,7 @@ class DataCopier {
     int copy(int source, const struct stat& information, int destination, CopyObserver* observer);
 
   private:
+    int copyHoles();
     int copySparse();
     int copyUpTo(std::uint64_t end);
     int copyChunk(std::uint64_t size, std::uint64_t& copied);

@@ -25,21 +25,22 @@ constexpr ErrorPair pairs[] = {
     {EDEADLK, lockViolation},
     {ENODEV, deviceDoesNotExist},
     {ENXIO, deviceDoesNotExist},
-    {ESTALE, deviceDoesNotExist},
-    {ENOTCONN, deviceDoesNotExist},
+    {ESTALE, deviceDoesNotExist},    // the server has another volume there by now
+    {ENOTCONN, deviceDoesNotExist},  // the program that served the volume is gone
     {ESHUTDOWN, deviceDoesNotExist},
-    {EHOSTDOWN, deviceDoesNotExist},
-    {EHOSTUNREACH, deviceDoesNotExist},
-    {ENETDOWN, deviceDoesNotExist},
-    {ENETUNREACH, deviceDoesNotExist},
-    {ENETRESET, deviceDoesNotExist},
-    {ECONNABORTED, deviceDoesNotExist},
-    {ECONNREFUSED, deviceDoesNotExist},
-    {ECONNRESET, deviceDoesNotExist},
-    {ETIMEDOUT, deviceDoesNotExist},
+    {ENETRESET, networkNameDeleted},
+    {ECONNABORTED, networkNameDeleted},
+    {ECONNRESET, networkNameDeleted},
+    {ETIMEDOUT, timedOut},
+    {ECONNREFUSED, connectionRefused},
+    {ENETDOWN, networkUnreachable},
+    {ENETUNREACH, networkUnreachable},
+    {EHOSTDOWN, hostUnreachable},
+    {EHOSTUNREACH, hostUnreachable},
     {ENOSPC, diskFull},
     {EDQUOT, diskFull},
     {ENAMETOOLONG, nameTooLong},
+    {EILSEQ, invalidName},
     {EMFILE, tooManyOpenFiles},
     {ENFILE, tooManyOpenFiles},
     {ENOMEM, notEnoughMemory},
@@ -59,7 +60,7 @@ constexpr ErrorPair pairs[] = {
     {EBADMSG, ioDevice},  // a checksum of the file system does not fit
     {EUCLEAN, ioDevice},  // the file system's structure is damaged
     {EMEDIUMTYPE, ioDevice},
-    {EINTR, ioDevice},
+    {EINTR, operationAborted},
 };
 
 }  // namespace

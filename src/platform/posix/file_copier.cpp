@@ -6,6 +6,7 @@
 #include <cerrno>
 
 #include "platform/posix/errors.h"
+#include "platform/posix/extra_attributes.h"
 #include "platform/posix/file_times.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/rights.h"
@@ -50,8 +51,12 @@ int placeLink(const std::string& text, const Holder& holder, const struct statx&
         return symlinkat(text.c_str(), directory, temporary.c_str()) == 0 ? 0 : errno;
     });
     if (error != 0) return error;
-    error = giveAway(directory, temporary.c_str(), {link.stx_uid, link.stx_gid});
-    if (error == 0) {
+    // Where a link cannot be stamped, what it leads to would be changed.
+    const bool changeable = keepsLinkTimes(directory);
+    if (changeable) {
+        error = giveAway(directory, temporary.c_str(), {link.stx_uid, link.stx_gid});
+    }
+    if (changeable && error == 0) {
         error = stamp({directory, temporary.c_str()}, toTimespec(link.stx_atime),
                       toTimespec(link.stx_mtime), timeStepAt(directory));
     }
@@ -104,7 +109,7 @@ Status PosixFileCopier::copy(const Place& source, const Place& destination, Link
 Status PosixFileCopier::copyContent(const Job& job, const timespec* writeTime, bool follow) {
     UniqueFd input;
     const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | (follow ? 0 : O_NOFOLLOW);
-    int error = openEntry(job.from.fd(), job.from.name(), flags, input);
+    int error = openQuietly(job.from.fd(), job.from.name(), flags, input);
     if (error != 0) return failureAt(error, job.source);
     // Taken before the reading: a source that changes meanwhile keeps a later time than its copy
     // and is copied again by the next run.
@@ -118,18 +123,30 @@ Status PosixFileCopier::copyContent(const Job& job, const timespec* writeTime, b
         error = fill(output, input.get(), before,
                      writeTime != nullptr ? *writeTime : before.st_mtim, job.observer);
     }
+    struct stat made {};
+    if (error == 0 && fstat(output.fd(), &made) != 0) error = errno;
     if (error == 0) error = output.commit(job.to.entry());
-    return error == 0 ? Status() : systemFailure(error, job.destination.core);
+    if (error != 0) return systemFailure(error, job.destination.core);
+    // A volume that keeps no time has the file copied again, which is no failure of this copy.
+    (void)checkStamp(job.to.directory, job.to.entry(), {made.st_atim, made.st_mtim});
+    return {};
 }
 
-/// Bytes, owner, mode and times, in this order, since each of the later ones bars one before.
+/// Bytes, owner, mode, attributes and times, in this order, since each of the later ones bars or
+/// changes one before.
 int PosixFileCopier::fill(TemporaryFile& output, int input, const struct stat& before,
                           const timespec& writeTime, CopyObserver* observer) {
     int error = data_.copy(input, before, output.fd(), observer);
     if (error == 0 && ownerOf(before) != ownerOf(output.information())) {
         error = giveAway(output.fd(), "", ownerOf(before));
     }
-    if (error == 0) error = keepMode(output.fd(), before.st_mode);
+    if (error == 0) error = keepMode(output.fd(), keepableMode(output.fd(), before));
+    ExtraAttributes extras;
+    if (error == 0) {
+        error = extras.copy(input, before.st_dev,
+                            {output.fd(), output.information().st_dev, before.st_mode & 0777,
+                             handsDownAccessList(output.directory())});
+    }
     if (error != 0) return error;
     error = stamp({output.fd()}, before.st_atim, writeTime, timeStepAt(output.fd()));
     if (error != 0) return error;
@@ -144,7 +161,7 @@ Status PosixFileCopier::copyLink(const Job& job, const struct statx& link) {
     // links. A second attempt is then enough.
     error = placeLink(text, job.to, link);
     if (error == ENOENT || error == EEXIST) error = placeLink(text, job.to, link);
-    if (error == EPERM || error == EOPNOTSUPP || error == ENOSYS) {
+    if (error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EIO) {
         struct statx target {};
         if (statEntry(job.from.fd(), job.from.name(), true, target) != 0 ||
             !S_ISREG(target.stx_mode)) {

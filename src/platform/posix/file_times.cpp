@@ -3,16 +3,19 @@
 #include <fcntl.h>
 #include <linux/magic.h>
 #include <sys/statfs.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 
 #include "platform/posix/native_path.h"
+#include "platform/posix/temporary_file.h"
 
 namespace coffrelune {
 namespace {
 
 constexpr std::int64_t unitsPerSecond = 10'000'000;
+constexpr std::int64_t unitLength = 100;  // nanoseconds
 constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
 constexpr std::int64_t secondsFrom1601To1970 = 11'644'473'600;
 // Where 100 ns units leave 63 bits; some file systems can bear later times.
@@ -30,29 +33,15 @@ int setOnce(const StampTarget& target, timespec access, timespec write) {
     return result == 0 ? 0 : errno;
 }
 
-/// What the volume makes of a time whose digits tell the steps apart; 0 when that fits none.
-std::int64_t tryStep(int fd) {
-    constexpr timespec odd{1'000'000'001, 123'456'700};
-    struct statx now {};
-    if (setOnce({fd}, odd, odd) != 0 || statEntry(fd, "", false, now) != 0) return 0;
-    const std::uint64_t kept = fileTimeOf(now.stx_mtime);
-    constexpr std::int64_t steps[] = {1, 1'000, 10'000'000, nanosecondsPerSecond,
-                                      2 * nanosecondsPerSecond};
-    for (const std::int64_t step : steps) {
-        const timespec up = roundUp(odd, step);
-        const std::uint64_t above = toFileTime(up.tv_sec, static_cast<std::uint32_t>(up.tv_nsec));
-        const std::uint64_t width = static_cast<std::uint64_t>(step) / 100;
-        if (kept == above || (step > 1 && kept + width == above)) return step;
-    }
-    return 0;
+std::uint64_t fileTimeOf(const timespec& time) {
+    return toFileTime(time.tv_sec, static_cast<std::uint32_t>(time.tv_nsec));
 }
 
 bool keptTime(const StampTarget& target, timespec wanted) {
     struct statx now {};
     const char* name = target.name == nullptr ? "" : target.name;
     if (statEntry(target.fd, name, false, now) != 0) return true;  // nothing to correct by
-    return fileTimeOf(now.stx_mtime) >=
-           toFileTime(wanted.tv_sec, static_cast<std::uint32_t>(wanted.tv_nsec));
+    return fileTimeOf(now.stx_mtime) >= fileTimeOf(wanted);
 }
 
 }  // namespace
@@ -96,6 +85,11 @@ bool tellsMountPoints(const struct statx& information) {
     return (information.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0;
 }
 
+Lock lockOf(const struct statx& information) {
+    if ((information.stx_attributes & STATX_ATTR_IMMUTABLE) != 0) return Lock::immutable;
+    return (information.stx_attributes & STATX_ATTR_APPEND) != 0 ? Lock::additionsOnly : Lock::none;
+}
+
 bool fillEntry(const struct statx& information, std::string name, FileEntry& entry) {
     const auto mode = information.stx_mode;
     if (!S_ISREG(mode) && !S_ISDIR(mode) && !S_ISLNK(mode)) return false;
@@ -116,6 +110,7 @@ bool fillEntry(const struct statx& information, std::string name, FileEntry& ent
                                            fileTimeOf(information.stx_ctime)});
     entry.id = {deviceOf(information), information.stx_ino};
     entry.mountPoint = S_ISDIR(mode) && (information.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+    entry.lock = lockOf(information);
     entry.unreadable = false;
     entry.name = std::move(name);
     return true;
@@ -127,12 +122,11 @@ std::int64_t timeStepAt(int fd) {
 }
 
 int stamp(const StampTarget& target, timespec access, timespec write, std::int64_t step) {
-    if (write.tv_nsec == UTIME_OMIT) return setOnce(target, access, write);
     const timespec wanted = step > 1 ? roundUp(write, step) : write;
     int error = setOnce(target, access, wanted);
     // Network and user-space file systems do not say what they keep: what they kept is looked at,
     // and the stamp is moved up to the next step that they hold.
-    constexpr std::int64_t steps[] = {1'000, 10'000'000, nanosecondsPerSecond,
+    constexpr std::int64_t steps[] = {1'000, 1'000'000, 10'000'000, nanosecondsPerSecond,
                                       2 * nanosecondsPerSecond};
     for (const std::int64_t tried : steps) {
         if (error != 0 || keptTime(target, write)) break;
@@ -141,12 +135,80 @@ int stamp(const StampTarget& target, timespec access, timespec write, std::int64
     return error;
 }
 
+TimeTrial timeTrialOn(int fd) {
+    return [fd](std::uint64_t wanted) -> std::optional<std::uint64_t> {
+        const timespec time = toTimespec(wanted);
+        struct statx now {};
+        constexpr int flags = AT_EMPTY_PATH | AT_STATX_FORCE_SYNC;
+        if (setOnce({fd}, time, time) != 0) return {};
+        if (::statx(fd, "", flags, STATX_BASIC_STATS, &now) != 0) return {};
+        return fileTimeOf(now.stx_mtime);
+    };
+}
+
+void TimeStamps::note(std::uint64_t wanted, std::uint64_t kept) {
+    if (kept == wanted) return;
+    constexpr std::uint64_t widest = 20'000'000;
+    const bool near = kept > wanted && kept <= wanted + widest;
+    kept_ = std::max(kept_, near ? KeptTimes::rounded : KeptTimes::lost);
+}
+
+bool keepsLinkTimes(int directory) {
+    const std::string name = makeTemporaryName();
+    const std::string nowhere = makeTemporaryName();
+    if (symlinkat(nowhere.c_str(), directory, name.c_str()) != 0) return true;  // told by the copy
+    constexpr timespec any{1'000'000'000, 0};
+    const StampTarget target{directory, name.c_str()};
+    const bool kept = setOnce(target, any, any) == 0 && keptTime(target, any);
+    unlinkat(directory, name.c_str(), 0);
+    return kept;
+}
+
+void matchTime(int directory, const struct stat& original) {
+    struct stat now {};
+    if (fstat(directory, &now) != 0) return;
+    if (fileTimeOf(now.st_mtim) == fileTimeOf(original.st_mtim)) return;
+    (void)setOnce({directory, "."}, original.st_atim, original.st_mtim);
+}
+
+bool isOrdinary(const Stamp& stamp) {
+    constexpr time_t in1981 = 350'000'000;
+    constexpr time_t in2037 = 2'140'000'000;
+    return stamp.write.tv_sec > in1981 && stamp.write.tv_sec < in2037;
+}
+
+StampState checkStamp(int directory, const char* name, const Stamp& stamp) {
+    const auto kept = [&] {
+        struct statx now {};
+        constexpr int flags = AT_SYMLINK_NOFOLLOW | AT_STATX_FORCE_SYNC;
+        // Whoever cannot look has nothing to correct by.
+        if (::statx(directory, name, flags, STATX_MTIME, &now) != 0) return true;
+        return fileTimeOf(now.stx_mtime) == fileTimeOf(stamp.write);
+    };
+    if (kept()) return StampState::kept;
+    const int error = setOnce({directory, name}, stamp.access, stamp.write);
+    return error == 0 && kept() ? StampState::givenAgain : StampState::lost;
+}
+
 int TimeStamps::set(int fd, dev_t device, timespec access, timespec write) {
-    if (!known_ || device != device_) step_ = tryStep(fd);
+    if (!known_ || device != device_) {
+        step_ = static_cast<std::int64_t>(measureStep(timeTrialOn(fd))) * 100;
+    }
     known_ = true;
     device_ = device;
-    if (step_ == 0) return stamp({fd}, access, write, 1);
-    return setOnce({fd}, access, step_ > 1 ? roundUp(write, step_) : write);
+    last_.reset();
+    if (step_ == 0) {
+        const int error = stamp({fd}, access, write, 1);
+        struct statx now {};
+        if (error == 0 && statEntry(fd, "", false, now) == 0) {
+            note(fileTimeOf(write), fileTimeOf(now.stx_mtime));
+        }
+        return error;
+    }
+    const timespec rounded = step_ > unitLength ? roundUp(write, step_) : write;
+    note(fileTimeOf(write), fileTimeOf(rounded));
+    last_ = Stamp{access, rounded};
+    return setOnce({fd}, access, rounded);
 }
 
 }  // namespace coffrelune

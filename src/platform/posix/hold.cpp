@@ -1,11 +1,14 @@
 #include "platform/posix/hold.h"
 
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <linux/openat2.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <sys/syscall.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <string_view>
@@ -70,25 +73,83 @@ int openPiece(const Hold& hold, int directory, const std::string& path, int flag
     return openInSteps(directory, path, flags, fd);
 }
 
+// As many components as the system walks while one more call is made.
+constexpr std::size_t stride = 16;
+
+// Each is a descriptor, of which a process has about a thousand.
+constexpr std::size_t mostWaypoints = 256;
+
+/// The end of the first `stride` components of a path; npos when there are no more than these.
+std::size_t endOfStride(std::string_view path) {
+    std::size_t end = path.find('/');
+    for (std::size_t i = 1; i < stride && end != std::string_view::npos; ++i) {
+        end = path.find('/', end + 1);
+    }
+    return end;
+}
+
+int openOnTheWay(const Hold& hold, const std::string& path, int flags, UniqueFd& fd) {
+    Waypoints::Waypoint last = hold.waypoints->find(path);
+    for (;;) {
+        const int from = last.directory ? last.directory->get() : hold.directory.get();
+        const std::size_t start = last.length == 0 ? 0 : last.length + 1;
+        const std::size_t steps = endOfStride(std::string_view(path).substr(start));
+        if (steps == std::string_view::npos) {
+            return openPiece(hold, from, path.substr(start), flags, fd);
+        }
+        UniqueFd next;
+        const int error = openPiece(hold, from, path.substr(start, steps), passing, next);
+        if (error != 0) return error;
+        last =
+            hold.waypoints->keep(std::string_view(path).substr(0, start + steps), std::move(next));
+    }
+}
+
 }  // namespace
 
+bool countsSubdirectories(int directory) {
+    struct statfs volume {};
+    if (fstatfs(directory, &volume) != 0) return false;
+    return volume.f_type == EXT4_SUPER_MAGIC || volume.f_type == XFS_SUPER_MAGIC ||
+           volume.f_type == TMPFS_MAGIC;
+}
+
+Waypoints::Waypoint Waypoints::find(std::string_view path) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const auto isOnTheWay = [&](const Waypoint& point) {
+        return isWithin(path, std::string_view(path_).substr(0, point.length)) &&
+               path.size() > point.length;
+    };
+    points_.erase(std::partition_point(points_.begin(), points_.end(), isOnTheWay), points_.end());
+    if (points_.empty()) return {};
+    path_.resize(points_.back().length);
+    return points_.back();
+}
+
+Waypoints::Waypoint Waypoints::keep(std::string_view path, UniqueFd directory) {
+    Waypoint point{path.size(), std::make_shared<const UniqueFd>(std::move(directory))};
+    const std::lock_guard<std::mutex> lock(mutex_);
+    // Another thread may have gone elsewhere meanwhile.
+    const bool goesOn = points_.empty() || (path.size() > path_.size() && isWithin(path, path_));
+    if (!goesOn || points_.size() >= mostWaypoints) return point;
+    path_ = path;
+    points_.push_back(point);
+    return point;
+}
+
+bool Waypoints::clear() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const bool any = !points_.empty();
+    points_.clear();
+    return any;
+}
+
 int openBelow(const Hold& hold, const std::string& path, int flags, UniqueFd& fd) {
-    UniqueFd passed;
-    int directory = hold.directory.get();
-    std::size_t start = 0;
-    // The system takes no more than 4096 bytes at once.
-    while (path.size() - start >= PATH_MAX) {
-        const std::size_t cut = path.rfind('/', start + PATH_MAX - 2);
-        if (cut == std::string::npos || cut <= start) return ENAMETOOLONG;
-        UniqueFd next;
-        const int error =
-            openPiece(hold, directory, path.substr(start, cut - start), passing, next);
-        if (error != 0) return error;
-        passed = std::move(next);
-        directory = passed.get();
-        start = cut + 1;
-    }
-    return openPiece(hold, directory, start == 0 ? path : path.substr(start), flags, fd);
+    const int error = openOnTheWay(hold, path, flags, fd);
+    // A directory on the way may have been removed and made again.
+    const bool mayBeStale = error == ENOENT || error == ESTALE;
+    if (!mayBeStale || !hold.waypoints->clear()) return error;
+    return openOnTheWay(hold, path, flags, fd);
 }
 
 void HoldList::remove(const Hold& hold) {

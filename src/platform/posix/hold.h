@@ -4,7 +4,9 @@
 
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -19,6 +21,30 @@ enum class Descent {
     steps,   // one call a component
 };
 
+/// Directories on the way to where a deep walk is, kept open so that the next step does not begin
+/// at the root again: what an entry costs must not grow with its depth. A directory is kept only as
+/// long as every path that is asked for lies in it. May be used by several threads.
+class Waypoints {
+  public:
+    struct Waypoint {
+        std::size_t length = 0;  // of its path
+        std::shared_ptr<const UniqueFd> directory;
+    };
+
+    /// The deepest waypoint that `path` lies in; one of length 0 where there is none. Those that it
+    /// does not lie in are forgotten.
+    Waypoint find(std::string_view path);
+    /// `path`: of a directory in the one that was found last.
+    Waypoint keep(std::string_view path, UniqueFd directory);
+    /// False when there was none.
+    bool clear();
+
+  private:
+    std::mutex mutex_;
+    std::string path_;  // of the last one
+    std::vector<Waypoint> points_;
+};
+
 /// A directory that was taken hold of. What lies below it is reached from its descriptor.
 struct Hold {
     std::string core;    // as it was asked for
@@ -26,8 +52,14 @@ struct Hold {
     UniqueFd directory;  // readable
     dev_t device = 0;
     bool counted = true;  // its volume counts the names of a directory, so that none tells its end
+    bool countsSubdirectories = false;  // each adds a name to the two that a directory has itself
     Descent descent = Descent::kernel;
+    std::unique_ptr<Waypoints> waypoints = std::make_unique<Waypoints>();
 };
+
+/// Whether the volume of an open directory counts subdirectories among a directory's names: those
+/// of this system that are known to, others may say anything.
+bool countsSubdirectories(int directory);
 
 /// Opens `path`, which is below the hold and has no "..", without passing a link: ELOOP. The last
 /// component may be a link only where `flags` say O_PATH and O_NOFOLLOW. 0 or an errno value.

@@ -49,13 +49,20 @@ int openEntry(int directory, const char* name, int flags, UniqueFd& fd) {
     }
 }
 
+int openQuietly(int directory, const char* name, int flags, UniqueFd& fd) {
+    const int error = openEntry(directory, name, flags | O_NOATIME, fd);
+    return error == EPERM ? openEntry(directory, name, flags, fd) : error;
+}
+
 int openPath(const std::string& path, int flags, UniqueFd& fd) {
     const ShortPath reach(path);
     return reach.error() != 0 ? reach.error() : openEntry(reach.fd(), reach.path(), flags, fd);
 }
 
 int statEntry(int directory, const char* name, bool follow, struct statx& information) {
-    const int flags = AT_NO_AUTOMOUNT | AT_EMPTY_PATH | (follow ? 0 : AT_SYMLINK_NOFOLLOW);
+    // Where a name is given, the system need not look for its end first.
+    const int what = *name == '\0' ? AT_EMPTY_PATH : follow ? 0 : AT_SYMLINK_NOFOLLOW;
+    const int flags = AT_NO_AUTOMOUNT | what;
     return ::statx(directory, name, flags, STATX_BASIC_STATS | STATX_BTIME, &information) == 0
                ? 0
                : errno;
@@ -69,6 +76,26 @@ int statPath(const std::string& path, bool follow, struct statx& information) {
 
 dev_t deviceOf(const struct statx& information) {
     return makedev(information.stx_dev_major, information.stx_dev_minor);
+}
+
+struct stat statOf(const struct statx& information) {
+    const auto time = [](const statx_timestamp& from) {
+        return timespec{static_cast<time_t>(from.tv_sec), static_cast<long>(from.tv_nsec)};
+    };
+    struct stat result {};
+    result.st_dev = deviceOf(information);
+    result.st_ino = information.stx_ino;
+    result.st_mode = information.stx_mode;
+    result.st_nlink = information.stx_nlink;
+    result.st_uid = information.stx_uid;
+    result.st_gid = information.stx_gid;
+    result.st_size = static_cast<off_t>(information.stx_size);
+    result.st_blksize = static_cast<blksize_t>(information.stx_blksize);
+    result.st_blocks = static_cast<blkcnt_t>(information.stx_blocks);
+    result.st_atim = time(information.stx_atime);
+    result.st_mtim = time(information.stx_mtime);
+    result.st_ctim = time(information.stx_ctime);
+    return result;
 }
 
 int readLink(int directory, const char* name, std::string& text) {
@@ -161,9 +188,16 @@ bool isPrivate(std::string_view text) {
     return text.starts_with(backslash) || text.starts_with(colon) || text.starts_with(escape);
 }
 
+/// Names that are the same in both forms, which nearly all are.
+bool isSameInBoth(std::string_view name) {
+    return std::none_of(name.begin(), name.end(),
+                        [](char c) { return c == '\\' || c == ':' || c == backslash.front(); });
+}
+
 }  // namespace
 
 std::string toCoreName(std::string_view native) {
+    if (isSameInBoth(native)) return std::string(native);
     std::string core;
     core.reserve(native.size());
     for (std::size_t i = 0; i < native.size(); ++i) {
@@ -180,6 +214,7 @@ std::string toCoreName(std::string_view native) {
 }
 
 std::string toNativeName(std::string_view core) {
+    if (isSameInBoth(core)) return std::string(core);
     std::string native;
     native.reserve(core.size());
     for (std::size_t i = 0; i < core.size();) {

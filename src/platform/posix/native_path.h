@@ -31,6 +31,10 @@ class ShortPath {
 /// value.
 int openEntry(int directory, const char* name, int flags, UniqueFd& fd);
 
+/// The same for reading, without a trace: the time of the last access stays where the system allows
+/// that, to the owner and to root.
+int openQuietly(int directory, const char* name, int flags, UniqueFd& fd);
+
 /// Opens any path; O_CLOEXEC is added. Returns 0 and the descriptor, or an errno value.
 int openPath(const std::string& path, int flags, UniqueFd& fd);
 
@@ -42,6 +46,9 @@ int statEntry(int directory, const char* name, bool follow, struct statx& inform
 int statPath(const std::string& path, bool follow, struct statx& information);
 
 dev_t deviceOf(const struct statx& information);
+
+/// What the older call would have told of the same file.
+struct stat statOf(const struct statx& information);
 
 /// The text of a link. 0 or an errno value (EINVAL: no link).
 int readLink(int directory, const char* name, std::string& text);

@@ -1,15 +1,14 @@
 #include "platform/posix/own_files.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <memory>
 #include <optional>
-#include <string_view>
+#include <utility>
 
 #include "platform/names.h"
+#include "platform/posix/listing.h"
 #include "platform/posix/temporary_file.h"
 #include "platform/posix/unique_fd.h"
 
@@ -21,21 +20,15 @@ template <typename Visit>
 int visitNames(int directory, Visit visit) {
     UniqueFd fd(openat(directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!fd.valid()) return errno;
-    const std::unique_ptr<DIR, int (*)(DIR*)> listing(fdopendir(fd.get()), closedir);
-    if (listing == nullptr) return errno;
-    fd.release();
-    for (;;) {
-        errno = 0;
-        const dirent* entry = readdir(listing.get());
-        if (entry == nullptr) return errno;
-        const std::string_view name = entry->d_name;
-        if (name == "." || name == "..") continue;
+    Listing listing(std::move(fd));
+    while (const dirent64* entry = listing.next()) {
         if (!visit(*entry)) return 0;
     }
+    return listing.error();
 }
 
 /// A file or a link under one of the program's own names; a directory of such a name is its user's.
-std::optional<OwnFile> kindOf(int directory, const dirent& entry) {
+std::optional<OwnFile> kindOf(int directory, const dirent64& entry) {
     const std::optional<OwnFile> kind = ownFileKind(entry.d_name);
     struct stat information {};
     if (!kind || fstatat(directory, entry.d_name, &information, AT_SYMLINK_NOFOLLOW) != 0) {
@@ -52,7 +45,7 @@ int removeEntry(int directory, const char* name) {
 
 int removeTemporaries(int directory) {
     int failure = 0;
-    const int error = visitNames(directory, [&](const dirent& entry) {
+    const int error = visitNames(directory, [&](const dirent64& entry) {
         if (!isTemporaryName(entry.d_name)) return true;
         const int removal = removeTemporary(directory, entry.d_name);
         if (removal != 0) failure = removal;
@@ -63,7 +56,7 @@ int removeTemporaries(int directory) {
 
 int listOwnFiles(int directory, std::vector<std::string>& names) {
     names.clear();
-    const int error = visitNames(directory, [&](const dirent& entry) {
+    const int error = visitNames(directory, [&](const dirent64& entry) {
         const std::optional<OwnFile> kind = kindOf(directory, entry);
         if (kind && *kind != OwnFile::temporary) names.emplace_back(entry.d_name);
         return true;
@@ -75,7 +68,7 @@ int listOwnFiles(int directory, std::vector<std::string>& names) {
 int clearOwnFiles(int directory) {
     std::vector<std::string> names;
     bool alone = true;
-    const int error = visitNames(directory, [&](const dirent& entry) {
+    const int error = visitNames(directory, [&](const dirent64& entry) {
         alone = kindOf(directory, entry).has_value();
         if (alone) names.emplace_back(entry.d_name);
         return alone;

@@ -24,20 +24,9 @@ bool startsWithRoot(std::string_view path, std::string_view root, bool exact) {
     return path.size() == root.size() || path[root.size()] == '\\';
 }
 
-std::vector<std::string_view> splitCore(std::string_view rest) {
-    std::vector<std::string_view> components;
-    for (std::size_t start = 0; start < rest.size();) {
-        // No name holds a slash here, so it separates, as it does on Windows.
-        const std::size_t end = std::min(rest.find_first_of("\\/", start), rest.size());
-        const std::string_view component = rest.substr(start, end - start);
-        start = end + 1;
-        if (component == "..") {
-            if (!components.empty()) components.pop_back();
-        } else if (!component.empty() && component != ".") {
-            components.push_back(component);
-        }
-    }
-    return components;
+bool isSeparator(char c) {
+    // No name holds a slash here, so it separates, as it does on Windows.
+    return c == '\\' || c == '/';
 }
 
 }  // namespace
@@ -60,7 +49,7 @@ bool hasCoreForm(std::string_view text) {
     return hasDriveLetter(text) && (text.size() == 2 || text[2] == '\\');
 }
 
-const PathRoot* PathMap::rootOf(std::string_view corePath, std::string_view& rest) const {
+const PathRoot* PathMap::rootOf(std::string_view corePath) const {
     const PathRoot* best = nullptr;
     for (const bool exact : {true, false}) {
         for (const PathRoot& root : roots_) {
@@ -70,8 +59,48 @@ const PathRoot* PathMap::rootOf(std::string_view corePath, std::string_view& res
             }
         }
     }
-    if (best != nullptr) rest = corePath.substr(best->core.size());
     return best;
+}
+
+std::size_t PathMap::Trail::sharedWith(std::string_view corePath, const PathRoot& wanted) const {
+    if (root != &wanted) return 0;
+    const auto isShared = [&](const Step& step) {
+        return corePath.starts_with(std::string_view(core).substr(0, step.core)) &&
+               (corePath.size() == step.core || isSeparator(corePath[step.core]));
+    };
+    if (steps.empty() || isShared(steps.back())) return steps.size();
+    const auto end = std::partition_point(steps.begin(), steps.end(), isShared);
+    return static_cast<std::size_t>(end - steps.begin());
+}
+
+void PathMap::Trail::cut(std::size_t stepsLeft) {
+    steps.resize(stepsLeft);
+    core.resize(steps.empty() ? 0 : steps.back().core);
+    native.resize(steps.empty() ? 0 : steps.back().native);
+}
+
+/// The trail that leads farthest towards a path, cut where the path leaves it.
+PathMap::Trail& PathMap::trailFor(std::string_view corePath, const PathRoot& root) const {
+    const std::array<std::size_t, 2> shared = {trails_[0].sharedWith(corePath, root),
+                                               trails_[1].sharedWith(corePath, root)};
+    const std::size_t nearest = shared[1] > shared[0] ? 1 : 0;
+    // The trail that was just used is not given up for a path that soon leaves it: that one goes
+    // down the other tree.
+    constexpr std::size_t fewSteps = 4;
+    const bool leavesSoon = trails_[nearest].steps.size() - shared[nearest] > fewSteps;
+    const std::size_t chosen = leavesSoon ? 1 - lastTrail_ : nearest;
+    Trail& trail = trails_[chosen];
+    if (chosen != nearest) trail = trails_[nearest];
+    lastTrail_ = chosen;
+    trail.cut(shared[nearest]);
+    return trail;
+}
+
+void PathMap::Trail::goOn(std::string_view component) {
+    core.append(1, '\\').append(component);
+    if (!native.ends_with('/')) native += '/';
+    native += toNativeName(component);
+    steps.push_back({core.size(), native.size()});
 }
 
 Status PathMap::locate(const std::string& corePath, Place& place) const {
@@ -79,17 +108,29 @@ Status PathMap::locate(const std::string& corePath, Place& place) const {
     if (corePath.find('\0') != std::string::npos) {
         return Status::failure(error_number::invalidParameter, corePath);
     }
-    std::string_view rest;
-    const PathRoot* root = rootOf(corePath, rest);
+    const PathRoot* root = rootOf(corePath);
     if (root == nullptr) return Status::failure(error_number::deviceDoesNotExist, corePath);
+    Trail& trail = trailFor(corePath, *root);
+    if (trail.steps.empty()) {
+        const std::size_t length = root->core.size();
+        trail = {root, corePath.substr(0, length), root->native, {{length, root->native.size()}}};
+    }
+    std::size_t start = trail.core.size();
+    while (start < corePath.size()) {
+        const std::size_t end = std::min(corePath.find_first_of("\\/", start), corePath.size());
+        const std::string_view component = std::string_view(corePath).substr(start, end - start);
+        start = end + 1;
+        if (component == "..") {
+            // Never out of the root.
+            trail.cut(std::max<std::size_t>(trail.steps.size() - 1, 1));
+        } else if (!component.empty() && component != ".") {
+            trail.goOn(component);
+        }
+    }
     place.core = corePath;
     place.root = root->native;
     place.device = root->device;
-    place.native = root->native;
-    for (const std::string_view component : splitCore(rest)) {
-        if (!place.native.ends_with('/')) place.native += '/';
-        place.native += toNativeName(component);
-    }
+    place.native = trail.native;
     return {};
 }
 

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -50,11 +51,14 @@ class PathMap {
   public:
     PathMap() = default;
     explicit PathMap(std::vector<PathRoot> roots) : roots_(std::move(roots)) {}
+    PathMap(PathMap&&) = default;
+    PathMap& operator=(PathMap&&) = default;
 
     const std::vector<PathRoot>& roots() const { return roots_; }
 
     /// 55 for a letter or share that does not exist now; 3 for a text that is no path of the core.
-    /// ".." is taken out by the text alone and never leaves the root, as on Windows.
+    /// ".." is taken out by the text alone and never leaves the root, as on Windows. Not for two
+    /// threads at once.
     Status locate(const std::string& corePath, Place& place) const;
 
     /// The core's form of an absolute native path without "..": below the innermost root that
@@ -65,9 +69,30 @@ class PathMap {
     std::string fromNative(const std::string& typed, const std::string& currentDirectory) const;
 
   private:
-    const PathRoot* rootOf(std::string_view corePath, std::string_view& rest) const;
+    /// The way to what was located last, without "." and "..". The next path shares most of it, and
+    /// in a tree of thousands of levels it would take long to spell it out again.
+    struct Trail {
+        struct Step {  // where a component ends in the two forms; the first one is the root
+            std::size_t core;
+            std::size_t native;
+        };
+        const PathRoot* root = nullptr;
+        std::string core;
+        std::string native;
+        std::vector<Step> steps;
+
+        /// How many steps `corePath`, which is below `wanted`, begins with.
+        std::size_t sharedWith(std::string_view corePath, const PathRoot& wanted) const;
+        void cut(std::size_t stepsLeft);
+        void goOn(std::string_view component);
+    };
+
+    Trail& trailFor(std::string_view corePath, const PathRoot& root) const;
+    const PathRoot* rootOf(std::string_view corePath) const;
 
     std::vector<PathRoot> roots_;
+    mutable std::array<Trail, 2> trails_;  // a walk goes down two trees in turn
+    mutable std::size_t lastTrail_ = 0;
 };
 
 }  // namespace coffrelune

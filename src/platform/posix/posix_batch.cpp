@@ -42,8 +42,9 @@ bool givesRoom(int error) {
     return error == ENOSPC || error == EDQUOT || error == EMFILE || error == ENFILE;
 }
 
+/// Programs that serve a volume without links may answer that their own request has failed.
 bool isLinkRefused(int error) {
-    return error == EPERM || error == EOPNOTSUPP || error == ENOSYS;
+    return error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EIO;
 }
 
 }  // namespace
@@ -133,6 +134,7 @@ int PosixBatch::tryCopy(const CopyRequest& request, WaitingCopy& waiting) {
     int error = targetOf(static_cast<PosixDirectory&>(request.target));
     if (error != 0) return error;
     waiting = {};
+    waiting.begun = thread_.failedFlushes();
     waiting.target = target_;
     waiting.name = toNativeName(request.entry.name);
     error = copy(request, waiting);
@@ -157,25 +159,32 @@ int PosixBatch::copy(const CopyRequest& request, WaitingCopy& waiting) {
     const int error = source.reach(again, directory);
     if (error != 0) return error;
     return request.entry.isLink() ? copyLink(directory, request, waiting)
-                                  : copyFile(directory, request, waiting);
+                                  : copyFile(source, directory, request, waiting);
 }
 
-int PosixBatch::copyFile(int source, const CopyRequest& request, WaitingCopy& waiting) {
+// What is known of the original is taken before the reading: one that changes meanwhile keeps a
+// later time than its copy and is copied again by the next run.
+int PosixBatch::copyFile(PosixDirectory& directory, int source, const CopyRequest& request,
+                         WaitingCopy& waiting) {
     UniqueFd input;
+    struct stat before {};
+    if (!directory.takeOpened(waiting.name, input, before)) {
+        const int error = openOriginal(source, waiting.name.c_str(), input, before);
+        if (error != 0) return error;
+    }
+    if (!S_ISREG(before.st_mode)) return EOPNOTSUPP;
+    return write(input.get(), before, request, waiting);
+}
+
+int PosixBatch::openOriginal(int source, const char* name, UniqueFd& input, struct stat& before) {
     constexpr int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW;
-    const char* name = waiting.name.c_str();
     int error = openEntry(source, name, flags | quiet_, input);
     if (error == EPERM && quiet_ != 0) {
         quiet_ = 0;  // only the owner may read without leaving a trace
         error = openEntry(source, name, flags, input);
     }
     if (error != 0) return error;
-    // Taken before the reading: a source that changes meanwhile keeps a later time than its copy
-    // and is copied again by the next run.
-    struct stat before {};
-    if (fstat(input.get(), &before) != 0) return errno;
-    if (!S_ISREG(before.st_mode)) return EOPNOTSUPP;
-    return write(input.get(), before, request, waiting);
+    return fstat(input.get(), &before) == 0 ? 0 : errno;
 }
 
 int PosixBatch::write(int input, struct stat before, const CopyRequest& request,
@@ -191,6 +200,7 @@ int PosixBatch::write(int input, struct stat before, const CopyRequest& request,
     }
     if (output.valid()) waiting.temporary = std::move(name);
     if (error == 0) error = writer_.write(input, before, output.get(), made, request.observer);
+    if (error == 0) waiting.stamp = writer_.stamp();
     // A late write error may show at the closing.
     if (output.valid() && close(output.release()) != 0 && error == 0 && errno != EINTR) {
         error = errno;
@@ -212,11 +222,21 @@ int PosixBatch::copyLink(int source, const CopyRequest& request, WaitingCopy& wa
     if (isLinkRefused(error)) return copyLinkTarget(source, request, link, waiting);
     if (error != 0) return error;
     waiting.temporary = name;
-    error = giveAway(directory, name.c_str(), ownerOf(link));
-    if (error != 0) return error;
-    error = stamp({directory, name.c_str()}, link.st_atim, link.st_mtim, timeStepAt(directory));
+    // Where a link cannot be stamped, what it leads to would be changed.
+    const bool changeable = changesLinks(*target_);
+    if (changeable) error = giveAway(directory, name.c_str(), ownerOf(link));
+    if (changeable && error == 0) {
+        error = stamp({directory, name.c_str()}, link.st_atim, link.st_mtim, timeStepAt(directory));
+    }
     if (error == 0 && request.observer != nullptr) request.observer->chunkFinished(text.size());
     return error;
+}
+
+/// Asked once for each volume.
+bool PosixBatch::changesLinks(const CopyTarget& target) {
+    const auto [known, isFirst] = changesLinks_.try_emplace(target.device(), true);
+    if (isFirst) known->second = keepsLinkTimes(target.directory());
+    return known->second;
 }
 
 /// For a volume that holds no links: what the link leads to, when that is a file, under the time of

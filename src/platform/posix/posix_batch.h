@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -34,13 +35,19 @@ class PosixBatch final : public CopyBatch {
 
     Status add(const CopyRequest& request, std::uint64_t& ticket) override;
     Status finish() override;
+    KeptTimes keptTimes() const override {
+        return thread_.losesTimes() ? KeptTimes::lost : writer_.keptTimes();
+    }
 
   private:
     int targetOf(PosixDirectory& directory);
     int tryCopy(const CopyRequest& request, WaitingCopy& waiting);
     int copy(const CopyRequest& request, WaitingCopy& waiting);
-    int copyFile(int source, const CopyRequest& request, WaitingCopy& copy);
+    int copyFile(PosixDirectory& directory, int source, const CopyRequest& request,
+                 WaitingCopy& copy);
+    int openOriginal(int source, const char* name, UniqueFd& input, struct stat& before);
     int copyLink(int source, const CopyRequest& request, WaitingCopy& copy);
+    bool changesLinks(const CopyTarget& target);
     int copyLinkTarget(int source, const CopyRequest& request, const struct stat& link,
                        WaitingCopy& copy);
     int write(int input, struct stat before, const CopyRequest& request, WaitingCopy& copy);
@@ -56,6 +63,7 @@ class PosixBatch final : public CopyBatch {
     std::atomic<std::uint64_t>& changes_;
     CopyWriter writer_;
     mode_t mask_;
+    std::map<dev_t, bool> changesLinks_;
     int quiet_ = O_NOATIME;  // reading leaves the time of the last access alone, where it may
     std::uint64_t token_;
     std::uint64_t ticket_ = 0;

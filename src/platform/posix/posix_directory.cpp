@@ -8,6 +8,7 @@
 #include "platform/names.h"
 #include "platform/posix/errors.h"
 #include "platform/posix/file_times.h"
+#include "platform/posix/hold.h"
 #include "platform/posix/native_path.h"
 
 namespace coffrelune {
@@ -24,23 +25,33 @@ bool isAbsence(int error) {
 
 }  // namespace
 
-PosixDirectory::PosixDirectory(UniqueFd fd, dev_t device, Place place, Wanted wanted,
-                               const Surroundings& around)
-    : place_(std::move(place)), wanted_(wanted), around_(around), device_(device) {
+PosixDirectory::PosixDirectory(UniqueFd fd, const struct statx& information, Place place,
+                               Wanted wanted, const Surroundings& around)
+    : place_(std::move(place)),
+      wanted_(wanted),
+      around_(around),
+      device_(deviceOf(information)),
+      rights_{{information.stx_uid, information.stx_gid}, information.stx_mode} {
+    FileEntry self;
+    if (tellsMountPoints(information) && fillEntry(information, {}, self)) self_ = std::move(self);
     ++around_.openCount;
     fd_ = fd.get();
-    if (wanted_ == Wanted::nothing) {
+    const bool isBare = wanted_ == Wanted::directories && hasNoSubdirectory(information);
+    if (wanted_ == Wanted::nothing || isBare) {
         path_ = std::move(fd);
     } else {
-        listing_.reset(fdopendir(fd_));
-        if (listing_ == nullptr) {
-            status_ = systemFailure(errno, place_.core);
-            path_ = std::move(fd);
-        } else {
-            fd.release();
-        }
+        listing_.emplace(std::move(fd));
     }
     if (around_.openCount > manyOpen) readAheadAndClose();
+}
+
+/// Most directories hold files alone: to look for directories among them costs as much as to list
+/// them all.
+bool PosixDirectory::hasNoSubdirectory(const struct statx& information) const {
+    constexpr std::uint32_t ownNames = 2;  // in its parent, and "."
+    const Hold* hold = place_.hold.get();
+    return hold != nullptr && hold->countsSubdirectories && hold->device == device_ &&
+           information.stx_nlink == ownNames;
 }
 
 PosixDirectory::~PosixDirectory() {
@@ -83,15 +94,13 @@ bool PosixDirectory::next(FileEntry& entry) {
 }
 
 bool PosixDirectory::read(FileEntry& entry) {
-    while (listing_ != nullptr) {
-        errno = 0;
-        const dirent* found = readdir(listing_.get());
+    while (listing_.has_value()) {
+        const dirent64* found = listing_->next();
         if (found == nullptr) {
-            if (errno != 0) status_ = systemFailure(errno, place_.core);
+            if (listing_->error() != 0) status_ = systemFailure(listing_->error(), place_.core);
             return false;
         }
         const std::string_view name = found->d_name;
-        if (name == "." || name == "..") continue;
         const bool isDirectory = found->d_type == DT_DIR;
         if (isDirectory && wanted_ == Wanted::files) directories_.emplace_back(name);
         if (!wantsKind(found->d_type)) continue;
@@ -120,9 +129,9 @@ bool PosixDirectory::wantsKind(unsigned char kind) const {
 
 /// False for what is gone again, and for what does not exist for the core.
 bool PosixDirectory::describe(int directory, const std::string& name, unsigned char kind,
-                              FileEntry& entry) const {
+                              FileEntry& entry) {
     struct statx information {};
-    const int error = statEntry(directory, name.c_str(), false, information);
+    const int error = lookAt(directory, name, kind, information);
     if (error == ENOENT) return false;
     if (error != 0) {
         // What bars the look at an entry bars its copy as well: it is listed, so that the copy
@@ -141,6 +150,36 @@ bool PosixDirectory::describe(int directory, const std::string& name, unsigned c
     return entry.isDirectory() ? !isPseudoMount(entry) : !ownFileKind(name).has_value();
 }
 
+/// A file that is to be copied is opened anyway: to look at it then costs a call less.
+int PosixDirectory::lookAt(int directory, const std::string& name, unsigned char kind,
+                           struct statx& information) {
+    opened_ = {};
+    if (expectsCopy_ && kind == DT_REG && openNext(directory, name) == 0) {
+        information = opened_.information;
+        return 0;
+    }
+    opened_ = {};
+    return statEntry(directory, name.c_str(), false, information);
+}
+
+int PosixDirectory::openNext(int directory, const std::string& name) {
+    constexpr int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW | O_NOATIME;
+    const int error = openEntry(directory, name.c_str(), flags, opened_.fd);
+    if (error != 0) {
+        expectsCopy_ = false;  // whoever copies it meets the same obstacle, and tells it
+        return error;
+    }
+    opened_.name = name;
+    return statEntry(opened_.fd.get(), "", false, opened_.information);
+}
+
+bool PosixDirectory::takeOpened(const std::string& name, UniqueFd& fd, struct stat& information) {
+    if (!opened_.fd.valid() || opened_.name != name) return false;
+    fd = std::move(opened_.fd);
+    information = statOf(opened_.information);
+    return true;
+}
+
 bool PosixDirectory::fill(const struct statx& information, std::string name,
                           FileEntry& entry) const {
     if (!fillEntry(information, std::move(name), entry)) return false;
@@ -153,6 +192,11 @@ bool PosixDirectory::fill(const struct statx& information, std::string name,
 bool PosixDirectory::isPseudoMount(const FileEntry& entry) const {
     return entry.isDirectory() && entry.id.volume != device_ &&
            around_.pseudoDevices->contains(entry.id.volume);
+}
+
+bool PosixDirectory::hasRightsOf(const Directory& original) const {
+    const auto* other = dynamic_cast<const PosixDirectory*>(&original);
+    return other != nullptr && rights_ == other->rights_;
 }
 
 std::vector<FileEntry> PosixDirectory::takeDirectories() {
@@ -201,16 +245,8 @@ bool PosixDirectory::isStillEmpty() {
 bool PosixDirectory::isEmpty() const {
     UniqueFd fd;
     if (!isOpen() || openEntry(fd_, ".", O_RDONLY | O_DIRECTORY, fd) != 0) return false;
-    const std::unique_ptr<DIR, CloseListing> listing(fdopendir(fd.get()));
-    if (listing == nullptr) return false;
-    fd.release();
-    for (;;) {
-        errno = 0;
-        const dirent* found = readdir(listing.get());
-        if (found == nullptr) return errno == 0;
-        const std::string_view name = found->d_name;
-        if (name != "." && name != "..") return false;
-    }
+    Listing listing(std::move(fd));
+    return listing.next() == nullptr && listing.error() == 0;
 }
 
 bool PosixDirectory::lookUp(const std::string& name, FileEntry& entry) {

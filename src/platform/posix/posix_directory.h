@@ -1,6 +1,6 @@
 #pragma once
 
-#include <dirent.h>
+#include <sys/stat.h>
 
 #include <atomic>
 #include <cstdint>
@@ -12,7 +12,9 @@
 
 #include "platform/file_service.h"
 #include "platform/posix/copy_target.h"
+#include "platform/posix/listing.h"
 #include "platform/posix/place.h"
+#include "platform/posix/rights.h"
 #include "platform/posix/unique_fd.h"
 
 namespace coffrelune {
@@ -28,9 +30,9 @@ class PosixDirectory final : public Directory {
         const std::atomic<std::uint64_t>& changes;  // how many times names have changed
     };
 
-    /// `fd`: of the directory, which lies on `device`; with Wanted::nothing it may be an O_PATH
-    /// descriptor.
-    PosixDirectory(UniqueFd fd, dev_t device, Place place, Wanted wanted,
+    /// `fd`: of the directory that `information` describes; with Wanted::nothing it may be an
+    /// O_PATH descriptor.
+    PosixDirectory(UniqueFd fd, const struct statx& information, Place place, Wanted wanted,
                    const Surroundings& around);
     PosixDirectory(const PosixDirectory&) = delete;
     PosixDirectory& operator=(const PosixDirectory&) = delete;
@@ -38,6 +40,9 @@ class PosixDirectory final : public Directory {
 
     bool next(FileEntry& entry) override;
     const Status& status() const override { return status_; }
+    const FileEntry* self() const override { return self_ ? &*self_ : nullptr; }
+    bool hasRightsOf(const Directory& original) const override;
+    void expectCopy(bool expected) override { expectsCopy_ = expected; }
     std::vector<FileEntry> takeDirectories() override;
     bool lookUp(const std::string& name, FileEntry& entry) override;
 
@@ -49,6 +54,10 @@ class PosixDirectory final : public Directory {
     /// The directory as one that files are copied into. 0 or an errno value.
     int shareTarget(std::shared_ptr<CopyTarget>& target);
 
+    /// The file that was listed last, open for reading, and what it was then; false where it was
+    /// not opened.
+    bool takeOpened(const std::string& name, UniqueFd& fd, struct stat& information);
+
     /// A descriptor of it for ...at() calls; `again` owns it where it has been closed meanwhile.
     /// 0 or an errno value.
     int reach(UniqueFd& again, int& fd) const;
@@ -59,18 +68,23 @@ class PosixDirectory final : public Directory {
         int error = 0;    // an errno value
     };
 
-    struct CloseListing {
-        void operator()(DIR* listing) const { closedir(listing); }
+    struct OpenedFile {
+        std::string name;  // native
+        UniqueFd fd;
+        struct statx information {};
     };
 
+    bool hasNoSubdirectory(const struct statx& information) const;
     bool isOpen() const { return fd_ >= 0; }
     bool read(FileEntry& entry);
     int ask(const std::string& name, FileEntry& entry);
     bool answer(int error);
     const Known* recall(const std::string& name);
     bool wantsKind(unsigned char kind) const;
-    bool describe(int directory, const std::string& name, unsigned char kind,
-                  FileEntry& entry) const;
+    int lookAt(int directory, const std::string& name, unsigned char kind,
+               struct statx& information);
+    int openNext(int directory, const std::string& name);
+    bool describe(int directory, const std::string& name, unsigned char kind, FileEntry& entry);
     bool fill(const struct statx& information, std::string name, FileEntry& entry) const;
     bool isPseudoMount(const FileEntry& entry) const;
     bool isStillEmpty();
@@ -81,16 +95,20 @@ class PosixDirectory final : public Directory {
     Place place_;
     Wanted wanted_;
     Surroundings around_;
-    std::unique_ptr<DIR, CloseListing> listing_;
+    std::optional<Listing> listing_;
     UniqueFd path_;  // instead of a listing when only look-ups are wanted
     int fd_ = -1;    // of whichever of the two is open
     dev_t device_;
+    Rights rights_;
+    std::optional<FileEntry> self_;
     std::vector<FileEntry> ahead_;  // read already
     std::size_t nextAhead_ = 0;
     std::vector<Known> known_;  // looked up already, in the order in which they will be asked for
     std::size_t nextKnown_ = 0;
     std::vector<std::string> directories_;  // native names, met while files were listed
     std::shared_ptr<CopyTarget> target_;
+    bool expectsCopy_ = false;
+    OpenedFile opened_;
     std::optional<std::uint64_t> emptyAt_;  // value of changes_ when it was seen to be empty
     bool askedEmpty_ = false;
     Status status_;

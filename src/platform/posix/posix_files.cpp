@@ -7,6 +7,7 @@
 #include <cerrno>
 
 #include "platform/posix/errors.h"
+#include "platform/posix/extra_attributes.h"
 #include "platform/posix/file_times.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/own_files.h"
@@ -37,7 +38,7 @@ struct PosixFiles::Target {
 struct PosixFiles::Opened {
     Place place;
     UniqueFd fd;
-    dev_t device = 0;
+    struct statx information {};
 };
 
 namespace {
@@ -49,10 +50,9 @@ std::string withoutSlash(std::string path) {
 
 constexpr mode_t anyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
 
-timespec timeOrUnchanged(std::uint64_t fileTime) {
-    timespec time = toTimespec(fileTime);
-    if (fileTime == 0) time.tv_nsec = UTIME_OMIT;
-    return time;
+/// A time of 0 leaves the one that is there.
+timespec timeOr(std::uint64_t fileTime, timespec unchanged) {
+    return fileTime == 0 ? unchanged : toTimespec(fileTime);
 }
 
 /// A volume that knows one read-only mark instead of modes wants all write bits at once.
@@ -60,6 +60,15 @@ int changeMode(int directory, const char* name, mode_t mode) {
     if (fchmodat(directory, name, mode, AT_SYMLINK_NOFOLLOW) == 0) return 0;
     if (errno != EPERM || (mode & S_IWUSR) == 0) return errno;
     return fchmodat(directory, name, mode | anyWrite, AT_SYMLINK_NOFOLLOW) == 0 ? 0 : EPERM;
+}
+
+/// Of a name that cannot be made in an open directory: unless that has been removed, it is the name
+/// that is refused.
+int refusalOf(int error, const Holder& holder) {
+    struct stat directory {};
+    if (error != EINVAL && error != ENOENT) return error;
+    const bool stands = fstat(holder.directory, &directory) == 0 && directory.st_nlink > 0;
+    return stands ? EILSEQ : error;
 }
 
 int unlinkEntry(const Holder& holder, int flags) {
@@ -124,15 +133,14 @@ Status PosixFiles::openAt(int flags, Opened& opened) {
     const Place& place = opened.place;
     const int error = openPlace(place, flags | O_DIRECTORY, opened.fd);
     if (error != 0) return failureAt(error, place);
-    struct stat information {};
-    if (fstat(opened.fd.get(), &information) != 0) return systemFailure(errno, place.core);
+    const int looked = statEntry(opened.fd.get(), "", false, opened.information);
+    if (looked != 0) return systemFailure(looked, place.core);
     // A held directory that was removed meanwhile can still be opened, and would seem empty.
     const bool isHold = place.hold != nullptr && place.native == place.hold->native;
-    if (isHold && place.hold->counted && information.st_nlink == 0) {
+    if (isHold && place.hold->counted && opened.information.stx_nlink == 0) {
         return systemFailure(ENOENT, place.core);
     }
-    opened.device = information.st_dev;
-    return checkVolume(place, information.st_dev);
+    return checkVolume(place, deviceOf(opened.information));
 }
 
 Status PosixFiles::hold(const std::string& root, std::unique_ptr<HeldTree>& held) {
@@ -150,6 +158,7 @@ Status PosixFiles::hold(const std::string& root, std::unique_ptr<HeldTree>& held
     hold->native = place.native;
     hold->device = information.st_dev;
     hold->counted = information.st_nlink > 0;
+    hold->countsSubdirectories = countsSubdirectories(hold->directory.get());
     hold->descent = descent_;
     TreePlace tree = treePlaceOf(hold->directory.get(), place.native, mounts_);
     held = std::make_unique<PosixHeldTree>(std::move(hold), std::move(tree), holds_, locks_);
@@ -174,7 +183,7 @@ Status PosixFiles::openDirectoryAt(const Place& place, LinkRule links, Wanted wa
     opened.place = place;
     Status status = openAt(links == LinkRule::follow ? access : access | O_NOFOLLOW, opened);
     if (!status.ok()) return status;
-    directory = std::make_unique<PosixDirectory>(std::move(opened.fd), opened.device,
+    directory = std::make_unique<PosixDirectory>(std::move(opened.fd), opened.information,
                                                  std::move(opened.place), wanted, around);
     return {};
 }
@@ -243,7 +252,7 @@ Status PosixFiles::createDirectory(const std::string& path, DirectoryAccess acce
     const int error = changeIn(
         holder, [&] { return mkdirat(holder.directory, holder.entry(), mode) == 0 ? 0 : errno; });
     if (error == 0 && access == DirectoryAccess::ownerOnly) closed_.insert(withoutSlash(path));
-    return error == 0 ? Status() : systemFailure(error, path);
+    return error == 0 ? Status() : systemFailure(refusalOf(error, holder), path);
 }
 
 Status PosixFiles::matchDirectory(const std::string& source, const std::string& target) {
@@ -258,6 +267,11 @@ Status PosixFiles::matchDirectory(const std::string& source, const std::string& 
     int error = 0;
     if (keepsRights(from.fd.get())) {
         error = matchRights(to.fd.get(), original);
+        const bool known = attributeVolumes_.know(from.fd.get(), deviceOf(from.information)) &&
+                           attributeVolumes_.know(to.fd.get(), deviceOf(to.information));
+        if (error == 0 && known) error = matchExtras(from.fd.get(), to.fd.get());
+        // The last of them: each entry that was made in it has changed it.
+        if (error == 0) matchTime(to.fd.get(), original);
     } else if (isNew) {
         error = openToAll(to.fd.get());
     }
@@ -312,9 +326,9 @@ Status PosixFiles::setTimes(const std::string& path, const FileTimes& times) {
     Target target;
     Status status = reach(path, target);
     if (!status.ok()) return status;
-    return target.outcome(stamp({target.directory(), target.name()},
-                                timeOrUnchanged(times.lastAccess), timeOrUnchanged(times.lastWrite),
-                                timeStepAt(target.directory())));
+    return target.outcome(stamp(
+        {target.directory(), target.name()}, timeOr(times.lastAccess, target.information.st_atim),
+        timeOr(times.lastWrite, target.information.st_mtim), timeStepAt(target.directory())));
 }
 
 Status PosixFiles::removeFile(const std::string& path) {

@@ -9,6 +9,7 @@
 
 #include "platform/file_service.h"
 #include "platform/posix/drive_table.h"
+#include "platform/posix/extra_attributes.h"
 #include "platform/posix/file_copier.h"
 #include "platform/posix/hold.h"
 #include "platform/posix/posix_directory.h"
@@ -66,6 +67,7 @@ class PosixFiles final : public FileService {
     MountSources mounts_;
     std::shared_ptr<TreeLocks> locks_;
     Descent descent_;
+    AttributeVolumes attributeVolumes_;
     std::shared_ptr<HoldList> holds_ = std::make_shared<HoldList>();
     /// Paths of directories that were made for their owner alone and wait for their rights.
     std::set<std::string> closed_;

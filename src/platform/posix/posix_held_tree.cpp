@@ -10,8 +10,10 @@
 #include <cstring>
 
 #include "platform/posix/errors.h"
+#include "platform/posix/file_times.h"
 #include "platform/posix/mount_table.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/temporary_file.h"
 #include "platform/posix/whole_file.h"
 
 namespace coffrelune {
@@ -190,6 +192,16 @@ Status PosixHeldTree::flush() {
     if (syncfs(hold_->directory.get()) == 0) return {};
     if (errno != ENOSYS && errno != EINVAL) return systemFailure(errno, hold_->core);
     sync();  // the whole system's volumes, where one alone cannot be asked for
+    return {};
+}
+
+Status PosixHeldTree::measureTimes(TimeGrid& grid) {
+    TemporaryFile probe;
+    const int error = probe.create(hold_->directory.get(), 0600);
+    if (error != 0) return systemFailure(error, hold_->core);
+    const std::optional<TimeGrid> measured = coffrelune::measureTimes(timeTrialOn(probe.fd()));
+    if (!measured) return systemFailure(EOPNOTSUPP, hold_->core);
+    grid = *measured;
     return {};
 }
 

@@ -25,6 +25,7 @@ class PosixHeldTree final : public HeldTree {
     const TreePlace& place() const override { return place_; }
     Status claim(TreeUse use) override;
     Status flush() override;
+    Status measureTimes(TimeGrid& grid) override;
 
   private:
     std::shared_ptr<const Hold> hold_;

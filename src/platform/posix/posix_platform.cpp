@@ -1,6 +1,8 @@
 #include "platform/posix/posix_platform.h"
 
+#include <pwd.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -19,6 +21,40 @@ std::string currentDirectory() {
     return ::getcwd(buffer.data(), buffer.size()) != nullptr ? buffer.data() : "/";
 }
 
+std::string variable(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+// What runs without a session (a timer, a service) may know nothing but its user.
+std::string homeDirectory() {
+    std::string home = variable("HOME");
+    if (home.starts_with('/')) return home;
+    const passwd* user = ::getpwuid(::geteuid());
+    return user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "";
+}
+
+std::string userConfiguration() {
+    std::string chosen = variable("XDG_CONFIG_HOME");
+    if (chosen.starts_with('/')) return chosen;
+    const std::string home = homeDirectory();
+    return home.starts_with('/') ? home + "/.config" : "";
+}
+
+// A root user may write everywhere, and yet settings are none of a package's files.
+bool keepsSettings(const std::string& program) {
+    return !program.starts_with("/usr/") && ::access(program.c_str(), W_OK) == 0;
+}
+
+// Sounds are looked for among the settings. One that cannot be linked is not heard.
+void linkSounds(const std::string& program, const std::string& home) {
+    for (const char* name : {"/Ok.wav", "/Erreur.wav"}) {
+        const std::string sound = program + "/../share/coffrelune" + name;
+        if (::access(sound.c_str(), R_OK) != 0) continue;
+        (void)::symlink(sound.c_str(), (home + name).c_str());
+    }
+}
+
 /// Copies that wait for the disk keep their directories open, and what is read ahead too.
 void allowMoreFiles() {
     constexpr rlim_t enough = 4096;
@@ -29,6 +65,15 @@ void allowMoreFiles() {
 }
 
 }  // namespace
+
+std::string settingsDirectoryFor(const std::string& program, const std::string& configuration) {
+    if (configuration.empty() || keepsSettings(program)) return program;
+    std::string home = configuration + "/coffrelune";
+    // What cannot be made is told by the first setting that cannot be written.
+    (void)::mkdir(configuration.c_str(), S_IRWXU);
+    if (::mkdir(home.c_str(), S_IRWXU) == 0) linkSounds(program, home);
+    return home;
+}
 
 std::string executablePath() {
     std::array<char, PATH_MAX> buffer{};
@@ -51,7 +96,7 @@ std::string settingsDirectory() {
     const std::string program = executablePath();
     const std::size_t slash = program.rfind('/');
     if (slash == std::string::npos) return currentDirectory();
-    return slash == 0 ? "/" : program.substr(0, slash);
+    return settingsDirectoryFor(slash == 0 ? "/" : program.substr(0, slash), userConfiguration());
 }
 
 PosixPlatform::PosixPlatform(const PosixOptions& options)

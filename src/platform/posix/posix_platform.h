@@ -12,8 +12,15 @@
 namespace coffrelune {
 
 /// Absolute native path of the directory that stands for "the executable's directory": that of the
-/// environment variable COFFRELUNE_HOME when it is set and not empty, else the executable's own.
+/// environment variable COFFRELUNE_HOME when it is set and not empty, else what
+/// settingsDirectoryFor() gives.
 std::string settingsDirectory();
+
+/// Where a program in the directory `program` keeps its settings: beside itself, unless it may not
+/// write there or was installed for everyone (below /usr); then in "coffrelune" below the user's
+/// configuration directory, which is made at once with links to the sounds that came with the
+/// program. `configuration` may be empty: nobody's.
+std::string settingsDirectoryFor(const std::string& program, const std::string& configuration);
 
 /// Absolute native path of the running program's file, links resolved; empty when the system does
 /// not tell. DriveService::fromNative turns it into the core's form.

@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "platform/characters.h"
+#include "platform/posix/file_times.h"
 #include "platform/posix/native_path.h"
 
 namespace coffrelune {
@@ -18,15 +19,6 @@ namespace {
 std::string currentDirectory() {
     const std::unique_ptr<char, decltype(&std::free)> path(getcwd(nullptr, 0), std::free);
     return path == nullptr ? "/" : std::string(path.get());
-}
-
-/// A locale of another character set gives bytes that no UTF-8 text holds.
-bool isUtf8(const std::string& text) {
-    for (std::size_t position = 0; position < text.size();) {
-        const char32_t c = utf8::next(text, position);
-        if (c >= utf8::rawByte + 0x80 && c <= utf8::rawByte + 0xFF) return false;
-    }
-    return true;
 }
 
 }  // namespace
@@ -65,6 +57,10 @@ LocalTime PosixClock::now() {
     return toLocalTime(time);
 }
 
+LocalTime PosixClock::localTime(std::uint64_t fileTime) {
+    return toLocalTime(toTimespec(fileTime));
+}
+
 std::int64_t PosixClock::monotonicMilliseconds() {
     timespec time{};
     clock_gettime(CLOCK_MONOTONIC, &time);
@@ -85,10 +81,10 @@ PosixLocale::PosixLocale(const std::string& decimal, const std::string& groups) 
     take(decimal, groups);
 }
 
+// A point without groups is what a system says that has not been told any language.
 void PosixLocale::take(const std::string& decimal, const std::string& groups) {
-    if (decimal == "." && groups.empty()) return;
-    if (!decimal.empty() && isUtf8(decimal)) decimal_ = decimal;
-    if (!groups.empty() && isUtf8(groups)) groups_ = groups;
+    const bool saysNothing = decimal == "." && groups.empty();
+    if (!saysNothing && ascii::isShownText(decimal)) decimal_ = decimal;
 }
 
 bool PosixGuard::claim(const std::string& directory) {

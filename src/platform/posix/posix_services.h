@@ -31,6 +31,7 @@ LocalTime toLocalTime(const timespec& time);
 class PosixClock final : public Clock {
   public:
     LocalTime now() override;
+    LocalTime localTime(std::uint64_t fileTime) override;
     std::int64_t monotonicMilliseconds() override;
 };
 
@@ -41,17 +42,15 @@ class PosixLocale final : public Locale {
     /// `name`: of a locale of the system; "" for the environment's.
     explicit PosixLocale(const char* name = "");
 
-    /// From what the system says, in UTF-8; `groups` may be empty.
+    /// From what the system says; `groups`, the separator of groups, may be empty.
     PosixLocale(const std::string& decimal, const std::string& groups);
 
     std::string decimalSeparator() const override { return decimal_; }
-    std::string groupSeparator() const override { return groups_; }
 
   private:
     void take(const std::string& decimal, const std::string& groups);
 
     std::string decimal_ = ",";
-    std::string groups_ = " ";
 };
 
 /// A terminal session has no sound at the end of a run.

@@ -9,7 +9,10 @@ namespace coffrelune {
 namespace {
 
 // Each pair that was read keeps two directories open.
-constexpr std::size_t farthest = 8;
+constexpr std::size_t farthest = 32;
+
+// A thread that is woken for every pair takes the core of the one that wakes it.
+constexpr std::size_t worthWaking = farthest / 2;
 
 /// Whether a directory could not be opened for want of something that the walk holds.
 bool mayBeShort(const Status& status) {
@@ -34,20 +37,26 @@ PosixWalk::~PosixWalk() {
         const Lock lock(mutex_);
         ending_ = true;
     }
-    changed_.notify_all();
+    more_.notify_one();
     if (thread_.joinable()) thread_.join();
 }
 
 void PosixWalk::announce(std::vector<DirectoryPair> pairs) {
     if (!thread_.joinable()) return;
-    {
-        const Lock lock(mutex_);
-        std::for_each(pairs.rbegin(), pairs.rend(), [&](const DirectoryPair& pair) {
-            auto job = std::make_shared<Job>();
-            if (locate_(pair, job->placed)) jobs_.push_back(std::move(job));
-        });
-    }
-    changed_.notify_all();
+    Lock lock(mutex_);
+    std::for_each(pairs.rbegin(), pairs.rend(), [&](const DirectoryPair& pair) {
+        auto job = std::make_shared<Job>();
+        if (locate_(pair, job->placed)) jobs_.push_back(std::move(job));
+    });
+    constexpr std::size_t oneForEach = 2;
+    wakeReader(lock, oneForEach);
+}
+
+void PosixWalk::wakeReader(Lock& lock, std::size_t fewest) {
+    const bool wake = readerSleeps_ && waitingWithinReach() >= fewest;
+    readerSleeps_ = readerSleeps_ && !wake;
+    lock.unlock();  // or it would wake up to wait for this thread
+    if (wake) more_.notify_one();
 }
 
 OpenedPair PosixWalk::open(const DirectoryPair& pair) {
@@ -62,7 +71,7 @@ OpenedPair PosixWalk::open(const DirectoryPair& pair) {
         if (const std::shared_ptr<Job> other = nextWaiting()) {
             work(*other, lock);
         } else {
-            changed_.wait(lock);
+            ready_.wait(lock);
         }
     }
     if (mayBeShort(job->opened.sourceStatus) || mayBeShort(job->opened.targetStatus)) {
@@ -72,7 +81,7 @@ OpenedPair PosixWalk::open(const DirectoryPair& pair) {
         lock.unlock();
         return plain_->open(pair);
     }
-    changed_.notify_all();  // another one comes within reach
+    wakeReader(lock, worthWaking);
     return std::move(job->opened);
 }
 
@@ -94,6 +103,12 @@ std::shared_ptr<PosixWalk::Job> PosixWalk::nextWaiting() const {
     return found == end ? nullptr : *found;
 }
 
+std::size_t PosixWalk::waitingWithinReach() const {
+    const auto near = static_cast<std::ptrdiff_t>(std::min(jobs_.size(), farthest));
+    const auto waits = [](const auto& job) { return job->state == State::waiting; };
+    return static_cast<std::size_t>(std::count_if(jobs_.rbegin(), jobs_.rbegin() + near, waits));
+}
+
 void PosixWalk::work(Job& job, Lock& lock) {
     job.state = State::running;
     lock.unlock();
@@ -107,9 +122,11 @@ void PosixWalk::run() {
     while (!ending_) {
         if (const std::shared_ptr<Job> job = nextWaiting()) {
             work(*job, lock);
-            changed_.notify_all();
+            ready_.notify_one();
         } else {
-            changed_.wait(lock);
+            readerSleeps_ = true;
+            more_.wait(lock);
+            readerSleeps_ = false;
         }
     }
 }

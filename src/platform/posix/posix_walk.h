@@ -52,14 +52,18 @@ class PosixWalk final : public WalkAhead {
     void run();
     std::shared_ptr<Job> take(const DirectoryPair& pair);
     std::shared_ptr<Job> nextWaiting() const;
+    std::size_t waitingWithinReach() const;
+    void wakeReader(Lock& lock, std::size_t fewest);
     void work(Job& job, Lock& lock);
 
     Locate locate_;
     Read read_;
     std::unique_ptr<WalkAhead> plain_;
     std::mutex mutex_;
-    std::condition_variable changed_;
+    std::condition_variable more_;            // the thread waits for it
+    std::condition_variable ready_;           // the walk does
     std::vector<std::shared_ptr<Job>> jobs_;  // the next one last
+    bool readerSleeps_ = false;
     bool ending_ = false;
     std::thread thread_;  // last: it uses all the others
 };

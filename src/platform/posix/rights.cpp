@@ -38,8 +38,17 @@ int giveAway(int directory, const char* name, const Owner& owner) {
     return saysNoSuchRights(errno) ? 0 : errno;
 }
 
+mode_t keepableMode(int fd, const struct stat& original) {
+    constexpr mode_t plain = 0777 | S_ISVTX;
+    const mode_t mode = original.st_mode & everyRight;
+    struct stat now {};
+    if ((mode & plain) == mode) return mode;
+    const bool same = fstat(fd, &now) == 0 && ownerOf(now) == ownerOf(original);
+    return same ? mode : mode & plain;
+}
+
 int keepMode(int fd, mode_t mode) {
-    if (fchmod(fd, mode & 0777) == 0) return 0;
+    if (fchmod(fd, mode & everyRight) == 0) return 0;
     if (!saysNoSuchRights(errno)) return errno;
     struct stat now {};
     if ((mode & S_IWUSR) != 0 || fstat(fd, &now) != 0) return 0;

@@ -16,6 +16,14 @@ struct Owner {
     bool operator==(const Owner&) const = default;
 };
 
+/// Whose a directory is, and what may be done with it.
+struct Rights {
+    Owner owner;
+    mode_t mode = 0;
+
+    bool operator==(const Rights&) const = default;
+};
+
 inline Owner ownerOf(const struct stat& information) {
     return {information.st_uid, information.st_gid};
 }
@@ -24,6 +32,10 @@ inline Owner ownerOf(const struct stat& information) {
 /// when the program may give files away. Where the volume knows no owners, or a server none of
 /// this one, nothing is given and nothing has failed. 0 or an errno value.
 int giveAway(int directory, const char* name, const Owner& owner);
+
+/// The mode of an original, but for the bits that lend its owner's rights to whoever runs the file
+/// (setuid, setgid) where `fd`, the copy, is somebody else's.
+mode_t keepableMode(int fd, const struct stat& original);
 
 /// Gives a file the mode of its original, as far as the volume knows modes: one that refuses most
 /// of them may still hold the read-only mark. 0 or an errno value.

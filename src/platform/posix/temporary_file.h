@@ -28,6 +28,7 @@ class TemporaryFile {
     int create(int directory, mode_t mode);
 
     int fd() const { return file_.get(); }
+    int directory() const { return directory_; }
 
     /// As it was when it was created.
     const struct stat& information() const { return information_; }

@@ -148,7 +148,11 @@ std::uint32_t Win32FileCopier::fill(const CopyPair& pair, const CopyTerms& terms
     }
     if (error == 0 && !hasContentAlone(input)) error = copyStreams(pair, output);
     copy.size = before.size;
-    return error == 0 ? output.stamp(timesFor(terms, before), attributesFor(terms, before)) : error;
+    if (error != 0) return error;
+    TimeStamps alone;
+    TimeStamps& stamps = terms.stamps != nullptr ? *terms.stamps : alone;
+    return output.stamp(stamps.fitting(output.handle(), timesFor(terms, before)),
+                        attributesFor(terms, before));
 }
 
 /// What a program attached to the file under a name of its own ("downloaded from there").

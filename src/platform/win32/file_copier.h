@@ -8,6 +8,7 @@
 #include "platform/win32/data_copier.h"
 #include "platform/win32/native_path.h"
 #include "platform/win32/temporary_file.h"
+#include "platform/win32/time_stamps.h"
 
 namespace coffrelune {
 
@@ -28,6 +29,7 @@ struct CopyTerms {
     bool writable = false;              // not read-only
     bool allTimes = false;              // not the last write alone
     CopyObserver* observer = nullptr;
+    TimeStamps* stamps = nullptr;  // of the batch that it belongs to
 };
 
 /// A copy that has all but its name.

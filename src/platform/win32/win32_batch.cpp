@@ -69,6 +69,7 @@ Status Win32Batch::write(const CopyRequest& request, Waiting& one) {
     terms.writable = request.writable;
     terms.allTimes = request.allTimes;
     terms.observer = request.observer;
+    terms.stamps = &stamps_;
     return copier_.write({request.sourcePath, request.targetPath, from.path, one.place.path, guard},
                          terms, one.copy);
 }
@@ -98,6 +99,7 @@ void Win32Batch::handOver() {
 /// Waits for the flush and gives names to what it has made safe.
 void Win32Batch::nameFlushed() {
     beside_.wait([this] { events_.waiting(); });
+    tellLostFlushes();
     Group group = std::exchange(flushing_, {});
     while (!group.empty()) {
         const std::uint64_t ticket = group.front()->ticket;
@@ -108,10 +110,24 @@ void Win32Batch::nameFlushed() {
     }
 }
 
+/// A flush that fails loses, and tells once, what any file of the volume had been given by then:
+/// also those that are still written, which their own flush will find clean.
+void Win32Batch::tellLostFlushes() {
+    std::map<VolumeFlush*, std::uint32_t> lost;
+    for (const auto& one : flushing_) {
+        if (one->volume != nullptr && one->error != 0) lost.emplace(one->volume, one->error);
+    }
+    if (lost.empty()) return;
+    for (const auto& one : waiting_) {
+        const auto found = lost.find(wholeFlush(one->place));
+        if (found != lost.end()) one->error = found->second;
+    }
+}
+
 void Win32Batch::makeSafe(Group& group) {
     std::map<VolumeFlush*, std::uint32_t> volumes;
     for (const auto& one : group) {
-        if (!one->copy.file.holdsData()) continue;
+        if (!one->copy.file.holdsData() || one->error != 0) continue;
         if (one->volume == nullptr) {
             one->error = flushed(one->copy.file.handle());
             continue;

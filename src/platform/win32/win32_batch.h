@@ -38,6 +38,7 @@ class Win32Batch final : public CopyBatch {
 
     Status add(const CopyRequest& request, std::uint64_t& ticket) override;
     Status finish() override;
+    KeptTimes keptTimes() const override { return stamps_.kept(); }
 
   private:
     struct Waiting {
@@ -56,6 +57,7 @@ class Win32Batch final : public CopyBatch {
     void nameFlushed();
     void commitAll();
     static void makeSafe(Group& group);
+    void tellLostFlushes();
     Status giveName(Waiting& one);
     std::uint32_t takeName(Waiting& one);
     std::uint32_t flushNames();
@@ -74,6 +76,7 @@ class Win32Batch final : public CopyBatch {
     std::uint32_t lateError_ = 0;                               // of a name outside every hold
     std::uint64_t last_ = 0;
     bool stopped_ = false;
+    TimeStamps stamps_;
     Beside beside_;  // the last member: nothing else goes while it works
 };
 

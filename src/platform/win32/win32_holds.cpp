@@ -6,6 +6,7 @@
 
 #include "platform/names.h"
 #include "platform/win32/entry_query.h"
+#include "platform/win32/time_stamps.h"
 #include "platform/win32/volumes.h"
 #include "platform/win32/wide_text.h"
 
@@ -164,6 +165,16 @@ class Win32HeldTree final : public HeldTree {
     }
 
     Status flush() override { return statusOf(hold_->flush->flush(), core_); }
+
+    Status measureTimes(TimeGrid& grid) override {
+        TemporaryFile probe;
+        const std::uint32_t error = probe.create(hold_->root.path());
+        if (error != 0) return statusOf(error, core_);
+        const auto measured = coffrelune::measureTimes(timeTrialOn(probe.handle()));
+        if (!measured) return statusOf(ERROR_NOT_SUPPORTED, core_);
+        grid = *measured;
+        return {};
+    }
 
   private:
     std::string core_;

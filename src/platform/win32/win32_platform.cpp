@@ -18,6 +18,19 @@ std::string environmentText(const wchar_t* name) {
     return length < text.size() ? narrow({text.data(), length}) : std::string();
 }
 
+// Only a file that is made tells: rights, a read-only medium and the system's own protection all
+// have their say.
+bool mayWrite(const std::string& directory) {
+    const std::wstring file = wide(directory + "\\.~coffrelune-essai");
+    HANDLE handle =
+        CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                    CREATE_NEW, FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    // Another program of ours asks at this very moment.
+    if (handle == INVALID_HANDLE_VALUE) return GetLastError() == ERROR_FILE_EXISTS;
+    CloseHandle(handle);
+    return true;
+}
+
 }  // namespace
 
 std::string executablePath() {
@@ -32,7 +45,13 @@ std::string settingsDirectory() {
     const std::string program = executablePath();
     const std::size_t separator = program.rfind('\\');
     // "C:\coffrelune.exe" lies in the root, whose backslash belongs to it.
-    return program.substr(0, separator == 2 ? 3 : separator);
+    const std::string own = program.substr(0, separator == 2 ? 3 : separator);
+    const std::string user = environmentText(L"APPDATA");
+    if (user.empty() || mayWrite(own)) return own;
+    const std::string home = user + "\\Coffrelune";
+    // What cannot be made is told by the first setting that cannot be written.
+    (void)CreateDirectoryW(wide(home).c_str(), nullptr);
+    return home;
 }
 
 std::int16_t ownSystemLevel() {

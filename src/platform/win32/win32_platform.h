@@ -11,7 +11,8 @@ namespace coffrelune {
 
 /// Absolute path of the directory that stands for "the executable's directory", in the core's form:
 /// that of the environment variable COFFRELUNE_HOME when it is set and not empty, else the
-/// executable's own.
+/// executable's own; where nothing may be written there, "Coffrelune" in the user's %APPDATA%,
+/// which is made at once.
 std::string settingsDirectory();
 
 /// The running program's file, in the core's form.

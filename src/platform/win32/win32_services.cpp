@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdio>
 
+#include "platform/characters.h"
 #include "platform/win32/native_path.h"
 #include "platform/win32/wide_text.h"
 
@@ -77,6 +78,10 @@ LocalTime Win32Clock::now() {
     return toLocalTime(std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime);
 }
 
+LocalTime Win32Clock::localTime(std::uint64_t fileTime) {
+    return toLocalTime(fileTime);
+}
+
 std::int64_t Win32Clock::monotonicMilliseconds() {
     return static_cast<std::int64_t>(GetTickCount64());
 }
@@ -91,9 +96,7 @@ Win32Locale::Win32Locale(const std::string& name) {
 
 void Win32Locale::take(const wchar_t* name) {
     const std::string decimal = localeText(name, LOCALE_SDECIMAL);
-    const std::string groups = localeText(name, LOCALE_STHOUSAND);
-    if (!decimal.empty()) decimal_ = decimal;
-    if (!groups.empty()) groups_ = groups;
+    if (ascii::isShownText(decimal)) decimal_ = decimal;
 }
 
 std::string guardName(const std::string& directory) {

@@ -22,11 +22,12 @@ LocalTime toLocalTime(std::uint64_t units);
 class Win32Clock final : public Clock {
   public:
     LocalTime now() override;
+    LocalTime localTime(std::uint64_t fileTime) override;
     std::int64_t monotonicMilliseconds() override;
 };
 
 /// Numbers as the user chose in the system's regional settings. What those leave empty is the
-/// French comma and blank.
+/// French comma.
 class Win32Locale final : public Locale {
   public:
     Win32Locale();
@@ -34,13 +35,11 @@ class Win32Locale final : public Locale {
     explicit Win32Locale(const std::string& name);
 
     std::string decimalSeparator() const override { return decimal_; }
-    std::string groupSeparator() const override { return groups_; }
 
   private:
     void take(const wchar_t* name);
 
     std::string decimal_ = ",";
-    std::string groups_ = " ";
 };
 
 /// A terminal session has no sound at the end of a run.

@@ -91,10 +91,10 @@ TEST_F(PosixDriveInformationTest, SizesAreThoseOfItsFileSystem) {
     EXPECT_LE(free, total);
 }
 
-TEST_F(PosixDriveInformationTest, ALocalDiskIsNamedByItsTypeUntilItHasALabel) {
+TEST_F(PosixDriveInformationTest, AVolumeIsNamedByItsPlaceUntilItHasALabel) {
     disk("pci/ata1/sdb", "0\n");
     const DriveDescription unnamed = drives_.describe("D:\\");
-    EXPECT_EQ(unnamed.displayName, "Disque local (D:)");
+    EXPECT_EQ(unnamed.displayName, "cle (D:)");
     EXPECT_EQ(unnamed.typeName, "Disque local");
     EXPECT_EQ(unnamed.iconName, "drive-harddisk");
     label("DATA");
@@ -104,7 +104,7 @@ TEST_F(PosixDriveInformationTest, ALocalDiskIsNamedByItsTypeUntilItHasALabel) {
 TEST_F(PosixDriveInformationTest, ADiskThatComesOutIsRemovable) {
     disk("pci/ata1/sdb", "1\n");
     const DriveDescription drive = drives_.describe("D:\\");
-    EXPECT_EQ(drive.displayName, "Disque amovible (D:)");
+    EXPECT_EQ(drive.displayName, "cle (D:)");
     EXPECT_EQ(drive.iconName, "drive-removable-media");
 }
 
@@ -115,7 +115,7 @@ TEST_F(PosixDriveInformationTest, ADiskOnACableIsRemovable) {
 
 TEST_F(PosixDriveInformationTest, DiscsAndSharesHaveNamesOfTheirOwn) {
     mount("11:0", "iso9660", "/dev/sr0");
-    EXPECT_EQ(drives_.describe("D:\\").displayName, "Lecteur optique (D:)");
+    EXPECT_EQ(drives_.describe("D:\\").displayName, "cle (D:)");
     EXPECT_EQ(drives_.describe("D:\\").iconName, "drive-optical");
     mount("0:44", "fuse.sshfs", "moi@serveur:");
     EXPECT_EQ(typeOf("D:\\"), "Lecteur réseau");

@@ -111,6 +111,30 @@ TEST_F(PosixShellTest, OpensTheSchedulerThatIsInstalled) {
     EXPECT_THAT(programs_.argumentsOf("kcmshell5"), ElementsAre("kcm_cron"));
 }
 
+TEST_F(PosixShellTest, KnowsWhetherThereIsAScheduler) {
+    EXPECT_FALSE(shell_.hasTaskScheduler());
+    programs_.install("zeit");
+    EXPECT_TRUE(shell_.hasTaskScheduler());
+}
+
+TEST_F(PosixShellTest, AMessageOfTheDesktopTakesNoNameForMarkup) {
+    programs_.install("notify-send");
+    shell_.notify("Titre", "<b> & -x");
+    EXPECT_THAT(programs_.argumentsOf("notify-send"),
+                ElementsAre("--app-name=Coffrelune", "--icon=coffrelune", "--", "Titre",
+                            "&lt;b> &amp; -x"));
+}
+
+TEST_F(PosixShellTest, AMessageOfTheDesktopNeedsOneOfTwoPrograms) {
+    programs_.install("gdbus");
+    shell_.notify("L'été", "a\\b");
+    const std::vector<std::string> words = programs_.argumentsOf("gdbus");
+    ASSERT_GT(words.size(), 12U);
+    EXPECT_EQ(words[7], "org.freedesktop.Notifications.Notify");
+    EXPECT_EQ(words[11], R"('L\'été')");
+    EXPECT_EQ(words[12], R"('a\\b')");
+}
+
 TEST_F(PosixShellTest, SystemSoundsBearTheNamesOfTheSoundThemes) {
     programs_.install("canberra-gtk-play");
     shell_.playSystemSound("SystemStart");

@@ -217,14 +217,13 @@ TEST(MemoryPlatform, HandsOutItsServices) {
     MemoryPlatform system;
     system.disk().volume("C:\\");
     system.drives().setWindowsDirectory("C:\\Windows");
-    system.locale().set(".", ",");
+    system.locale().set(".");
     system.sounds().setDeviceCount(0);
     system.guard().setHeldByAnother("C:\\Prog");
     const Platform platform = system.platform();
     EXPECT_THAT(platform.drives.roots(), ElementsAre("C:\\"));
     EXPECT_EQ(platform.drives.windowsDirectory(), "C:\\Windows");
     EXPECT_EQ(platform.locale.decimalSeparator(), ".");
-    EXPECT_EQ(platform.locale.groupSeparator(), ",");
     EXPECT_EQ(platform.sounds.deviceCount(), 0);
     platform.sounds.play("C:\\Prog\\Ok.wav");
     EXPECT_THAT(system.sounds().played(), ElementsAre("C:\\Prog\\Ok.wav"));

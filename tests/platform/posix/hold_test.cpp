@@ -300,5 +300,50 @@ TEST_F(TreeLocksTest, NothingIsLeftBehind) {
     EXPECT_THAT(disk_.names(), testing::IsEmpty());
 }
 
+TEST_P(HoldTest, DeepPathsLeadToWhatTheyNameNow) {
+    std::string path = "arbre";
+    for (int level = 0; level < 40; ++level) path += "/n" + std::to_string(level);
+    const std::string below = path.substr(std::string("arbre/").size());
+    const auto make = [&](const std::string& text) {
+        disk_.makeDirectory(path);
+        disk_.write(path + "/f", text);
+    };
+    Hold tree;
+    tree.directory.reset(open(disk_.at("arbre").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    tree.descent = GetParam();
+    const auto inodeOf = [&](const std::string& deep) {
+        UniqueFd fd;
+        struct stat information {};
+        EXPECT_EQ(openBelow(tree, deep, O_PATH, fd), 0) << deep;
+        EXPECT_EQ(fstat(fd.get(), &information), 0);
+        return information.st_ino;
+    };
+    make("first");
+    EXPECT_EQ(inodeOf(below + "/f"), disk_.stat(path + "/f").st_ino);
+    EXPECT_EQ(inodeOf(below), disk_.stat(path).st_ino);
+    EXPECT_EQ(inodeOf("n0/n1"), disk_.stat("arbre/n0/n1").st_ino);
+    EXPECT_EQ(inodeOf(below + "/f"), disk_.stat(path + "/f").st_ino);
+    // What was kept on the way is gone, and another directory bears each name.
+    std::filesystem::remove_all(disk_.at("arbre/n0"));
+    make("second");
+    EXPECT_EQ(inodeOf(below + "/f"), disk_.stat(path + "/f").st_ino);
+    std::filesystem::remove_all(disk_.at("arbre/n0"));
+    UniqueFd fd;
+    EXPECT_EQ(openBelow(tree, below + "/f", O_PATH, fd), ENOENT);
+}
+
+TEST(Waypoints, AreKeptAsLongAsThePathsLieInThem) {
+    Waypoints points;
+    const auto lengthOf = [&](const char* path) { return points.find(path).length; };
+    EXPECT_EQ(lengthOf("a/b/c"), 0U);
+    points.keep("a/b", UniqueFd(open("/", O_PATH | O_CLOEXEC)));
+    points.keep("a/b/c/d", UniqueFd(open("/", O_PATH | O_CLOEXEC)));
+    EXPECT_EQ(lengthOf("a/b/c/d/e"), 7U);
+    EXPECT_EQ(lengthOf("a/b/c/dd"), 3U);
+    EXPECT_EQ(lengthOf("a/b/c/d/e"), 3U);
+    EXPECT_EQ(lengthOf("a/b"), 0U);  // the directory itself is reached from above
+    EXPECT_EQ(lengthOf("a/b/c"), 0U);
+}
+
 }  // namespace
 }  // namespace coffrelune

@@ -48,6 +48,35 @@ TEST(PathMap, ParentStepsNeverLeaveTheRoot) {
     EXPECT_EQ(nativeOf("F:\\a/../..\\etc"), "/media/cle/etc");
 }
 
+TEST(PathMap, APathLeadsWhereItDoesAloneWhateverWasAskedForBefore) {
+    const std::vector<std::string> paths = {"F:\\a\\b\\c\\d\\e\\f\\g\\h",
+                                            "G:\\a\\b\\c\\d\\e\\f\\g\\h",
+                                            "F:\\a\\b\\c\\d\\e\\f\\g",
+                                            "F:\\a\\bc",
+                                            "f:\\a\\b",
+                                            "F:\\a/b\\..\\x",
+                                            "F:\\a\\b\\..\\..\\..\\y",
+                                            "\\\\nas\\photos",
+                                            "\\\\nas\\photos\\vieux\\a",
+                                            "\\\\nas\\photos\\x\\..\\vieux",
+                                            "\\\\nas\\photos\\vieux",
+                                            "\\\\nas\\photos\\vieuxx\\",
+                                            "F:\\a\\b\\c\\d\\e\\f\\g\\h\\",
+                                            "C:\\",
+                                            "F:\\"};
+    const PathMap map = someMap();
+    for (const std::string& first : paths) {
+        for (const std::string& second : paths) {
+            for (const std::string& path : {first, second}) {
+                Place place;
+                ASSERT_TRUE(map.locate(path, place).ok()) << path;
+                EXPECT_EQ(place.native, nativeOf(path)) << path << " after " << first;
+                EXPECT_EQ(place.core, path);
+            }
+        }
+    }
+}
+
 TEST(PathMap, TellsWhatIsNotThereFromWhatIsNoPath) {
     EXPECT_EQ(codeOf("D:\\x"), 55U);
     EXPECT_EQ(codeOf("\\\\autre\\photos"), 55U);

@@ -193,6 +193,35 @@ TEST_F(PosixFilesTest, DeepTreesKeepFewDescriptors) {
     EXPECT_LT(descriptors(), 50);
 }
 
+TEST_F(PosixFilesTest, DirectoryTellsWhetherItHasTheRightsOfAnother) {
+    disk_.makeDirectory("a");
+    disk_.makeDirectory("b");
+    const auto areSame = [&] {
+        std::unique_ptr<Directory> a;
+        std::unique_ptr<Directory> b;
+        EXPECT_TRUE(files().openDirectory("D:\\a", LinkRule::refuse, Wanted::files, a).ok());
+        EXPECT_TRUE(files().openDirectory("D:\\b", LinkRule::refuse, Wanted::nothing, b).ok());
+        return b->hasRightsOf(*a);
+    };
+    EXPECT_TRUE(areSame());
+    ASSERT_EQ(chmod(disk_.at("b").c_str(), 0711), 0);
+    EXPECT_FALSE(areSame());
+    ASSERT_EQ(chmod(disk_.at("a").c_str(), 0711), 0);
+    EXPECT_TRUE(areSame());
+}
+
+TEST_F(PosixFilesTest, SubdirectoriesOfAHeldTreeAreListedAsTheyComeAndGo) {
+    disk_.makeDirectory("a");
+    disk_.write("a/f", "");
+    std::unique_ptr<HeldTree> held;
+    ASSERT_TRUE(files().hold("D:\\", held).ok());
+    EXPECT_THAT(listed(files(), "D:\\a", Wanted::directories), IsEmpty());
+    disk_.makeDirectory("a/d");
+    EXPECT_THAT(listed(files(), "D:\\a", Wanted::directories), ElementsAre("d"));
+    std::filesystem::remove(disk_.at("a/d"));
+    EXPECT_THAT(listed(files(), "D:\\a", Wanted::directories), IsEmpty());
+}
+
 TEST_F(PosixFilesTest, ResolveGivesOneTextForLettersThatOverlap) {
     disk_.makeDirectory("media/cle/x");
     PosixPlatform two({PathRoot::drive('C', disk_.at()),

@@ -79,21 +79,14 @@ TEST(Win32Clock, CountsInTheTimeZoneOfTheSystem) {
 TEST(Win32Locale, WritesNumbersAsItsLanguageDoes) {
     EXPECT_EQ(Win32Locale("fr-FR").decimalSeparator(), ",");
     EXPECT_EQ(Win32Locale("en-US").decimalSeparator(), ".");
-    EXPECT_EQ(Win32Locale("en-US").groupSeparator(), ",");
-    EXPECT_EQ(Win32Locale("de-DE").groupSeparator(), ".");
-    // A blank that does not break, of one width or the other.
-    EXPECT_THAT(Win32Locale("fr-FR").groupSeparator(),
-                testing::AnyOf(" ", "\xC2\xA0", "\xE2\x80\xAF"));
 }
 
 TEST(Win32Locale, OfNoKnownLanguageIsFrench) {
     EXPECT_EQ(Win32Locale("no such language").decimalSeparator(), ",");
-    EXPECT_EQ(Win32Locale("no such language").groupSeparator(), " ");
 }
 
 TEST(Win32Locale, OfTheUserIsNeverEmpty) {
     EXPECT_FALSE(Win32Locale().decimalSeparator().empty());
-    EXPECT_FALSE(Win32Locale().groupSeparator().empty());
 }
 
 TEST(Win32Guard, RefusesASecondHolderOfTheSamePlaceHoweverItIsSpelled) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/characters.h"
+#include "platform/posix/desktop/directories.h"
 #include "platform/posix/desktop/programs.h"
 #include "platform/posix/errors.h"
 #include "platform/posix/native_path.h"
@@ -49,21 +50,6 @@ std::string programOf(const std::string& native) {
     if (native.size() <= extension.size() || exists(native)) return native;
     const std::size_t length = native.size() - extension.size();
     return equalButCase(native.substr(length), extension) ? native.substr(0, length) : native;
-}
-
-/// Makes a directory and those above it, for the user alone. 0 or an errno value.
-int makeDirectories(const std::string& path) {
-    if (mkdir(path.c_str(), 0700) == 0) return 0;
-    const int error = errno;
-    struct stat information {};
-    if (error == EEXIST) {
-        return stat(path.c_str(), &information) == 0 && S_ISDIR(information.st_mode) ? 0 : ENOTDIR;
-    }
-    const std::size_t slash = path.rfind('/');
-    if (error != ENOENT || slash == std::string::npos || slash == 0) return error;
-    const int above = makeDirectories(path.substr(0, slash));
-    if (above != 0) return above;
-    return mkdir(path.c_str(), 0700) == 0 || errno == EEXIST ? 0 : errno;
 }
 
 std::string entryText(const std::string& program) {
@@ -211,11 +197,68 @@ void PosixShell::showProperties(const std::string& path) {
                     fileManagerObject, "--method", showItemProperties, "['" + uri + "']", "''"});
 }
 
-void PosixShell::openTaskScheduler() {
-    const std::vector<std::vector<std::string>> known = {
+namespace {
+
+const std::vector<std::vector<std::string>>& knownSchedulers() {
+    static const std::vector<std::vector<std::string>> known = {
         {"gnome-schedule"}, {"kcmshell6", "kcm_cron"}, {"kcmshell5", "kcm_cron"}, {"zeit"}};
-    (void)std::any_of(known.begin(), known.end(),
+    return known;
+}
+
+}  // namespace
+
+bool PosixShell::hasTaskScheduler() {
+    return std::any_of(
+        knownSchedulers().begin(), knownSchedulers().end(),
+        [this](const auto& words) { return !findProgram(words.front(), searchPath_).empty(); });
+}
+
+void PosixShell::openTaskScheduler() {
+    (void)std::any_of(knownSchedulers().begin(), knownSchedulers().end(),
                       [this](const auto& arguments) { return tryStart(arguments); });
+}
+
+namespace {
+
+// The body of a message may hold marks of text, which a name must not pass for.
+std::string withoutMarkup(const std::string& text) {
+    std::string result;
+    for (const char c : text) {
+        if (c == '&') {
+            result += "&amp;";
+        } else if (c == '<') {
+            result += "&lt;";
+        } else {
+            result += c;
+        }
+    }
+    return result;
+}
+
+// One text argument as "gdbus" reads it.
+std::string quotedText(const std::string& text) {
+    std::string result = "'";
+    for (const char c : text) {
+        if (c == '\'' || c == '\\') result += '\\';
+        result += c == '\n' ? ' ' : c;
+    }
+    return result + "'";
+}
+
+}  // namespace
+
+// https://specifications.freedesktop.org/notification-spec/latest/
+void PosixShell::notify(const std::string& title, const std::string& text) {
+    constexpr const char* name = "org.freedesktop.Notifications";
+    const std::string body = withoutMarkup(text);
+    if (tryStart(
+            {"notify-send", "--app-name=Coffrelune", "--icon=coffrelune", "--", title, body})) {
+        return;
+    }
+    (void)tryStart({"gdbus", "call", "--session", "--dest", name, "--object-path",
+                    "/org/freedesktop/Notifications", "--method", std::string(name) + ".Notify",
+                    "'Coffrelune'", "uint32 0", "'coffrelune'", quotedText(title), quotedText(body),
+                    "@as []", "@a{sv} {}", "int32 -1"});
 }
 
 void PosixShell::playSystemSound(const std::string& name) {
@@ -281,16 +324,10 @@ DesktopOptions DesktopOptions::fromEnvironment(const char* (*variable)(const cha
         return std::string(text == nullptr ? "" : text);
     };
     DesktopOptions options;
-    std::string configuration = textOf("XDG_CONFIG_HOME");
-    // A relative one is to be ignored, say those who defined it.
-    const std::string home = textOf("HOME");
-    if (!configuration.starts_with('/') && home.starts_with('/')) {
-        configuration = joinNative(home, ".config");
-    }
-    // Without either there is no user to start anything for.
-    if (configuration.starts_with('/')) {
-        options.autostartDirectory = joinNative(configuration, "autostart");
-    }
+    options.scheduler = SchedulerOptions::fromEnvironment(variable);
+    const std::string configuration = configurationDirectory(variable);
+    // Without one there is no user to start anything for.
+    if (!configuration.empty()) options.autostartDirectory = joinNative(configuration, "autostart");
 
     options.sounds.searchPath = textOf("PATH");
     const std::string runtime = textOf("XDG_RUNTIME_DIR");

@@ -5,6 +5,7 @@
 
 #include "platform/desktop_services.h"
 #include "platform/posix/desktop/posix_drive_information.h"
+#include "platform/posix/desktop/posix_task_scheduler.h"
 #include "platform/posix/drive_table.h"
 #include "platform/services.h"
 
@@ -54,7 +55,9 @@ class PosixShell final : public ShellService {
     /// A target without a directory is a program of the search path, as on a command line.
     void open(const std::string& target, const std::string& parameters) override;
     void showProperties(const std::string& path) override;
+    bool hasTaskScheduler() override;
     void openTaskScheduler() override;
+    void notify(const std::string& title, const std::string& text) override;
     void playSystemSound(const std::string& name) override;
 
   private:
@@ -99,6 +102,7 @@ struct DesktopOptions {
     std::string autostartDirectory;  // native; empty when the environment tells no home
     SoundSources sounds;             // its search path serves the shell too
     VolumeSources volumes = {};
+    SchedulerOptions scheduler = {};
 
     /// What `variable` tells (as std::getenv does, null for none) and the system's own places.
     static DesktopOptions fromEnvironment(const char* (*variable)(const char* name));
@@ -112,12 +116,13 @@ class PosixDesktop {
         : shell_(table, options.sounds.searchPath),
           driveInformation_(table, options.volumes),
           registry_(table, options.autostartDirectory),
-          sounds_(table, options.sounds) {}
+          sounds_(table, options.sounds),
+          tasks_(table, options.scheduler) {}
     PosixDesktop(const PosixDesktop&) = delete;
     PosixDesktop& operator=(const PosixDesktop&) = delete;
 
     /// References to the services of this object, which outlives them.
-    Desktop desktop() { return {shell_, driveInformation_, registry_}; }
+    Desktop desktop() { return {shell_, driveInformation_, registry_, &tasks_}; }
     SoundService& sounds() { return sounds_; }
 
   private:
@@ -125,6 +130,7 @@ class PosixDesktop {
     PosixDriveInformation driveInformation_;
     AutostartEntry registry_;
     DesktopSounds sounds_;
+    PosixTaskScheduler tasks_;
 };
 
 }  // namespace coffrelune

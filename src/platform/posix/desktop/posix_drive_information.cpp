@@ -30,6 +30,11 @@ std::string textOf(const std::string& file) {
     return readWholeFile(file, limit, text) == 0 ? text : std::string();
 }
 
+/// The name by which the user knows a volume without a label: that of the place where it shows.
+std::string nameOfPlace(const std::string& point) {
+    return toCoreName(point.substr(point.rfind('/') + 1));
+}
+
 }  // namespace
 
 std::string decodedLabel(const std::string& name) {
@@ -124,7 +129,10 @@ DriveDescription PosixDriveInformation::describe(const std::string& root) {
         if (!isShare) kind = kindOf(mount);
     }
     const auto index = static_cast<std::size_t>(kind);
-    const std::string label = labelOf(mount);
+    std::string label = labelOf(mount);
+    if (!isShare && label.find_first_not_of(' ') == std::string::npos) {
+        label = nameOfPlace(mount.point);
+    }
     const bool named = label.find_first_not_of(' ') != std::string::npos;
     std::string drive = root;
     if (drive.ends_with('\\')) drive.pop_back();

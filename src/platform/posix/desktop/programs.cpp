@@ -1,15 +1,18 @@
 #include "platform/posix/desktop/programs.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <csignal>
 
 #include "platform/posix/native_path.h"
+#include "platform/posix/whole_file.h"
 
 namespace coffrelune {
 namespace {
@@ -78,7 +81,8 @@ class WordSplitter {
 
 /// The new process, on its way to being the program. Other threads may have held locks when it was
 /// made, so only calls that are safe in a signal handler follow.
-[[noreturn]] void becomeProgram(char* const* arguments) {
+[[noreturn]] void becomeProgram(char* const* arguments, int input = -1, int output = -1,
+                                int errors = -1) {
     struct sigaction byDefault {};
     byDefault.sa_handler = SIG_DFL;
     for (const int number : {SIGPIPE, SIGINT, SIGTERM, SIGHUP, SIGCHLD}) {
@@ -88,7 +92,9 @@ class WordSplitter {
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
     const int nothing = open("/dev/null", O_RDWR);
-    if (nothing >= 0) dup2(nothing, STDIN_FILENO);
+    if (nothing >= 0) dup2(input >= 0 ? input : nothing, STDIN_FILENO);
+    if (output >= 0) dup2(output, STDOUT_FILENO);
+    if (errors >= 0) dup2(errors, STDERR_FILENO);
     if (nothing > STDERR_FILENO) close(nothing);
     execv(arguments[0], arguments);
     _exit(127);
@@ -127,13 +133,68 @@ std::vector<std::string> splitWords(std::string_view text) {
     return WordSplitter(text).split();
 }
 
-void startProgram(const std::vector<std::string>& arguments) {
-    if (arguments.empty()) return;
-    std::vector<std::string> texts = arguments;
+namespace {
+
+/// As the kernel takes them; they point into `texts`.
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     std::vector<char*> pointers;
     pointers.reserve(texts.size() + 1);
     for (std::string& text : texts) pointers.push_back(text.data());
     pointers.push_back(nullptr);
+    return pointers;
+}
+
+int exitStatusOf(pid_t process) {
+    int status = 0;
+    pid_t waited = -1;
+    do {
+        waited = waitpid(process, &status, 0);
+    } while (waited < 0 && errno == EINTR);
+    return waited == process && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+/// All that a file in memory holds.
+std::string contentOf(const UniqueFd& file) {
+    std::string text;
+    std::array<char, 4096> buffer{};
+    if (lseek(file.get(), 0, SEEK_SET) != 0) return text;
+    for (;;) {
+        const ssize_t count = read(file.get(), buffer.data(), buffer.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return text;
+        text.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+}
+
+}  // namespace
+
+// Everything lies in memory, so that neither of the two waits for the other to read.
+ProgramEnd runProgram(const std::vector<std::string>& arguments, const std::string& input) {
+    ProgramEnd end;
+    if (arguments.empty() || arguments.front().empty()) return end;
+    std::vector<std::string> texts = arguments;
+    const std::vector<char*> pointers = pointersTo(texts);
+    const UniqueFd given(memfd_create("input", MFD_CLOEXEC));
+    const UniqueFd output(memfd_create("output", MFD_CLOEXEC));
+    const UniqueFd errors(memfd_create("errors", MFD_CLOEXEC));
+    if (!given.valid() || !output.valid() || !errors.valid() ||
+        writeAll(given.get(), input.data(), input.size()) != 0 ||
+        lseek(given.get(), 0, SEEK_SET) != 0) {
+        return end;
+    }
+    const pid_t program = fork();
+    if (program == 0) becomeProgram(pointers.data(), given.get(), output.get(), errors.get());
+    if (program < 0) return end;
+    end.status = exitStatusOf(program);
+    end.output = contentOf(output);
+    end.errors = contentOf(errors);
+    return end;
+}
+
+void startProgram(const std::vector<std::string>& arguments) {
+    if (arguments.empty()) return;
+    std::vector<std::string> texts = arguments;
+    const std::vector<char*> pointers = pointersTo(texts);
 
     // The one in between ends at once, so that the program belongs to the system, which collects
     // it, and not to this process.

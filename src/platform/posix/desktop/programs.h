@@ -29,4 +29,14 @@ std::vector<std::string> splitWords(std::string_view text);
 /// first; a program that cannot be started does nothing.
 void startProgram(const std::vector<std::string>& arguments);
 
+/// What became of a program that was run.
+struct ProgramEnd {
+    int status = -1;  // -1: it could not be run, or was killed
+    std::string output;
+    std::string errors;  // what it said on standard error
+};
+
+/// Runs a program to its end, with `input` to read.
+ProgramEnd runProgram(const std::vector<std::string>& arguments, const std::string& input = {});
+
 }  // namespace coffrelune

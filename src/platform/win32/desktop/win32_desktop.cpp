@@ -103,6 +103,54 @@ void Win32Shell::openTaskScheduler() {
     open(taskSchedulerConsole(), {});
 }
 
+namespace {
+
+NOTIFYICONDATAW messageOf(void* window) {
+    NOTIFYICONDATAW data{};
+    data.cbSize = sizeof data;
+    data.hWnd = static_cast<HWND>(window);
+    data.uID = 1;
+    return data;
+}
+
+template <std::size_t Size>
+void fill(wchar_t (&field)[Size], const std::string& text) {
+    const std::wstring whole = wide(text);
+    whole.copy(field, Size - 1);  // the field is empty and keeps its end
+}
+
+}  // namespace
+
+void Win32Shell::notify(const std::string& title, const std::string& text) {
+    if (notifier_ == nullptr) {
+        notifier_ = CreateWindowExW(0, L"STATIC", L"Coffrelune", 0, 0, 0, 0, 0, HWND_MESSAGE,
+                                    nullptr, nullptr, nullptr);
+        if (notifier_ == nullptr) return;
+        NOTIFYICONDATAW icon = messageOf(notifier_);
+        icon.uFlags = NIF_ICON | NIF_TIP;
+        icon.hIcon = LoadIconW(nullptr, reinterpret_cast<const wchar_t*>(IDI_INFORMATION));
+        fill(icon.szTip, "Coffrelune");
+        Shell_NotifyIconW(NIM_ADD, &icon);
+    }
+    NOTIFYICONDATAW message = messageOf(notifier_);
+    message.uFlags = NIF_INFO;
+    message.dwInfoFlags = NIIF_INFO | NIIF_NOSOUND;
+    fill(message.szInfoTitle, title);
+    fill(message.szInfo, text);
+    Shell_NotifyIconW(NIM_MODIFY, &message);
+    notifiedAt_ = GetTickCount64();
+}
+
+Win32Shell::~Win32Shell() {
+    constexpr std::uint64_t readingTime = 6'000;  // milliseconds
+    if (notifier_ == nullptr) return;
+    const std::uint64_t shown = GetTickCount64() - notifiedAt_;
+    if (shown < readingTime) Sleep(static_cast<DWORD>(readingTime - shown));
+    NOTIFYICONDATAW icon = messageOf(notifier_);
+    Shell_NotifyIconW(NIM_DELETE, &icon);
+    DestroyWindow(static_cast<HWND>(notifier_));
+}
+
 void Win32Shell::playSystemSound(const std::string& name) {
     PlaySoundW(wide(name).c_str(), nullptr, SND_ALIAS | SND_ASYNC);
 }

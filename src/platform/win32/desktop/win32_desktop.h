@@ -33,10 +33,21 @@ class Apartment {
 
 class Win32Shell final : public ShellService {
   public:
+    Win32Shell() = default;
+    Win32Shell(const Win32Shell&) = delete;
+    Win32Shell& operator=(const Win32Shell&) = delete;
+    /// A message goes with what it belongs to: it stays long enough to be read first.
+    ~Win32Shell() override;
+
     void open(const std::string& target, const std::string& parameters) override;
     void showProperties(const std::string& path) override;
     void openTaskScheduler() override;
+    void notify(const std::string& title, const std::string& text) override;
     void playSystemSound(const std::string& name) override;
+
+  private:
+    void* notifier_ = nullptr;      // the hidden window that messages belong to
+    std::uint64_t notifiedAt_ = 0;  // milliseconds since the system has started
 };
 
 /// The console of the Task Scheduler, in the system's own directory.

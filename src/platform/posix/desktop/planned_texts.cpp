@@ -1,0 +1,143 @@
+#include "platform/posix/desktop/planned_texts.h"
+
+#include <array>
+#include <sstream>
+#include <string_view>
+
+namespace coffrelune {
+namespace {
+
+constexpr std::string_view mark = "# Coffrelune, sauvegarde planifiée de : ";
+
+std::string hexadecimal(char c) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    const auto byte = static_cast<unsigned char>(c);
+    return {digits[byte >> 4], digits[byte & 0xF]};
+}
+
+/// On one line, whatever a configuration is called.
+std::string onOneLine(std::string text) {
+    for (char& c : text) {
+        if (static_cast<unsigned char>(c) < ' ') c = ' ';
+    }
+    return text;
+}
+
+/// One word of a command or of an environment: quoted, and no specifier or variable of the
+/// manager's.
+std::string unitWord(std::string_view word, bool isCommand) {
+    std::string quoted = "\"";
+    for (const char c : word) {
+        if (static_cast<unsigned char>(c) < ' ') {
+            quoted += "\\x" + hexadecimal(c);
+            continue;
+        }
+        if (c == '"' || c == '\\') quoted += '\\';
+        if (c == '%' || (c == '$' && isCommand)) quoted += c;
+        quoted += c;
+    }
+    return quoted + '"';
+}
+
+/// One word for a shell, on a line where cron takes "%" for the end of it.
+std::string cronWord(std::string_view word) {
+    std::string quoted = "'";
+    for (const char c : word) {
+        if (c == '\'') {
+            quoted += "'\\''";
+        } else {
+            if (c == '%') quoted += "'\\%'";
+            if (c != '%') quoted += c == '\n' ? ' ' : c;
+        }
+    }
+    return quoted + "'";
+}
+
+std::string cronSchedule(const PlannedTask& task) {
+    const auto number = [](const std::string& digits) { return std::to_string(std::stoi(digits)); };
+    std::string days;
+    for (const int day : task.days) days += (days.empty() ? "" : ",") + std::to_string(day);
+    return number(task.time.substr(3)) + " " + number(task.time.substr(0, 2)) + " * * " +
+           (days.empty() ? "*" : days);
+}
+
+}  // namespace
+
+std::string serviceText(const PlannedTask& task, const std::vector<std::string>& words,
+                        const std::string& home) {
+    std::string command;
+    for (const std::string& word : words) {
+        command += (command.empty() ? "" : " ") + unitWord(word, true);
+    }
+    std::string text = "# Écrit par Coffrelune (coffrelune-console planifier).\n[Unit]\n";
+    text += "Description=Coffrelune, sauvegarde de " + onOneLine(task.name) + "\n\n[Service]\n";
+    text += "Type=oneshot\n";
+    if (!home.empty()) text += "Environment=" + unitWord("COFFRELUNE_HOME=" + home, false) + "\n";
+    return text + "ExecStart=" + command + "\n";
+}
+
+std::string timerText(const PlannedTask& task) {
+    constexpr std::array names = {"Mon", "Tue", "Wed", "Thu", "Fri", "Sat", "Sun"};
+    std::string days;
+    for (const int day : task.days) {
+        days +=
+            (days.empty() ? "" : ",") + std::string(names.at(static_cast<std::size_t>(day) - 1));
+    }
+    // A time that was missed, the computer being off, is made up for when it starts.
+    return "# Écrit par Coffrelune (coffrelune-console planifier).\n[Unit]\n"
+           "Description=Coffrelune, sauvegarde de " +
+           onOneLine(task.name) + "\n\n[Timer]\nOnCalendar=" + days + (days.empty() ? "" : " ") +
+           "*-*-* " + task.time + ":00\nPersistent=true\n\n[Install]\nWantedBy=timers.target\n";
+}
+
+std::string unitName(const std::string& name) {
+    std::string unit = "coffrelune-";
+    for (const char c : name) {
+        const bool plain =
+            (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+        unit += plain ? std::string(1, c) : '_' + hexadecimal(c);
+    }
+    return unit;
+}
+
+std::string unitValue(const std::string& text, const std::string& key) {
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with(key + "=")) return line.substr(key.size() + 1);
+    }
+    return {};
+}
+
+std::string crontabWithout(const std::string& crontab, const std::string& name) {
+    const std::string marked = std::string(mark) + onOneLine(name);
+    std::istringstream lines(crontab);
+    std::string kept;
+    for (std::string line; std::getline(lines, line);) {
+        if (line == marked) {
+            std::getline(lines, line);  // the one that it announces
+            continue;
+        }
+        kept += line + "\n";
+    }
+    return kept;
+}
+
+std::string crontabWith(const std::string& crontab, const PlannedTask& task,
+                        const std::vector<std::string>& words, const std::string& home) {
+    std::string text = crontabWithout(crontab, task.name);
+    text.append(mark).append(onOneLine(task.name)).append("\n").append(cronSchedule(task));
+    if (!home.empty()) text += " COFFRELUNE_HOME=" + cronWord(home);
+    for (const std::string& word : words) text += " " + cronWord(word);
+    return text + "\n";
+}
+
+std::string crontabLine(const std::string& crontab, const std::string& name) {
+    const std::string marked = std::string(mark) + onOneLine(name);
+    std::istringstream lines(crontab);
+    for (std::string line; std::getline(lines, line);) {
+        if (line == marked && std::getline(lines, line)) return line;
+    }
+    return {};
+}
+
+}  // namespace coffrelune

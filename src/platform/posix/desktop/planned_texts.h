@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/task_scheduler.h"
+
+namespace coffrelune {
+
+/// What is planned, in the words of those who start it. `words`: the command, the program's native
+/// path first. `home`: the value of COFFRELUNE_HOME that the program needs, or empty.
+/// https://www.freedesktop.org/software/systemd/man/latest/systemd.service.html
+std::string serviceText(const PlannedTask& task, const std::vector<std::string>& words,
+                        const std::string& home);
+std::string timerText(const PlannedTask& task);
+
+/// The name of both units, without their endings: letters and digits stay, any other byte is
+/// written "_2f".
+std::string unitName(const std::string& name);
+
+/// The value of a key in such a text; empty without one.
+std::string unitValue(const std::string& text, const std::string& key);
+
+/// The user's crontab with the task, in the place of the one that it had.
+std::string crontabWith(const std::string& crontab, const PlannedTask& task,
+                        const std::vector<std::string>& words, const std::string& home);
+/// The user's crontab without the task of a configuration.
+std::string crontabWithout(const std::string& crontab, const std::string& name);
+/// The line that starts it; empty without one.
+std::string crontabLine(const std::string& crontab, const std::string& name);
+
+}  // namespace coffrelune

@@ -1,0 +1,39 @@
+#include "platform/posix/listing.h"
+
+#include <cerrno>
+#include <string_view>
+
+namespace coffrelune {
+namespace {
+
+constexpr std::size_t blockSize = 32 * 1024;
+
+}  // namespace
+
+const dirent64* Listing::next() {
+    while (position_ < filled_ || fill()) {
+        // The system lays the entries out for this very use: see getdents(2).
+        const auto* entry = reinterpret_cast<const dirent64*>(block_.get() + position_);
+        position_ += entry->d_reclen;
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..") return entry;
+    }
+    return nullptr;
+}
+
+bool Listing::fill() {
+    if (ended_) return false;
+    if (block_ == nullptr) block_.reset(new char[blockSize]);
+    ssize_t size = 0;
+    do {
+        size = getdents64(directory_.get(), block_.get(), blockSize);
+    } while (size < 0 && errno == EINTR);
+    ended_ = size <= 0;
+    // A directory that was removed while it is open has come to its end.
+    if (size < 0 && errno != ENOENT) error_ = errno;
+    position_ = 0;
+    filled_ = ended_ ? 0 : static_cast<std::size_t>(size);
+    return !ended_;
+}
+
+}  // namespace coffrelune
