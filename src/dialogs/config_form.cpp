@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "dialogs/text_dialogs.h"
+#include "settings/choices.h"
 #include "settings/setting_names.h"
 #include "system/paths.h"
 #include "system/sounds.h"
@@ -13,14 +14,7 @@
 namespace coffrelune {
 namespace {
 
-constexpr int mostLines = 12;
 constexpr std::string_view soundExtension = ".wav";
-
-std::string withoutLastCharacter(std::string text) {
-    while (!text.empty() && (text.back() & 0xC0) == 0x80) text.pop_back();
-    if (!text.empty()) text.pop_back();
-    return text;
-}
 
 bool isSoundName(const std::string& name) {
     const std::size_t length = soundExtension.size();
@@ -28,19 +22,23 @@ bool isSoundName(const std::string& name) {
            equalIgnoringCase(name.substr(name.size() - length), soundExtension);
 }
 
+// What each option does; all of them hold for every configuration.
+constexpr std::array<const char*, 9> optionHelp = {
+    "Ne remplace un fichier de la copie que s'il est plus ancien que celui de la source.",
+    "Les copies des fichiers en lecture seule peuvent être modifiées et effacées.",
+    "Crée les répertoires sur la destination, sans copier aucun fichier.",
+    "Joue un son quand une sauvegarde ou une restauration est finie.",
+    "Donne aux copies la date de leur original : les fichiers inchangés se reconnaissent.",
+    "Une erreur est comptée et la copie passe au fichier suivant, au lieu de s'arrêter.",
+    "Copie les fichiers par la méthode simple du système, sans progression dans un fichier.",
+    "Une heure d'écart entre deux fichiers compte comme une différence, même l'été.",
+    "Efface de la destination les fichiers que la source n'a plus.",
+};
+
 }  // namespace
 
 ConfigForm::ConfigForm(SystemMod& system)
-    : Opt{CheckBox("Copie seulement les fichiers plus &récents:"),
-          CheckBox("Efface l'attribut '&Lecture seule' pendant la copie:"),
-          CheckBox("Copie seulement l'&arborescence des répertoires:"),
-          CheckBox("Emettre un signal &sonore à la fin de la copie:"),
-          CheckBox("Synchronise la date des fichiers pendant la copie:"),
-          CheckBox("Continuer la copie en cas d'erreur:"),
-          CheckBox("Mode de copie alternative:"),
-          CheckBox("Désactive la correction Heure d'été:"),
-          CheckBox("Efface les fichiers excédentaires sur la destination:")},
-      FichSonLbl{Label("Copie Ok"), Label("Copie Erreur")},
+    : FichSonLbl{Label("Copie Ok"), Label("Copie Erreur")},
       Cmd{Button("OK"),
           Button("&Annuler"),
           Button("Ajouter"),
@@ -51,6 +49,10 @@ ConfigForm::ConfigForm(SystemMod& system)
     setCaption("Configurations et options");
     Cmd[addCmd].setToolTip("Ajouter une configuration de sauvegarde");
     Cmd[eraseCmd].setToolTip("Supprimer une configuration de sauvegarde");
+    // They show a drawing each, the same for both.
+    for (const CmdIndex test : {playSuccessCmd, playErrorCmd}) {
+        Cmd.at(test).setToolTip(Cmd.at(test).caption());
+    }
     Cmd[okCmd].onClick = [this] { accept(); };
     Cmd[cancelCmd].onClick = [this] { close(); };
     Cmd[addCmd].onClick = [this] { add(); };
@@ -70,7 +72,12 @@ std::vector<Button*> ConfigForm::buttons() {
 }
 
 void ConfigForm::loadOptions() {
+    for (std::size_t i = 0; i < Opt.size(); ++i) {
+        Opt.at(i).setToolTip(std::string(optionHelp.at(i)) + "\nPour toutes les configurations.");
+    }
     for (const CopyOption& option : optionTable) {
+        if (option.box == noBox) continue;
+        Opt.at(option.box).setCaption(option.caption);
         Opt.at(option.box).setChecked(system_.options.*option.value != 0);
     }
     const bool audible = system_.platform.sounds.deviceCount() > 0;
@@ -83,29 +90,37 @@ void ConfigForm::loadOptions() {
 }
 
 void ConfigForm::loadConfigurations() {
-    system_.ListConfigurations(names_);
-    for (const std::string& name : names_) {
-        const std::string description = system_.ReadSetting(name, "Description");
-        std::string entry = name;
-        if (!description.empty()) entry.append(" (").append(description).append(")");
-        Liste.add(std::move(entry));
+    listed_ = listConfigurations(system_);
+    for (const auto& [name, entry] : listed_) {
+        Liste.add(entry);
         if (name == system_.configurationName) {
             Liste.select(static_cast<int>(Liste.entries().size()) - 1);
         }
     }
+    if (isTakenUnused()) append(system_.configurationName);
 }
 
-// From what the last line in use of any configuration needs: no line anywhere is to drop out of
-// sight, and so out of the backup. A larger number that was set by hand stays on offer.
+// Added and taken, it has no section until something of it is stored. One that was only named at
+// the start is nobody's choice.
+bool ConfigForm::isTakenUnused() const {
+    const std::string& name = system_.configurationName;
+    return name == system_.takenConfiguration && !isListed(listed_, name) &&
+           !system_.configurationExists(name);
+}
+
+void ConfigForm::append(const std::string& name) {
+    Liste.add(name);
+    listed_.push_back({name, name});
+    Liste.select(static_cast<int>(listed_.size()) - 1);
+}
+
 void ConfigForm::loadLineCounts() {
-    const int current = system_.maximumIndex + 1;
-    for (int lines = system_.lastUsedLineAnywhere() + 1; lines <= mostLines; ++lines) {
+    for (const int lines : offeredLineCounts(system_)) {
         RepMaxCb.add(std::to_string(lines));
-        if (lines == current) RepMaxCb.select(static_cast<int>(RepMaxCb.entries().size()) - 1);
+        if (lines == system_.maximumIndex + 1) {
+            RepMaxCb.select(static_cast<int>(RepMaxCb.entries().size()) - 1);
+        }
     }
-    if (current <= mostLines) return;
-    RepMaxCb.add(std::to_string(current));
-    RepMaxCb.select(static_cast<int>(RepMaxCb.entries().size()) - 1);
 }
 
 void ConfigForm::loadSounds() {
@@ -148,71 +163,42 @@ void ConfigForm::play(std::size_t sound) {
                        FichSonCb.at(sound).selectedText());
 }
 
-// The entry up to the blank before its description. A name that holds "(" is cut there as well.
-std::string ConfigForm::nameOf(const std::string& listed) {
-    std::string entry = trimBlanks(listed);
-    const std::size_t bracket = entry.find('(');
-    if (bracket == std::string::npos) return entry;
-    return withoutLastCharacter(entry.substr(0, bracket));
-}
-
-bool ConfigForm::refuseReserved(const std::string& name) {
-    if (!isReserved(name)) return false;
-    say("Impossible, nom réservé !", MessageIcon::information, MessageButtons::ok);
-    return true;
-}
-
-// Compared with the beginning of each entry, which a description may follow; so "Tra" is taken once
-// there is a "Travail". A whole name is taken in any case, which the settings file does not tell
-// apart.
-bool ConfigForm::isTaken(const std::string& name) const {
-    const std::vector<std::string>& entries = Liste.entries();
-    return std::any_of(entries.begin(), entries.end(),
-                       [&](const std::string& entry) { return entry.rfind(name, 0) == 0; }) ||
-           isListed(name);
+void ConfigForm::refuse(ConfigurationRefusal refusal) {
+    say(textOf(refusal), MessageIcon::information, MessageButtons::ok);
 }
 
 void ConfigForm::add() {
     ConfigNameForm form(system_);
     system_.platform.windows.showModal(form);
     const std::string name = system_.dialogText;
-    // One that choosing it would turn into the reserved name could never be chosen.
-    if (name.empty() || refuseReserved(nameOf(name))) return;
-    if (isTaken(name)) {
-        say("Cette configuration existe déjà !", MessageIcon::information, MessageButtons::ok);
-        return;
-    }
-    Liste.add(name);
-    names_.push_back(name);
-    Liste.select(static_cast<int>(names_.size()) - 1);
+    if (name.empty()) return;
+    const ConfigurationRefusal refusal = refusalToAdd(system_, listed_, name);
+    if (refusal != ConfigurationRefusal::none) return refuse(refusal);
+    append(name);
 }
 
 void ConfigForm::erase() {
     if (Liste.selection() < 0) return;
-    const Answer answer = say("Voulez-vous effacer cette configuration ?", MessageIcon::question,
-                              MessageButtons::okCancel);
+    const Answer answer = system_.platform.windows.showMessage(
+        {"Voulez-vous effacer cette configuration ?", caption(), MessageIcon::question,
+         MessageButtons::okCancel, true});
     if (answer != Answer::ok) return;
-    const std::string name = nameOf(Liste.selectedText());
-    // The settings file does not tell names apart by their case.
-    if (equalIgnoringCase(name, system_.configurationName)) {
-        say("Impossible d'effacer la configuration en cours !", MessageIcon::information,
-            MessageButtons::ok);
-        return;
-    }
-    if (name.empty() || refuseReserved(name)) return;
+    const std::string name = chosenName(Liste.selectedText());
+    const ConfigurationRefusal refusal = refusalToErase(system_, name);
+    if (refusal == ConfigurationRefusal::noName) return;
+    if (refusal != ConfigurationRefusal::none) return refuse(refusal);
     if (belongsToAnother(name)) {
         say("Impossible, ce nom est celui d'une autre configuration !", MessageIcon::information,
             MessageButtons::ok);
         return;
     }
-    system_.keep(name, "", "");  // the whole section
-    eraseFiles(name);
+    (void)eraseConfiguration(system_, name);  // what cannot be written is told by the window
     const std::vector<std::string>& entries = Liste.entries();
     const auto found = std::find(entries.begin(), entries.end(), name);
     // An entry with a description stays on view until the dialog opens again.
     if (found == entries.end()) return;
     const auto index = found - entries.begin();
-    names_.erase(names_.begin() + index);
+    listed_.erase(listed_.begin() + index);
     Liste.remove(static_cast<int>(index));
     Liste.select(0);
 }
@@ -221,31 +207,18 @@ void ConfigForm::erase() {
 // found no room in the list.
 bool ConfigForm::belongsToAnother(const std::string& name) const {
     const auto selected = static_cast<std::size_t>(Liste.selection());
-    if (equalIgnoringCase(name, names_[selected])) return false;
-    return isListed(name) || system_.configurationExists(name);
-}
-
-bool ConfigForm::isListed(const std::string& name) const {
-    return std::any_of(names_.begin(), names_.end(),
-                       [&](const std::string& other) { return equalIgnoringCase(other, name); });
-}
-
-void ConfigForm::eraseFiles(const std::string& name) {
-    if (system_.homeDirectory.empty()) return;
-    for (const OperationKind kind : allKinds) {
-        // Most configurations have none to remove.
-        (void)system_.platform.files.removeFile(errorListPath(system_, name, kind));
-    }
+    if (equalIgnoringCase(name, listed_[selected].name)) return false;
+    return isListed(listed_, name) || system_.configurationExists(name);
 }
 
 void ConfigForm::accept() {
-    const std::string name = nameOf(Liste.selectedText());
+    const std::string name = chosenName(Liste.selectedText());
     // Without a name nothing could be stored any more, and under the reserved one the lines would
     // go among the global settings.
     const bool chosen = !name.empty() && !isReserved(name);
     system_.selectedConfiguration = chosen ? name : system_.configurationName;
     // What is chosen here is no longer a name that was only tried.
-    if (chosen) system_.askedConfiguration.clear();
+    if (chosen) takeConfiguration(system_, name);
     if (RepMaxCb.selection() >= 0) {
         system_.pendingMaximumIndex =
             static_cast<std::int16_t>(leadingNumber(RepMaxCb.selectedText()) - 1);
@@ -255,15 +228,11 @@ void ConfigForm::accept() {
     close();
 }
 
-// Stores the choices that differ from the remembered ones; an option that nobody touched is not
-// written.
+// What cannot be written holds for this run; the window tells it once.
 void ConfigForm::storeOptions() {
     for (const CopyOption& option : optionTable) {
-        std::int32_t& stored = system_.options.*option.value;
-        const std::int32_t chosen = Opt.at(option.box).checked() ? -1 : 0;
-        if (chosen == stored) continue;
-        stored = chosen;
-        system_.keep(globalSection, option.key, std::to_string(chosen));
+        if (option.box == noBox) continue;
+        (void)chooseOption(system_, option, Opt.at(option.box).checked());
     }
 }
 

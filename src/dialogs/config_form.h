@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "platform/input_controls.h"
-#include "settings/system_mod.h"
+#include "settings/configurations.h"
 
 namespace coffrelune {
 
@@ -30,7 +30,7 @@ class ConfigForm final : public Window {
     Frame ListeFrame{"Liste des configurations de sauvegarde"};
     ListBox Liste;
     Frame OptFrame{"Personnalisation"};
-    std::array<CheckBox, optionTable.size()> Opt;  // see optionTable
+    std::array<CheckBox, boxCount> Opt;  // see optionTable
     Label RepMaxLbl{"Nombre maximum de répertoires:"};
     ListBox RepMaxCb;  // drop-down
     std::array<Label, 2> FichSonLbl;
@@ -45,18 +45,16 @@ class ConfigForm final : public Window {
   private:
     void loadOptions();
     void loadConfigurations();
+    bool isTakenUnused() const;
+    void append(const std::string& name);
     void loadLineCounts();
     void loadSounds();
     std::vector<std::string> soundFiles();
 
-    static std::string nameOf(const std::string& listed);
-    bool refuseReserved(const std::string& name);
-    bool isListed(const std::string& name) const;
-    bool isTaken(const std::string& name) const;
+    void refuse(ConfigurationRefusal refusal);
     bool belongsToAnother(const std::string& name) const;
     void add();
     void erase();
-    void eraseFiles(const std::string& name);
     void play(std::size_t sound);
     void accept();
     void storeOptions();
@@ -64,7 +62,7 @@ class ConfigForm final : public Window {
     Answer say(const std::string& text, MessageIcon icon, MessageButtons buttons);
 
     SystemMod& system_;
-    std::vector<std::string> names_;  // of the configurations, by position in Liste
+    std::vector<ListedConfiguration> listed_;  // by position in Liste
 };
 
 }  // namespace coffrelune

@@ -1,21 +1,8 @@
 #include "dialogs/drive_list_frm.h"
 
-#include "system/numbers.h"
-#include "system/paths.h"
+#include "system/drive_rows.h"
 
 namespace coffrelune {
-namespace {
-
-constexpr const char* notAvailable = "N.A.";
-
-// The name that the desktop shows holds the medium's label, which tells two USB keys apart; the
-// type of the drive does not.
-std::string descriptionOf(const DriveDescription& drive) {
-    return drive.displayName.empty() ? drive.typeName : drive.displayName;
-}
-
-}  // namespace
-
 DriveListFrm::DriveListFrm(SystemMod& system, Desktop& desktop)
     : Lbl("Liste des lecteurs :"), Cmd{Button("OK"), Button("&Annuler")}, system_(system) {
     setCaption("Choisissez un lecteur pour toutes les destinations");
@@ -30,19 +17,9 @@ DriveListFrm::DriveListFrm(SystemMod& system, Desktop& desktop)
 }
 
 void DriveListFrm::fill(Desktop& desktop) {
-    const Locale& locale = system_.platform.locale;
-    for (const std::string& root : system_.platform.drives.roots()) {
-        // Only a letter can take the place of a destination's letter.
-        if (!isDriveRoot(root)) continue;
-        const DriveDescription drive = desktop.driveInformation.describe(root);
-        std::uint64_t total = 0;
-        std::uint64_t free = 0;
-        const Status read = desktop.driveInformation.sizes(root, total, free);
-        const bool known = read.ok() && total > 0;
-        ListDrive.addRow(
-            {drive.iconName,
-             {root, descriptionOf(drive), known ? driveSizeText(total, locale) : notAvailable,
-              known ? driveSizeText(free, locale) : notAvailable}});
+    const Platform& platform = system_.platform;
+    for (DriveRow& row : driveRows(platform.drives, desktop.driveInformation, platform.locale)) {
+        ListDrive.addRow({row.iconName, {row.root, row.description, row.totalText, row.freeText}});
     }
 }
 

@@ -3,31 +3,14 @@
 #include <algorithm>
 #include <memory>
 
-#include "platform/characters.h"
-#include "system/text.h"
+#include "settings/choices.h"
 
 namespace coffrelune {
 namespace {
 
-// The text without as many leading characters as `prefix` has; they may differ in case.
-std::string withoutPrefix(const std::string& text, const std::string& prefix) {
-    std::size_t at = 0;
-    std::size_t counted = 0;
-    while (counted < prefix.size() && at < text.size()) {
-        utf8::next(prefix, counted);
-        utf8::next(text, at);
-    }
-    return text.substr(at);
-}
-
 // What the button at this index chooses.
 ExclusionMode modeOf(std::size_t button) {
     return static_cast<ExclusionMode>(button);
-}
-
-// A plain comparison of texts: "C:\Data2" begins with "C:\Data" as well.
-bool beginsWith(const std::string& text, const std::string& prefix) {
-    return upperCase(text).rfind(upperCase(prefix), 0) == 0;
 }
 
 }  // namespace
@@ -101,27 +84,16 @@ void ExcludeForm::add() {
     const std::string directory = system_.platform.windows.chooseFolder(
         false, "Sélectionnez un répertoire à exclure de la sauvegarde:", source_);
     if (directory.empty()) return;
-    if (!beginsWith(directory, source_)) {
-        say("Le répertoire à exclure doit se trouver dans le disque ou répertoire à sauvegarder !",
-            MessageIcon::information, MessageButtons::ok);
-        return;
+    const auto [refusal, entry] = chooseExclusion(source_, directory, Liste.entries());
+    if (refusal != ExclusionChoice::Refusal::none) {
+        say(textOf(refusal), MessageIcon::information, MessageButtons::ok);
     }
-    const std::string entry = entryOf(directory);
     if (!entry.empty()) {
         Liste.add(entry);
         // Whoever adds a directory wants it left out.
         selectMode(ExclusionMode::listed);
     }
     updateButtons();
-}
-
-// Empty when there is nothing to add: for the source itself, and for what is listed already.
-std::string ExcludeForm::entryOf(const std::string& directory) {
-    std::string entry = withoutPrefix(directory, source_);
-    const std::vector<std::string>& listed = Liste.entries();
-    if (std::find(listed.begin(), listed.end(), entry) == listed.end()) return entry;
-    say("Ce répertoire est déjà dans la liste !", MessageIcon::information, MessageButtons::ok);
-    return {};
 }
 
 void ExcludeForm::remove() {
@@ -132,22 +104,20 @@ void ExcludeForm::remove() {
 }
 
 void ExcludeForm::removeAll() {
-    const Answer answer = say("Voulez-vous supprimer la liste des répertoires exclus ?",
-                              MessageIcon::question, MessageButtons::okCancel);
+    const Answer answer = system_.platform.windows.showMessage(
+        {"Voulez-vous supprimer la liste des répertoires exclus ?", caption(),
+         MessageIcon::question, MessageButtons::okCancel, true});
     if (answer != Answer::ok) return;
     Liste.clear();
     updateButtons();
 }
 
-// The list is stored whatever the mode, for the day when the user comes back to it.
 void ExcludeForm::accept() {
-    system_.ClearExclusions(line_);
+    ExclusionList list{ExclusionMode::none, Liste.entries()};
     for (std::size_t i = 0; i < OptExclu.size(); ++i) {
-        if (OptExclu.at(i).checked()) system_.writeExclusionMode(line_, modeOf(i));
+        if (OptExclu.at(i).checked()) list.mode = modeOf(i);
     }
-    for (std::size_t i = 0; i < Liste.entries().size(); ++i) {
-        system_.writeExcludedDirectory(line_, i + 1, Liste.entries()[i]);
-    }
+    storeExclusionList(system_, line_, list);
     close();
 }
 

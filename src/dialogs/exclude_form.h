@@ -37,7 +37,6 @@ class ExcludeForm final : public Window {
     void selectMode(ExclusionMode mode);
     void updateButtons();
     void add();
-    std::string entryOf(const std::string& directory);
     void remove();
     void removeAll();
     void accept();

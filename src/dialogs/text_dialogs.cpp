@@ -1,5 +1,8 @@
 #include "dialogs/text_dialogs.h"
 
+#include <utility>
+
+#include "settings/configurations.h"
 #include "settings/setting_names.h"
 #include "system/text.h"
 
@@ -28,10 +31,11 @@ TextDialog::TextDialog(std::string caption, std::string name)
     };
 }
 
-ConfigNameForm::ConfigNameForm(SystemMod& system)
-    : TextDialog("Nouvelle configuration", "Nom de la configuration"),
+ConfigNameForm::ConfigNameForm(SystemMod& system, std::string title, std::string proposed)
+    : TextDialog(std::move(title), "Nom de la configuration"),
       Lbl("Nom de la configuration :"),
       system_(system) {
+    Txt.setText(std::move(proposed));
     system_.dialogText.clear();
 }
 
@@ -49,8 +53,8 @@ DescriptionForm::DescriptionForm(SystemMod& system)
 }
 
 void DescriptionForm::accept() {
-    system_.description = Txt.text();
-    system_.keep(system_.configurationName, "Description", QuoteValue(system_.description));
+    // What cannot be written is told by the main window.
+    (void)describeConfiguration(system_, Txt.text());
 }
 
 LineForm::LineForm(SystemMod& system)

@@ -30,11 +30,12 @@ class TextDialog : public Window {
     virtual void accept() = 0;
 };
 
-/// Asks for the name of a new configuration. `SystemMod::dialogText` holds it afterwards in
+/// Asks for the name of a configuration, a new one unless the title says otherwise. `SystemMod::dialogText` holds it afterwards in
 /// ProperCase; empty when the dialog was cancelled or the name is reserved.
 class ConfigNameForm final : public TextDialog {
   public:
-    explicit ConfigNameForm(SystemMod& system);
+    explicit ConfigNameForm(SystemMod& system, std::string title = "Nouvelle configuration",
+                            std::string proposed = {});
 
     Label Lbl;
     std::vector<Label*> labels() override { return {&Lbl}; }

@@ -44,7 +44,8 @@ void SystemMod::LoadSettings() {
     askedConfiguration = configurationName;
     // The reserved section is no configuration, though the user or an older file may name it.
     if (isReserved(configurationName)) configurationName.clear();
-    if (configurationName.empty()) configurationName = ReadSetting(globalSection, "Config");
+    takenConfiguration = ReadSetting(globalSection, "Config");
+    if (configurationName.empty()) configurationName = takenConfiguration;
     if (isReserved(configurationName)) configurationName.clear();
     if (configurationName.empty()) configurationName = "General";
     LoadConfiguration();
@@ -90,6 +91,7 @@ void SystemMod::LoadConfiguration() {
 }
 
 void SystemMod::readLastResults() {
+    lastGoodBackup = ReadSetting(configurationName, "LastSaveOk");
     const auto text = [this](const std::string& key) {
         return ReadSetting(configurationName, key);
     };

@@ -50,6 +50,19 @@ Status SettingsFile::deleteSection(const std::string& section) {
     return finish(text_.deleteSection(section));
 }
 
+Status SettingsFile::renameSection(const std::string& from, const std::string& to) {
+    load();
+    if (!status_.ok()) return status_;
+    return finish(text_.renameSection(from, to));
+}
+
+Status SettingsFile::copySection(const std::string& from, const std::string& to,
+                                 const std::function<bool(const std::string& key)>& leavesOut) {
+    load();
+    if (!status_.ok()) return status_;
+    return finish(text_.copySection(from, to, leavesOut));
+}
+
 std::vector<std::string> SettingsFile::keys(const std::string& section) {
     refresh();
     return text_.keys(section);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,10 @@ class SettingsFile {
     Status write(const std::string& section, const std::string& key, const std::string& value);
     Status deleteKey(const std::string& section, const std::string& key);
     Status deleteSection(const std::string& section);
+    /// 87 when there is a section of the other name already.
+    Status renameSection(const std::string& from, const std::string& to);
+    Status copySection(const std::string& from, const std::string& to,
+                       const std::function<bool(const std::string& key)>& leavesOut);
     std::vector<std::string> keys(const std::string& section);
     /// Section names in file order, as they are spelled there.
     std::vector<std::string> sections();

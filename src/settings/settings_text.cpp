@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/characters.h"
 #include "settings/encoding.h"
 #include "system/text.h"
 
@@ -44,6 +45,19 @@ Content understand(std::string_view text) {
     return {Kind::key, name, std::min(value, text.size())};
 }
 
+bool isAscii(std::string_view bytes) {
+    return std::all_of(bytes.begin(), bytes.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+bool isUtf8(std::string_view bytes) {
+    for (std::size_t position = 0; position < bytes.size();) {
+        const char32_t c = utf8::next(bytes, position);
+        if (c >= utf8::rawByte + 0x80 && c <= utf8::rawByte + 0xFF) return false;
+    }
+    return true;
+}
+
 bool canBeReadBack(std::string_view key) {
     const bool plain = std::none_of(key.begin(), key.end(), [](char c) {
         return c == '=' || static_cast<unsigned char>(c) < 0x20;
@@ -64,6 +78,8 @@ bool SettingsText::parse(std::string bytes) {
     } else if (bytes_.starts_with(utf8Mark)) {
         encoding_ = Encoding::utf8;
         start_ = utf8Mark.size();
+    } else if (isUnmarkedUtf8()) {
+        encoding_ = Encoding::utf8;
     }
     const bool text = encoding_ == Encoding::utf16 ? utf16le::isText(bytes_)
                                                    : bytes_.find('\0') == std::string::npos;
@@ -121,19 +137,19 @@ SettingsText::Edit SettingsText::setValue(const std::string& section, const std:
     if (found == nullptr) {
         insertLine(bytes_.size(), header);
         insertLine(bytes_.size(), key + '=' + stored);
-        return Edit::made;
+        return finishEdit();
     }
     Line line{};
     if (!findKey(*found, key, line)) {
         insertLine(extentOf(*found).lastText, key + '=' + stored);
-        return Edit::made;
+        return finishEdit();
     }
     const std::string before = textOf(line);
     const std::string after = before.substr(0, understand(before).value) + stored;
     if (before == after) return Edit::none;
     bytes_.replace(line.begin, line.end - line.begin, encode(after));
     index();
-    return Edit::made;
+    return finishEdit();
 }
 
 SettingsText::Edit SettingsText::deleteKey(const std::string& section, const std::string& key) {
@@ -152,7 +168,7 @@ SettingsText::Edit SettingsText::deleteKey(const std::string& section, const std
     if (kept.size() == bytes_.size()) return Edit::none;
     bytes_ = std::move(kept);
     index();
-    return Edit::made;
+    return finishEdit();
 }
 
 SettingsText::Edit SettingsText::deleteSection(const std::string& section) {
@@ -167,6 +183,42 @@ SettingsText::Edit SettingsText::deleteSection(const std::string& section) {
     kept.append(bytes_, copied);
     bytes_ = std::move(kept);
     index();
+    return finishEdit();
+}
+
+SettingsText::Edit SettingsText::renameSection(const std::string& from, const std::string& to) {
+    if (!hasSection(from)) return Edit::none;
+    const std::string header = '[' + escapeCharacters(to, lineBreakers) + ']';
+    const bool taken = !equalIgnoringCase(from, to) && hasSection(to);
+    if (taken || !makeRoomFor(header)) return Edit::refused;
+    // Each of them: one that kept the old name would bring the section back.
+    const std::size_t count = sections_.size();  // a new name begins no other section
+    for (std::size_t i = 0; i != count; ++i) {
+        if (!equalIgnoringCase(sections_[i].name, from)) continue;
+        const Line line = lineAt(sections_[i].header);
+        bytes_.replace(line.begin, line.end - line.begin, encode(header));
+        index();
+    }
+    return Edit::made;
+}
+
+SettingsText::Edit SettingsText::copySection(
+    const std::string& from, const std::string& to,
+    const std::function<bool(const std::string& key)>& leavesOut) {
+    if (find(from) == nullptr) return Edit::none;
+    const std::string header = '[' + escapeCharacters(to, lineBreakers) + ']';
+    if (hasSection(to) || !makeRoomFor(header)) return Edit::refused;
+    const Section source = *find(from);
+    std::string copied = header;
+    Line line = lineAt(source.header);
+    while (line.next < source.end) {
+        line = lineAt(line.next);
+        const std::string text = textOf(line);
+        const Content content = understand(text);
+        if (content.kind != Kind::key || leavesOut(std::string(content.name))) continue;
+        copied.append(lineEnd_).append(text);
+    }
+    insertLine(bytes_.size(), copied);
     return Edit::made;
 }
 
@@ -261,11 +313,27 @@ bool SettingsText::makeRoomFor(const std::string& text) {
     if (holds(text)) return true;
     const std::string whole = ansi_->decode(bytes_);
     if (encode(whole) != bytes_) return false;
+    becomeUtf16(whole);
+    return true;
+}
+
+bool SettingsText::isUnmarkedUtf8() const {
+    return ansi_->editorsWriteUtf8() && !isAscii(bytes_) && isUtf8(bytes_);
+}
+
+void SettingsText::becomeUtf16(const std::string& whole) {
     encoding_ = Encoding::utf16;
     start_ = utf16Mark.size();
     bytes_ = std::string(utf16Mark) + utf16le::encode(whole);
     index();
-    return true;
+}
+
+// Without a mark, what the bytes have become says how they will be read the next time.
+SettingsText::Edit SettingsText::finishEdit() {
+    if (start_ != 0 || isAscii(bytes_)) return Edit::made;
+    const Encoding next = isUnmarkedUtf8() ? Encoding::utf8 : Encoding::ansi;
+    if (next != encoding_) becomeUtf16(decode(bytes_));
+    return Edit::made;
 }
 
 void SettingsText::insertLine(std::size_t at, const std::string& text) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,9 +22,10 @@ namespace coffrelune {
 /// "[" and the last "]". Lines end with LF or CR LF, the last one may end with nothing.
 ///
 /// Text is in the ANSI code page, or in UTF-16 LE after its byte-order mark, which those functions
-/// read and write as well, or in UTF-8 after its mark, as editors leave it. A file in the code page
-/// becomes UTF-16 LE at the first edit that the code page cannot hold; a name that is no valid
-/// UTF-8 is kept there as lone surrogates.
+/// read and write as well, or in UTF-8 after its mark, as editors leave it; where they leave no
+/// mark, a file that is valid UTF-8 beyond ASCII is UTF-8 as well. A file becomes UTF-16 LE at the
+/// first edit that its code page cannot hold, or after which it would be read as something else; a
+/// name that is no valid UTF-8 is kept there as lone surrogates.
 ///
 /// Where those functions leave a hole, no setting is lost and none comes back: deleting concerns
 /// every duplicate; comments right above a header stay with it; CR, LF and NUL within a value or a
@@ -58,6 +60,13 @@ class SettingsText {
     Edit deleteKey(const std::string& section, const std::string& key);
     /// Deletes the header and all lines below it but the comments right above the next header.
     Edit deleteSection(const std::string& section);
+    /// The headers get another name, everything else stays. Refused when a section has it already,
+    /// unless both are one name.
+    Edit renameSection(const std::string& from, const std::string& to);
+    /// A new section at the end gets every key of `from`, but those that `leavesOut` says, as they
+    /// are written there. Refused when there is such a section.
+    Edit copySection(const std::string& from, const std::string& to,
+                     const std::function<bool(const std::string& key)>& leavesOut);
 
   private:
     enum class Encoding { ansi, utf8, utf16 };
@@ -90,6 +99,9 @@ class SettingsText {
     std::string encode(const std::string& text) const;
     bool holds(const std::string& text) const;
     bool makeRoomFor(const std::string& text);
+    bool isUnmarkedUtf8() const;
+    void becomeUtf16(const std::string& whole);
+    Edit finishEdit();
     void insertLine(std::size_t at, const std::string& text);
     void index();
 

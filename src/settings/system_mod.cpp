@@ -48,12 +48,26 @@ Status SystemMod::WriteSetting(const std::string& section, const std::string& ke
     if (key.empty() && isReserved(section)) {
         return Status::failure(error_number::accessDenied, file_.path());
     }
-    Status status = store(section, key, value);
+    return noted(store(section, key, value));
+}
+
+Status SystemMod::noted(Status status) {
     if (!status.ok() && writeFailure_.ok()) {
         writeFailure_ = status;
         tellOnce();
     }
     return status;
+}
+
+Status SystemMod::renameSection(const std::string& from, const std::string& to) {
+    return noted(file_.renameSection(from, to));
+}
+
+// Results and their like begin so, and nothing else does.
+Status SystemMod::copySection(const std::string& from, const std::string& to) {
+    return noted(file_.copySection(from, to, [](const std::string& key) {
+        return equalIgnoringCase(key.substr(0, 4), "Last");
+    }));
 }
 
 void SystemMod::keep(const std::string& section, const std::string& key, const std::string& value) {

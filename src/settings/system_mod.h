@@ -40,6 +40,10 @@ class SystemMod {
     /// The same where nothing depends on the outcome: the state in memory holds for this run, and
     /// `tellWriteFailure` tells the user once that it will not be there at the next start.
     void keep(const std::string& section, const std::string& key, const std::string& value);
+    /// Another name for a configuration, and another configuration that has its settings but has
+    /// never run. Both fail with 87 where the name is taken.
+    Status renameSection(const std::string& from, const std::string& to);
+    Status copySection(const std::string& from, const std::string& to);
     /// Appends the configuration names that fit into `longestValue` with one separator each.
     void ListConfigurations(std::vector<std::string>& list);
     /// Never true of the reserved section, in any case.
@@ -86,6 +90,7 @@ class SystemMod {
     std::string configurationName;
     std::string askedConfiguration;     // named at the start, the reserved name included, or empty
     std::string selectedConfiguration;  // chosen in ConfigForm, not yet loaded
+    std::string takenConfiguration;     // chosen last, now or before this start; or empty
     std::string description;
     std::vector<BackupLine> lines;  // one more than `maximumIndex`
     std::int16_t SelectP = 0;
@@ -97,8 +102,10 @@ class SystemMod {
     std::string AutoTime = "00:00";
     std::string nextDate;                   // "dd/mm/yyyy"
     std::array<LastResult, 3> lastResults;  // by OperationKind
-    std::string duration;                   // of the run that just ended, "hh:nn:ss"
-    std::int32_t errorCount = 0;            // of that run
+    /// End of the last backup that did all that it was asked for; or empty.
+    std::string lastGoodBackup;
+    std::string duration;         // of the run that just ended, "hh:nn:ss"
+    std::int32_t errorCount = 0;  // of that run
     CopyOptions options;
     std::array<std::string, 2> soundNames;  // 0 success, 1 error
     std::int32_t SuiviAnalyse = 0;
@@ -116,6 +123,7 @@ class SystemMod {
 
   private:
     Status store(const std::string& section, const std::string& key, const std::string& value);
+    Status noted(Status status);  // of a write
     void tellOnce();
     void readCommandLine();
     void readOptions();

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "mainwindow/main_form.h"
+#include "platform/out_of_memory.h"
 #include "platform/posix/desktop/posix_desktop.h"
 #include "platform/posix/posix_platform.h"
 #include "startup/startup.h"
@@ -109,5 +110,6 @@ class Program {
 
 int main(int count, char** values) {
     using namespace coffrelune;
+    endWhenMemoryEnds();
     return static_cast<int>(Program(commandLineText(count, values)).run());
 }

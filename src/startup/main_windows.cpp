@@ -3,6 +3,7 @@
 
 #include "mainwindow/main_form.h"
 #include "platform/native/native_platform.h"
+#include "platform/out_of_memory.h"
 #include "platform/win32/desktop/win32_desktop.h"
 #include "platform/win32/win32_platform.h"
 #include "startup/startup.h"
@@ -43,5 +44,6 @@ ExitStatus run(const std::string& commandLine) {
 
 int main() {
     using namespace coffrelune;
+    endWhenMemoryEnds();
     return static_cast<int>(run(argumentText(rawCommandLine())));
 }

@@ -102,6 +102,20 @@ std::string formatLongDate(const LocalTime& time) {
            timeOfDay(time.hour, time.minute);
 }
 
+std::string spokenSchedule(const std::string& nextDate, const std::string& autoTime,
+                           const LocalTime& now) {
+    constexpr std::array<const char*, 7> dayNames = {"lundi",    "mardi",  "mercredi", "jeudi",
+                                                     "vendredi", "samedi", "dimanche"};
+    if (isPastSchedule(nextDate, autoTime, now)) return "dans un instant";
+    const auto date = parseDate(nextDate);
+    if (!date) return "jour inconnu";
+    const std::string time = " à " + (isTimeOfDay(autoTime) ? autoTime : std::string("00:00"));
+    const auto ahead = (dayOf(*date) - dayOf(now)).count();
+    if (ahead == 0) return "aujourd'hui" + time;
+    if (ahead == 1) return "demain" + time;
+    return dayNames.at(weekday(dayOf(*date)).iso_encoding() - 1) + time;
+}
+
 std::string formatDuration(std::int64_t milliseconds) {
     const hh_mm_ss span(
         floor<seconds>(std::chrono::milliseconds(std::max<std::int64_t>(milliseconds, 0))));

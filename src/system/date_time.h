@@ -60,6 +60,11 @@ bool isBackupMissing(const std::string& lastSave, const std::string& autoTime,
 /// The clock was set back, and waiting for that day would leave out those between.
 bool isScheduleLost(const std::string& nextDate, const LocalTime& now);
 
+/// The day and time of a scheduled backup in words: "aujourd'hui à 19:30", "demain à 08:30", "lundi
+/// à 08:30"; "dans un instant" once it is past.
+std::string spokenSchedule(const std::string& nextDate, const std::string& autoTime,
+                           const LocalTime& now);
+
 /// Calendar fields (UTC) of a file time in units of 100 ns since 1601-01-01.
 LocalTime calendarOfFileTime(std::uint64_t fileTime);
 

@@ -16,6 +16,15 @@ std::uint64_t rounded(double value) {
     return static_cast<std::uint64_t>(std::round(value));
 }
 
+std::string grouped(std::uint64_t number) {
+    std::string digits = std::to_string(number);
+    for (std::size_t at = digits.size(); at > 3;) {
+        at -= 3;
+        digits.insert(at, " ");
+    }
+    return digits;
+}
+
 }  // namespace
 
 std::string formatFixed(double value, int decimals, const Locale& locale) {
@@ -30,27 +39,11 @@ std::string formatFixed(double value, int decimals, const Locale& locale) {
     return text + locale.decimalSeparator() + fraction.substr(1);
 }
 
-std::string formatGrouped(double value, const Locale& locale) {
-    const std::string digits = std::to_string(rounded(std::min(value, largest)));
-    std::string text;
-    for (std::size_t i = 0; i < digits.size(); ++i) {
-        if (i > 0 && (digits.size() - i) % 3 == 0) text += locale.groupSeparator();
-        text += digits[i];
-    }
-    return text;
+std::string formatGrouped(double value) {
+    return grouped(rounded(std::min(value, largest)));
 }
 
 namespace {
-
-// The groups are parted by blanks whatever the locale says: they belong to the layout of the list.
-std::string grouped(std::uint64_t number) {
-    std::string digits = std::to_string(number);
-    for (std::size_t at = digits.size(); at > 3;) {
-        at -= 3;
-        digits.insert(at, " ");
-    }
-    return digits;
-}
 
 std::string inUnit(std::uint64_t bytes, int shift, const Locale& locale) {
     const std::uint64_t unit = std::uint64_t{1} << shift;

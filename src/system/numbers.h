@@ -11,8 +11,9 @@ namespace coffrelune {
 /// the locale's decimal separator ("1,50").
 std::string formatFixed(double value, int decimals, const Locale& locale);
 
-/// A whole number in groups of three digits ("### ### ##0"), with the locale's group separator.
-std::string formatGrouped(double value, const Locale& locale);
+/// A whole number in groups of three digits ("### ### ##0"), parted by blanks whatever the locale
+/// says: they belong to the texts, and lists in a code page have to hold them.
+std::string formatGrouped(double value);
 
 /// The size of a drive in at most three digits and a unit: "0 octet", "976 Ko", "14,9 Go". Every
 /// digit left out is cut off, never rounded, so that no drive seems larger than it is. The unit

@@ -36,6 +36,8 @@ std::string mapEach(std::string_view text, Mapping mapping) {
 }  // namespace
 
 char32_t lowerCase(char32_t character) {
+    // Nearly every character that is asked for is one of these.
+    if (character < 0x80) return ascii::lower(static_cast<char>(character)) & 0x7F;
     return mapped(lowerMappings, character);
 }
 
@@ -129,10 +131,19 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
 std::string visibleControls(std::string_view text) {
     constexpr char32_t pictures = 0x2400;  // U+2400 to U+241F, in the order of the controls
     constexpr char32_t deletePicture = 0x2421;
+    constexpr std::string_view colonInName = "\xEF\x80\xBA";
+    constexpr std::string_view escape = "\xEF\x83\xBF";  // before a character that is meant itself
     std::string visible;
     visible.reserve(text.size());
-    for (const char c : text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
         const auto byte = static_cast<unsigned char>(c);
+        if (c == colonInName[0] && text.substr(i).starts_with(colonInName) &&
+            !text.substr(0, i).ends_with(escape)) {
+            visible.push_back(':');
+            i += colonInName.size() - 1;
+            continue;
+        }
         if (byte < 0x20) {
             utf8::append(visible, pictures + byte);
         } else if (byte == 0x7F) {

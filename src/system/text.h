@@ -44,7 +44,8 @@ std::int32_t leadingNumber(std::string_view text);
 bool equalIgnoringCase(std::string_view a, std::string_view b);
 
 /// The text with its control characters (a file name may hold a line end) as the pictures that
-/// Unicode has for them, so that one name is always one line. Everything else stays as it is.
+/// Unicode has for them, so that one name is always one line, and with ":" where a name of the file
+/// system bears it (U+F03A in a path). Everything else stays as it is.
 std::string visibleControls(std::string_view text);
 
 }  // namespace coffrelune

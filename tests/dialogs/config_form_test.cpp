@@ -68,6 +68,8 @@ TEST_F(ConfigFormTest, SaysWhatItOffers) {
     EXPECT_EQ(form.FichSonLbl[1].caption(), "Copie Erreur");
     EXPECT_EQ(form.Cmd[2].toolTip(), "Ajouter une configuration de sauvegarde");
     EXPECT_EQ(form.Cmd[3].toolTip(), "Supprimer une configuration de sauvegarde");
+    EXPECT_EQ(form.Cmd[4].toolTip(), "Test du signal sonore (Réussi)");
+    EXPECT_EQ(form.Cmd[5].toolTip(), "Test du signal sonore (Erreur)");
     Texts captions;
     for (const Button* button : form.buttons()) captions.push_back(button->caption());
     EXPECT_THAT(captions,
@@ -87,6 +89,40 @@ TEST_F(ConfigFormTest, SelectsTheCurrentConfiguration) {
 TEST_F(ConfigFormTest, SelectsNothingForAConfigurationThatHasNoSectionYet) {
     system.configurationName = "Nouvelle";
     EXPECT_EQ(ConfigForm(system).Liste.selection(), -1);
+}
+
+TEST_F(ConfigFormTest, ConfigurationAddedAndTakenIsListedAndSelectedThoughItHasNoSection) {
+    {
+        ConfigForm form(system);
+        add(form, "Vacances");
+        form.Cmd[0].click();
+    }
+    system.configurationName = system.selectedConfiguration;
+    ConfigForm form(system);
+    EXPECT_THAT(form.Liste.entries(),
+                ElementsAre("General", "Travail (Bureau)", "Photos", "Vacances"));
+    EXPECT_EQ(form.Liste.selection(), 3);
+    form.Cmd[0].click();
+    EXPECT_EQ(system.selectedConfiguration, "Vacances");
+}
+
+TEST_F(ConfigFormTest, ConfigurationTakenBeforeThisStartIsListedWithoutASection) {
+    loadSettings("[Position]\nConfig=Vacances\n[General]\nSource0=C:\\A\n");
+    system.configurationName = "Vacances";
+    ConfigForm form(system);
+    EXPECT_THAT(form.Liste.entries(), ElementsAre("General", "Vacances"));
+    EXPECT_EQ(form.Liste.selection(), 1);
+}
+
+TEST_F(ConfigFormTest, ConfigurationTakenAndInUseIsNotDeleted) {
+    loadSettings("[Position]\nConfig=Vacances\n[General]\nSource0=C:\\A\n");
+    system.configurationName = "Vacances";
+    ConfigForm form(system);
+    user().answer(Answer::ok);
+    erase(form, 1);
+    EXPECT_THAT(lastMessage(), IsMessage("Impossible d'effacer la configuration en cours !", title,
+                                         MessageIcon::information));
+    EXPECT_THAT(form.Liste.entries(), ElementsAre("General", "Vacances"));
 }
 
 TEST_F(ConfigFormTest, SelectedNameLeavesTheDescriptionOut) {

@@ -61,7 +61,7 @@ MATCHER_P3(IsMessage, text, title, icon, "") {
 MATCHER_P2(IsQuestion, text, title, "") {
     *result_listener << "\"" << arg.text << "\" titled \"" << arg.title << "\"";
     return arg.text == text && arg.title == title && arg.icon == MessageIcon::question &&
-           arg.buttons == MessageButtons::okCancel;
+           arg.buttons == MessageButtons::okCancel && arg.harmful;
 }
 
 }  // namespace coffrelune

@@ -225,5 +225,50 @@ TEST(Utf16le, UsesSurrogatePairs) {
     EXPECT_EQ(utf16le::decode(std::string("\x3C\xD8\x19\xDF", 4)), "🌙");
 }
 
+// ---- UTF-8 without a mark
+// ------------------------------------------------------------------------
+
+TEST_F(SettingsEncodingTest, TakesWhatIsValidUtf8ForWhatAnEditorHasMade) {
+    load("[Été]\nx=été\n");
+    EXPECT_EQ(text.value("Été", "x"), "été");
+    EXPECT_EQ(text.setValue("Été", "y", "Ж"), Edit::made);
+    EXPECT_EQ(text.serialise(), "[Été]\nx=été\ny=Ж\n");
+    EXPECT_EQ(readBack("Été", "y"), "Ж");
+}
+
+TEST_F(SettingsEncodingTest, TakesAnythingElseForTheCodePage) {
+    load("[A]\nx=\xE9t\xE9\ny=\xC3\xA9\n");
+    EXPECT_EQ(text.value("A", "x"), "été");
+    EXPECT_EQ(text.value("A", "y"), "Ã©");
+}
+
+TEST_F(SettingsEncodingTest, TakesNoUtf8WithoutAMarkWhereEditorsWriteTheCodePage) {
+    const BestFit page;
+    SettingsText other(page);
+    ASSERT_TRUE(other.parse("[A]\nx=é\n"));
+    EXPECT_EQ(other.setValue("A", "y", "ê\xE9"), Edit::made);
+    EXPECT_EQ(other.serialise(), "[A]\nx=é\ny=ê\xE9\n");
+}
+
+TEST_F(SettingsEncodingTest, WhatTheNextStartWouldReadAsUtf8IsKeptAsUtf16) {
+    load("[A]\nx=1\n");
+    EXPECT_EQ(text.setValue("A", "x", "Ã©"), Edit::made);
+    EXPECT_THAT(text.serialise(), StartsWith(utf16Mark));
+    EXPECT_EQ(readBack("A", "x"), "Ã©");
+}
+
+TEST_F(SettingsEncodingTest, WhatTheNextStartWouldReadAsUtf8AfterADeletionIsKeptAsUtf16) {
+    load("[A]\nx=\xC3\xA9\ny=\xE9\n");
+    EXPECT_EQ(text.deleteKey("A", "y"), Edit::made);
+    EXPECT_EQ(readBack("A", "x"), "Ã©");
+}
+
+TEST_F(SettingsEncodingTest, ANameThatIsNoUtf8KeepsTheRestOfAUtf8File) {
+    load("[A]\nx=été\n");
+    EXPECT_EQ(text.setValue("A", "y", "caf\xE9"), Edit::made);
+    EXPECT_EQ(readBack("A", "x"), "été");
+    EXPECT_EQ(readBack("A", "y"), "caf\xE9");
+}
+
 }  // namespace
 }  // namespace coffrelune

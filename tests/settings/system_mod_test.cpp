@@ -170,7 +170,7 @@ TEST_F(SystemModTest, LoadsAConfigurationWithoutASectionAsEmpty) {
 TEST_F(SystemModTest, LoadsTheOptions) {
     put("[Position]\nRecentSeul=-1\nDelReadOnly=1\nArbreMode=-1\nSignalSonore=2\nSynchroDate=-1\n"
         "ContinueOnError=-1\nAltCopie=99999\nCorrectEteOff=-1\nSynchroCopie=0\nSuiviAnalyse=1\n"
-        "SignalOk=Cloche\nSignalErreur=\n");
+        "SignalOk=Cloche\nSignalErreur=\nDatesArrondies=-1\n");
     const CopyOptions& options = start().options;
     EXPECT_EQ(options.RecentSeul, -1);
     EXPECT_EQ(options.DelReadOnly, 1);
@@ -181,6 +181,7 @@ TEST_F(SystemModTest, LoadsTheOptions) {
     EXPECT_EQ(options.AltCopie, 99999);
     EXPECT_EQ(options.CorrectEteOff, -1);
     EXPECT_EQ(options.SynchroCopie, 0);
+    EXPECT_EQ(options.DatesArrondies, -1);
     EXPECT_EQ(state->SuiviAnalyse, 1);
     EXPECT_THAT(state->soundNames, ElementsAre("Cloche", "Erreur"));
 }

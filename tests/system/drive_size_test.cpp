@@ -13,7 +13,7 @@ constexpr std::uint64_t tera = giga * 1024;
 
 std::string text(std::uint64_t bytes) {
     MemoryLocale locale;
-    locale.set(".", "'");
+    locale.set(".");
     return driveSizeText(bytes, locale);
 }
 

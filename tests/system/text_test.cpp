@@ -162,5 +162,11 @@ TEST(Characters, AreCountedAndCutWhole) {
     EXPECT_EQ(firstCharacters("été", 0), "");
 }
 
+TEST(VisibleControls, ShowTheColonThatANameBears) {
+    EXPECT_EQ(visibleControls("C:\\a\uF03Ab\n"), "C:\\a:b␊");
+    EXPECT_EQ(visibleControls("\uF0FF\uF03A"), "\uF0FF\uF03A") << "the character itself";
+    EXPECT_EQ(visibleControls("\xEF\x80"), "\xEF\x80");
+}
+
 }  // namespace
 }  // namespace coffrelune
