@@ -18,6 +18,30 @@ void addLine(std::string& text, std::string_view key, const std::string& value) 
     text.append(key).append("=").append(escapeCharacters(value, lineBreakers)).append("\n");
 }
 
+bool readNumber(const std::string& value, std::uint64_t& number) {
+    const char* end = value.data() + value.size();
+    const auto [last, error] = std::from_chars(value.data(), end, number);
+    return error == std::errc() && last == end;
+}
+
+void addTimes(std::string& text, const TimeGrid& times) {
+    constexpr TimeGrid exact;
+    if (times.step != exact.step) addLine(text, "pas-des-dates", std::to_string(times.step));
+    if (times.earliest != exact.earliest) {
+        addLine(text, "premiere-date", std::to_string(times.earliest));
+    }
+    if (times.latest != exact.latest) {
+        addLine(text, "derniere-date", std::to_string(times.latest));
+    }
+}
+
+// 0 is no step.
+bool readTimes(TimeGrid& times, std::string_view key, const std::string& value) {
+    if (key == "pas-des-dates") return readNumber(value, times.step) && times.step != 0;
+    if (key == "premiere-date") return readNumber(value, times.earliest);
+    return key == "derniere-date" && readNumber(value, times.latest);
+}
+
 bool readMode(const std::string& value, ExclusionList& list) {
     std::int32_t mode = 0;
     const char* end = value.data() + value.size();
@@ -45,7 +69,7 @@ bool takeLine(Certificate& certificate, std::string_view key, const std::string&
     } else if (key == "etat") {
         certificate.complete = value == "complete";
     } else {
-        return false;
+        return readTimes(certificate.times, key, value);
     }
     return true;
 }
@@ -86,6 +110,7 @@ std::string certificateText(const Certificate& certificate) {
         addLine(text, "exclu", entry);
     }
     for (const std::string& mount : certificate.mounts) addLine(text, "montage", mount);
+    addTimes(text, certificate.times);
     return text.append(ending).append("\n");
 }
 

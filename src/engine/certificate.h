@@ -22,6 +22,7 @@ struct Certificate {
     /// The copy holds everything of the original that was not left out. False from before the first
     /// change of the copy until the backup has ended well and is safe on the disk.
     bool complete = false;
+    TimeGrid times{};  // that the copy's volume holds, where rounding is accepted
 
     bool operator==(const Certificate&) const = default;
 };

@@ -35,15 +35,19 @@ void CopieMod::walkLine(LineTrees& trees, Pass pass) {
     leftOut_ = {run_.system.platform.drives.windowsDirectory(),
                 withTrailingBackslash(roots().source),
                 {trees.line().exclusions}};
-    decision_ = {run_.system.Modifie != 0 || run_.comparing(), run_.system.options.RecentSeul != 0,
-                 run_.system.options.CorrectEteOff == 0};
-
+    decision_ = {run_.system.Modifie != 0 || run_.comparing(),
+                 run_.system.options.RecentSeul != 0,
+                 run_.system.options.CorrectEteOff == 0,
+                 {},
+                 !trees.backsUp()};
     if (!destinationExists(roots().destination)) {
+        run_.tally(trees.line().index).destinationMissing = true;
         run_.control.lastErrorNumber = error_number::deviceDoesNotExist;
         run_.control.interruptionRequested = true;
         return;
     }
     if (isRefused() || !trees.take()) return;
+    if (pass_ != Pass::tree) decision_.grid = trees.heldTimes();
 
     FileEntry source;
     const Status found = findSource(source);
@@ -55,10 +59,10 @@ void CopieMod::walkLine(LineTrees& trees, Pass pass) {
     progress_.clearTexts();
     if (pass_ == Pass::copy) queue_.open(trees.line().index, roots().target);
     if (!mayCreate()) ahead_ = files_.startWalk();
-    walkTree({withTrailingBackslash(roots().source), withTrailingBackslash(roots().target),
-              LinkRule::follow});
+    paths_ = {withTrailingBackslash(roots().source), withTrailingBackslash(roots().target)};
+    walkTree({paths_.source, paths_.destination, LinkRule::follow});
     ahead_.reset();
-    queue_.close();
+    tellTimes(queue_.close());
 }
 
 // The test for a drive root comes first: it may hold nothing and yet be a freshly formatted disk.
@@ -105,7 +109,9 @@ bool CopieMod::createRoot() {
         return false;
     }
     guard_.watch(roots());
-    return trees_->take() && mayChange();
+    if (!trees_->take() || !mayChange()) return false;
+    (void)trees_->heldTimes();  // noted in the certificate
+    return true;
 }
 
 // Nothing in the written tree changes before the tree itself says that it is being changed.
@@ -128,9 +134,13 @@ bool CopieMod::isKept() {
 // A single file is copied on every backup, changed or not, and without the question.
 void CopieMod::copySingleFile(const FileEntry& entry) {
     if (pass_ == Pass::tree) return;
-    if (run_.switches.keepExisting && isKept()) return;
+    if (run_.verifying()) return verifySingleFile(entry);
+    if (run_.switches.keepExisting && isKept()) {
+        if (pass_ == Pass::analysis) skip(roots().source, entry, keptReason);
+        return;
+    }
     if (pass_ == Pass::analysis) {
-        statistics_.totalBytes += static_cast<float>(entry.size);
+        addBytes(statistics_.totalBytes, entry.size);
         countToCopy(entry);
         return;
     }
@@ -142,6 +152,10 @@ void CopieMod::copySingleFile(const FileEntry& entry) {
     // A restore may find the directory gone. What stands in the way is told by the copy itself.
     (void)copier_.createPath(holder, DirectoryAccess::usual, created);
     if (created) ++statistics_.directoriesCreated;
+    display_.showFile("Fichier: " + entry.name);
+    FileEntry existing;
+    const bool replaces =
+        run_.keepsRecord() && files_.lookUp(roots().target, LinkRule::refuse, existing).ok();
     const Status copied =
         copier_.copy(entry, withoutTrailingBackslash(source), roots().target, LinkRule::follow);
     if (copied.code() == error_number::requestAborted) {
@@ -149,11 +163,13 @@ void CopieMod::copySingleFile(const FileEntry& entry) {
         return;
     }
     // A file that failed counts too: the percentage measures how far the run has come.
-    statistics_.bytesDone += static_cast<float>(entry.size);
+    addBytes(statistics_.bytesDone, entry.size);
     if (!copied.ok()) return errors_.failed(copied.code(), source, splitPath(source).parent);
     LineTally& tally = run_.tally(trees_->line().index);
     ++tally.files;
     tally.bytes += entry.size;
+    run_.record({replaces ? FileOutcome::replaced : FileOutcome::copied, trees_->line().index,
+                 source, entry.size});
 }
 
 // One directory of a pass that changes nothing.
@@ -174,15 +190,25 @@ DirectoryPair CopieMod::pairOf(const Place& place) const {
 }
 
 // What comes next may be read while this directory is looked at.
-void CopieMod::announce(const Place& place, const std::vector<std::string>& names,
-                        std::size_t first) {
-    constexpr std::size_t most = 8;
+void CopieMod::announce(const std::vector<std::string>& names, std::size_t first) {
+    constexpr std::size_t most = 64;
     if (ahead_ == nullptr || first % most != 0) return;
     std::vector<DirectoryPair> pairs;
     for (std::size_t i = first; i < std::min(first + most, names.size()); ++i) {
-        pairs.push_back(pairOf(below(place, names[i])));
+        const Entered next(paths_, names[i]);
+        pairs.push_back(pairOf({paths_.source, paths_.destination}));
     }
     ahead_->announce(std::move(pairs));
+}
+
+void CopieMod::verifySingleFile(const FileEntry& entry) {
+    FileEntry existing;
+    const bool found = files_.lookUp(roots().target, LinkRule::refuse, existing).ok();
+    FileEntry file = entry;
+    file.name = splitPath(roots().source).last;
+    const std::string source = withTrailingBackslash(splitPath(roots().source).parent);
+    const std::string destination = withTrailingBackslash(splitPath(roots().target).parent);
+    verifyFile(file, found ? &existing : nullptr, {source, destination, LinkRule::follow});
 }
 
 void CopieMod::walkTree(const Place& place) {
@@ -196,6 +222,8 @@ void CopieMod::walkTree(const Place& place) {
     const std::int32_t createdBefore = statistics_.directoriesCreated;
     if (!openTarget(place, target)) return;
     const bool isNew = statistics_.directoriesCreated != createdBefore;
+    const bool hadRights = !isNew && target->hasRightsOf(*listing);
+    const std::uint64_t addedBefore = queue_.added();
     if (pass_ == Pass::tree) {
         showTreeCounts();
     } else {
@@ -206,8 +234,13 @@ void CopieMod::walkTree(const Place& place) {
     listing.reset();  // a deep tree must not hold a descriptor for every level
     target.reset();
     walkSubdirectories(place, names);
+    // What is written into a directory may have needed rights that its original does not give.
+    const bool hasRights = hadRights && queue_.added() == addedBefore &&
+                           statistics_.directoriesCreated == createdBefore;
     // Last, since it may forbid writing. A volume that refuses keeps its own rights.
-    if (isNew || bringsRights()) queue_.matchDirectory(place.source, place.destination);
+    if (isNew || (bringsRights() && !hasRights)) {
+        queue_.matchDirectory(place.source, place.destination);
+    }
 }
 
 // A copy that no backup of this program has made may show any rights: a restore gives them to none
@@ -230,10 +263,10 @@ void CopieMod::sourceNotListed(const Place& place, const Status& status) {
     // One that is there but cannot be read is named whatever the pass: nothing else might be left
     // to copy, and the run must not look complete.
     if (!missing) errors_.unread(status.code(), directory);
+    if (missing && isRoot) run_.tally(trees_->line().index).sourceMissing = true;
     if (isSpecialFolder(place.source)) return;
     // A link that leads back to where it stands hides nothing: the rest goes on.
     if (!isRoot && status.code() == error_number::cannotResolveName) return;
-    if (missing && isRoot) run_.tally(trees_->line().index).sourceMissing = true;
     if (pass_ != Pass::copy) return;
 
     if (!isRoot && run_.system.options.ContinueOnError != 0) {
@@ -252,7 +285,6 @@ LinkRule CopieMod::targetLinks(const Place& place) const {
 
 // False when nothing below this place can be written: its target could not be made.
 bool CopieMod::openTarget(const Place& place, std::unique_ptr<Directory>& target) {
-    if (place.links == LinkRule::enter && leadsBack(place)) return false;
     const auto open = [&] {
         return files_.openDirectory(place.destination, targetLinks(place), Wanted::nothing, target);
     };
@@ -261,6 +293,7 @@ bool CopieMod::openTarget(const Place& place, std::unique_ptr<Directory>& target
         if (errors_.hasFailedInLine(place.source)) return false;
         return createMissingTarget(place, opened) && open().ok();
     }
+    if (place.links == LinkRule::enter && leadsBack(place, *target)) return false;
     // Once per run and directory is enough: the tree pass meets every one of them. What cannot be
     // removed now stays hidden from every listing until a later run can.
     const bool isRoot = place.links == LinkRule::follow;  // where certificates are written
@@ -271,50 +304,19 @@ bool CopieMod::openTarget(const Place& place, std::unique_ptr<Directory>& target
 }
 
 // A mount in the written tree that shows what is read: one file would be written over another.
-bool CopieMod::leadsBack(const Place& place) {
+bool CopieMod::leadsBack(const Place& place, const Directory& target) {
     const std::string path = withoutTrailingBackslash(place.destination);
-    FileEntry entry;
-    const bool isThere =
-        files_.lookUp(path, LinkRule::refuse, entry).ok() && entry.isDirectory() && !entry.isLink();
-    if (!isThere || !trees_->showsSource(path, entry)) return false;
+    FileEntry found;
+    const FileEntry* entry = target.self();
+    if (entry == nullptr && files_.lookUp(path, LinkRule::refuse, found).ok()) entry = &found;
+    const bool isThere = entry != nullptr && entry->isDirectory() && !entry->isLink();
+    if (!isThere || !trees_->showsSource(path, *entry)) return false;
     if (!errors_.hasFailedInLine(place.source)) {
-        tellObstacle(path + " est un montage qui montre les fichiers de " + roots().source +
-                     " : rien n'y est écrit.");
+        display_.AjouteECTxt(path + " est un montage qui montre les fichiers de " + roots().source +
+                             " : rien n'y est écrit.");
     }
     errors_.failedInLine(error_number::invalidParameter, place.source);
     return true;
-}
-
-bool CopieMod::createMissingTarget(const Place& place, const Status& opened) {
-    if (isBlocked(place)) return false;
-    if (place.links == LinkRule::follow) return createRoot();
-    if (!mayChange()) return false;
-    const std::string path = withoutTrailingBackslash(place.destination);
-    const Status made = files_.createDirectory(path, DirectoryAccess::ownerOnly);
-    if (made.ok()) {
-        ++statistics_.directoriesCreated;
-        return true;
-    }
-    const bool taken = made.code() == error_number::alreadyExists;
-    errors_.failedInLine(taken ? opened.code() : made.code(), place.source);
-    return false;
-}
-
-// A file where a directory must be: the deletion of excess files takes it away, and the directory
-// is made afterwards; without that pass the user learns what stands in the way.
-bool CopieMod::isBlocked(const Place& place) {
-    const std::string path = withoutTrailingBackslash(place.destination);
-    FileEntry entry;
-    if (!files_.lookUp(path, LinkRule::refuse, entry).ok() || entry.isDirectory()) return false;
-    if (pass_ == Pass::tree && mayDeleteExcess(run_)) return true;
-    tellObstacle(path + (entry.isLink() ? " est un lien" : " est un fichier") +
-                 " : le répertoire de ce nom ne peut pas être créé.");
-    errors_.failedInLine(error_number::notADirectory, place.source);
-    return true;
-}
-
-void CopieMod::tellObstacle(const std::string& text) {
-    display_.AjouteECTxt(text);
 }
 
 void CopieMod::showTreeCounts() {
@@ -323,17 +325,25 @@ void CopieMod::showTreeCounts() {
     display_.runPendingEvents();
 }
 
-CopieMod::Place CopieMod::below(const Place& place, const std::string& name) {
-    return {place.source + name + "\\", place.destination + name + "\\", LinkRule::enter};
+CopieMod::Entered::Entered(WalkPaths& paths, const std::string& name)
+    : paths_(paths), added_(name.size() + 1) {
+    for (std::string* path : {&paths_.source, &paths_.destination}) path->append(name).append("\\");
+}
+
+CopieMod::Entered::~Entered() {
+    for (std::string* path : {&paths_.source, &paths_.destination}) {
+        path->resize(path->size() - added_);
+    }
 }
 
 void CopieMod::walkSubdirectories(const Place& place, const std::vector<std::string>& names) {
     FoldedNames handled;
     for (std::size_t i = 0; i < names.size(); ++i) {
-        announce(place, names, i);
+        announce(names, i);
         if (run_.stopped()) return;
         if (!handled.add(names[i]) && isTaken(names[i], place, Wanted::directories)) continue;
-        walkTree(below(place, names[i]));
+        const Entered entered(paths_, names[i]);
+        walkTree({paths_.source, paths_.destination});
         display_.runPendingEvents();
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -25,11 +26,31 @@ class CopieMod {
     void walkLine(LineTrees& trees, Pass pass);
 
   private:
-    // One directory of the walk; both paths end with a backslash.
+    // One directory of the walk; both paths end with a backslash. They are the walk's own, which
+    // grow while it is in a directory of this one: each level's own paths would fill the memory of
+    // a tree of thousands of levels.
     struct Place {
+        const std::string& source;
+        const std::string& destination;
+        LinkRule links = LinkRule::enter;  // only the roots of a line are links that are followed
+    };
+
+    struct WalkPaths {
         std::string source;
         std::string destination;
-        LinkRule links = LinkRule::enter;  // only the roots of a line are links that are followed
+    };
+
+    // A directory of the one that the paths lead to, until this goes.
+    class Entered {
+      public:
+        Entered(WalkPaths& paths, const std::string& name);
+        Entered(const Entered&) = delete;
+        Entered& operator=(const Entered&) = delete;
+        ~Entered();
+
+      private:
+        WalkPaths& paths_;
+        std::size_t added_;
     };
 
     // The same, open. The target is null where there is none, which no copy pass goes on with.
@@ -57,14 +78,13 @@ class CopieMod {
     LinkRule targetLinks(const Place& place) const;
     void look(const Place& place);
     bool openTarget(const Place& place, std::unique_ptr<Directory>& target);
-    void announce(const Place& place, const std::vector<std::string>& names, std::size_t first);
+    void announce(const std::vector<std::string>& names, std::size_t first);
     DirectoryPair pairOf(const Place& place) const;
-    bool leadsBack(const Place& place);
+    bool leadsBack(const Place& place, const Directory& target);
     bool mayBeOwn(const FileEntry& entry, const Place& place);
     bool createMissingTarget(const Place& place, const Status& opened);
     bool isBlocked(const Place& place);
     void showTreeCounts();
-    static Place below(const Place& place, const std::string& name);
     void walkSubdirectories(const Place& place, const std::vector<std::string>& names);
     std::vector<std::string> subdirectories(const Place& place, Directory& listing);
     bool isWanted(const Place& place, const FileEntry& directory);
@@ -74,12 +94,16 @@ class CopieMod {
     bool keepsSome() const;
     bool findExisting(const FileEntry& entry, const Pair& pair, FileEntry& existing, bool& found);
     void scanFile(const FileEntry& entry, const Pair& pair);
+    void verifyFile(const FileEntry& entry, const FileEntry* existing, const Place& place);
+    void verifySingleFile(const FileEntry& entry);
     void analyseFile(const FileEntry& entry, const Decision& decision, const Place& place);
-    void copyFile(const FileEntry& entry, const Decision& decision, bool found, const Pair& pair);
-    bool mayReplace(const std::string& name);
+    void copyFile(const FileEntry& entry, const FileEntry* existing, const Decision& decision,
+                  const Pair& pair);
+    bool mayReplace(const Replacement& replacement);
     bool mayChange();
-    void tellObstacle(const std::string& text);
+    void tellTimes(KeptTimes kept);
     void countToCopy(const FileEntry& entry);
+    void skip(const std::string& path, const FileEntry& entry, std::string_view reason);
 
     RunState& run_;
     FileService& files_;
@@ -90,9 +114,11 @@ class CopieMod {
     FileCopier copier_;
     CopyQueue queue_;
     LineGuard guard_;
+    std::set<std::string> toldVolumes_;  // that they do not hold the times of files
 
     // Of the line and pass in progress.
     LineTrees* trees_ = nullptr;
+    WalkPaths paths_;
     Pass pass_ = Pass::analysis;
     std::unique_ptr<WalkAhead> ahead_;  // where the pass changes nothing
     LeftOut leftOut_;

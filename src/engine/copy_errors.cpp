@@ -60,6 +60,7 @@ void CopyErrors::name(std::uint32_t number, const std::string& path) {
     ++statistics.errorCount;
     if (statistics.errorCount == 1) run_.display.MajErreurImg();
     statistics.errors.push_back({number, path, line_});
+    run_.record({FileOutcome::failed, line_, path, 0, number});
     run_.display.AjouteECTxt("Erreur: " + std::to_string(number) + " - Fichier: " + path);
     run_.display.runPendingEvents();
 }

@@ -1,5 +1,7 @@
 #include "engine/copy_queue.h"
 
+#include "engine/locked_entries.h"
+
 namespace coffrelune {
 
 CopyQueue::CopyQueue(RunState& run, CopyErrors& errors, Progress& progress, FileCopier& copier)
@@ -16,6 +18,7 @@ bool CopyQueue::add(const Wish& wish) {
     const std::string source = wish.sourceDirectory + wish.entry.name;
     const std::string target = wish.targetDirectory + wish.entry.name;
     std::uint64_t ticket = 0;
+    ++added_;
     Status copied = copyOnce(wish, source, target, ticket);
     if (!copied.ok() && copied.code() != error_number::requestAborted) {
         copier_.setAttributes(target, attribute::normal);
@@ -23,13 +26,24 @@ bool CopyQueue::add(const Wish& wish) {
     }
     if (copied.code() == error_number::requestAborted) return false;
     // A file that failed counts too: the percentage measures how far the run has come.
-    run_.statistics.bytesDone += static_cast<float>(wish.entry.size);
+    addBytes(run_.statistics.bytesDone, wish.entry.size);
     if (copied.ok()) {
-        waiting_.push_back({ticket, wish.sourceDirectory, wish.entry.name, wish.entry.size, {}});
+        waiting_.push_back(
+            {ticket, wish.sourceDirectory, wish.entry.name, wish.entry.size, wish.found, {}});
     } else {
+        if (copied.code() == error_number::accessDenied) explain(target, wish.targetDirectory);
         errors_.failed(copied.code(), source, wish.sourceDirectory);
     }
     return true;
+}
+
+// A locked directory is told once for all that cannot be copied into it.
+void CopyQueue::explain(const std::string& target, const std::string& directory) {
+    if (explained_.contains(directory)) return;
+    const std::string lock = lockOn(files_, target);
+    if (lock.empty()) return;
+    if (lock.find(target) == std::string::npos) explained_.insert(directory);
+    run_.display.AjouteECTxt(lock);
 }
 
 Status CopyQueue::copyOnce(const Wish& wish, const std::string& source, const std::string& target,
@@ -52,6 +66,8 @@ void CopyQueue::committed(std::uint64_t, const Status& status) {
         LineTally& tally = run_.tally(line_);
         ++tally.files;
         tally.bytes += copy.size;
+        run_.record({copy.replaces ? FileOutcome::replaced : FileOutcome::copied, line_,
+                     copy.directory + copy.name, copy.size});
     } else if (status.code() == error_number::requestAborted) {
         run_.control.interruptionRequested = true;
     } else {
@@ -75,9 +91,11 @@ void CopyQueue::settle() {
     if (!finished.ok()) errors_.failed(finished.code(), root_, root_);
 }
 
-void CopyQueue::close() {
+KeptTimes CopyQueue::close() {
     settle();
+    const KeptTimes kept = batch_ == nullptr ? KeptTimes::exactly : batch_->keptTimes();
     batch_.reset();
+    return kept;
 }
 
 }  // namespace coffrelune

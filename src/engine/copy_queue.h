@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -37,13 +38,16 @@ class CopyQueue final : private CopyEvents {
     /// and the copy tried once more; after a second one it is counted as an error. False when the
     /// user gave it up.
     bool add(const Wish& wish);
+    /// How many have been added, those that failed included.
+    std::uint64_t added() const { return added_; }
 
     /// Gives the directory `target` the rights of `source`, once it has no copy that waits.
     void matchDirectory(const std::string& source, const std::string& target);
 
     /// Everything that was added bears its name, or is counted as failed, when this returns.
     void settle();
-    void close();
+    /// What has become of the times of the line's files.
+    KeptTimes close();
 
   private:
     struct Waiting {
@@ -51,11 +55,13 @@ class CopyQueue final : private CopyEvents {
         std::string directory;  // of the original, with its backslash
         std::string name;
         std::uint64_t size = 0;
+        bool replaces = false;
         std::vector<std::pair<std::string, std::string>> matches;  // due after this one
     };
 
     Status copyOnce(const Wish& wish, const std::string& source, const std::string& target,
                     std::uint64_t& ticket);
+    void explain(const std::string& target, const std::string& directory);
     void committed(std::uint64_t ticket, const Status& status) override;
     void waiting() override { run_.display.runPendingEvents(); }
 
@@ -67,6 +73,8 @@ class CopyQueue final : private CopyEvents {
     int line_ = 0;
     std::string root_;
     std::deque<Waiting> waiting_;
+    std::uint64_t added_ = 0;
+    std::set<std::string> explained_;  // directories that are locked
     std::unique_ptr<CopyBatch> batch_;
 };
 

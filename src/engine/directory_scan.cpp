@@ -1,10 +1,27 @@
 // The files of one directory: what each of them is compared with, and what becomes of it.
+#include "engine/content_check.h"
 #include "engine/copie_mod.h"
 #include "engine/folded_names.h"
+#include "engine/replacement.h"
 #include "system/paths.h"
 #include "system/text.h"
 
 namespace coffrelune {
+namespace {
+
+// Why the rules leave a file alone.
+std::string_view unchangedReason(const FileEntry& source, const FileEntry& existing) {
+    const bool older = source.times.lastWrite < existing.times.lastWrite;
+    return older ? "la copie est plus récente" : "à jour";
+}
+
+// The words for a list follow a path and begin with a blank.
+std::string_view withoutBlank(std::string_view status) {
+    return status.starts_with(' ') ? status.substr(1) : status;
+}
+
+}  // namespace
+
 // Two names that differ in their case alone are one name to many volumes: the copy of the second
 // would replace that of the first, run after run, and both would count as saved. Asked for names
 // that came up again without their case, which is rare, so the source may be listed once more.
@@ -67,6 +84,7 @@ void CopieMod::scanFile(const FileEntry& entry, const Pair& pair) {
     FileEntry existing;
     bool found = false;
     if (!findExisting(entry, pair, existing, found)) return;
+    if (run_.verifying()) return verifyFile(entry, found ? &existing : nullptr, place);
     const bool analysing = pass_ == Pass::analysis;
     if (found && decision_.compare && analysing && run_.system.SuiviAnalyse != 0 &&
         !run_.comparing()) {
@@ -74,15 +92,54 @@ void CopieMod::scanFile(const FileEntry& entry, const Pair& pair) {
         display_.runPendingEvents();
     }
     const Decision decision = decide(entry, found ? &existing : nullptr, decision_);
-    if (!decision.copy) return;
-    if (run_.switches.keepExisting && !decision.isNew && !run_.comparing()) return;
+    if (pass_ == Pass::copy) pair.source.expectCopy(decision.copy);  // like its neighbour
+    if (!decision.copy) {
+        if (analysing && run_.keepsRecord()) {
+            skip(place.source + entry.name, entry, unchangedReason(entry, existing));
+        }
+        return;
+    }
+    if (run_.switches.keepExisting && !decision.isNew && !run_.comparing()) {
+        if (analysing) skip(place.source + entry.name, entry, keptReason);
+        return;
+    }
     if (!decision.isNew && !mayBeOwn(entry, place)) return;
     if (analysing) return analyseFile(entry, decision, place);
     if (found && existing.isDirectory()) {
-        tellObstacle(place.destination + entry.name +
-                     " est un répertoire : le fichier de ce nom ne peut pas être copié.");
+        display_.AjouteECTxt(place.destination + entry.name +
+                             " est un répertoire : le fichier de ce nom ne peut pas être copié.");
     }
-    copyFile(entry, decision, found, pair);
+    copyFile(entry, found ? &existing : nullptr, decision, pair);
+}
+
+// Equal dates of different contents speak of a damaged file, others of one that was changed.
+void CopieMod::verifyFile(const FileEntry& entry, const FileEntry* existing, const Place& place) {
+    if (existing == nullptr || existing->isDirectory()) {
+        return analyseFile(entry, {true, true, " n'existe pas"}, place);
+    }
+    const std::string source = place.source + entry.name;
+    // Where the volume of the copy holds no links, it holds what they lead to.
+    const bool links = entry.isLink() && existing->isLink();
+    const bool sizesTell = !entry.isLink() && !existing->isLink();
+    bool same = false;
+    if (!sizesTell || entry.size == existing->size) {
+        const Status read =
+            ContentCheck(run_).compare(source, place.destination + entry.name,
+                                       links ? LinkRule::refuse : LinkRule::follow, same);
+        if (!read.ok()) return errors_.unread(read.code(), read.path());
+    }
+    if (run_.stopped()) return;
+    LineTally& tally = run_.tally(trees_->line().index);
+    ++tally.files;
+    tally.bytes += entry.size;
+    display_.showCount(std::to_string(tally.files) + " fichier(s) vérifié(s)");
+    if (same) {
+        return run_.record({FileOutcome::verified, trees_->line().index, source, entry.size});
+    }
+    const bool sameDate = haveSameTime(entry, *existing, decision_);
+    analyseFile(entry,
+                {true, false, sameDate ? " est différent, à la même date" : " est différent"},
+                place);
 }
 
 // Of two originals with one copy, that copy holds one file of each name, and nobody can say whose:
@@ -101,23 +158,33 @@ bool CopieMod::mayBeOwn(const FileEntry& entry, const Place& place) {
 
 void CopieMod::analyseFile(const FileEntry& entry, const Decision& decision, const Place& place) {
     // The size is exact, its sum is a 32-bit float: see RunStatistics.
-    statistics_.totalBytes += static_cast<float>(entry.size);
+    addBytes(statistics_.totalBytes, entry.size);
     countToCopy(entry);
     if (!run_.comparing()) return;
     const std::string line = place.destination + entry.name + std::string(decision.status);
     display_.addToComparison(line);
     display_.AjouteECTxt(line);
     ++statistics_.filesToCopy;
+    run_.record({FileOutcome::differs, trees_->line().index, place.source + entry.name, entry.size,
+                 0, withoutBlank(decision.status)});
     display_.showCount(std::to_string(statistics_.filesToCopy) + " fichier(s) à copier ");
 }
 
-void CopieMod::copyFile(const FileEntry& entry, const Decision& decision, bool found,
+// `existing` is null where nothing bears the name.
+void CopieMod::copyFile(const FileEntry& entry, const FileEntry* existing, const Decision& decision,
                         const Pair& pair) {
     const Place& place = pair.place;
+    progress_.startFile(entry.name, place.source, place.destination);
+    // What is not new replaces something that was found.
     const bool asks = !decision.isNew && run_.control.askBeforeReplacing;
-    if ((asks && !mayReplace(entry.name)) || !mayChange()) return;
-    progress_.refreshCaptions(place.source, place.destination);
-    if (!queue_.add({entry, pair.source, *pair.target, place.source, place.destination, found})) {
+    if (asks &&
+        !mayReplace(describeReplacement(run_.system, place.destination, *existing, entry))) {
+        if (!run_.stopped()) skip(place.source + entry.name, entry, keptReason);
+        return;
+    }
+    if (!mayChange()) return;
+    if (!queue_.add({entry, pair.source, *pair.target, place.source, place.destination,
+                     existing != nullptr})) {
         // The user gave the file up: its old copy is whole, and that is no error.
         run_.control.interruptionRequested = true;
         return;
@@ -126,8 +193,8 @@ void CopieMod::copyFile(const FileEntry& entry, const Decision& decision, bool f
     progress_.refreshEstimate();
 }
 
-bool CopieMod::mayReplace(const std::string& name) {
-    switch (display_.DemandeRemplacement(name)) {
+bool CopieMod::mayReplace(const Replacement& replacement) {
+    switch (display_.DemandeRemplacement(replacement)) {
         case ReplacementAnswer::yes:
             return true;
         case ReplacementAnswer::yesToAll:
@@ -140,6 +207,10 @@ bool CopieMod::mayReplace(const std::string& name) {
     }
     run_.control.interruptionRequested = true;
     return false;
+}
+
+void CopieMod::skip(const std::string& path, const FileEntry& entry, std::string_view reason) {
+    run_.record({FileOutcome::skipped, trees_->line().index, path, entry.size, 0, reason});
 }
 
 void CopieMod::countToCopy(const FileEntry& entry) {

@@ -1,6 +1,7 @@
 // The files of one directory of the cleaned tree: what the reference has of each, and what becomes
 // of it.
 #include "engine/excess_walk.h"
+#include "engine/locked_entries.h"
 #include "system/text.h"
 
 namespace coffrelune {
@@ -33,8 +34,9 @@ void ExcessWalk::handle(const FileEntry& entry, Directory* reference, const Plac
     if (!known || entry.unreadable || step_ == Step::count) return;
     // What the copy pass would leave alone is none of those that it replaces: with `RecentSeul` a
     // newer file of the copy is kept.
-    if (decide(entry, &counterpart, decision_).copy &&
-        decide(counterpart, &entry, decision_).copy) {
+    DecisionOptions back = decision_;
+    back.sourceIsCopy = !decision_.sourceIsCopy;
+    if (decide(entry, &counterpart, decision_).copy && decide(counterpart, &entry, back).copy) {
         showDeleted(entry, place.cleaned + entry.name);
     }
 }
@@ -111,17 +113,22 @@ void ExcessWalk::remove(const FileEntry& entry, const Place& place) {
     // again.
     const Status removed = files_.removeFile(path);
     if (!removed.ok()) {
+        run_.record({FileOutcome::failed, trees_->line().index, path, 0, removed.code()});
         run_.display.AjouteECTxt("Non effacé : " + path + " (erreur " +
                                  std::to_string(removed.code()) + ").");
+        const std::string lock =
+            removed.code() == error_number::accessDenied ? lockOn(files_, path) : "";
+        if (!lock.empty()) run_.display.AjouteECTxt(lock);
         return;
     }
     ++run_.statistics.filesRemoved;
+    run_.record({FileOutcome::deleted, trees_->line().index, path, entry.size});
     run_.display.AjouteECTxt("Effacé : " + path);
 }
 
 void ExcessWalk::showDeleted(const FileEntry& entry, const std::string& path) {
     RunStatistics& statistics = run_.statistics;
-    statistics.totalBytes += static_cast<float>(entry.size);
+    addBytes(statistics.totalBytes, entry.size);
     ++statistics.filesDeleted;
     run_.display.showFile(path);
     run_.display.showCount(std::to_string(statistics.filesDeleted) +

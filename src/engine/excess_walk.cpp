@@ -47,7 +47,7 @@ bool ExcessWalk::cleanLine(LineTrees& trees, const ExclusionList& loadedLast) {
         leftOut_.lists.push_back(certificate->exclusions);
     }
     decision_ = {run_.system.Modifie != 0, run_.system.options.RecentSeul != 0,
-                 run_.system.options.CorrectEteOff == 0};
+                 run_.system.options.CorrectEteOff == 0, trees.heldTimes(), trees.backsUp()};
     if (!referenceReadable()) return false;
     if (!objections_.contains(trees.line().index)) prepare(trees);
     if (keepsAll()) return false;

@@ -1,8 +1,10 @@
 #include "engine/folded_names.h"
 
+#include <memory>
 #include <optional>
 
 #include "platform/characters.h"
+#include "system/paths.h"
 #include "system/text.h"
 
 namespace coffrelune {
@@ -20,6 +22,23 @@ std::uint64_t hashOf(std::string_view name) {
     return hash == 0 ? 1 : hash;
 }
 
+// False when the directory of both lists both names; true when it lists one of them, which is then
+// what either leads to.
+std::optional<bool> areListed(FileService& files, const std::string& a, const std::string& b) {
+    const SplitPath first = splitPath(a);
+    const std::string second = splitPath(b).last;
+    std::unique_ptr<Directory> listing;
+    const Status opened =
+        files.openDirectory(first.parent, LinkRule::follow, Wanted::everything, listing);
+    if (!opened.ok()) return {};
+    int listed = 0;
+    for (FileEntry entry; listing->next(entry);) {
+        listed += entry.name == first.last || entry.name == second ? 1 : 0;
+    }
+    if (!listing->status().ok()) return {};
+    return listed < 2;
+}
+
 // Nothing when nobody can tell. The identity that a look-up gives is that of a link itself.
 std::optional<bool> areOne(FileService& files, const std::string& a, const std::string& b) {
     FileEntry first;
@@ -32,7 +51,9 @@ std::optional<bool> areOne(FileService& files, const std::string& a, const std::
         const bool told = files.identify(a, first.id).ok() && files.identify(b, second.id).ok();
         if (!told || !first.id.known() || !second.id.known()) return {};
     }
-    return first.id == second.id;
+    if (first.id == second.id) return true;
+    // Programs that serve a volume may number one entry twice, once for each name it is asked by.
+    return areListed(files, a, b);
 }
 
 }  // namespace

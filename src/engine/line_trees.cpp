@@ -158,6 +158,17 @@ bool LineTrees::showsSource(const std::string& path, const FileEntry& directory)
     });
 }
 
+const TimeGrid& LineTrees::heldTimes() {
+    if (timesKnown_ || run_.system.options.DatesArrondies == 0) return heldTimes_;
+    if (copyTree() == nullptr) return heldTimes_;
+    // A copy that has been moved bears the times that its first volume has made of them.
+    if (const Certificate* own = certificate()) heldTimes_ = own->times;
+    // What cannot be tried out is as it was noted.
+    if (backsUp() && !run_.comparing()) (void)target_->measureTimes(heldTimes_);
+    timesKnown_ = true;
+    return heldTimes_;
+}
+
 Status LineTrees::beforeChange() {
     if (changing_) return {};
     // What was not there when the pass began may be there by now.
@@ -231,6 +242,7 @@ Certificate LineTrees::current() const {
     certificate.exclusions = leftOut();
     certificate.mounts = mounts_;
     std::sort(certificate.mounts.begin(), certificate.mounts.end());
+    certificate.times = heldTimes_;
     return certificate;
 }
 

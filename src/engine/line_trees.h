@@ -32,6 +32,11 @@ class LineTrees {
     /// complete when it was taken hold of: then no run has been killed in it.
     bool mayHoldLeftovers() const { return !foundComplete_; }
 
+    /// The times that the volume of the copy holds, where the user accepts that it rounds them; all
+    /// of them else. A backup tries them out there; whoever only reads the copy believes what the
+    /// backup has noted.
+    const TimeGrid& heldTimes();
+
     /// Called before each change of the written tree: the first one makes the copy's certificate
     /// say that it is not complete, or marks the original as half restored. A failure means that
     /// nothing may be changed.
@@ -104,12 +109,14 @@ class LineTrees {
     std::string originalPath_;  // resolved
     DirectoryMarks copyMarks_;
     std::vector<std::string> missingMounts_;
+    TimeGrid heldTimes_;
     std::vector<std::string> mounts_;  // met by the walk, relative to what is read
     std::vector<FileId> readRoots_;    // of what is read and of its mount points
     bool refused_ = false;
     bool targetIsLink_ = false;
     bool isSingleFile_ = false;  // a directory of its name in the destination is not its tree
     bool foundComplete_ = false;
+    bool timesKnown_ = false;
     bool changing_ = false;  // beforeChange() has done its work
 };
 

@@ -16,7 +16,7 @@ constexpr double giga = 1024.0 * mega;
 std::string scaled(double value, const char* unit, const Locale& locale) {
     const std::string number = value < 10    ? formatFixed(value, 2, locale)
                                : value < 100 ? formatFixed(value, 1, locale)
-                                             : formatGrouped(value, locale);
+                                             : formatGrouped(value);
     return number + " " + unit;
 }
 
@@ -43,6 +43,12 @@ Progress::Progress(RunState& run)
 void Progress::clearTexts() {
     lastRemaining_.clear();
     lastRate_.clear();
+}
+
+void Progress::startFile(const std::string& name, const std::string& sourceDirectory,
+                         const std::string& destinationDirectory) {
+    display_.showFile("Fichier: " + name);
+    refreshCaptions(sourceDirectory, destinationDirectory);
 }
 
 void Progress::refreshCaptions(const std::string& sourceDirectory,

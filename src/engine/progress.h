@@ -21,6 +21,10 @@ class Progress final : public CopyObserver {
     /// Forgets the texts shown last, so that a new line shows its own.
     void clearTexts();
 
+    /// Called before each file of the copy pass; it is named from here on.
+    void startFile(const std::string& name, const std::string& sourceDirectory,
+                   const std::string& destinationDirectory);
+
     /// Called before and after each file of the copy pass.
     void refreshCaptions(const std::string& sourceDirectory,
                          const std::string& destinationDirectory);

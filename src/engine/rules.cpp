@@ -65,9 +65,8 @@ bool isExcluded(const std::string& parent, const std::string& name, const LeftOu
 }  // namespace
 
 bool isSystemFile(const std::string& name) {
-    // Most names are longer or shorter than all seven: spares lowering the case of every file name.
-    if (name.size() < 9 || name.size() > 16) return false;
-    return contains(systemFiles, lowerCase(name));
+    return std::any_of(systemFiles.begin(), systemFiles.end(),
+                       [&](std::string_view file) { return equalIgnoringCase(name, file); });
 }
 
 bool isExcludedDirectory(const std::string& parent, const std::string& name,
@@ -109,6 +108,23 @@ int compareDates(std::uint64_t source, std::uint64_t destination, bool forgiveHo
     return source < destination ? -1 : 1;
 }
 
+bool haveSameTime(const FileEntry& source, const FileEntry& destination,
+                  const DecisionOptions& options) {
+    const FileEntry& original = options.sourceIsCopy ? destination : source;
+    const FileEntry& copy = options.sourceIsCopy ? source : destination;
+    return original.times.lastWrite == copy.times.lastWrite ||
+           options.grid.held(original.times.lastWrite) == copy.times.lastWrite;
+}
+
+namespace {
+
+// Where the volume holds no links, it holds what they lead to: their sizes say nothing.
+bool haveSameSize(const FileEntry& source, const FileEntry& destination) {
+    return source.size == destination.size || source.isLink() != destination.isLink();
+}
+
+}  // namespace
+
 Decision decide(const FileEntry& source, const FileEntry* destination,
                 const DecisionOptions& options) {
     // A directory is no copy of a file, whatever its time: the attempt to write the file fails by
@@ -117,6 +133,9 @@ Decision decide(const FileEntry& source, const FileEntry* destination,
     if (!options.compare) return {true, isNew, isNew ? " à copier" : " à remplacer"};
     if (isNew) return {true, true, " n'existe pas"};
 
+    if (haveSameSize(source, *destination) && haveSameTime(source, *destination, options)) {
+        return {false, false, "No"};
+    }
     const int order = compareDates(source.times.lastWrite, destination->times.lastWrite,
                                    options.newerOnly && options.forgiveHour);
     if (order > 0) return {true, false, " est plus ancien"};

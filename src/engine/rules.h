@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/file_entry.h"
+#include "platform/time_grid.h"
 #include "settings/system_mod.h"
 
 namespace coffrelune {
@@ -40,6 +41,10 @@ struct DecisionOptions {
     bool compare = true;       // false: every file is copied, nothing is compared
     bool newerOnly = false;    // a newer file on the destination is kept
     bool forgiveHour = false;  // one hour of summer time is no difference (with newerOnly only)
+    /// The times that the volume of the copy holds, where the user accepts that it rounds them: a
+    /// copy is up to date that bears the time of its original as it is held there, and its size.
+    TimeGrid grid = {};
+    bool sourceIsCopy = false;  // in a restore, and where excess files of a copy are looked for
 };
 
 /// What is to be done with a file, and the words that a comparison gives as the reason.
@@ -53,6 +58,10 @@ struct Decision {
 /// `destination` is null when the destination has no such entry; a directory there counts as none.
 Decision decide(const FileEntry& source, const FileEntry* destination,
                 const DecisionOptions& options);
+
+/// True when both bear one time, or the copy that of its original as its volume holds it.
+bool haveSameTime(const FileEntry& source, const FileEntry& destination,
+                  const DecisionOptions& options);
 
 /// -1 when the source is earlier, 0 when equal, 1 when later; exact to 100 ns. With `forgiveHour`,
 /// a source exactly one clock hour later is taken back by that hour first: volumes that store local

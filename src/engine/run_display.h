@@ -1,11 +1,19 @@
 #pragma once
 
+#include <array>
 #include <string>
 
 namespace coffrelune {
 
 /// Answers to the question before a file is replaced, in the order of its buttons.
 enum class ReplacementAnswer { yes, yesToAll, no, cancel };
+
+/// What the user is told of a file before it is replaced.
+struct Replacement {
+    std::string fileName;
+    /// The folder, the file that is there, the one that would take its place: a line each.
+    std::array<std::string, 3> facts;
+};
 
 /// What a run shows and asks. A window does it with its controls, a terminal with a line; the run
 /// knows neither.
@@ -25,7 +33,8 @@ class RunDisplay {
     /// The directories being worked on, shown as "De: ..." and "Vers: ...".
     virtual void showSource(const std::string& path) = 0;
     virtual void showDestination(const std::string& path) = 0;
-    /// The file being looked at, in full, while the user follows the analysis.
+    /// The file being looked at, in full, while the user follows the analysis; "Fichier: " and the
+    /// name of the one that is being copied.
     virtual void showFile(const std::string& path) = 0;
     virtual void showPercentage(int percent, const std::string& caption) = 0;
     virtual void showRemainingTime(const std::string& caption) = 0;
@@ -44,7 +53,7 @@ class RunDisplay {
     /// A text that the user must see before the run goes on to its end.
     virtual void showCritical(const std::string& text) = 0;
 
-    virtual ReplacementAnswer DemandeRemplacement(const std::string& fileName) = 0;
+    virtual ReplacementAnswer DemandeRemplacement(const Replacement& replacement) = 0;
 
     virtual void runPendingEvents() = 0;
 };

@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "engine/run_display.h"
+#include "engine/run_record.h"
+#include "platform/content_reader.h"
 #include "settings/system_mod.h"
 
 namespace coffrelune {
@@ -17,6 +19,8 @@ enum class Pass {
     copy,
 };
 
+struct HashWork;
+
 /// One counted error: a Windows error number and the path that it concerns.
 struct CopyError {
     std::uint32_t number = 0;
@@ -26,11 +30,12 @@ struct CopyError {
 
 /// What one line of the run really did.
 struct LineTally {
-    std::uint64_t files = 0;        // copied
+    std::uint64_t files = 0;        // copied, or read by a comparison of contents
     std::uint64_t bytes = 0;        // of those files
     std::uint64_t filesToCopy = 0;  // found by the analysis, like the next
     std::uint64_t bytesToCopy = 0;
     bool sourceMissing = false;
+    bool destinationMissing = false;
     bool incomplete = false;  // something of it could not be read or written
 };
 
@@ -42,6 +47,12 @@ struct RunSwitches {
     bool keepExisting = false;
     /// The user says that the originals are the right ones: see LineTrees::accept.
     bool acceptOriginal = false;
+    /// A comparison reads with this what the files hold, and their dates decide nothing.
+    ContentReader* contents = nullptr;
+    /// With `contents`: copies alone are read, for a list of what they hold.
+    HashWork* hashes = nullptr;
+    /// Told of every file; null when nobody wants to know.
+    RunRecord* record = nullptr;
 };
 
 /// What bids the run to stop, or to ask; set by the user and by errors while it goes on.
@@ -75,7 +86,15 @@ struct RunStatistics {
     /// A tree kept its excess files though the user could say that all is well.
     bool originalInDoubt = false;
     std::vector<std::string> keptReasons;  // why trees kept their excess files, for the user
+    /// Which volumes do not hold the times of files, and what to do about it.
+    std::vector<std::string> dateReasons;
+    bool roundsDates = false;  // one of them rounds the times, which the user may accept
 };
+
+/// Adds the exact size, rounded once: a size that is rounded first may move the total by more.
+inline void addBytes(float& total, std::uint64_t size) {
+    total = static_cast<float>(static_cast<double>(total) + static_cast<double>(size));
+}
 
 /// Everything that the parts of one run share.
 struct RunState {
@@ -88,6 +107,11 @@ struct RunState {
     FileService& files() const { return system.platform.files; }
     bool stopped() const { return control.interruptionRequested; }
     bool comparing() const { return system.operationKind == OperationKind::comparison; }
+    bool verifying() const { return comparing() && switches.contents != nullptr; }
+    bool keepsRecord() const { return switches.record != nullptr; }
+    void record(const FileRecord& file) const {
+        if (keepsRecord()) switches.record->add(file);
+    }
     LineTally& tally(int line) const { return statistics.tallies[static_cast<std::size_t>(line)]; }
 };
 

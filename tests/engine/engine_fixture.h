@@ -35,7 +35,8 @@ class RecordingDisplay final : public RunDisplay {
     std::vector<std::string> journal;
     std::vector<std::string> criticals;
     std::vector<std::string> questions;
-    std::vector<std::string> order;  // journal lines and "first error", as they came
+    std::vector<std::array<std::string, 3>> facts;  // of those questions
+    std::vector<std::string> order;                 // journal lines and "first error", as they came
     int firstErrors = 0;
     int events = 0;
     std::deque<ReplacementAnswer> answers;
@@ -70,17 +71,18 @@ class RecordingDisplay final : public RunDisplay {
         order.emplace_back("first error");
     }
     void showCritical(const std::string& text) override { criticals.push_back(text); }
-    ReplacementAnswer DemandeRemplacement(const std::string& fileName) override;
+    ReplacementAnswer DemandeRemplacement(const Replacement& replacement) override;
     void runPendingEvents() override {
         ++events;
         if (onEvents) onEvents();
     }
 };
 
-inline ReplacementAnswer RecordingDisplay::DemandeRemplacement(const std::string& fileName) {
-    questions.push_back(fileName);
+inline ReplacementAnswer RecordingDisplay::DemandeRemplacement(const Replacement& replacement) {
+    questions.push_back(replacement.fileName);
+    facts.push_back(replacement.facts);
     if (answers.empty()) {
-        ADD_FAILURE() << "question not expected: " << fileName;
+        ADD_FAILURE() << "question not expected: " << replacement.fileName;
         return ReplacementAnswer::cancel;
     }
     const ReplacementAnswer answer = answers.front();
@@ -96,10 +98,19 @@ class EngineBench {
         : memory(names), faulty(memory.files()), platform(memory.platform(faulty)) {
         memory.disk().volume("C:\\");
         memory.disk().volume("F:\\");
-        system.Modifie = 1;
-        system.options.SynchroDate = -1;
-        statistics.tallies.resize(20);
-        control.askBeforeReplacing = false;
+        begin();
+    }
+
+    /// The same on other disks; nothing of `memory` but its clock and windows counts then.
+    EngineBench(FileService& files, DriveService& drives)
+        : faulty(files), platform{faulty,
+                                  drives,
+                                  memory.clock(),
+                                  memory.locale(),
+                                  memory.platform().ansi,
+                                  memory.sounds(),
+                                  memory.windows()} {
+        begin();
     }
 
     MemoryPlatform memory;
@@ -174,6 +185,12 @@ class EngineBench {
     std::size_t restoreMarks(const std::string& directory);
 
   private:
+    void begin() {
+        system.Modifie = 1;
+        system.options.SynchroDate = -1;
+        statistics.tallies.resize(20);
+        control.askBeforeReplacing = false;
+    }
     void walk(LineTrees& line, Pass pass) {
         passing = pass;
         engine.walkLine(line, pass);

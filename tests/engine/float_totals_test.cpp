@@ -25,6 +25,14 @@ TEST_F(Engine, AddsAnExactSizeOfManyGigabytes) {
     EXPECT_EQ(statistics.totalBytes, 12'884'905'984.0F);
 }
 
+TEST_F(Engine, RoundsTheTotalAndNotTheSizeThatIsAdded) {
+    disk().file("C:\\Docs\\a.txt", "1");
+    disk().file("C:\\Docs\\b.bin").hole = limit + 1;
+    run("C:\\Docs", "F:\\");
+    EXPECT_EQ(statistics.totalBytes, static_cast<float>(limit + 2));
+    EXPECT_EQ(statistics.bytesDone, static_cast<float>(limit + 2));
+}
+
 TEST_F(Engine, LosesTheSameInTheBytesDone) {
     disk().file("C:\\Docs\\a.bin").hole = limit;
     disk().file("C:\\Docs\\b.txt", "1");

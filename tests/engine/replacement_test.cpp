@@ -11,9 +11,9 @@ using enum ReplacementAnswer;
 
 const std::uint64_t old = fileTimeAt(2024, 7, 10);
 
-class Replacement : public Engine {
+class ReplacementRule : public Engine {
   protected:
-    Replacement() {
+    ReplacementRule() {
         for (const std::string name : {"a", "b", "c"}) {
             disk().file("C:\\Docs\\" + name, "new", old + oneSecond);
             disk().file("F:\\Docs\\" + name, "old", old);
@@ -38,7 +38,7 @@ class Replacement : public Engine {
     }
 };
 
-TEST_F(Replacement, IsAskedForEachExistingFileAndNoNewOne) {
+TEST_F(ReplacementRule, IsAskedForEachExistingFileAndNoNewOne) {
     actWith({yes, no, yes});
     EXPECT_THAT(window.questions, ElementsAre("a", "b", "c"));
     EXPECT_THAT(contents(), ElementsAre("new", "old", "new", "new"));
@@ -46,27 +46,50 @@ TEST_F(Replacement, IsAskedForEachExistingFileAndNoNewOne) {
     EXPECT_EQ(statistics.bytesDone, 9) << "a refused file is not done";
 }
 
-TEST_F(Replacement, IsAskedNoMoreAfterYesToAll) {
+TEST_F(ReplacementRule, IsAskedWithTheFolderAndBothFiles) {
+    disk().file("C:\\Docs\\a", std::string(1536, 'x'), fileTimeAt(2025, 3, 3, 8, 5, 12));
+    disk().file("F:\\Docs\\a", "old", fileTimeAt(2025, 3, 3, 8, 5, 10));
+    disk().file("C:\\Docs\\b", "new", fileTimeAt(2019, 12, 31, 23, 59, 58));
+    actWith({no, no, no});
+    ASSERT_THAT(window.questions, ElementsAre("c", "a", "b")) << "rewritten files are listed last";
+    EXPECT_THAT(window.facts[1],
+                ElementsAre("Dossier : F:\\Docs",
+                            "Fichier en place : 3 octets, lun. 3 mars 2025 à 08:05:10",
+                            "Remplacé par : 1,50 Ko (1 536 octets), lun. 3 mars 2025 à 08:05:12, "
+                            "plus récent"));
+    EXPECT_THAT(window.facts[2][2], testing::EndsWith("à 23:59:58, plus ancien"));
+}
+
+TEST_F(ReplacementRule, IsAskedBeforeCaptionsThatShowThisFile) {
+    disk().file("C:\\Docs\\Sub\\e", "new", old + oneSecond);
+    disk().file("F:\\Docs\\Sub\\e", "old", old);
+    actWith({no, no, no, no});
+    EXPECT_EQ(window.sources.back(), "C:\\Docs\\Sub\\");
+    EXPECT_EQ(window.destinations.back(), "F:\\Docs\\Sub\\");
+    EXPECT_EQ(window.files.back(), "Fichier: e");
+}
+
+TEST_F(ReplacementRule, IsAskedNoMoreAfterYesToAll) {
     actWith({no, yesToAll});
     EXPECT_THAT(window.questions, ElementsAre("a", "b"));
     EXPECT_THAT(contents(), ElementsAre("old", "new", "new", "new"));
     EXPECT_FALSE(control.askBeforeReplacing);
 }
 
-TEST_F(Replacement, EndsTheRunWhenItIsCancelled) {
+TEST_F(ReplacementRule, EndsTheRunWhenItIsCancelled) {
     actWith({yes, cancel});
     EXPECT_THAT(contents(), ElementsAre("new", "old", "old", ""));
     EXPECT_TRUE(control.interruptionRequested);
     EXPECT_EQ(statistics.errorCount, 0);
 }
 
-TEST_F(Replacement, IsGrantedWithoutTheQuestionWhenAskingIsOff) {
+TEST_F(ReplacementRule, IsGrantedWithoutTheQuestionWhenAskingIsOff) {
     control.askBeforeReplacing = false;
     actWith({});
     EXPECT_THAT(contents(), ElementsAre("new", "new", "new", "new"));
 }
 
-TEST_F(Replacement, IsNeitherAskedNorDoneWhenExistingFilesAreKept) {
+TEST_F(ReplacementRule, IsNeitherAskedNorDoneWhenExistingFilesAreKept) {
     switches.keepExisting = true;
     analyse("C:\\Docs", "F:\\");
     EXPECT_EQ(statistics.totalBytes, 3);
@@ -74,20 +97,20 @@ TEST_F(Replacement, IsNeitherAskedNorDoneWhenExistingFilesAreKept) {
     EXPECT_THAT(contents(), ElementsAre("old", "old", "old", "new"));
 }
 
-TEST_F(Replacement, IsNotAskedInTheAnalysis) {
+TEST_F(ReplacementRule, IsNotAskedInTheAnalysis) {
     analyse("C:\\Docs", "F:\\");
     EXPECT_THAT(window.questions, IsEmpty());
     EXPECT_EQ(statistics.totalBytes, 12);
 }
 
 // A look-up that failed must not pass for absence where the user may want the file kept.
-TEST_F(Replacement, IsAskedAlsoWhenTheFirstLookUpFailed) {
+TEST_F(ReplacementRule, IsAskedAlsoWhenTheFirstLookUpFailed) {
     faulty.fail("find", "F:\\Docs\\a", error_number::ioDevice);
     actWith({no, no, no});
     EXPECT_THAT(contents(), ElementsAre("old", "old", "old", "new"));
 }
 
-TEST_F(Replacement, IsNotDoneWhenTheFileCannotBeLookedUp) {
+TEST_F(ReplacementRule, IsNotDoneWhenTheFileCannotBeLookedUp) {
     for (const bool keep : {true, false}) {
         switches.keepExisting = keep;
         control.askBeforeReplacing = false;

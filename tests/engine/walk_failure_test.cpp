@@ -53,6 +53,7 @@ TEST_F(Engine, CreatesTheTargetOfAMissingSourceInTheTreePass) {
 TEST_F(Engine, IsSilentAboutAMissingSpecialFolder) {
     for (const char* name : {"Ma musique", "Mes images", "Mes vidéos"}) {
         act(std::string("C:\\") + name, "F:\\");
+        EXPECT_TRUE(statistics.tallies[0].sourceMissing) << "who reads the result learns it";
     }
     EXPECT_THAT(window.criticals, IsEmpty());
     EXPECT_FALSE(control.interruptionRequested);
