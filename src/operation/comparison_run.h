@@ -15,6 +15,7 @@ class ComparisonRun {
     void compareLines();
     void endComparison(const LocalTime& startTime);
     void summarize();
+    void summarizeContents();
     void addToBoth(const std::string& line);
 
     RunState& run_;

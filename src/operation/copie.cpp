@@ -1,15 +1,19 @@
 #include "operation/copie.h"
 
+#include "operation/needed_space.h"
 #include "system/text.h"
 
 namespace coffrelune {
 
-frmConfirm::frmConfirm(const std::string& fileName)
+frmConfirm::frmConfirm(const Replacement& replacement)
     : Cmd{Button("&Oui"), Button("&Tous"), Button("&Non"), Button("Annuler")},
       Lbl{Label("Ce dossier contient déjà un fichier appelé '"),
           Label("Etes-vous sûr de vouloir remplacer ce fichier ?")} {
     setCaption("Confirmation du remplacement du fichier");
-    Lbl[0].setCaption(Lbl[0].caption() + fileName + "'");
+    Lbl[0].setCaption(Lbl[0].caption() + visibleControls(replacement.fileName) + "'");
+    for (std::size_t i = 0; i < Facts.size(); ++i) {
+        Facts.at(i).setCaption(visibleControls(replacement.facts.at(i)));
+    }
     Image1.setImage("attention");
     for (std::size_t i = 0; i < Cmd.size(); ++i) {
         Cmd[i].onClick = [this, i] {
@@ -21,6 +25,10 @@ frmConfirm::frmConfirm(const std::string& fileName)
 
 std::vector<Button*> frmConfirm::buttons() {
     return {&Cmd[0], &Cmd[1], &Cmd[2], &Cmd[3]};
+}
+
+std::vector<Label*> frmConfirm::labels() {
+    return {&Lbl[0], &Facts[0], &Facts[1], &Facts[2], &Lbl[1]};
 }
 
 void WindowStage::show(Operation& operation, OperationHost& host) {
@@ -42,6 +50,7 @@ Copie::Copie(SystemMod& system, Operation& operation, OperationHost& host)
         mark.setVisible(false);
     }
     setCaption(operationCaption(system_));
+    ProgBar.setSpokenName("Progression");
     ProgBar.setValue(0);
     operation_.begin(*this);
 }
@@ -69,6 +78,7 @@ void Copie::activated() {
         unload();
         return;
     }
+    Lbl[remainingTimeLabel].setCaption("");
     Cmd.setCaption("Fermer");
     Cmd.setEnabled(true);
 }
@@ -88,6 +98,9 @@ void Copie::press() {
 void Copie::requestInterruption() {
     if (finished()) return;
     Cmd.setEnabled(false);
+    stopping_ = true;
+    // The file in progress is copied to its end.
+    Lbl[remainingTimeLabel].setCaption("Arrêt demandé…");
     operation_.requestInterruption();
 }
 
@@ -106,8 +119,13 @@ void Copie::showCopyPhase(const std::string& remainingTime) {
     ProgBar.setIndeterminate(false);
     ProgBar.setValue(0);
     AnalyseChk.setVisible(false);
-    Lbl[remainingTimeLabel].setCaption(remainingTime);
-    Lbl[analysedFileLabel].setCaption("");
+    if (!stopping_) Lbl[remainingTimeLabel].setCaption(remainingTime);
+    Lbl[fileLabel].setCaption("");
+    const auto free = [this](const std::string& drive) { return host_.freeSpace(drive); };
+    for (const std::string& text : lackingSpace(system_, operation_.statistics(), free)) {
+        AjouteECTxt(text);
+        system_.platform.windows.notice(text);
+    }
 }
 
 void Copie::showComparisonPhase(const std::string& phase) {
@@ -129,16 +147,19 @@ void Copie::showDestination(const std::string& path) {
 }
 
 void Copie::showFile(const std::string& path) {
-    Lbl[analysedFileLabel].setCaption(visibleControls(path));
+    Lbl[fileLabel].setCaption(visibleControls(path));
 }
 
 void Copie::showPercentage(int percent, const std::string& caption) {
+    constexpr int whole = 100;
     ProgBar.setValue(percent);
+    // No time remains that could still be counted.
+    if (percent == whole) showRemainingTime("");
     Lbl[percentageLabel].setCaption(caption);
 }
 
 void Copie::showRemainingTime(const std::string& caption) {
-    Lbl[remainingTimeLabel].setCaption(caption);
+    if (!stopping_) Lbl[remainingTimeLabel].setCaption(caption);
 }
 
 void Copie::showRate(const std::string& caption) {
@@ -179,8 +200,8 @@ void Copie::showCritical(const std::string& text) {
     }
 }
 
-ReplacementAnswer Copie::DemandeRemplacement(const std::string& fileName) {
-    frmConfirm question(visibleControls(fileName));
+ReplacementAnswer Copie::DemandeRemplacement(const Replacement& replacement) {
+    frmConfirm question(replacement);
     system_.platform.windows.showModal(question);
     runPendingEvents();
     return question.answer();

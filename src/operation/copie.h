@@ -14,10 +14,11 @@ namespace coffrelune {
 /// Asks whether an existing file may be replaced. A fresh one is made for each question.
 class frmConfirm final : public Window {
   public:
-    explicit frmConfirm(const std::string& fileName);
+    explicit frmConfirm(const Replacement& replacement);
 
-    std::array<Button, 4> Cmd;  // by answer: "&Oui", "&Tous", "&Non", "Annuler"
-    std::array<Label, 2> Lbl;   // upper, lower
+    std::array<Button, 4> Cmd;   // by answer: "&Oui", "&Tous", "&Non", "Annuler"
+    std::array<Label, 2> Lbl;    // upper, lower
+    std::array<Label, 3> Facts;  // see Replacement
     Picture Image1;
 
     /// That of the pressed button; `cancel` when the window was closed without one, since a
@@ -25,9 +26,15 @@ class frmConfirm final : public Window {
     ReplacementAnswer answer() const { return answer_; }
 
     std::vector<Button*> buttons() override;
-    std::vector<Label*> labels() override { return {&Lbl[0], &Lbl[1]}; }
+    std::vector<Label*> labels() override;
+    /// Nothing is replaced by a key that was meant for another window.
+    Button* defaultButton() override { return &Cmd[noCmd]; }
+    Button* cancelButton() override { return &Cmd[cancelCmd]; }
 
   private:
+    static constexpr std::size_t noCmd = 2;
+    static constexpr std::size_t cancelCmd = 3;
+
     ReplacementAnswer answer_ = ReplacementAnswer::cancel;
 };
 
@@ -43,7 +50,7 @@ class Copie final : public Window, public RunDisplay {
         phaseLabel,  // then "De: ..."
         remainingTimeLabel,
         detailLabel,  // a count, then "Vers: ..."
-        analysedFileLabel,
+        fileLabel,    // that is analysed or copied
         rateLabel,
     };
     std::array<Label, 6> Lbl;
@@ -86,7 +93,7 @@ class Copie final : public Window, public RunDisplay {
     void AjouteECTxt(const std::string& text) override;
     void MajErreurImg() override;
     void showCritical(const std::string& text) override;
-    ReplacementAnswer DemandeRemplacement(const std::string& fileName) override;
+    ReplacementAnswer DemandeRemplacement(const Replacement& replacement) override;
     void runPendingEvents() override;
 
   private:
@@ -98,6 +105,7 @@ class Copie final : public Window, public RunDisplay {
     Operation& operation_;
     OperationHost& host_;
     bool activated_ = false;
+    bool stopping_ = false;  // the user has asked for it
 };
 
 /// Shows operations in a `Copie` of their own.

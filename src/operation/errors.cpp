@@ -1,5 +1,8 @@
 #include "operation/errors.h"
 
+#include <algorithm>
+#include <array>
+
 #include "platform/status.h"
 #include "settings/setting_names.h"
 #include "system/text.h"
@@ -56,7 +59,71 @@ std::string errorCause(std::uint32_t number, const std::string& sharingPath) {
     }
 }
 
-VisuErrFrm::VisuErrFrm(SystemMod& system) : system_(system) {
+namespace {
+
+struct Meaning {
+    std::uint32_t number;
+    const char* words;
+};
+
+constexpr std::array meanings = {
+    Meaning{error_number::invalidFunction, "opération impossible ici"},
+    Meaning{error_number::fileNotFound, "fichier introuvable"},
+    Meaning{error_number::pathNotFound, "répertoire introuvable"},
+    Meaning{error_number::tooManyOpenFiles, "trop de fichiers ouverts"},
+    Meaning{error_number::accessDenied, "accès refusé"},
+    Meaning{error_number::notEnoughMemory, "mémoire insuffisante"},
+    Meaning{error_number::invalidData, "données incorrectes"},
+    Meaning{error_number::notSameDevice, "sur un autre disque"},
+    Meaning{error_number::writeProtect, "disque protégé en écriture"},
+    Meaning{error_number::notReady, "lecteur vide ou débranché"},
+    Meaning{error_number::generalFailure, "panne du périphérique"},
+    Meaning{error_number::sharingViolation, "fichier utilisé par un autre programme"},
+    Meaning{error_number::lockViolation, "fichier verrouillé par un autre programme"},
+    Meaning{error_number::handleEof, "fichier raccourci pendant sa lecture"},
+    Meaning{error_number::notSupported, "opération que ce disque ne connaît pas"},
+    Meaning{error_number::deviceDoesNotExist, "disque absent"},
+    Meaning{error_number::networkNameDeleted, "connexion au réseau perdue"},
+    Meaning{error_number::invalidParameter, "refusé par prudence, voir le journal"},
+    Meaning{error_number::diskFull, "disque plein"},
+    Meaning{error_number::timedOut, "le disque ou le serveur ne répond pas à temps"},
+    Meaning{error_number::invalidName, "nom que ce disque refuse"},
+    Meaning{error_number::directoryNotEmpty, "répertoire non vide"},
+    Meaning{error_number::alreadyExists, "nom déjà pris"},
+    Meaning{error_number::nameTooLong, "nom trop long"},
+    Meaning{error_number::fileTooLarge, "fichier trop grand pour ce disque"},
+    Meaning{error_number::notADirectory, "un fichier ou un lien tient la place du répertoire"},
+    Meaning{error_number::operationAborted, "opération interrompue par le système"},
+    Meaning{error_number::ioDevice, "erreur de lecture ou d'écriture du disque"},
+    Meaning{error_number::connectionRefused, "connexion refusée par le serveur"},
+    Meaning{error_number::networkUnreachable, "réseau injoignable"},
+    Meaning{error_number::hostUnreachable, "serveur injoignable"},
+    Meaning{error_number::requestAborted, "interrompu"},
+    Meaning{error_number::cannotResolveName, "lien qui ne mène nulle part"},
+};
+
+}  // namespace
+
+std::string errorMeaning(std::uint32_t number) {
+    const auto* const found =
+        std::find_if(meanings.begin(), meanings.end(),
+                     [number](const Meaning& meaning) { return meaning.number == number; });
+    return found == meanings.end() ? std::string() : found->words;
+}
+
+std::string meaningOfErrorLine(std::string_view line) {
+    constexpr std::string_view before = "Erreur: ";
+    constexpr std::string_view after = " - Fichier: ";
+    if (!line.starts_with(before)) return {};
+    line.remove_prefix(before.size());
+    const std::string number(line.substr(0, line.find(after)));
+    const std::int32_t value = leadingNumber(number);
+    if (number.size() == line.size() || value <= 0 || std::to_string(value) != number) return {};
+    return errorMeaning(static_cast<std::uint32_t>(value));
+}
+
+VisuErrFrm::VisuErrFrm(SystemMod& system)
+    : search(system, ListeTxt, "Liste des erreurs.txt"), system_(system) {
     setCaption("Liste des dernières erreurs de sauvegarde");
     Lbl[0].setCaption("Configuration : " + system.configurationName + " (" +
                       wordsOf(system.operationKind).title + ")");

@@ -3,8 +3,10 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "operation/log_search.h"
 #include "platform/controls.h"
 #include "platform/long_lists.h"
 #include "settings/system_mod.h"
@@ -27,6 +29,12 @@ std::string readErrorList(SystemMod& system, OperationKind kind);
 /// what a sharing or lock violation concerned.
 std::string errorCause(std::uint32_t number, const std::string& sharingPath);
 
+/// The number in a few words, for a list of errors; empty for one that the program does not name.
+std::string errorMeaning(std::uint32_t number);
+
+/// The words for the number of an error line; empty for any other line.
+std::string meaningOfErrorLine(std::string_view line);
+
 /// Shows the error list of the current configuration for the current operation kind.
 class VisuErrFrm final : public Window {
   public:
@@ -34,6 +42,7 @@ class VisuErrFrm final : public Window {
 
     std::array<Label, 2> Lbl;  // 0 configuration and kind, 1 count
     TextLog ListeTxt;
+    LogSearch search;
     Button Cmd{"&Fermer"};
 
     std::vector<Button*> buttons() override { return {&Cmd}; }

@@ -33,9 +33,11 @@ RunEnd OperationLauncher::run(RunMode mode) {
     } else {
         reportNothing(mode);
     }
-    if (interrupted) return RunEnd::interrupted;
     const bool ran = statistics_.copyPassStarted || system_.options.ArbreMode != 0;
-    return ran ? RunEnd::finished : RunEnd::nothing;
+    RunEnd end = ran ? RunEnd::finished : RunEnd::nothing;
+    if (interrupted) end = RunEnd::interrupted;
+    noteGoodBackup(system_, statistics_, end);
+    return end;
 }
 
 // Both lines may be meant so, and files of different names lie well side by side: it is said, and
@@ -55,8 +57,12 @@ void OperationLauncher::tellDeletions() {
         std::to_string(statistics_.filesRemoved) + " fichier(s) excédentaire(s).");
 }
 
-void OperationLauncher::showOperation(RunMode mode, std::int32_t errorCount) {
+void OperationLauncher::showOperation(RunMode mode, std::int32_t errorCount,
+                                      ContentReader* contents, HashWork* hashes) {
     RunSwitches switches;
+    switches.contents = contents;
+    switches.hashes = hashes;
+    switches.record = record_;
     switches.unattended = mode != RunMode::startedByUser;
     switches.keepExisting = keepExisting_;
     switches.acceptOriginal = acceptOriginal_ && system_.operationKind == OperationKind::backup;
@@ -72,7 +78,8 @@ bool OperationLauncher::confirmRestore() {
     for (const char* question : {"Confirmez-vous la restauration des fichiers ?",
                                  "Vous êtes bien sûr de vous ?\n(Restauration des fichiers)"}) {
         const Answer answer = system_.platform.windows.showMessage(
-            {question, system_.programTitle, MessageIcon::question, MessageButtons::okCancel});
+            {question, system_.programTitle, MessageIcon::question, MessageButtons::okCancel,
+             true});
         if (answer != Answer::ok) return false;
     }
     return true;
@@ -85,6 +92,16 @@ RunEnd OperationLauncher::launchComparison() {
     // What could not be read was not compared either: no clean result.
     StoreResult(system_, host_, statistics_.errorCount == 0 && statistics_.errors.empty());
     host_.setLaunchEnabled(true);
+    return control_.interruptionRequested ? RunEnd::interrupted : RunEnd::finished;
+}
+
+RunEnd OperationLauncher::launchVerification(ContentReader& contents) {
+    showOperation(RunMode::startedByUser, 0, &contents);
+    return control_.interruptionRequested ? RunEnd::interrupted : RunEnd::finished;
+}
+
+RunEnd OperationLauncher::launchHashing(ContentReader& contents, HashWork& work) {
+    showOperation(RunMode::startedByUser, 0, &contents, &work);
     return control_.interruptionRequested ? RunEnd::interrupted : RunEnd::finished;
 }
 

@@ -36,6 +36,9 @@ class OperationLauncher {
     /// The user has confirmed everything beforehand: no question precedes the run.
     void skipConfirmations() { confirmed_ = true; }
 
+    /// Every run tells it what becomes of each file. Not owned; may be null.
+    void recordInto(RunRecord* record) { record_ = record; }
+
     /// Runs a backup or a restore.
     RunEnd LanceOperation(RunMode mode);
 
@@ -45,13 +48,20 @@ class OperationLauncher {
     /// Runs a comparison and records its result; asks and tells nothing.
     RunEnd launchComparison();
 
+    /// The same walk, comparing what the files hold; leaves no result and no list of errors.
+    RunEnd launchVerification(ContentReader& contents);
+
+    /// Reads the copies alone, as `work` says; leaves no result and no list of errors either.
+    RunEnd launchHashing(ContentReader& contents, HashWork& work);
+
     /// The record of the last run, and what stopped it.
     const RunStatistics& statistics() const { return statistics_; }
     const RunControl& control() const { return control_; }
 
   private:
     RunEnd run(RunMode mode);
-    void showOperation(RunMode mode, std::int32_t errorCount);
+    void showOperation(RunMode mode, std::int32_t errorCount, ContentReader* contents = nullptr,
+                       HashWork* hashes = nullptr);
     bool confirmTreeOnly(RunMode mode);
     void tellSharedCopies();
     void tellDeletions();
@@ -69,6 +79,7 @@ class OperationLauncher {
     RunStatistics statistics_;
     RunControl control_;
     std::set<std::string> toldCopies_;  // each is told once, not at every run
+    RunRecord* record_ = nullptr;
     bool keepExisting_ = false;
     bool acceptOriginal_ = false;
     bool confirmed_ = false;

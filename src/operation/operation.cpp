@@ -22,7 +22,9 @@ Operation::Operation(SystemMod& system, const RunSwitches& switches, std::int32_
 }
 
 void Operation::begin(RunDisplay& display) {
-    display.AjouteECTxt("Début de la " + operationCaption(system_));
+    display.AjouteECTxt("Début de la " + (switches_.contents != nullptr
+                                              ? std::string("Vérification ...")
+                                              : operationCaption(system_)));
     startTime_ = system_.platform.clock.now();
 }
 
@@ -52,6 +54,8 @@ void Operation::requestInterruption() {
 }
 
 void Operation::end(const std::string& journal) {
+    // What is read here is no comparison whose list anybody looks for.
+    if (switches_.contents != nullptr) return;
     // Neither outcome stops the run: it is over, and its result is still to be told.
     (void)system_.WriteSetting("Position", "SuiviAnalyse", std::to_string(system_.SuiviAnalyse));
     if (statistics_.errorCount <= 0) return;

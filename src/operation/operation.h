@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "engine/run_state.h"
@@ -24,6 +26,9 @@ class OperationHost {
     /// The list of a comparison and the label below it.
     virtual TextLog& comparisonList() = 0;
     virtual Label& comparisonSummary() = 0;
+
+    /// Free bytes of a drive ("E:\\"); nothing when nobody knows.
+    virtual std::optional<std::uint64_t> freeSpace(const std::string& /*drive*/) { return {}; }
 };
 
 /// A host with no window: for the terminal, and for a start with "/Auto" where there is no display.

@@ -81,4 +81,49 @@ void StoreResult(SystemMod& system, OperationHost& host, bool clean) {
     host.resultStored(kind);
 }
 
+void noteGoodBackup(SystemMod& system, const RunStatistics& statistics, RunEnd end) {
+    const bool ended = end == RunEnd::finished || end == RunEnd::nothing;
+    const bool copies =
+        system.operationKind == OperationKind::backup && system.options.ArbreMode == 0;
+    const bool any = std::any_of(system.lines.begin(), system.lines.end(), [](const auto& line) {
+        return line.filled() && line.selected != 0;
+    });
+    const bool lacks =
+        std::any_of(statistics.tallies.begin(), statistics.tallies.end(),
+                    [](const LineTally& tally) { return tally.sourceMissing || tally.incomplete; });
+    if (!ended || !copies || !any || lacks) return;
+    if (statistics.errorCount > 0 || !statistics.errors.empty()) return;
+    system.lastGoodBackup = formatDateTime(system.platform.clock.now());
+    system.keep(system.configurationName, "LastSaveOk", system.lastGoodBackup);
+}
+
+BackupAge ageOfBackup(const SystemMod& system, int days) {
+    constexpr std::int64_t day = 24LL * 60 * 60 * 1000;
+    BackupAge age;
+    // A settings file that has known no such date yet.
+    const std::string& clean = system.lastResults[0].cleanDate;
+    const std::string& stored = system.lastGoodBackup.empty() ? clean : system.lastGoodBackup;
+    const std::optional<LocalTime> date = parseDateTime(stored);
+    age.tooOld = true;
+    if (!date) return age;
+    const std::int64_t span = toMilliseconds(system.platform.clock.now()) - toMilliseconds(*date);
+    age.date = stored;
+    age.days = std::max<std::int64_t>(span, 0) / day;
+    // One that lies in the future says nothing, but for the hour that summer time takes back.
+    age.tooOld = span > days * day || span < -day;
+    return age;
+}
+
+std::string staleBackup(const SystemMod& system, int days) {
+    const BackupAge age = ageOfBackup(system, days);
+    if (!age.tooOld) return {};
+    if (age.date.empty()) {
+        return system.lastResults[0].errorDate.empty()
+                   ? std::string()
+                   : "Aucune sauvegarde de cette configuration ne s'est encore faite sans erreur.";
+    }
+    return dated("Dernière sauvegarde complète et sans erreur le ", age.date) + ", il y a " +
+           std::to_string(age.days) + " jours.";
+}
+
 }  // namespace coffrelune

@@ -37,7 +37,7 @@ class RecordedDisplay final : public RunDisplay {
     void AjouteECTxt(const std::string& text) override { journal.push_back(text); }
     void MajErreurImg() override {}
     void showCritical(const std::string& text) override { journal.push_back(text); }
-    ReplacementAnswer DemandeRemplacement(const std::string&) override {
+    ReplacementAnswer DemandeRemplacement(const Replacement&) override {
         return ReplacementAnswer::no;
     }
     void runPendingEvents() override {

@@ -53,13 +53,13 @@ TEST_F(CopieRun, DetailsEachPassUnderItsName) {
                     "Analyse de :", R"(Vers: F:\Save\Docs\)", R"(Vers: F:\Save\Docs\Sub\)"));
 }
 
-TEST_F(CopieRun, CountsThePercentageAndSaysThatTheRemainingTimeIsNotKnownYet) {
+TEST_F(CopieRun, CountsThePercentageAndSaysThatTheRemainingTimeIsNotKnownUntilTheEnd) {
     selectOnly({0});
     runCopie();
     EXPECT_THAT(windows.changesOf("Lbl0"),
                 ElementsAre("0% copiés (0 octet de 8 octets)", "62% copiés (5 octets de 8 octets)",
                             "100% copiés (8 octets de 8 octets)"));
-    EXPECT_THAT(windows.changesOf("Lbl2"), ElementsAre("Temps restant: Calcul en cours ..."));
+    EXPECT_THAT(windows.changesOf("Lbl2"), ElementsAre("Temps restant: Calcul en cours ...", ""));
 }
 
 TEST_F(CopieRun, TheBarIsIndeterminateUntilTheCopyBegins) {
@@ -87,16 +87,19 @@ TEST_F(CopieRun, TheFollowBoxIsThereDuringTheAnalysisOnly) {
     EXPECT_LT(at("AnalyseChk: hidden"), at(R"(Lbl1: De: C:\Docs\)"));
 }
 
-TEST_F(CopieRun, FollowsTheFilesOfTheAnalysisOnlyWhenAsked) {
+TEST_F(CopieRun, NamesTheFilesThatAreCopiedAndThoseOfTheAnalysisWhenAsked) {
     placeOldCopy();
     system.Confirmation = 1;
     runCopie();
-    EXPECT_THAT(windows.changesOf("Lbl4"), IsEmpty());
+    EXPECT_THAT(windows.changesOf("Lbl4"),
+                ElementsAre("Fichier: a.txt", "Fichier: b.txt", "Fichier: c.jpg"));
     disk().file(R"(C:\Docs\a.txt)", "newer", fileTimeAt(2024, 3, 2));
     system.SuiviAnalyse = -1;
     runCopie();
-    EXPECT_THAT(windows.changesOf("Lbl4"),
-                ElementsAre(R"(C:\Docs\a.txt)", R"(C:\Docs\Sub\b.txt)", R"(D:\Photos\c.jpg)", ""));
+    EXPECT_THAT(
+        windows.changesOf("Lbl4"),
+        ElementsAre("Fichier: a.txt", "Fichier: b.txt", "Fichier: c.jpg", R"(C:\Docs\a.txt)",
+                    R"(C:\Docs\Sub\b.txt)", R"(D:\Photos\c.jpg)", "", "Fichier: a.txt"));
 }
 
 TEST_F(CopieRun, MarksEachLineWhenItIsDone) {

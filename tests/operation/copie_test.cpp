@@ -125,6 +125,29 @@ TEST_F(CopieWindow, AnsweringYesRequestsTheStopAndDisablesTheButton) {
     EXPECT_EQ(user().messages().size(), 1U);
 }
 
+TEST_F(CopieWindow, SaysAtOnceThatAStopIsAskedForAndNothingElseInItsPlace) {
+    makeCopie();
+    copie->showCopyPhase("Temps restant: Calcul en cours ...");
+    user().answer(Answer::yes);
+    copie->Cmd.click();
+    const Label& label = copie->Lbl[Copie::remainingTimeLabel];
+    EXPECT_EQ(label.caption(), "Arrêt demandé…");
+    copie->showRemainingTime("Temps restant: 5 secondes");
+    copie->showPercentage(100, "100% copiés");
+    copie->showCopyPhase("Temps restant: Calcul en cours ...");
+    EXPECT_EQ(label.caption(), "Arrêt demandé…");
+}
+
+TEST_F(CopieWindow, CountsNoRemainingTimeOnceEverythingIsCopied) {
+    makeCopie();
+    copie->showCopyPhase("Temps restant: Calcul en cours ...");
+    copie->showPercentage(99, "99% copiés");
+    EXPECT_EQ(copie->Lbl[Copie::remainingTimeLabel].caption(),
+              "Temps restant: Calcul en cours ...");
+    copie->showPercentage(100, "100% copiés");
+    EXPECT_EQ(copie->Lbl[Copie::remainingTimeLabel].caption(), "");
+}
+
 TEST_F(CopieWindow, TheCloseBoxAsksAsTheButtonDoes) {
     user().answer(Answer::yes);
     copie->closeBox();

@@ -46,6 +46,10 @@ class WatchedWindows final : public WindowService, public ControlPeer {
     void showModal(Window& window) override;
     void runPendingEvents() override { inner_.runPendingEvents(); }
     Answer showMessage(const MessageBoxText& message) override;
+    std::string chooseNewFile(const std::string& title, const std::string& name) override {
+        return inner_.chooseNewFile(title, name);
+    }
+    void copyText(const std::string& text) override { inner_.copyText(text); }
     void notice(const std::string& text) override;
     void controlChanged(Control& control) override;
 

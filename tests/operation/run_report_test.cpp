@@ -84,6 +84,23 @@ TEST_F(RunReport, SaysThatTheSettingsCannotBeRead) {
     EXPECT_EQ(disk().content(settings), "[Travail]\r\n");
 }
 
+TEST_F(RunReport, SaysThatARunWasStoppedBeforeItCopiedAnything) {
+    interruptAtLabel(3, "1 répertoire(s) lu(s), 1 répertoire(s) créé(s)");
+    user().answer(Answer::ok);
+    const RunEnd end = launch(RunMode::startedByUser);
+    reportInterruption(system, *launcher, end);
+    EXPECT_THAT(user().notices(),
+                ElementsAre("Sauvegarde interrompue avant la copie : rien n'a été copié."));
+}
+
+TEST_F(RunReport, SaysNothingMoreOfAStopThatHasTold) {
+    disk().volume(R"(F:\)").present = false;
+    const RunEnd end = launch(RunMode::unattended);
+    reportInterruption(system, *launcher, end);
+    EXPECT_THAT(user().notices(),
+                ElementsAre("Rien à sauvegarder !\n\nLe disque destination n'existe pas."));
+}
+
 TEST_F(RunReport, NamesEveryErrorOnALineOfItsOwn) {
     statistics.errors = {{5, R"(C:\Docs\a.txt)", 0}, {32, "C:\\Docs\\b\n\x1b[2J", 0}};
     reportErrors(system, statistics);
@@ -98,6 +115,18 @@ TEST_F(RunReport, NamesEveryLineWithoutItsSource) {
     reportErrors(system, statistics);
     EXPECT_THAT(user().notices(),
                 ElementsAre(R"(Ligne 2 : la source D:\Absent␛[2J est introuvable.)"));
+}
+
+TEST_F(RunReport, SaysNothingOnAScreenOfAFolderThatWindowsHasMade) {
+    system.lines[0].source = "D:\\Mes images";
+    system.lines[1].source = "D:\\Absent";
+    statistics.tallies.resize(2);
+    for (LineTally& tally : statistics.tallies) tally.sourceMissing = true;
+    reportMissingSources(system, statistics, MissingSources::unexpected);
+    EXPECT_THAT(user().notices(), ElementsAre("Ligne 2 : la source D:\\Absent est introuvable."));
+    reportErrors(system, statistics);
+    EXPECT_EQ(user().notices().size(), 3U) << "where the result is read, both are named";
+    EXPECT_EQ(exitStatus(RunEnd::nothing, statistics), ExitStatus::errors);
 }
 
 }  // namespace
