@@ -1,17 +1,25 @@
 #pragma once
 
 #include <functional>
+#include <string>
+#include <vector>
 
 #include "mainwindow/line_rows.h"
+#include "platform/input_controls.h"
+#include "settings/configurations.h"
 
 namespace coffrelune {
 
-/// The configuration in use: its label, and the dialogs that choose and describe it.
+/// The configuration in use: its label, the choice of another one beside it, and the dialogs that
+/// choose, name, copy and describe it.
 class ConfigurationPanel {
   public:
     ConfigurationPanel(SystemMod& system, MainDialogs& dialogs, LineRows& rows);
 
-    Label ConfigLbl;  // "Travail (description)"
+    Label ConfigLbl;   // "Travail (description)"
+    ListBox ConfigCb;  // drop-down of all of them
+    Button RenameCmd{"Re&nommer..."};
+    Button DuplicateCmd{"&Dupliquer..."};
 
     /// Another configuration, or the same one with another number of lines, has been loaded:
     /// everything is to be shown again.
@@ -24,9 +32,18 @@ class ConfigurationPanel {
     void describe();
 
   private:
+    void pick();
+    void rename();
+    void duplicate();
+    void load(const std::string& name);
+    /// Empty when the dialog was cancelled or the name reserved.
+    std::string askName(const std::string& title, const std::string& proposed);
+    bool refused(ConfigurationRefusal refusal, const std::string& title);
+
     SystemMod& system_;
     MainDialogs& dialogs_;
     LineRows& rows_;
+    std::vector<ListedConfiguration> listed_;  // by position in ConfigCb
 };
 
 }  // namespace coffrelune

@@ -49,14 +49,21 @@ void LaunchPanel::launch() {
             if (launcher_.confirmRestore()) run(RunMode::startedByUser);
             break;
         case OperationKind::comparison:
-            (void)launcher_.launchComparison();
+            tellRan(RunMode::startedByUser, launcher_.launchComparison());
             break;
     }
 }
 
 void LaunchPanel::run(RunMode mode) {
-    // Who does not confirm runs nothing: what the run before has left still holds.
-    if (launcher_.LanceOperation(mode) != RunEnd::cancelled && onRan) onRan();
+    const RunEnd end = launcher_.LanceOperation(mode);
+    // Where somebody has started it, the reasons of the run say so.
+    if (mode == RunMode::unattended) reportInterruption(system_, launcher_, end);
+    tellRan(mode, end);
+}
+
+// Who does not confirm runs nothing: what the run before has left still holds.
+void LaunchPanel::tellRan(RunMode mode, RunEnd end) {
+    if (end != RunEnd::cancelled && onRan) onRan(mode, end);
 }
 
 void LaunchPanel::backUpUnattended() {
@@ -64,7 +71,7 @@ void LaunchPanel::backUpUnattended() {
     run(RunMode::unattended);
     // With nothing else to copy the run ends as one that had nothing to do.
     if (!launcher_.statistics().copyPassStarted) {
-        reportMissingSources(system_, launcher_.statistics());
+        reportMissingSources(system_, launcher_.statistics(), MissingSources::unexpected);
     }
 }
 

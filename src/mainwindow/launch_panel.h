@@ -23,8 +23,8 @@ class LaunchPanel {
     /// Another tab is shown: so are the lines and results of its kind.
     std::function<void()> onKindChanged;
 
-    /// A backup or a restore has ended: its record says what the user must see.
-    std::function<void()> onRan;
+    /// An operation has ended: its record says what the user must see.
+    std::function<void(RunMode mode, RunEnd end)> onRan;
 
     /// Captions, tool tip and frames of the current kind.
     void showKind();
@@ -37,6 +37,7 @@ class LaunchPanel {
     bool pickTab(const std::string& key);
     void launch();
     void run(RunMode mode);
+    void tellRan(RunMode mode, RunEnd end);
 
     SystemMod& system_;
     MainDialogs& dialogs_;

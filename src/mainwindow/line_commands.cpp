@@ -118,13 +118,12 @@ void LineCommands::writeLine(int index) {
 }
 
 void LineCommands::reset() {
-    const Answer answer =
-        dialogs_.say("Remise à zéro de la sauvegarde " + std::to_string(row_ + 1) + " ?",
-                     MessageIcon::question, MessageButtons::okCancel);
-    if (answer != Answer::ok) return;
+    if (!dialogs_.confirmLoss("Remise à zéro de la sauvegarde " + std::to_string(row_ + 1) + " ?"))
+        return;
     rows_.edit(row_, LineSide::left, "");
     rows_.edit(row_, LineSide::right, "");
     system_.ClearExclusions(row_);
+    rows_.showExclusionCount(row_);
 }
 
 namespace {

@@ -1,7 +1,12 @@
 #include "mainwindow/line_rows.h"
 
+#include <algorithm>
+
 #include "dialogs/exclude_form.h"
+#include "mainwindow/path_completion.h"
+#include "settings/choices.h"
 #include "settings/setting_names.h"
+#include "system/text.h"
 
 namespace coffrelune {
 
@@ -19,9 +24,31 @@ void LineRows::bindLabel(PathLabel& label, int index, LineSide side) {
     label.onDrop = [this, index, side](const PathLabel::Dragged& dragged) {
         if (onDrop) onDrop(index, side, dragged);
     };
+    label.onEdit = [this, index, side](const std::string& typed) { typePath(index, side, typed); };
+    label.onEmpty = [this, index, side] { emptyPath(index, side); };
+    label.onComplete = [this](const std::string& typed) {
+        return completions(system_.platform, typed);
+    };
     label.onDrag = [this](bool underWay) {
         if (onDrag) onDrag(underWay);
     };
+}
+
+// A text that has not changed stores nothing; an empty one empties, which asks.
+void LineRows::typePath(int index, LineSide side, const std::string& typed) {
+    if (typed == row(index).label(side).path()) return;
+    if (typed.empty()) {
+        emptyPath(index, side);
+    } else if (dialogs_.ready()) {
+        edit(index, side, system_.platform.drives.fromWindow(typed));
+    }
+}
+
+void LineRows::emptyPath(int index, LineSide side) {
+    if (row(index).label(side).path().empty() || !dialogs_.ready()) return;
+    const std::string what = side == LineSide::left ? "la source" : "la destination";
+    const std::string line = " de la sauvegarde " + std::to_string(index + 1);
+    if (dialogs_.confirmLoss("Voulez-vous vider " + what + line + " ?")) edit(index, side, "");
 }
 
 std::unique_ptr<LineRow> LineRows::makeRow(int index) {
@@ -75,6 +102,26 @@ void LineRows::showRow(int index) {
     shown.ChkS.setChecked(ticked);
     shown.Img.setImage(ticked ? "ligne-selectionnee" : "ligne-non-selectionnee");
     checkRow(index);
+    showExclusionCount(index);
+}
+
+void LineRows::showExclusionCount(int index) {
+    const std::string packed = system_.PackExclusions(index);
+    const auto count = std::count(packed.begin(), packed.end(), '|');
+    std::string caption = "Exclusions";
+    switch (static_cast<ExclusionMode>(leadingNumber(packed))) {
+        case ExclusionMode::all:
+            caption += " (toutes)";
+            break;
+        case ExclusionMode::listed:
+            if (count > 0) caption += " (" + std::to_string(count) + ")";
+            break;
+        case ExclusionMode::none:
+            break;
+    }
+    Button& button = row(index).CmdEx;
+    button.setSpokenName(caption + " de la sauvegarde " + std::to_string(index + 1));
+    button.setCaption(std::move(caption));
 }
 
 void LineRows::checkRow(int index) {
@@ -91,20 +138,21 @@ void LineRows::checkRow(int index) {
 void LineRows::select(int index) {
     LineRow& changed = row(index);
     const bool ticked = changed.ChkS.checked();
-    system_.lineAt(index).selected = ticked ? 1 : 0;
     changed.Img.setImage(ticked ? "ligne-selectionnee" : "ligne-non-selectionnee");
-    system_.keep(system_.configurationName, "Select" + std::to_string(index), ticked ? "1" : "0");
+    (void)chooseLine(system_, index, ticked);  // what cannot be written is told by the window
 }
 
 // The row is shown again after each edit: in the reversed layout one path may change both labels.
 void LineRows::StoreSource(int index) {
     editLine(system_, index, LineSide::left, row(index).LblS.path());
     showRow(index);
+    if (onEdited) onEdited();
 }
 
 void LineRows::StoreDestination(int index) {
     editLine(system_, index, LineSide::right, row(index).LblD.path());
     showRow(index);
+    if (onEdited) onEdited();
 }
 
 void LineRows::edit(int index, LineSide side, const std::string& path) {
@@ -138,6 +186,7 @@ void LineRows::showExclusions(int index) {
     }
     ExcludeForm form(system_, index, source);
     dialogs_.show(form);
+    showExclusionCount(index);
 }
 
 }  // namespace coffrelune

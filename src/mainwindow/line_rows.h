@@ -42,6 +42,8 @@ class LineRows {
     std::function<void(int row, LineSide side)> onRightClick;
     std::function<void(int row, LineSide side, const PathLabel::Dragged& dragged)> onDrop;
     std::function<void(bool underWay)> onDrag;
+    /// A path of a line has changed.
+    std::function<void()> onEdited;
 
     int count() const { return static_cast<int>(rows_.size()); }
     LineRow& row(int index) { return *rows_[static_cast<std::size_t>(index)]; }
@@ -54,6 +56,9 @@ class LineRows {
     /// Fills every row from the shared state. A row without both paths cannot be ticked: its tick,
     /// if it has one, is taken away and that is stored.
     void ShowLines();
+
+    /// What a row's button says of its exclusions, after they have changed.
+    void showExclusionCount(int index);
 
     /// The label's text becomes the line's, and is stored.
     void StoreSource(int index);
@@ -69,6 +74,8 @@ class LineRows {
     std::unique_ptr<LineRow> makeRow(int index);
     void bindLabel(PathLabel& label, int index, LineSide side);
     void resize(int count);
+    void typePath(int index, LineSide side, const std::string& typed);
+    void emptyPath(int index, LineSide side);
     void showRow(int index);
     void checkRow(int index);
     void select(int index);

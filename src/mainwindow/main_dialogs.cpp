@@ -14,6 +14,13 @@ Answer MainDialogs::say(const std::string& text, MessageIcon icon, MessageButton
         {text, title.empty() ? system_.programTitle : title, icon, buttons});
 }
 
+bool MainDialogs::confirmLoss(const std::string& question, const std::string& title) {
+    const Hold hold(*this);
+    return system_.platform.windows.showMessage(
+               {question, title.empty() ? system_.programTitle : title, MessageIcon::question,
+                MessageButtons::okCancel, true}) == Answer::ok;
+}
+
 std::string MainDialogs::chooseFolder(bool includeFiles, const std::string& prompt,
                                       const std::string& start) {
     const Hold hold(*this);

@@ -38,6 +38,8 @@ class MainDialogs {
     /// An empty title stands for the program's.
     Answer say(const std::string& text, MessageIcon icon = MessageIcon::information,
                MessageButtons buttons = MessageButtons::ok, const std::string& title = {});
+    /// Asks before something is overwritten, deleted or reset. An empty title as above.
+    bool confirmLoss(const std::string& question, const std::string& title = {});
     /// Paths in the core's form; empty when cancelled.
     std::string chooseFolder(bool includeFiles, const std::string& prompt,
                              const std::string& start);

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <limits>
 
+#include "operation/results.h"
+#include "operation/run_reasons.h"
+#include "settings/choices.h"
 #include "settings/setting_names.h"
 #include "system/text.h"
 
@@ -19,6 +22,8 @@ std::int16_t autoStartFrom(const std::string& text) {
 
 MainForm::MainForm(SystemMod& system, Desktop& desktop)
     : system_(system),
+      shell_(desktop.shell),
+      drives_(desktop.driveInformation),
       dialogs_(system),
       stage_(system),
       launcher_(system, *this, stage_),
@@ -31,9 +36,10 @@ MainForm::MainForm(SystemMod& system, Desktop& desktop)
       toolbar(system, desktop, dialogs_, lineCommands, configuration, destinations),
       schedule(system, desktop, dialogs_, Cmd[taskSchedulerCmd]),
       program(system, desktop, dialogs_),
-      results(system, dialogs_, Cmd[directionCmd]),
+      results(system, desktop, dialogs_, Cmd[directionCmd]),
       launch(system, dialogs_, Cmd[launchCmd], schedule, program, launcher_),
-      place(system) {
+      place(system),
+      steps(system) {
     connect();
     load();
 }
@@ -59,8 +65,11 @@ void MainForm::connect() {
     };
     results.onDirectionChanged = [this] { ShowLines(); };
     notices.onConfirm = [this] { launcher_.acceptOriginal(); };
-    launch.onRan = [this] { showKept(); };
+    // What cannot be written holds for this run; the window tells it once.
+    notices.onAcceptDates = [this] { (void)chooseOption(system_, roundedDatesOption, true); };
+    launch.onRan = [this](RunMode mode, RunEnd end) { showReasons(mode, end); };
     launch.onKindChanged = [this] { ShowLines(); };
+    lines.onEdited = [this] { linesEdited(); };
     system_.tellWriteFailure([this](const std::string& text) { notices.add(text); });
 }
 
@@ -74,6 +83,7 @@ void MainForm::load() {
     launch.showKind();
     ShowLines();
     results.ClearComparison();
+    tellStaleBackup();
 }
 
 void MainForm::ShowLines() {
@@ -82,19 +92,58 @@ void MainForm::ShowLines() {
     program.show();
     schedule.show();
     results.ShowSummary();
+    steps.show();
 }
 
-// A restore has nothing that could be confirmed: it needs the proof that the copy is whole.
-void MainForm::showKept() {
+// A restore has nothing that could be confirmed: it needs the proof that the copy is whole. What an
+// unattended run has to say has been said where it stays until somebody reads it.
+void MainForm::showReasons(RunMode mode, RunEnd end) {
     const RunStatistics& record = launcher_.statistics();
+    if (mode == RunMode::unattended) notify(exitStatus(end, record));
+    std::vector<std::string> reasons;
+    if (mode == RunMode::startedByUser) {
+        reasons = runReasons(system_, record, launcher_.control(), end);
+    }
+    // A comparison leaves what the last backup said, and what may be confirmed of it.
+    if (system_.operationKind == OperationKind::comparison) {
+        for (const std::string& reason : reasons) notices.add(reason);
+        return;
+    }
+    reasons.insert(reasons.end(), record.keptReasons.begin(), record.keptReasons.end());
     const bool backedUp = system_.operationKind == OperationKind::backup;
-    notices.showKept(record.keptReasons, backedUp && record.originalInDoubt);
+    notices.showKept(reasons, backedUp && record.originalInDoubt);
+    notices.showDates(record.dateReasons, record.roundsDates);
+}
+
+void MainForm::notify(ExitStatus status) {
+    if (!wantsNotices(system_)) return;
+    const RunNotice notice = noticeOf(system_, status, launcher_.statistics());
+    shell_.notify(notice.title, notice.text);
+}
+
+std::optional<std::uint64_t> MainForm::freeSpace(const std::string& drive) {
+    std::uint64_t total = 0;
+    std::uint64_t free = 0;
+    if (!drives_.sizes(drive, total, free).ok()) return {};
+    return free;
+}
+
+void MainForm::linesEdited() {
+    steps.show();
+}
+
+// Not before a run that needs nobody: it may be the very one that was missing.
+void MainForm::tellStaleBackup() {
+    constexpr int days = 7;
+    const std::string text = system_.AutoMode ? std::string() : staleBackup(system_, days);
+    notices.showKept(text.empty() ? std::vector<std::string>() : std::vector{text}, false);
 }
 
 void MainForm::configurationLoaded() {
     // What was confirmed were the sources of another configuration.
     launcher_.forgetAcceptance();
-    notices.showKept({}, false);
+    tellStaleBackup();
+    notices.showDates({}, false);
     launch.showKind();
     ShowLines();
     results.ClearComparison();
@@ -112,6 +161,7 @@ void MainForm::firstActivation() {
     // The user may have closed the window in the meantime.
     if (!system_.AutoMode || !open()) return;
     autoStatus_ = launch.runAuto();
+    notify(*autoStatus_);
     closeBox();
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "mainwindow/configuration_panel.h"
+#include "mainwindow/first_steps.h"
 #include "mainwindow/label_drag.h"
 #include "mainwindow/launch_panel.h"
 #include "mainwindow/line_commands.h"
@@ -38,6 +39,8 @@ class MainForm final : public Window, public OperationHost {
   private:
     // Before the areas that use them.
     SystemMod& system_;
+    ShellService& shell_;
+    DriveInformation& drives_;
     MainDialogs dialogs_;
     WindowStage stage_;
     OperationLauncher launcher_;
@@ -55,6 +58,7 @@ class MainForm final : public Window, public OperationHost {
     ResultsArea results;
     LaunchPanel launch;
     WindowPlace place;
+    FirstSteps steps;
 
     /// Shows the current configuration for the current kind; stores nothing but ticks taken away
     /// from lines without both paths.
@@ -81,13 +85,17 @@ class MainForm final : public Window, public OperationHost {
     void resultStored(OperationKind) override { results.resultStored(); }
     TextLog& comparisonList() override { return results.TxtCp; }
     Label& comparisonSummary() override { return results.LblComp; }
+    std::optional<std::uint64_t> freeSpace(const std::string& drive) override;
 
   private:
     void connect();
     void load();
     bool commitFields();
     void configurationLoaded();
-    void showKept();
+    void showReasons(RunMode mode, RunEnd end);
+    void linesEdited();
+    void tellStaleBackup();
+    void notify(ExitStatus status);
     void firstActivation();
 
     bool activatedOnce_ = false;

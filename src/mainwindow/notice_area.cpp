@@ -37,38 +37,62 @@ NoticeArea::NoticeArea(Clock& clock) : clock_(clock) {
         "excédentaires");
     ConfirmCmd.setVisible(false);
     ConfirmCmd.onClick = [this] { confirm(); };
+    DatesCmd.setToolTip(
+        "Une copie de même taille que son original, à la date de celui-ci arrondie par le volume, "
+        "est à jour");
+    DatesCmd.setVisible(false);
+    DatesCmd.onClick = [this] { acceptDates(); };
     show();
 }
 
 void NoticeArea::add(const std::string& text) {
-    push(text, false);
+    push(text, Topic::lasting);
     show();
 }
 
 void NoticeArea::showKept(const std::vector<std::string>& reasons, bool mayConfirm) {
-    withdraw();
+    withdraw(Topic::lastRun);
     for (const std::string& reason : reasons) {
-        for (const std::string& line : linesOf(reason)) push(line, true);
+        for (const std::string& line : linesOf(reason)) push(line, Topic::lastRun);
     }
     ConfirmCmd.setVisible(mayConfirm);
     show();
 }
 
-void NoticeArea::withdraw() {
-    std::erase_if(messages_, [](const Message& message) { return message.ofLastRun; });
-    ConfirmCmd.setVisible(false);
+void NoticeArea::showDates(const std::vector<std::string>& reasons, bool mayAccept) {
+    withdraw(Topic::dates);
+    for (const std::string& reason : reasons) {
+        for (const std::string& line : linesOf(reason)) push(line, Topic::dates);
+    }
+    DatesCmd.setVisible(mayAccept);
+    show();
+}
+
+void NoticeArea::withdraw(Topic topic) {
+    std::erase_if(messages_, [topic](const Message& message) { return message.topic == topic; });
+    (topic == Topic::dates ? DatesCmd : ConfirmCmd).setVisible(false);
 }
 
 void NoticeArea::confirm() {
     if (onConfirm) onConfirm();
-    withdraw();
-    push("La source est confirmée pour la prochaine sauvegarde.", true);
+    withdraw(Topic::lastRun);
+    push("La source est confirmée pour la prochaine sauvegarde.", Topic::lastRun);
     show();
 }
 
-void NoticeArea::push(const std::string& text, bool ofLastRun) {
+void NoticeArea::acceptDates() {
+    if (onAcceptDates) onAcceptDates();
+    withdraw(Topic::dates);
+    push(
+        "Les dates arrondies sont acceptées : les prochaines sauvegardes ne copient que les "
+        "fichiers modifiés.",
+        Topic::dates);
+    show();
+}
+
+void NoticeArea::push(const std::string& text, Topic topic) {
     messages_.push_back(
-        {formatDateTime(clock_.now()) + "   " + visibleControls(onOneLine(text)), ofLastRun});
+        {formatDateTime(clock_.now()) + "   " + visibleControls(onOneLine(text)), topic});
     // One place is for the number of those that have gone.
     while (messages_.size() + (dropped_ > 0 ? 1 : 0) > Lbl.size()) {
         messages_.pop_front();
@@ -80,6 +104,7 @@ void NoticeArea::hide() {
     messages_.clear();
     dropped_ = 0;
     ConfirmCmd.setVisible(false);
+    DatesCmd.setVisible(false);
     show();
 }
 

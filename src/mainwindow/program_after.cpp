@@ -50,10 +50,10 @@ void ProgramAfter::choose() {
 
 void ProgramAfter::clear() {
     if (!dialogs_.ready()) return;
-    const Answer answer =
-        dialogs_.say("Confirmez-vous la suppression du programme à exécuter après la Sauvegarde ?",
-                     MessageIcon::question, MessageButtons::okCancel, "Suppression");
-    if (answer != Answer::ok) return;
+    const bool confirmed = dialogs_.confirmLoss(
+        "Confirmez-vous la suppression du programme à exécuter après la Sauvegarde ?",
+        "Suppression");
+    if (!confirmed) return;
     system_.ProgToRun.clear();
     system_.PrmToRun.clear();
     system_.SelectP = 0;

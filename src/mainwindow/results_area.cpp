@@ -6,14 +6,20 @@
 
 namespace coffrelune {
 
-ResultsArea::ResultsArea(SystemMod& system, MainDialogs& dialogs, Button& direction)
-    : system_(system), dialogs_(dialogs), direction_(direction) {
+ResultsArea::ResultsArea(SystemMod& system, Desktop& desktop, MainDialogs& dialogs,
+                         Button& direction)
+    : search(system, TxtCp, "Comparaison.txt"),
+      system_(system),
+      desktop_(desktop),
+      dialogs_(dialogs),
+      direction_(direction) {
     OkImg.setImage("resultat-ok");
     ErrImg.setImage("resultat-erreur");
     NbErrImg.setImage("resultat-nombre");
     direction_.setToolTip("Changer le sens de la comparaison");
     direction_.onClick = [this] { changeDirection(); };
     VoirErrLbl.onOpen = [this] { showErrors(); };
+    search.onOpenFolder = [this](const std::string& folder) { desktop_.shell.open(folder, ""); };
 }
 
 void ResultsArea::ShowSummary() {
@@ -32,6 +38,7 @@ void ResultsArea::ShowSummary() {
     const bool comparison = system_.operationKind == OperationKind::comparison;
     direction_.setVisible(comparison);
     TxtCp.setVisible(comparison);
+    search.setVisible(comparison);
     LblComp.setVisible(comparison);
 }
 
@@ -66,6 +73,7 @@ void ResultsArea::changeDirection() {
 void ResultsArea::showErrors() {
     if (!dialogs_.ready()) return;
     VisuErrFrm viewer(system_);
+    viewer.search.onOpenFolder = search.onOpenFolder;
     dialogs_.show(viewer);
 }
 

@@ -4,7 +4,9 @@
 #include <functional>
 
 #include "mainwindow/main_dialogs.h"
+#include "operation/log_search.h"
 #include "platform/commands.h"
+#include "platform/desktop_services.h"
 #include "platform/long_lists.h"
 
 namespace coffrelune {
@@ -13,7 +15,7 @@ namespace coffrelune {
 class ResultsArea {
   public:
     /// `direction` is the button that turns the comparison round.
-    ResultsArea(SystemMod& system, MainDialogs& dialogs, Button& direction);
+    ResultsArea(SystemMod& system, Desktop& desktop, MainDialogs& dialogs, Button& direction);
 
     std::array<Label, 3> LastSaveLbl;  // 0 clean run, 1 run with problems, 2 their number
     Picture OkImg;
@@ -22,6 +24,7 @@ class ResultsArea {
     LinkLabel VoirErrLbl;  // opens the error list
     TextLog TxtCp;         // the list of the last comparison
     Label LblComp;         // and its summary
+    LogSearch search;      // in that list
 
     /// The direction of comparisons has changed: the lines are to be shown again.
     std::function<void()> onDirectionChanged;
@@ -38,6 +41,7 @@ class ResultsArea {
     void showErrors();
 
     SystemMod& system_;
+    Desktop& desktop_;
     MainDialogs& dialogs_;
     Button& direction_;
 };

@@ -3,15 +3,12 @@
 #include <utility>
 
 #include "platform/characters.h"
+#include "settings/choices.h"
 #include "system/date_time.h"
+#include "system/planned_runs.h"
 
 namespace coffrelune {
 namespace {
-
-constexpr std::array<const char*, 3> captions = {"&Ecrasement sans confirmation",
-                                                 "Seulement les fichiers &Modifiés",
-                                                 "Sauvegarde &Automatique :"};
-constexpr std::array<const char*, 3> keys = {"Confirmation", "Modifie", "AutoSave"};
 
 // How long after a refused time the command may come whose press took the focus out of the field. A
 // toolkit may also lose that press to the message; a command given later is meant.
@@ -37,7 +34,7 @@ std::string asTime(const std::string& typed) {
 Schedule::Schedule(SystemMod& system, Desktop& desktop, MainDialogs& dialogs, Button& taskScheduler)
     : system_(system), desktop_(desktop), dialogs_(dialogs), taskScheduler_(taskScheduler) {
     for (std::size_t i = 0; i < Opt.size(); ++i) {
-        Opt[i].setCaption(captions[i]);
+        Opt[i].setCaption(switchTable.at(i).caption);
         Opt[i].onClick = [this, i] { clickOption(i); };
     }
     AutoHr.setToolTip("Heure de la sauvegarde automatique (hh:mm)");
@@ -51,14 +48,26 @@ Schedule::Schedule(SystemMod& system, Desktop& desktop, MainDialogs& dialogs, Bu
 }
 
 void Schedule::show() {
-    // As each value is understood elsewhere: 1 alone switches the first and the last one on.
-    Opt[overwriteOpt].setChecked(system_.Confirmation == 1);
-    Opt[modifiedOpt].setChecked(system_.Modifie != 0);
-    Opt[automaticOpt].setChecked(system_.AutoSave == 1);
+    for (std::size_t i = 0; i < Opt.size(); ++i) {
+        Opt[i].setChecked(isOn(system_, switchTable.at(i)));
+    }
     // A time spoilt by hand in the settings file counts as midnight, and stays there until another
     // one is typed.
     showTime(isTimeOfDay(system_.AutoTime) ? system_.AutoTime : "00:00");
     Timer1.setEnabled(system_.AutoSave == 1);
+    showNext();
+}
+
+void Schedule::showNext() {
+    NextLbl.setVisible(system_.AutoSave == 1);
+    if (system_.AutoSave != 1) return;
+    const LocalTime now = system_.platform.clock.now();
+    const std::string text =
+        "Prochaine sauvegarde : " + spokenSchedule(system_.nextDate, system_.AutoTime, now);
+    const bool held = system_.operationKind != OperationKind::backup;
+    // The whole reason would not fit beside the time.
+    NextLbl.setCaption(text + (held ? ", pas sous cet onglet" : ""));
+    NextLbl.setToolTip(held ? "Elle part quand l'onglet « Sauvegarde » est affiché." : "");
 }
 
 void Schedule::setKind(OperationKind kind) {
@@ -67,6 +76,7 @@ void Schedule::setKind(OperationKind kind) {
     Opt[automaticOpt].setEnabled(backup);
     AutoHr.setEnabled(backup);
     taskScheduler_.setEnabled(backup);
+    showNext();
 }
 
 void Schedule::showTime(const std::string& time) {
@@ -112,17 +122,18 @@ void Schedule::commitAtClose() {
 }
 
 void Schedule::clickOption(std::size_t index) {
-    const std::array<std::int32_t*, 3> values = {&system_.Confirmation, &system_.Modifie,
-                                                 &system_.AutoSave};
-    const std::int32_t state = Opt.at(index).checked() ? 1 : 0;
-    *values.at(index) = state;
-    system_.keep(system_.configurationName, keys.at(index), std::to_string(state));
-    if (index == automaticOpt) Timer1.setEnabled(state == 1);
+    const bool state = Opt.at(index).checked();
+    // What cannot be written is told by the window.
+    (void)chooseSwitch(system_, switchTable.at(index), state);
+    if (index != automaticOpt) return;
+    Timer1.setEnabled(state);
+    showNext();
 }
 
 void Schedule::Arm(bool afterRun) {
     system_.nextDate = nextScheduledDate(system_.nextDate, afterRun, afterRun, system_.AutoTime,
                                          system_.platform.clock.now());
+    showNext();
 }
 
 void Schedule::tick() {
@@ -149,12 +160,62 @@ bool Schedule::isDue() {
 
 void Schedule::openTaskScheduler() {
     if (!dialogs_.ready()) return;
+    if (desktop_.tasks != nullptr && !desktop_.shell.hasTaskScheduler()) return offerPlan();
     (void)dialogs_.say(
         "Pour créer une nouvelle planification de Sauvegarde, cliquez sur créer une tâche de base "
         "et inscrivez les paramétres de planification.\r\n\r\nPour modifier une planification "
         "existante, cliquez sur son nom, sélectionnez Propriétés, et inscrivez vos modifications.",
         MessageIcon::information, MessageButtons::ok, "Planificateur de Tâches");
     desktop_.shell.openTaskScheduler();
+}
+
+// Where no program shows what is planned, this one plans its own run, or takes it back.
+void Schedule::offerPlan() {
+    constexpr const char* title = "Planificateur de Tâches";
+    const std::string& name = system_.configurationName;
+    TaskScheduler& tasks = *desktop_.tasks;
+    const auto ask = [&](const std::string& question) {
+        return dialogs_.say(question, MessageIcon::question, MessageButtons::yesNo, title) ==
+               Answer::yes;
+    };
+    PlannedEntry entry;
+    if (tasks.read(name, entry).ok()) {
+        if (!ask("« " + name + " » est planifiée (" + entry.when + "), dans :\n" + entry.place +
+                 "\n\nVoulez-vous retirer cette planification ?")) {
+            return;
+        }
+        return tellPlan(tasks.remove(name), "La planification de « " + name + " » est retirée.");
+    }
+    // What follows a "/" on the command line is another name.
+    if (name.find('/') != std::string::npos) {
+        (void)dialogs_.say(
+            "Le nom de cette configuration contient « / » : planifiez-la par "
+            "« coffrelune-console planifier ».",
+            MessageIcon::exclamation, MessageButtons::ok, title);
+        return;
+    }
+    const std::string time = isTimeOfDay(system_.AutoTime) ? system_.AutoTime : "00:00";
+    if (!ask("Voulez-vous que le système sauvegarde « " + name + " » chaque jour à " + time +
+             ", sans que ce programme soit ouvert ?\n(Pour une autre heure, changez d'abord celle "
+             "de la sauvegarde automatique.)")) {
+        return;
+    }
+    PlannedTask task = plannedWindow(system_.executablePath, name);
+    task.time = time;
+    std::string advice;
+    const Status written = tasks.write(task, advice);
+    tellPlan(written, "La sauvegarde de « " + name + " » est planifiée chaque jour à " + time +
+                          "." + (advice.empty() ? "" : "\n\n" + advice));
+}
+
+void Schedule::tellPlan(const Status& status, const std::string& done) {
+    const std::string failed = status.code() == error_number::notSupported
+                                   ? "Ce système n'a ni gestionnaire systemd de session ni crontab."
+                                   : "La planification n'a pas pu être changée (erreur " +
+                                         std::to_string(status.code()) + ").";
+    (void)dialogs_.say(status.ok() ? done : failed,
+                       status.ok() ? MessageIcon::information : MessageIcon::exclamation,
+                       MessageButtons::ok, "Planificateur de Tâches");
 }
 
 }  // namespace coffrelune

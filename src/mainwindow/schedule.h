@@ -27,6 +27,7 @@ class Schedule {
     Frame CadrePla{"Planifier la sauvegarde"};
     std::array<CheckBox, optCount> Opt;
     TextBox AutoHr;  // "hh:nn"
+    Label NextLbl;   // when the next backup comes, or what holds it back
     Timer Timer1;
 
     /// An unattended backup; returns when it is over.
@@ -53,11 +54,14 @@ class Schedule {
     void tick();
     void clickOption(std::size_t index);
     void openTaskScheduler();
+    void offerPlan();
+    void tellPlan(const Status& status, const std::string& done);
     void leaveField();
     bool storeTypedTime();
     bool refuseTypedTime();
     bool isDue();
     void showTime(const std::string& time);
+    void showNext();
 
     SystemMod& system_;
     Desktop& desktop_;

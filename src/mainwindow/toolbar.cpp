@@ -1,6 +1,7 @@
 #include "mainwindow/toolbar.h"
 
 #include "dialogs/frm_about.h"
+#include "system/paths.h"
 
 namespace coffrelune {
 
@@ -18,6 +19,7 @@ Toolbar::Toolbar(SystemMod& system, Desktop& desktop, MainDialogs& dialogs,
     LineCommands::addTo(TB);
     TB.add({"ModifDest", "Modification de toutes les destinations...",
             "Modification de toutes les destinations"});
+    TB.add({"Aide", "Aide...", "Manuel de Coffrelune (F1)"});
     TB.add({"APropos", "À propos...", "À propos de Coffrelune"});
     TB.add({"Quitter", "&Quitter", "Quitter Coffrelune"});
     TB.onPick = [this](const std::string& key) { run(key); };
@@ -42,12 +44,30 @@ void Toolbar::run(const std::string& key) {
         configuration_.describe();
     } else if (key == "ModifDest") {
         destinations_.run();
+    } else if (key == "Aide") {
+        openManual();
     } else if (key == "APropos") {
         frmAbout about(system_, desktop_);
         dialogs_.show(about);
     } else {
         (void)lineCommands_.run(key);
     }
+}
+
+// Beside the program, or where a package puts what programs share.
+void Toolbar::openManual() {
+    const std::string beside = splitPath(system_.executablePath).parent;
+    const std::string shared = splitPath(beside).parent + R"(share\coffrelune\)";
+    for (const std::string& place : {beside, shared}) {
+        const std::string path = place + R"(aide\manuel.html)";
+        FileEntry entry;
+        if (system_.platform.files.lookUp(path, LinkRule::follow, entry).ok()) {
+            return desktop_.shell.open(path, {});
+        }
+    }
+    (void)dialogs_.say(
+        "Le manuel n'est pas installé : il manque " + beside + R"(aide\manuel.html.)",
+        MessageIcon::exclamation);
 }
 
 }  // namespace coffrelune

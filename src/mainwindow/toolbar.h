@@ -23,6 +23,7 @@ class Toolbar {
 
   private:
     void run(const std::string& key);
+    void openManual();
 
     SystemMod& system_;
     Desktop& desktop_;

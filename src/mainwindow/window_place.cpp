@@ -1,5 +1,7 @@
 #include "mainwindow/window_place.h"
 
+#include <algorithm>
+
 #include "settings/setting_names.h"
 #include "system/text.h"
 
@@ -13,6 +15,11 @@ int edgeFrom(const std::string& text) {
     return twips < -farthest || twips > farthest ? 0 : twips;
 }
 
+// A size that is none, or that one edge alone has, is none that the user has chosen.
+int extentFrom(const std::string& text) {
+    return std::max(edgeFrom(text), 0);
+}
+
 int stateFrom(const std::string& text) {
     const int state = leadingNumber(text);
     return state < WindowPlace::normal || state > WindowPlace::maximised ? WindowPlace::normal
@@ -24,6 +31,9 @@ int stateFrom(const std::string& text) {
 void WindowPlace::load() {
     left = edgeFrom(system_.ReadSetting(globalSection, "Left"));
     top = edgeFrom(system_.ReadSetting(globalSection, "Top"));
+    width = extentFrom(system_.ReadSetting(globalSection, "Width"));
+    height = extentFrom(system_.ReadSetting(globalSection, "Height"));
+    if (width == 0 || height == 0) width = height = 0;
     state = static_cast<State>(stateFrom(system_.ReadSetting(globalSection, "WindowState")));
 }
 
@@ -40,6 +50,9 @@ void WindowPlace::save() {
     if (state == minimised) return;
     saveNumber("Left", left, edgeFrom);
     saveNumber("Top", top, edgeFrom);
+    if (width == 0 || height == 0) return;
+    saveNumber("Width", width, extentFrom);
+    saveNumber("Height", height, extentFrom);
 }
 
 }  // namespace coffrelune

@@ -7,6 +7,7 @@
 namespace coffrelune {
 namespace {
 
+using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr const char* two =
@@ -21,6 +22,29 @@ constexpr const char* two =
 class ConfigurationPanelTest : public MainFormTest {
   protected:
     std::string label() { return form->configuration.ConfigLbl.caption(); }
+
+    Texts choices() { return form->configuration.ConfigCb.entries(); }
+    std::string choice() { return form->configuration.ConfigCb.selectedText(); }
+    /// Opens a dialog that asks for a name, and answers by this one; empty cancels.
+    void answerName(const std::string& name) {
+        user().stepIn<ConfigNameForm>([this, name](ConfigNameForm& dialog) {
+            asked = dialog.caption();
+            proposed = dialog.Txt.text();
+            dialog.Txt.type(name);
+            dialog.Cmd.at(name.empty() ? 1 : 0).click();
+        });
+    }
+    void rename(const std::string& to) {
+        answerName(to);
+        form->configuration.RenameCmd.click();
+    }
+    void duplicate(const std::string& as) {
+        answerName(as);
+        form->configuration.DuplicateCmd.click();
+    }
+
+    std::string asked;     // title of the last dialog
+    std::string proposed;  // name that it held
 
     void chooseIn(std::function<void(ConfigForm&)> action) {
         user().stepIn<ConfigForm>(std::move(action));
@@ -182,6 +206,134 @@ TEST_F(ConfigurationPanelTest, ALowerNumberCutsTheRows) {
     });
     EXPECT_EQ(form->lines.count(), 1);
     EXPECT_FALSE(form->toolbar.TB.find("LigneUp")->enabled);
+}
+
+TEST_F(ConfigurationPanelTest, AllConfigurationsAreOfferedBesideTheName) {
+    start(two);
+    EXPECT_THAT(choices(), ElementsAre("General", "Travail (Le bureau)"));
+    EXPECT_EQ(choice(), "General");
+    start(two, "/nouvelle");
+    EXPECT_THAT(choices(), ElementsAre("General", "Travail (Le bureau)", "Nouvelle"));
+    EXPECT_EQ(choice(), "Nouvelle");
+}
+
+TEST_F(ConfigurationPanelTest, TheChoiceShowsAnotherConfigurationAtOnce) {
+    start(two, "/essai");
+    form->configuration.ConfigCb.pick(1);
+    EXPECT_EQ(label(), "Travail (Le bureau)");
+    EXPECT_EQ(choice(), "Travail (Le bureau)");
+    EXPECT_EQ(left(0), R"(C:\Bureau)");
+    EXPECT_EQ(form->schedule.AutoHr.text(), "18:00");
+    form->closeBox();
+    EXPECT_EQ(stored("Position", "Config"), "Travail");
+}
+
+TEST_F(ConfigurationPanelTest, TheChoiceOfTheSameConfigurationReloadsNothing) {
+    start(two);
+    form->results.TxtCp.append("x");
+    form->configuration.ConfigCb.pick(0);
+    EXPECT_EQ(form->results.TxtCp.lineCount(), 1U);
+}
+
+TEST_F(ConfigurationPanelTest, WhatWasTypedIsStoredBeforeAnotherIsChosen) {
+    start(two);
+    form->program.PrmToRunTxt.enter();
+    form->program.PrmToRunTxt.type("/fin");
+    form->configuration.ConfigCb.pick(1);
+    EXPECT_EQ(stored("General", "PrmToRun"), "/fin");
+    EXPECT_EQ(stored("Travail", "PrmToRun"), "/s");
+}
+
+TEST_F(ConfigurationPanelTest, ARefusedTimeKeepsTheConfiguration) {
+    start(two);
+    form->schedule.AutoHr.enter();
+    form->schedule.AutoHr.type("99:99");
+    user().answer(Answer::ok);
+    form->configuration.ConfigCb.pick(1);
+    EXPECT_EQ(system->configurationName, "General");
+    EXPECT_EQ(choice(), "General");
+}
+
+TEST_F(ConfigurationPanelTest, TheChoiceKeepsAnyNameWhole) {
+    start("[General]\nModifie=1\n[Photos (2024)]\nSource0=\"C:\\P\"\n");
+    form->configuration.ConfigCb.pick(1);
+    EXPECT_EQ(system->configurationName, "Photos (2024)");
+    EXPECT_EQ(left(0), R"(C:\P)");
+}
+
+TEST_F(ConfigurationPanelTest, RenamingKeepsEverythingButTheName) {
+    start(two, "/travail");
+    rename("BUREAU");
+    EXPECT_EQ(asked, "Renommer la configuration");
+    EXPECT_EQ(proposed, "Travail");
+    EXPECT_EQ(label(), "Bureau (Le bureau)");
+    EXPECT_THAT(choices(), ElementsAre("General", "Bureau (Le bureau)"));
+    EXPECT_EQ(choice(), "Bureau (Le bureau)");
+    EXPECT_EQ(stored("Bureau", "LastSave"), "03/03/2025 08:05:00");
+    EXPECT_EQ(stored("Travail", "LastSave"), "");
+    form->closeBox();
+    EXPECT_EQ(stored("Position", "Config"), "Bureau");
+}
+
+TEST_F(ConfigurationPanelTest, RenamingFollowsTheRulesOfTheDialog) {
+    start(two);
+    const std::string before = settings();
+    rename("");
+    rename("General");
+    user().answer(Answer::ok);
+    rename("TRAVAIL");
+    EXPECT_THAT(lastMessage(), IsMessage("Cette configuration existe déjà !",
+                                         "Renommer la configuration", MessageIcon::information));
+    user().answer(Answer::ok);
+    rename("position");
+    EXPECT_EQ(lastMessage().text, "Impossible, nom réservé !");
+    EXPECT_EQ(settings(), before);
+    EXPECT_EQ(label(), "General");
+}
+
+TEST_F(ConfigurationPanelTest, OneThatHasNeverBeenStoredIsRenamedToo) {
+    start();
+    rename("maison");
+    EXPECT_EQ(label(), "Maison");
+    EXPECT_THAT(choices(), ElementsAre("Maison"));
+    form->closeBox();
+    EXPECT_EQ(stored("Position", "Config"), "Maison");
+}
+
+TEST_F(ConfigurationPanelTest, ARenamingThatCannotBeStoredIsTold) {
+    start(two);
+    disk().setInUse(settingsFile);
+    user().answer(Answer::ok);
+    rename("maison");
+    EXPECT_EQ(lastMessage().text, "La configuration n'a pas pu être renommée (erreur 32).");
+    EXPECT_EQ(label(), "General");
+}
+
+TEST_F(ConfigurationPanelTest, ADuplicateIsShownAndHasNeverRun) {
+    start(two, "/travail");
+    duplicate("maison");
+    EXPECT_EQ(asked, "Dupliquer la configuration");
+    EXPECT_EQ(proposed, "Travail 2");
+    EXPECT_EQ(label(), "Maison (Le bureau)");
+    EXPECT_EQ(left(0), R"(C:\Bureau)");
+    EXPECT_EQ(stored("Maison", "ProgToRun"), R"(C:\fin.exe)");
+    EXPECT_EQ(stored("Maison", "LastSave"), "");
+    EXPECT_EQ(form->results.LastSaveLbl[0].caption(), "");
+    EXPECT_EQ(stored("Travail", "LastSave"), "03/03/2025 08:05:00");
+}
+
+TEST_F(ConfigurationPanelTest, DuplicatingFollowsTheRulesOfTheDialog) {
+    start(two);
+    const std::string before = settings();
+    user().answer(Answer::ok);
+    duplicate("tra");
+    EXPECT_THAT(lastMessage(), IsMessage("Cette configuration existe déjà !",
+                                         "Dupliquer la configuration", MessageIcon::information));
+    user().answer(Answer::ok);
+    duplicate("GENERAL");
+    duplicate("");
+    EXPECT_EQ(settings(), before);
+    EXPECT_EQ(label(), "General");
 }
 
 TEST_F(ConfigurationPanelTest, TheAboutBoxOpensFromTheToolbar) {

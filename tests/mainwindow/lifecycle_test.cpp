@@ -51,6 +51,31 @@ TEST_F(LifecycleTest, AFirstCloseStoresThePlaceEvenWhenItIsTheCorner) {
     EXPECT_EQ(stored("Position", "WindowState"), "0");
 }
 
+TEST_F(LifecycleTest, OpensAsLargeAsTheUserHasMadeIt) {
+    start();
+    EXPECT_EQ(place().width, 0);
+    place().width = 15'000;
+    place().height = 9'000;
+    restart();
+    EXPECT_EQ(stored("Position", "Width"), "15000");
+    EXPECT_EQ(stored("Position", "Height"), "9000");
+    EXPECT_EQ(place().width, 15'000);
+    EXPECT_EQ(place().height, 9'000);
+}
+
+TEST_F(LifecycleTest, ASizeThatTheUserHasNotChosenIsNotStored) {
+    start();
+    form->closeBox();
+    EXPECT_EQ(stored("Position", "Width"), "");
+    EXPECT_EQ(stored("Position", "Height"), "");
+}
+
+TEST_F(LifecycleTest, HalfASizeIsNone) {
+    start("[Position]\nWidth=15000\nHeight=-3\n");
+    EXPECT_EQ(place().width, 0);
+    EXPECT_EQ(place().height, 0);
+}
+
 TEST_F(LifecycleTest, ClosedWhileMinimisedItKeepsThePlaceOfAnEarlierClose) {
     start("[Position]\nLeft=1500\nTop=300\nWindowState=0\n");
     place().state = WindowPlace::minimised;

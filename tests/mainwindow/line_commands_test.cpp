@@ -36,7 +36,7 @@ TEST_F(LineCommandsTest, MenuAndToolbarOfferTheSameTools) {
                                           "LigneDown", "DeleteLigne"));
     EXPECT_THAT(keys(bar()), ElementsAre("Config", "Description", "ModifRep", "ModifRepFich",
                                          "Editer", "Prop", "LigneUp", "LigneDown", "DeleteLigne",
-                                         "ModifDest", "APropos", "Quitter"));
+                                         "ModifDest", "Aide", "APropos", "Quitter"));
     for (const CommandBar::Command& each : bar().commands()) EXPECT_NE(each.toolTip, "");
 }
 

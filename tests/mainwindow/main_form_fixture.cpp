@@ -1,6 +1,7 @@
 #include "mainwindow/main_form_fixture.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "system/date_time.h"
 
@@ -8,7 +9,9 @@ namespace coffrelune {
 
 void HookedWindows::showModal(Window& window) {
     callHook();
+    Window* const below = std::exchange(front_, &window);
     inner_.showModal(window);
+    front_ = below;
 }
 
 Answer HookedWindows::showMessage(const MessageBoxText& message) {
@@ -99,6 +102,12 @@ int MainFormTest::tickUntil(int year, int month, int day, int hour, int minute, 
         runs += tick();
     }
     return runs;
+}
+
+void MainFormTest::stopNextRun() {
+    user().onPendingEvents = [this] {
+        if (auto* run = dynamic_cast<Copie*>(windows.front())) run->requestInterruption();
+    };
 }
 
 }  // namespace coffrelune

@@ -23,6 +23,8 @@ class HookedWindows final : public WindowService {
 
     /// Called while a message, a window or a chooser is open, before it is answered.
     std::function<void()> whileOpen;
+    /// The window that is open over the main one; null when none is.
+    Window* front() const { return front_; }
 
     void showModal(Window& window) override;
     void runPendingEvents() override { inner_.runPendingEvents(); }
@@ -38,6 +40,7 @@ class HookedWindows final : public WindowService {
     }
 
     MemoryWindows& inner_;
+    Window* front_ = nullptr;
 };
 
 /// Drives of a system whose own paths are not those of the program.
@@ -99,6 +102,8 @@ class MainFormTest : public testing::Test {
     /// how many backups ran.
     int tickUntil(int year, int month, int day, int hour, int minute, int second = 0);
     int tick();
+    /// The next run is asked to stop as soon as it lets events run.
+    void stopNextRun();
 
     MemoryPlatform memory;
     MemoryDesktop memoryDesktop;
@@ -120,7 +125,7 @@ MATCHER_P3(IsMessage, text, title, icon, "") {
 MATCHER_P2(IsQuestion, text, title, "") {
     *result_listener << "\"" << arg.text << "\" titled \"" << arg.title << "\"";
     return arg.text == text && arg.title == title && arg.icon == MessageIcon::question &&
-           arg.buttons == MessageButtons::okCancel;
+           arg.buttons == MessageButtons::okCancel && arg.harmful;
 }
 
 }  // namespace coffrelune

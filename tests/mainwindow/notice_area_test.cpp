@@ -115,5 +115,26 @@ TEST_F(NoticeAreaTest, ManyReasonsAreCountedLikeOtherMessages) {
     EXPECT_TRUE(area.ConfirmCmd.visible());
 }
 
+TEST_F(NoticeAreaTest, OffersToAcceptRoundedDatesBesideTheRest) {
+    int accepted = 0;
+    area.onAcceptDates = [&accepted] { ++accepted; };
+    EXPECT_FALSE(area.DatesCmd.visible());
+    EXPECT_EQ(area.DatesCmd.caption(), "Accepter les dates arrondies");
+    area.showKept({"a"}, true);
+    area.showDates({"b"}, true);
+    EXPECT_TRUE(area.DatesCmd.visible());
+    EXPECT_TRUE(area.ConfirmCmd.visible());
+    area.DatesCmd.click();
+    EXPECT_EQ(accepted, 1);
+    EXPECT_FALSE(area.DatesCmd.visible());
+    EXPECT_TRUE(area.ConfirmCmd.visible());
+    EXPECT_THAT(shown(), ElementsAre("21/11/2026 08:30:05   a",
+                                     "21/11/2026 08:30:05   Les dates arrondies sont acceptées : "
+                                     "les prochaines sauvegardes ne copient que les fichiers "
+                                     "modifiés."));
+    area.showDates({}, false);
+    EXPECT_THAT(shown(), ElementsAre("21/11/2026 08:30:05   a"));
+}
+
 }  // namespace
 }  // namespace coffrelune

@@ -118,6 +118,25 @@ TEST_F(ResultsAreaTest, TheLinkOpensTheErrorListOfTheKind) {
     results().VoirErrLbl.click();
 }
 
+TEST_F(ResultsAreaTest, TheFolderOfALineOpensFromTheListOfErrorsAndFromTheComparison) {
+    start("[General]\nLastSaveErr=04/03/2025 08:05:00\nLastSaveNbErr=1\n");
+    disk().file(R"(C:\Coffrelune\S_General.err)", "Erreur: 5 - Fichier: C:\\Coffrelune\\a\r\n");
+    user().stepIn<VisuErrFrm>([](VisuErrFrm& viewer) {
+        viewer.ListeTxt.pick({0});
+        viewer.search.FolderCmd.click();
+        viewer.Cmd.click();
+    });
+    results().VoirErrLbl.click();
+    EXPECT_FALSE(results().search.FilterTxt.visible());
+    pickTab("C");
+    EXPECT_TRUE(results().search.FilterTxt.visible());
+    results().TxtCp.append("C:\\Coffrelune\\b n'existe pas");
+    results().TxtCp.pick({0});
+    results().search.FolderCmd.click();
+    const MemoryShell::Opened folder{"C:\\Coffrelune", ""};
+    EXPECT_THAT(shell().opened(), testing::ElementsAre(folder, folder));
+}
+
 TEST_F(ResultsAreaTest, ABackupIsSummarisedWhenItEnds) {
     startWithLine();
     user().answer(Answer::ok);

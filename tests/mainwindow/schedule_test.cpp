@@ -342,5 +342,40 @@ TEST_F(ScheduleTest, ExplainsTheTaskSchedulerAndOpensIt) {
     EXPECT_EQ(shell().schedulerOpenings(), 1);
 }
 
+TEST_F(ScheduleTest, PlansTheBackupItselfWhereNoProgramShowsPlans) {
+    start("[General]\nAutoTime=08:05\n");
+    shell().setTaskScheduler(false);
+    user().answer(Answer::yes);
+    user().answer(Answer::ok);
+    form->Cmd.at(3).click();
+    const auto& tasks = memoryDesktop.tasks().tasks();
+    ASSERT_EQ(tasks.size(), 1U);
+    EXPECT_EQ(tasks.at("General").time, "08:05");
+    EXPECT_THAT(tasks.at("General").arguments, testing::ElementsAre("/Auto", "/General"));
+    EXPECT_EQ(shell().schedulerOpenings(), 0);
+    user().answer(Answer::yes);
+    user().answer(Answer::ok);
+    form->Cmd.at(3).click();
+    EXPECT_TRUE(tasks.empty()) << "planned already, it offers to take that back";
+}
+
+TEST_F(ScheduleTest, PlansNothingUnasked) {
+    start();
+    shell().setTaskScheduler(false);
+    user().answer(Answer::no);
+    form->Cmd.at(3).click();
+    EXPECT_TRUE(memoryDesktop.tasks().tasks().empty());
+}
+
+TEST_F(ScheduleTest, SaysWhenNothingCanBePlanned) {
+    start();
+    shell().setTaskScheduler(false);
+    memoryDesktop.tasks().fail(error_number::notSupported);
+    user().answer(Answer::yes);
+    user().answer(Answer::ok);
+    form->Cmd.at(3).click();
+    EXPECT_EQ(lastMessage().text, "Ce système n'a ni gestionnaire systemd de session ni crontab.");
+}
+
 }  // namespace
 }  // namespace coffrelune

@@ -22,6 +22,7 @@ TerminalRun::TerminalRun(Operation& operation, OperationHost& host, WindowServic
       printsJournal_(printsJournal) {}
 
 TerminalRun::~TerminalRun() {
+    if (changed_) tellProgress();
     terminal_.clearProgress();
 }
 
@@ -50,7 +51,8 @@ void TerminalRun::showSource(const std::string& path) {
     show(phase_, "De: " + path);
 }
 
-void TerminalRun::showPercentage(int, const std::string& caption) {
+void TerminalRun::showPercentage(int percent, const std::string& caption) {
+    percent_ = percent;
     show(percentage_, caption);
 }
 
@@ -74,18 +76,29 @@ void TerminalRun::showCritical(const std::string& text) {
     windows_.notice(line);
 }
 
-ReplacementAnswer TerminalRun::DemandeRemplacement(const std::string& fileName) {
-    frmConfirm question(visibleControls(fileName));
+ReplacementAnswer TerminalRun::DemandeRemplacement(const Replacement& replacement) {
+    frmConfirm question(replacement);
     windows_.showModal(question);
     runPendingEvents();
     return question.answer();
 }
 
+void TerminalRun::requestInterruption() {
+    if (stop_.empty()) show(stop_, "Arrêt demandé…");
+    operation_.requestInterruption();
+}
+
 void TerminalRun::refresh(std::int64_t now) {
-    if (!changed_ || now - drawnAt_ < betweenDrawings || !terminal_.showsProgress()) return;
+    if (!changed_ || now - drawnAt_ < betweenDrawings) return;
+    if (!terminal_.showsProgress() && !onProgress) return;
     drawnAt_ = now;
     changed_ = false;
-    terminal_.showProgress(text());
+    tellProgress();
+    if (!onProgress) terminal_.showProgress(text());
+}
+
+void TerminalRun::tellProgress() {
+    if (onProgress) onProgress({percent_, phase_, detail_, remainingTime_, rate_});
 }
 
 std::string TerminalRun::text() const {
@@ -95,10 +108,12 @@ std::string TerminalRun::text() const {
         if (!line.empty()) line += "  ";
         line += visibleControls(part);
     };
+    add(stop_);
     if (percentage_.empty()) {
         for (const std::string* part : {&phase_, &detail_, &file_}) add(*part);
     } else {
-        for (const std::string* part : {&percentage_, &remainingTime_, &rate_, &phase_}) add(*part);
+        for (const std::string* part : {&percentage_, &remainingTime_, &rate_, &phase_, &file_})
+            add(*part);
     }
     return line;
 }
@@ -156,6 +171,7 @@ TerminalWindows::TerminalWindows(Terminal& terminal, Clock& clock, InterruptSign
 
 void TerminalWindows::show(Operation& operation, OperationHost& host) {
     TerminalRun run(operation, host, *this, terminal_, journal_);
+    run.onProgress = tell_;
     run_ = &run;
     operation.begin(run);
     operation.run(run);
@@ -184,7 +200,7 @@ void TerminalWindows::runPendingEvents() {
     const std::int64_t now = clock_.monotonicMilliseconds();
     if (now - servedAt_ < betweenEvents) return;
     servedAt_ = now;
-    if (signals_.count() > 0) run_->operation().requestInterruption();
+    if (signals_.count() > 0) run_->requestInterruption();
     run_->refresh(now);
 }
 

@@ -5,11 +5,34 @@
 #include "views/wx/accessible.h"
 #include "views/wx/pictures.h"
 #include "views/wx/text.h"
+#include "views/wx/text_width.h"
 
 namespace coffrelune {
 namespace {
 
 enum class TextKind { growing, line, prompt };
+
+// Left to itself the toolkit makes every text, and the title of every frame, the label of the
+// control that comes next.
+class PlainText final : public wxStaticText {
+  public:
+    using wxStaticText::wxStaticText;
+#ifdef __WXGTK__
+    bool GTKWidgetNeedsMnemonic() const override {
+        return false;
+    }
+#endif
+};
+
+class TitledBox final : public wxStaticBox {
+  public:
+    using wxStaticBox::wxStaticBox;
+#ifdef __WXGTK__
+    bool GTKWidgetNeedsMnemonic() const override {
+        return false;
+    }
+#endif
+};
 
 class TextPeer final : public Peer {
   public:
@@ -42,10 +65,12 @@ class TextPeer final : public Peer {
 
     // What the line has no room for is in its tool tip.
     void tellWhole() {
-        if (widget_.GetTextExtent(shown_).x > widget_.GetClientSize().x) {
-            widget_.SetToolTip(shown_);
-        } else {
+        const bool cut = widget_.GetTextExtent(shown_).x > widget_.GetClientSize().x;
+        const wxString tip = cut ? shown_ : toWx(label_.toolTip());
+        if (tip.empty()) {
             widget_.UnsetToolTip();
+        } else {
+            widget_.SetToolTip(tip);
         }
     }
 
@@ -53,6 +78,36 @@ class TextPeer final : public Peer {
     wxStaticText& widget_;
     TextKind kind_;
     wxString shown_;
+};
+
+// Shortened as paths are everywhere, its end left whole; readers are told all of it.
+class PathLinePeer final : public Peer {
+  public:
+    PathLinePeer(ViewContext& context, Label& label, wxStaticText& widget)
+        : Peer(context, label, widget), label_(label), widget_(widget) {
+        widget.Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+            event.Skip();
+            show();
+        });
+    }
+
+  private:
+    void show() override {
+        const std::string& whole = label_.caption();
+        TextWidth measure(widget_);
+        const std::string shown = shortenedPath(measure, whole, widget_.GetClientSize().x);
+        const wxString text = toWx(shown);
+        if (text != widget_.GetLabelText()) widget_.SetLabelText(text);
+        nameForReaders(widget_, whole);
+        if (shown == whole) {
+            widget_.UnsetToolTip();
+        } else {
+            widget_.SetToolTip(toWx(whole));
+        }
+    }
+
+    Label& label_;
+    wxStaticText& widget_;
 };
 
 // A button shows its caption, or a drawing for which its tool tip speaks.
@@ -82,6 +137,7 @@ class ButtonPeer final : public Peer {
                                                               : button_.toolTip());
             return;
         }
+        if (!button_.spokenName().empty()) nameForReaders(widget_, button_.spokenName());
         const wxString caption = toWx(button_.caption());
         if (caption == widget_.GetLabel()) return;
         widget_.SetLabel(caption);
@@ -198,16 +254,25 @@ class PicturePeer final : public Peer {
 
 }  // namespace
 
+wxStaticText* plainText(wxWindow* parent, const wxString& text, long style) {
+    return new PlainText(parent, wxID_ANY, text, wxDefaultPosition, wxDefaultSize, style);
+}
+
 wxStaticText* makeText(Peers& peers, wxWindow* parent, Label& label) {
-    auto* widget = new wxStaticText(parent, wxID_ANY, wxEmptyString);
+    wxStaticText* widget = plainText(parent, wxEmptyString);
     peers.add<TextPeer>(label, *widget, TextKind::growing);
     return widget;
 }
 
 wxStaticText* makeLine(Peers& peers, wxWindow* parent, Label& label, long ellipsis) {
-    auto* widget = new wxStaticText(parent, wxID_ANY, wxEmptyString, wxDefaultPosition,
-                                    wxDefaultSize, ellipsis | wxST_NO_AUTORESIZE);
+    wxStaticText* widget = plainText(parent, wxEmptyString, ellipsis | wxST_NO_AUTORESIZE);
     peers.add<TextPeer>(label, *widget, TextKind::line);
+    return widget;
+}
+
+wxStaticText* makePathLine(Peers& peers, wxWindow* parent, Label& label) {
+    wxStaticText* widget = plainText(parent, wxEmptyString, wxST_NO_AUTORESIZE);
+    peers.add<PathLinePeer>(label, *widget);
     return widget;
 }
 
@@ -240,15 +305,14 @@ wxCheckBox* makeCheckBox(Peers& peers, wxWindow* parent, CheckBox& box) {
     return widget;
 }
 
-wxRadioButton* makeOption(Peers& peers, wxWindow* parent, OptionButton& option, bool first) {
-    auto* widget = new wxRadioButton(parent, wxID_ANY, toWx(option.caption()), wxDefaultPosition,
-                                     wxDefaultSize, first ? wxRB_GROUP : 0);
+wxRadioButton* makeOption(Peers& peers, wxWindow* parent, OptionButton& option) {
+    auto* widget = new wxRadioButton(parent, wxID_ANY, toWx(option.caption()));
     peers.add<OptionPeer>(option, *widget);
     return widget;
 }
 
 wxStaticBox* makeFrame(Peers& peers, wxWindow* parent, Frame& frame) {
-    auto* widget = new wxStaticBox(parent, wxID_ANY, toWx(frame.caption()));
+    auto* widget = new TitledBox(parent, wxID_ANY, toWx(frame.caption()));
     peers.add<FramePeer>(frame, *widget);
     return widget;
 }
@@ -256,6 +320,7 @@ wxStaticBox* makeFrame(Peers& peers, wxWindow* parent, Frame& frame) {
 wxGauge* makeGauge(Peers& peers, wxWindow* parent, ProgressBar& bar) {
     constexpr int whole = 100;
     auto* widget = new wxGauge(parent, wxID_ANY, whole);
+    nameForReaders(*widget, bar.spokenName());
     peers.add<GaugePeer>(bar, *widget);
     return widget;
 }

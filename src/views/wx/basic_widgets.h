@@ -17,12 +17,16 @@
 
 namespace coffrelune {
 
+/// A text that captions no other control, as the toolkit takes texts to do.
+wxStaticText* plainText(wxWindow* parent, const wxString& text, long style = 0);
 /// A text shown as it is, "&" included; its widget grows with it.
 wxStaticText* makeText(Peers& peers, wxWindow* parent, Label& label);
 /// The same on one line of the room there is: what does not fit is left out in the middle, as suits
 /// a path, or where `ellipsis` says.
 wxStaticText* makeLine(Peers& peers, wxWindow* parent, Label& label,
                        long ellipsis = wxST_ELLIPSIZE_MIDDLE);
+/// The same of a text that ends with a path, of which the last component stays.
+wxStaticText* makePathLine(Peers& peers, wxWindow* parent, Label& label);
 /// The caption of another control, with its mnemonic.
 wxStaticText* makePrompt(Peers& peers, wxWindow* parent, Label& label);
 
@@ -31,8 +35,8 @@ wxButton* makeButton(Peers& peers, wxWindow* parent, Button& button);
 wxBitmapButton* makeIconButton(Peers& peers, wxWindow* parent, Button& button,
                                const std::string& picture);
 wxCheckBox* makeCheckBox(Peers& peers, wxWindow* parent, CheckBox& box);
-/// `first` begins a new group of exclusive choices.
-wxRadioButton* makeOption(Peers& peers, wxWindow* parent, OptionButton& option, bool first);
+/// One more of the group of exclusive choices that is being made.
+wxRadioButton* makeOption(Peers& peers, wxWindow* parent, OptionButton& option);
 wxStaticBox* makeFrame(Peers& peers, wxWindow* parent, Frame& frame);
 wxGauge* makeGauge(Peers& peers, wxWindow* parent, ProgressBar& bar);
 /// `size`: edge in density-independent pixels. The room stays when the picture is hidden.

@@ -4,6 +4,7 @@
 
 #include "views/wx/basic_widgets.h"
 #include "views/wx/long_lists.h"
+#include "views/wx/text.h"
 
 namespace coffrelune {
 
@@ -14,7 +15,7 @@ CopieView::CopieView(wxWindow* parent, ViewContext& context, Copie& form)
     whole->Add(makePictures(), part);
     whole->Add(makeProgress(), part);
     wxDataViewCtrl* journal = makeLog(peers, this, form.ECTxt, "Journal", Follow::end);
-    journal->SetMinSize(FromDIP(wxSize(600, 140)));
+    journal->SetMinSize(sizeForText(*this, wxSize(600, 140)));
     whole->Add(journal, wxSizerFlags(1).Expand().Border(wxBOTTOM, wide()));
     auto* last = new wxBoxSizer(wxHORIZONTAL);
     last->Add(makeCheckBox(peers, this, form.AnalyseChk),
@@ -45,7 +46,8 @@ wxSizer* CopieView::makePictures() {
 wxSizer* CopieView::makeProgress() {
     auto* sizer = new wxBoxSizer(wxVERTICAL);
     const auto line = wxSizerFlags().Expand().Border(wxBOTTOM, narrow());
-    for (const std::size_t i : {1, 3, 4}) sizer->Add(makeLine(peers, this, form_.Lbl.at(i)), line);
+    for (const std::size_t i : {1, 3, 4})
+        sizer->Add(makePathLine(peers, this, form_.Lbl.at(i)), line);
     wxGauge* gauge = makeGauge(peers, this, form_.ProgBar);
     sizer->Add(gauge, line);
     auto* figures = new wxBoxSizer(wxHORIZONTAL);

@@ -3,6 +3,7 @@
 #include <wx/bmpbndl.h>
 
 #include <string>
+#include <vector>
 
 class wxWindow;
 
@@ -23,6 +24,17 @@ wxBitmapBundle systemPicture(const std::string& name);
 /// may be empty. Empty when cancelled.
 std::string chooseNativeFolder(wxWindow* parent, bool includeFiles, const std::string& prompt,
                                const std::string& start);
+
+/// Shows the mnemonics of the tabs, whose captions mark them by "&", and has the toolkit press them
+/// from anywhere in the window. False where it cannot.
+bool giveTabsMnemonics(wxWindow& tabs, const std::vector<std::string>& captions);
+
+/// The list has entries of which none is selected: none becomes so before the user chooses it. The
+/// list must tell no selection meanwhile.
+void keepUnchosen(wxWindow& list);
+
+/// The drop-down list may be narrower than its entries, which end in an ellipsis then.
+void shortenEntries(wxWindow& dropDown);
 
 /// From here on the system tells the user this reason when the session is about to end and the
 /// program refuses. It keeps nothing from ending: that is the answer to the system's question.

@@ -6,6 +6,10 @@
 #include <wx/filename.h>
 #include <wx/sizer.h>
 
+#include <algorithm>
+#include <clocale>
+
+#include "views/wx/accessible.h"
 #include "views/wx/desktop.h"
 #include "views/wx/text.h"
 
@@ -24,10 +28,18 @@ void colourLinks() {
     g_object_unref(provider);
 }
 
+// The toolkit's own dialogs speak the user's language; the program reads and writes numbers without
+// it, and its windows stay laid out for French.
+void speakUsersLanguage() {
+    // A language that the system does not have leaves everything as it is.
+    if (std::setlocale(LC_ALL, "") != nullptr) (void)std::setlocale(LC_NUMERIC, "C");
+}
+
 }  // namespace
 
 // Menus show the same pictures as the toolbar, so that one is learnt from the other.
 void adaptDesktopLook() {
+    speakUsersLanguage();
     g_object_set(gtk_settings_get_default(), "gtk-menu-images", TRUE, nullptr);
     colourLinks();
 }
@@ -53,6 +65,15 @@ std::string takeBytes(gchar* path) {
     return bytes;
 }
 
+// The desktop leaves the list of its places without a name for readers.
+void namePlaces(GtkWidget* widget, gpointer) {
+    if (GTK_IS_LIST_BOX(widget)) {
+        atk_object_set_name(gtk_widget_get_accessible(widget), "Emplacements");
+    } else if (GTK_IS_CONTAINER(widget)) {
+        gtk_container_forall(GTK_CONTAINER(widget), namePlaces, nullptr);
+    }
+}
+
 // The desktop has choosers for directories and for files, none for either. A list selects its first
 // entry by itself, so one button for both would take that one from whoever means the directory
 // shown: each has its own button.
@@ -63,6 +84,8 @@ class EitherChooser final : public wxDialog {
                    wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
           files_(new wxFileCtrl(this, wxID_ANY, start, wxEmptyString, "*", wxFC_OPEN)) {
         constexpr int border = 12;
+        presentWindow(*this, WindowRole::dialog);
+        namePlaces(files_->GetHandle(), nullptr);
         auto* buttons = new wxBoxSizer(wxHORIZONTAL);
         auto* shown = new wxButton(this, wxID_ANY, toWx("Choisir le &répertoire affiché"));
         auto* selected = new wxButton(this, wxID_ANY, toWx("Choisir la &sélection"));
@@ -78,6 +101,8 @@ class EitherChooser final : public wxDialog {
         SetSizer(whole);
         SetSize(FromDIP(wxSize(760, 520)));
         CentreOnParent();
+        files_->SetFocus();
+        g_signal_connect(GetHandle(), "key-press-event", G_CALLBACK(&EitherChooser::press), this);
         shown->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) {
             accept(gtk_file_chooser_get_current_folder(chooser()));
         });
@@ -88,6 +113,13 @@ class EitherChooser final : public wxDialog {
     const std::string& chosen() const { return chosen_; }
 
   private:
+    // The lists inside are the desktop's own: the toolkit does not hear their keys.
+    static gboolean press(GtkWidget*, GdkEventKey* event, gpointer dialog) {
+        if (event->keyval != GDK_KEY_Escape) return FALSE;
+        static_cast<EitherChooser*>(dialog)->EndModal(wxID_CANCEL);
+        return TRUE;
+    }
+
     GtkFileChooser* chooser() { return GTK_FILE_CHOOSER(files_->GetHandle()); }
     void acceptSelection() { accept(gtk_file_chooser_get_filename(chooser())); }
 
@@ -120,6 +152,59 @@ std::string chooseNativeFolder(wxWindow* parent, bool includeFiles, const std::s
                        wxDD_DEFAULT_STYLE | wxDD_DIR_MUST_EXIST);
     if (dialog.ShowModal() != wxID_OK) return {};
     return takeBytes(gtk_file_chooser_get_filename(GTK_FILE_CHOOSER(dialog.GetHandle())));
+}
+
+namespace {
+
+// What stands in a tab is a box, in which one thing is the label.
+void findLabel(GtkWidget* widget, gpointer found) {
+    if (GTK_IS_LABEL(widget)) {
+        *static_cast<GtkWidget**>(found) = widget;
+    } else if (GTK_IS_CONTAINER(widget)) {
+        gtk_container_foreach(GTK_CONTAINER(widget), findLabel, found);
+    }
+}
+
+}  // namespace
+
+// The toolkit presses what it finds as the label's target, which is the tab here.
+bool giveTabsMnemonics(wxWindow& tabs, const std::vector<std::string>& captions) {
+    if (!GTK_IS_NOTEBOOK(tabs.GetHandle())) return false;
+    GtkNotebook* notebook = GTK_NOTEBOOK(tabs.GetHandle());
+    for (std::size_t i = 0; i < captions.size(); ++i) {
+        GtkWidget* page = gtk_notebook_get_nth_page(notebook, static_cast<gint>(i));
+        GtkWidget* tab = page == nullptr ? nullptr : gtk_notebook_get_tab_label(notebook, page);
+        GtkWidget* label = nullptr;
+        if (tab != nullptr) findLabel(tab, &label);
+        if (label == nullptr) return false;
+        std::string caption = captions[i];
+        std::replace(caption.begin(), caption.end(), '&', '_');
+        gtk_label_set_text_with_mnemonic(GTK_LABEL(label), caption.c_str());
+        gtk_label_set_mnemonic_widget(GTK_LABEL(label), tab);
+    }
+    return true;
+}
+
+// A list that gets the focus takes its first entry unless its cursor stands somewhere, and the
+// cursor selects where it is put.
+void keepUnchosen(wxWindow& list) {
+    if (!GTK_IS_BIN(list.GetHandle())) return;
+    GtkWidget* inside = gtk_bin_get_child(GTK_BIN(list.GetHandle()));
+    if (inside == nullptr || !GTK_IS_TREE_VIEW(inside)) return;
+    GtkTreePath* first = gtk_tree_path_new_first();
+    gtk_tree_view_set_cursor(GTK_TREE_VIEW(inside), first, nullptr, FALSE);
+    gtk_tree_path_free(first);
+    gtk_tree_selection_unselect_all(gtk_tree_view_get_selection(GTK_TREE_VIEW(inside)));
+}
+
+void shortenEntries(wxWindow& dropDown) {
+    if (!GTK_IS_CELL_LAYOUT(dropDown.GetHandle())) return;
+    GList* cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(dropDown.GetHandle()));
+    for (GList* cell = cells; cell != nullptr; cell = cell->next) {
+        if (!GTK_IS_CELL_RENDERER_TEXT(cell->data)) continue;
+        g_object_set(cell->data, "ellipsize", PANGO_ELLIPSIZE_END, nullptr);
+    }
+    g_list_free(cells);
 }
 
 // No desktop asks its programs here whether the session may end.

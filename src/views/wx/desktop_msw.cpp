@@ -39,6 +39,17 @@ std::string chooseNativeFolder(wxWindow* parent, bool includeFiles, const std::s
     return chooseShellFolder(owner, includeFiles, prompt, start);
 }
 
+// Its tabs show the mark, and know nothing of keys.
+bool giveTabsMnemonics(wxWindow&, const std::vector<std::string>&) {
+    return false;
+}
+
+// The focus selects nothing here.
+void keepUnchosen(wxWindow&) {}
+
+// A drop-down list is as narrow as asked here.
+void shortenEntries(wxWindow&) {}
+
 void giveReasonToWait(const wxWindow& main, const std::string& reason) {
     ShutdownBlockReasonCreate(main.GetHWND(), toWx(reason).wc_str());
 }

@@ -59,7 +59,10 @@ void DialogView::endWhenClosed() {
 
 void DialogView::run() {
     Refresher& refresher = peers.context.refresher;
-    refresher.watch(this, [this] { endWhenClosed(); });
+    refresher.watch(this, [this] {
+        endWhenClosed();
+        focus_.keep();
+    });
     refresher.flush();
     CallAfter([this] { model_.activated(); });
     if (model_.open()) ShowModal();

@@ -2,6 +2,7 @@
 
 #include <wx/dialog.h>
 
+#include "views/wx/focus.h"
 #include "views/wx/peer.h"
 
 namespace coffrelune {
@@ -39,6 +40,7 @@ class DialogView : public wxDialog {
     void endWhenClosed();
 
     Window& model_;
+    FocusKeeper focus_{*this};
 };
 
 }  // namespace coffrelune

@@ -18,6 +18,7 @@
 #include "views/wx/copie_view.h"
 #include "views/wx/dialog_view.h"
 #include "views/wx/input_widgets.h"
+#include "views/wx/log_search_view.h"
 #include "views/wx/long_lists.h"
 #include "views/wx/path_view.h"
 #include "views/wx/text.h"
@@ -28,30 +29,42 @@ namespace {
 class ConfirmView final : public DialogView {
   public:
     ConfirmView(wxWindow* parent, ViewContext& context, frmConfirm& form);
+
+  private:
+    void addLine(wxSizer& texts, Label& label);
 };
 
 ConfirmView::ConfirmView(wxWindow* parent, ViewContext& context, frmConfirm& form)
     : DialogView(parent, context, form, false) {
     constexpr int pictureSize = 48;
-    constexpr int textWidth = 560;
     auto* texts = new wxBoxSizer(wxVERTICAL);
-    for (Label& label : form.Lbl) {
-        // A file's name may be longer than the screen is wide, and has nowhere to be wrapped.
-        wxStaticText* text = makeLine(peers, this, label);
-        const int whole = text->GetTextExtent(toWx(label.caption())).x;
-        text->SetMinSize(wxSize(std::min(whole, FromDIP(textWidth)), -1));
-        texts->Add(text, wxSizerFlags().Border(wxBOTTOM, narrow()));
-    }
+    for (Label& label : form.Lbl) addLine(*texts, label);
+    texts->AddSpacer(narrow());
+    for (Label& label : form.Facts) addLine(*texts, label);
     auto* question = new wxBoxSizer(wxHORIZONTAL);
     question->Add(makePicture(peers, this, form.Image1, pictureSize), wxSizerFlags().Top());
     question->AddSpacer(wide());
     question->Add(texts, wxSizerFlags(1).CentreVertical());
     std::vector<wxButton*> buttons;
-    for (Button& button : form.Cmd) buttons.push_back(makeButton(peers, this, button));
+    wxButton* usual = nullptr;
+    for (Button& button : form.Cmd) {
+        buttons.push_back(makeButton(peers, this, button));
+        if (&button == form.defaultButton()) usual = buttons.back();
+    }
     auto* whole = new wxBoxSizer(wxVERTICAL);
     whole->Add(question, wxSizerFlags(1).Expand().Border(wxBOTTOM, wide()));
     whole->Add(buttonRow(buttons), wxSizerFlags().Expand());
-    arrange(whole, nullptr);
+    arrange(whole, usual);
+    usual->SetFocus();
+}
+
+// A file's name may be longer than the screen is wide, and has nowhere to be wrapped.
+void ConfirmView::addLine(wxSizer& texts, Label& label) {
+    constexpr int textWidth = 680;
+    wxStaticText* text = makeLine(peers, this, label);
+    const int whole = text->GetTextExtent(toWx(label.caption())).x;
+    text->SetMinSize(wxSize(std::min(whole, sizeForText(*this, wxSize(textWidth, 0)).x), -1));
+    texts.Add(text, wxSizerFlags().Border(wxBOTTOM, narrow()));
 }
 
 class ErrorListView final : public DialogView {
@@ -64,9 +77,13 @@ ErrorListView::ErrorListView(wxWindow* parent, ViewContext& context, VisuErrFrm&
     auto* whole = new wxBoxSizer(wxVERTICAL);
     for (Label& label : form.Lbl)
         whole->Add(makeText(peers, this, label), wxSizerFlags().Border(wxBOTTOM, narrow()));
+    whole->Add(makeLogSearch(peers, this, form.search),
+               wxSizerFlags().Expand().Border(wxBOTTOM, narrow()));
     wxDataViewCtrl* list = makeLog(peers, this, form.ListeTxt, form.caption(), Follow::no);
-    list->SetMinSize(FromDIP(wxSize(640, 320)));
-    whole->Add(list, wxSizerFlags(1).Expand().Border(wxBOTTOM, wide()));
+    list->SetMinSize(sizeForText(*this, wxSize(640, 320)));
+    whole->Add(list, wxSizerFlags(1).Expand().Border(wxBOTTOM, narrow()));
+    whole->Add(makeLine(peers, this, form.search.MeaningLbl, wxST_ELLIPSIZE_END),
+               wxSizerFlags().Expand().Border(wxBOTTOM, wide()));
     wxButton* close = makeButton(peers, this, form.Cmd);
     whole->Add(buttonRow({close}), wxSizerFlags().Expand());
     arrange(whole, close);
@@ -102,7 +119,7 @@ wxSizer* ConfigView::makeConfigurations() {
     wxStaticBox* frame = makeFrame(peers, this, form_.ListeFrame);
     auto* box = new wxStaticBoxSizer(frame, wxVERTICAL);
     wxListBox* list = makeList(peers, frame, form_.Liste, form_.ListeFrame.caption());
-    list->SetMinSize(FromDIP(wxSize(260, 160)));
+    list->SetMinSize(sizeForText(*this, wxSize(290, 160)));
     box->Add(list, wxSizerFlags(1).Expand().Border(wxALL, narrow()));
     auto* buttons = new wxBoxSizer(wxHORIZONTAL);
     buttons->Add(makeButton(peers, frame, form_.Cmd[2]), wxSizerFlags(1));
@@ -183,8 +200,14 @@ wxSizer* ExcludeView::makeSource() {
 wxSizer* ExcludeView::makeModes() {
     wxStaticBox* frame = makeFrame(peers, this, form_.ModeFrame);
     auto* box = new wxStaticBoxSizer(frame, wxVERTICAL);
+    // The toolkit always chooses one of a group: this one stands for none of those that are
+    // offered.
+    auto* none = new wxRadioButton(frame, wxID_ANY, wxEmptyString, wxDefaultPosition, wxDefaultSize,
+                                   wxRB_GROUP);
+    none->SetValue(true);
+    none->Hide();
     for (OptionButton& option : form_.OptExclu) {
-        wxRadioButton* button = makeOption(peers, frame, option, &option == &form_.OptExclu[0]);
+        wxRadioButton* button = makeOption(peers, frame, option);
         box->Add(button, wxSizerFlags().Border(wxALL, narrow()));
         if (firstFocus_ == nullptr || option.checked()) firstFocus_ = button;
     }
@@ -195,7 +218,7 @@ wxSizer* ExcludeView::makeExcluded() {
     wxStaticBox* frame = makeFrame(peers, this, form_.ListeFrame);
     auto* box = new wxStaticBoxSizer(frame, wxHORIZONTAL);
     wxListBox* list = makeList(peers, frame, form_.Liste, form_.ListeFrame.caption());
-    list->SetMinSize(FromDIP(wxSize(360, 160)));
+    list->SetMinSize(sizeForText(*this, wxSize(360, 160)));
     box->Add(list, wxSizerFlags(1).Expand().Border(wxALL, narrow()));
     auto* buttons = new wxBoxSizer(wxVERTICAL);
     for (const std::size_t i : {2, 3, 4}) {
@@ -217,7 +240,7 @@ DriveListView::DriveListView(wxWindow* parent, ViewContext& context, DriveListFr
     whole->Add(makeText(peers, this, form.Lbl), wxSizerFlags().Border(wxBOTTOM, narrow()));
     wxDataViewListCtrl* list =
         makeReport(peers, this, form.ListDrive, fromWx(spoken(form.Lbl.caption())));
-    list->SetMinSize(FromDIP(wxSize(480, 220)));
+    list->SetMinSize(sizeForText(*this, wxSize(560, 220)));
     whole->Add(list, wxSizerFlags(1).Expand().Border(wxBOTTOM, wide()));
     wxButton* accept = makeButton(peers, this, form.Cmd[0]);
     wxButton* cancel = makeButton(peers, this, form.Cmd[1]);
@@ -239,7 +262,7 @@ TextDialogView::TextDialogView(wxWindow* parent, ViewContext& context, TextDialo
         whole->Add(makeText(peers, this, *label), wxSizerFlags().Border(wxBOTTOM, narrow()));
     auto* line = new wxBoxSizer(wxHORIZONTAL);
     wxTextCtrl* field = makeField(peers, this, form.Txt, form.Txt.caption());
-    field->SetMinSize(FromDIP(wxSize(textWidth, -1)));
+    field->SetMinSize(wxSize(sizeForText(*this, wxSize(textWidth, 0)).x, field->GetMinHeight()));
     line->Add(field, wxSizerFlags(1).CentreVertical());
     line->AddSpacer(narrow());
     line->Add(makeIconButton(peers, this, form.Cmd[2], "vider"), wxSizerFlags().CentreVertical());
@@ -249,7 +272,7 @@ TextDialogView::TextDialogView(wxWindow* parent, ViewContext& context, TextDialo
     whole->Add(buttonRow({accept, cancel}), wxSizerFlags().Expand());
     arrange(whole, accept);
     field->SetFocus();
-    field->SetInsertionPointEnd();
+    field->SelectAll();
 }
 
 class AboutView final : public DialogView {

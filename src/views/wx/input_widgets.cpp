@@ -3,7 +3,11 @@
 #include <wx/panel.h>
 #include <wx/toplevel.h>
 
+#include <algorithm>
+
 #include "views/wx/accessible.h"
+#include "views/wx/desktop.h"
+#include "views/wx/list_entry.h"
 #include "views/wx/text.h"
 
 namespace coffrelune {
@@ -57,36 +61,72 @@ class FieldPeer final : public Peer {
     wxTextCtrl& widget_;
 };
 
+// The toolkit tells a selection only when it is another one than it told last, and remembers that
+// one longer than its entry is there.
+class EntryList final : public wxListBox {
+  public:
+    using wxListBox::wxListBox;
+
+    void forgetTold(int selection) { (void)DoChangeSingleSelection(selection); }
+};
+
 // A list and a drop-down list differ in nothing that matters here.
 template <typename Widget>
 class ListPeer final : public Peer {
   public:
     ListPeer(ViewContext& context, ListBox& list, Widget& widget)
         : Peer(context, list, widget), list_(list), widget_(widget) {
-        const auto pick = [this](wxCommandEvent& event) { list_.pick(event.GetSelection()); };
-        if constexpr (std::is_same_v<Widget, wxListBox>) {
+        const auto pick = [this](wxCommandEvent& event) {
+            if (!showing_) list_.pick(event.GetSelection());
+        };
+        if constexpr (std::is_same_v<Widget, EntryList>) {
+            enterByKey(
+                widget, [&list] { return list.selection() >= 0 || list.entries().empty(); },
+                [&list] { list.pick(0); });
             widget.Bind(wxEVT_LISTBOX, pick);
             widget.Bind(wxEVT_LISTBOX_DCLICK,
                         [this](wxCommandEvent& event) { list_.doubleClick(event.GetSelection()); });
         } else {
-            widget.Bind(wxEVT_CHOICE, pick);
+            // After the event: what a choice starts may show a message.
+            widget.Bind(wxEVT_CHOICE, [this](wxCommandEvent& event) {
+                widget_.CallAfter([this, chosen = event.GetSelection()] { list_.pick(chosen); });
+            });
+            // The page scrolls under the pointer; nothing else is chosen by that.
+            widget.Bind(wxEVT_MOUSEWHEEL, [this](wxMouseEvent& event) {
+                wxMouseEvent passed(event);
+                widget_.GetParent()->ProcessWindowEvent(passed);
+            });
+            if (!list.spokenName().empty()) nameForReaders(widget, list.spokenName());
         }
     }
 
   private:
     void show() override {
+        showing_ = true;
+        showEntries();
+        if (widget_.GetSelection() != list_.selection()) widget_.SetSelection(list_.selection());
+        if constexpr (std::is_same_v<Widget, EntryList>) {
+            widget_.forgetTold(list_.selection());
+        } else {
+            tellChoice(widget_, list_.selectedText());
+        }
+        showing_ = false;
+    }
+
+    void showEntries() {
         if (list_.entries() != shown_) {
             shown_ = list_.entries();
             wxArrayString entries;
             for (const std::string& entry : shown_) entries.push_back(toWx(entry));
             widget_.Set(entries);
+            if constexpr (std::is_same_v<Widget, EntryList>) keepUnchosen(widget_);
         }
-        if (widget_.GetSelection() != list_.selection()) widget_.SetSelection(list_.selection());
     }
 
     ListBox& list_;
     Widget& widget_;
     std::vector<std::string> shown_;
+    bool showing_ = false;  // what the widget selects meanwhile nobody has picked
 };
 
 class TabsPeer final : public Peer {
@@ -122,14 +162,18 @@ class TabsPeer final : public Peer {
 wxTextCtrl* makeField(Peers& peers, wxWindow* parent, TextBox& box, const std::string& name) {
     auto* widget = new wxTextCtrl(parent, wxID_ANY);
     nameForReaders(*widget, name.empty() ? box.toolTip() : name);
+    // The toolkit's own measure leaves a larger text too little room.
+    constexpr int around = 10;
+    const int height = widget->GetCharHeight() + widget->FromDIP(around);
+    widget->SetMinSize(wxSize(-1, std::max(widget->GetBestSize().y, height)));
     peers.add<FieldPeer>(box, *widget);
     return widget;
 }
 
 wxListBox* makeList(Peers& peers, wxWindow* parent, ListBox& list, const std::string& name) {
-    auto* widget = new wxListBox(parent, wxID_ANY);
+    auto* widget = new EntryList(parent, wxID_ANY);
     nameForReaders(*widget, name);
-    peers.add<ListPeer<wxListBox>>(list, *widget);
+    peers.add<ListPeer<EntryList>>(list, *widget);
     return widget;
 }
 

@@ -6,6 +6,7 @@
 
 #include "views/wx/basic_widgets.h"
 #include "views/wx/path_view.h"
+#include "views/wx/scrolling.h"
 #include "views/wx/text.h"
 
 namespace coffrelune {
@@ -26,6 +27,7 @@ LinesView::LinesView(wxWindow* parent, ViewContext& context, LineRows& lines)
       lines_(lines),
       peers_(context) {
     SetScrollRate(0, FromDIP(LineRows::rowPitch / twipsPerPixel));
+    followFocus(*this);
     rebuild();
 }
 
@@ -45,8 +47,7 @@ void LinesView::rebuild() {
 void LinesView::addHeadings(wxSizer& grid) {
     for (int column = 0; column < columns; ++column) {
         if (column == sourceColumn || column == destinationColumn) {
-            grid.Add(new wxStaticText(this, wxID_ANY,
-                                      column == sourceColumn ? "Source" : "Destination"));
+            grid.Add(plainText(this, column == sourceColumn ? "Source" : "Destination"));
         } else {
             grid.AddSpacer(0);
         }
@@ -72,6 +73,13 @@ void LinesView::focus(int row, LineSide side) {
 
 int LinesView::wholeHeight() const {
     return GetSizer()->CalcMin().y;
+}
+
+// The heading and three rows: fewer would hardly show that there are more.
+int LinesView::leastHeight() const {
+    constexpr int rows = 3;
+    const int pitch = FromDIP(LineRows::rowPitch / twipsPerPixel);
+    return std::min(wholeHeight(), GetCharHeight() + rows * pitch + FromDIP(between));
 }
 
 void LinesView::addRow(wxSizer& grid, int index) {
@@ -101,9 +109,16 @@ void LinesView::addRow(wxSizer& grid, int index) {
                                                              chooseDestination, exclusions}) {
         widget->SetMinSize(wxSize(widget->GetBestSize().x, inside));
     }
+    // Room for what it may say of exclusions made later.
+    const int counted = exclusions->GetTextExtent("Exclusions (toutes)").x;
+    const int around =
+        exclusions->GetBestSize().x - exclusions->GetTextExtent(exclusions->GetLabel()).x;
+    exclusions->SetMinSize(wxSize(counted + around, inside));
     labels_.push_back({source, destination});
-    source->SetMinSize(wxSize(FromDIP(200), inside));
-    destination->SetMinSize(wxSize(FromDIP(200), inside));
+    // A narrow window shortens the paths, which their tool tips tell in full.
+    constexpr int least = 120;
+    source->SetMinSize(wxSize(FromDIP(least), inside));
+    destination->SetMinSize(wxSize(FromDIP(least), inside));
 }
 
 }  // namespace coffrelune

@@ -19,8 +19,9 @@ class LinesView final : public wxScrolledWindow {
     void rebuild();
     /// The focus goes to a label, as when its line has been moved.
     void focus(int row, LineSide side);
-    /// Height of all rows, in pixels.
+    /// Height of all rows, and of those that are seen at least, in pixels.
     int wholeHeight() const;
+    int leastHeight() const;
 
   private:
     void addHeadings(wxSizer& grid);

@@ -1,11 +1,12 @@
 #include "views/wx/long_lists.h"
 
-#include <wx/clipbrd.h>
 #include <wx/settings.h>
 
 #include <algorithm>
 
 #include "views/wx/accessible.h"
+#include "views/wx/desktop.h"
+#include "views/wx/list_entry.h"
 #include "views/wx/pictures.h"
 #include "views/wx/text.h"
 
@@ -22,7 +23,7 @@ class LogModel final : public wxDataViewVirtualListModel {
     wxString GetColumnType(unsigned int) const override { return "string"; }
     void GetValueByRow(wxVariant& value, unsigned int row, unsigned int) const override {
         // The list may ask for a line that has just been cleared.
-        value = row < log_.lineCount() ? toWx(std::string(log_.line(row))) : wxString();
+        value = row < log_.shownCount() ? toWx(std::string(log_.shownLine(row))) : wxString();
     }
     bool SetValueByRow(const wxVariant&, unsigned int, unsigned int) override { return false; }
 
@@ -37,6 +38,8 @@ class LogPeer final : public Peer {
         model_ = new LogModel(log);
         widget.AssociateModel(model_);
         model_->DecRef();
+        widget.Bind(wxEVT_DATAVIEW_SELECTION_CHANGED,
+                    [this](wxDataViewEvent&) { tellSelection(); });
         widget.Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
             if (event.GetKeyCode() == 'C' && event.ControlDown()) {
                 copySelection();
@@ -51,7 +54,7 @@ class LogPeer final : public Peer {
     static constexpr std::size_t fewLines = 2'000;
 
     void show() override {
-        const std::size_t count = log_.lineCount();
+        const std::size_t count = log_.shownCount();
         const bool others = generation_ != log_.generation();
         generation_ = log_.generation();
         if (others) longest_ = 0;
@@ -77,8 +80,8 @@ class LogPeer final : public Peer {
         std::size_t longest = longest_;
         std::string_view widest;
         for (std::size_t i = from; i < to; ++i) {
-            if (log_.line(i).size() <= longest) continue;
-            widest = log_.line(i);
+            if (log_.shownLine(i).size() <= longest) continue;
+            widest = log_.shownLine(i);
             longest = widest.size();
         }
         if (longest == longest_) return;
@@ -89,17 +92,23 @@ class LogPeer final : public Peer {
         if (column->GetWidth() < width) column->SetWidth(width);
     }
 
-    void copySelection() {
+    void tellSelection() {
         wxDataViewItemArray items;
         widget_.GetSelections(items);
-        wxString text;
+        std::vector<std::size_t> rows;
         for (const wxDataViewItem& item : items) {
             const unsigned int row = model_->GetRow(item);
-            if (row < log_.lineCount()) text += toWx(std::string(log_.line(row))) + "\n";
+            if (row < log_.shownCount()) rows.push_back(row);
         }
-        if (text.empty() || !wxTheClipboard->Open()) return;
-        wxTheClipboard->SetData(new wxTextDataObject(text));
-        wxTheClipboard->Close();
+        std::sort(rows.begin(), rows.end());
+        log_.pick(std::move(rows));
+    }
+
+    void copySelection() {
+        wxString text;
+        for (const std::size_t row : log_.selection())
+            text += toWx(std::string(log_.shownLine(row))) + "\n";
+        if (!text.empty()) copyToClipboard(text);
     }
 
     TextLog& log_;
@@ -115,8 +124,12 @@ class ReportPeer final : public Peer {
   public:
     ReportPeer(ViewContext& context, ReportList& list, wxDataViewListCtrl& widget)
         : Peer(context, list, widget), list_(list), widget_(widget) {
-        widget.Bind(wxEVT_DATAVIEW_SELECTION_CHANGED,
-                    [this](wxDataViewEvent&) { list_.pick(widget_.GetSelectedRow()); });
+        widget.Bind(wxEVT_DATAVIEW_SELECTION_CHANGED, [this](wxDataViewEvent&) {
+            if (!showing_) list_.pick(widget_.GetSelectedRow());
+        });
+        enterByKey(
+            widget, [&list] { return list.selection() >= 0 || list.rows().empty(); },
+            [&list] { list.pick(0); });
         widget.Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this](wxDataViewEvent& event) {
             list_.doubleClick(widget_.ItemToRow(event.GetItem()));
         });
@@ -124,8 +137,17 @@ class ReportPeer final : public Peer {
 
   private:
     void show() override {
+        showing_ = true;
         while (shownColumns_ < list_.columns().size()) addColumn(list_.columns()[shownColumns_++]);
-        while (shownRows_ < list_.rows().size()) addRow(list_.rows()[shownRows_++]);
+        if (shownRows_ < list_.rows().size()) {
+            while (shownRows_ < list_.rows().size()) addRow(list_.rows()[shownRows_++]);
+            keepUnchosen(widget_);
+        }
+        showSelection();
+        showing_ = false;
+    }
+
+    void showSelection() {
         if (widget_.GetSelectedRow() == list_.selection()) return;
         if (list_.selection() < 0) {
             widget_.UnselectAll();
@@ -136,7 +158,10 @@ class ReportPeer final : public Peer {
 
     void addColumn(const ReportList::Column& column) {
         constexpr int twipsPerPixel = 15;
-        const int width = widget_.FromDIP(column.width / twipsPerPixel);
+        const int asked = sizeForText(widget_, wxSize(column.width / twipsPerPixel, 0)).x;
+        // A heading is bold on some systems, and the first cell has a picture beside its text.
+        const int heading = widget_.GetTextExtent(toWx(column.caption)).x * 5 / 4;
+        const int width = std::max(asked, heading + widget_.FromDIP(iconSize));
         if (widget_.GetColumnCount() == 0) {
             widget_.AppendIconTextColumn(toWx(column.caption), wxDATAVIEW_CELL_INERT, width);
         } else {
@@ -163,6 +188,7 @@ class ReportPeer final : public Peer {
     wxDataViewListCtrl& widget_;
     std::size_t shownColumns_ = 0;
     std::size_t shownRows_ = 0;
+    bool showing_ = false;  // what the widget selects meanwhile nobody has picked
 };
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "views/wx/main_view.h"
 
 #include <wx/app.h>
-#include <wx/display.h>
 #include <wx/evtloop.h>
 #include <wx/hyperlink.h>
 #include <wx/sizer.h>
@@ -10,33 +9,27 @@
 #include "views/wx/accessible.h"
 #include "views/wx/basic_widgets.h"
 #include "views/wx/commands.h"
+#include "views/wx/desktop.h"
 #include "views/wx/input_widgets.h"
+#include "views/wx/log_search_view.h"
 #include "views/wx/long_lists.h"
 #include "views/wx/pictures.h"
+#include "views/wx/scrolling.h"
 #include "views/wx/text.h"
 
 namespace coffrelune {
 namespace {
 
-constexpr int twipsPerPixel = 15;
 constexpr int wide = 12;  // density-independent pixels
 constexpr int narrow = 6;
 constexpr int resultPicture = 16;
 constexpr int noticePicture = 24;
-
-// The system's density, not the window's: a place lies on the desktop, and is the same for a window
-// whichever screen it is on.
-wxPoint placeOf(const WindowPlace& place) {
-    return {wxWindow::FromDIP(place.left / twipsPerPixel, nullptr),
-            wxWindow::FromDIP(place.top / twipsPerPixel, nullptr)};
-}
+constexpr int leastText = 160;  // of a line that is shortened where the window is narrow
 
 }  // namespace
 
 MainView::MainView(ViewContext& context, MainForm& form)
-    : wxFrame(nullptr, wxID_ANY, toWx(form.caption()), placeOf(form.place)),
-      form_(form),
-      peers_(context) {
+    : wxFrame(nullptr, wxID_ANY, toWx(form.caption())), form_(form), peers_(context) {
     wxIconBundle icons;
     for (const int size : {16, 32, 48, 64}) {
         wxIcon icon;
@@ -88,7 +81,7 @@ void MainView::bindWindow() {
     Bind(wxEVT_ICONIZE, moved);
     Bind(wxEVT_MAXIMIZE, moved);
     Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
-        if (!pressMnemonic(event)) event.Skip();
+        if (!pressMnemonic(event) && !pressShortcut(event)) event.Skip();
     });
 }
 
@@ -107,13 +100,14 @@ void MainView::bindForm() {
         peers_.context.refresher.flush();
         if (!IsMaximized() && !IsIconized()) fit();
         Layout();
+        Refresh();
     };
     driveTimer(peers_, form_.schedule.Timer1);
 }
 
-// The tabs' mnemonics, which the toolkit does not know; everything else it does.
+// The tabs' mnemonics where the toolkit does not know them; everything else it does.
 bool MainView::pressMnemonic(const wxKeyEvent& event) {
-    if (event.GetModifiers() != wxMOD_ALT) return false;
+    if (tabsAnswerKeys_ || event.GetModifiers() != wxMOD_ALT) return false;
     for (const TabStrip::Tab& tab : form_.launch.Onglet.tabs()) {
         const auto mark = tab.caption.find('&');
         if (mark == std::string::npos || event.GetKeyCode() != tab.caption[mark + 1]) continue;
@@ -123,8 +117,28 @@ bool MainView::pressMnemonic(const wxKeyEvent& event) {
     return false;
 }
 
+// F5 does what the launch button does, Ctrl+Q and F1 what their tools do.
+bool MainView::pressShortcut(const wxKeyEvent& event) {
+    const bool launches = event.GetKeyCode() == WXK_F5 && !event.HasAnyModifiers();
+    const bool helps = event.GetKeyCode() == WXK_F1 && !event.HasAnyModifiers();
+    const bool quits = event.GetKeyCode() == 'Q' && event.GetModifiers() == wxMOD_CONTROL;
+    // After the event: what is done may last as long as a backup, or close the window.
+    if (launches) CallAfter([this] { form_.Cmd.at(MainForm::launchCmd).click(); });
+    if (helps) CallAfter([this] { form_.toolbar.TB.pick("Aide"); });
+    if (quits) CallAfter([this] { form_.toolbar.TB.pick("Quitter"); });
+    return launches || quits || helps;
+}
+
 void MainView::build() {
-    page_ = new wxPanel(this);
+    page_ = new wxScrolledWindow(this, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+                                 wxTAB_TRAVERSAL | wxHSCROLL | wxVSCROLL);
+    constexpr int step = 16;
+    page_->SetScrollRate(FromDIP(step), FromDIP(step));
+    followFocus(*page_);
+    page_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+        shareHeight();
+        event.Skip();
+    });
     auto* whole = new wxBoxSizer(wxVERTICAL);
     const auto row = [this](int proportion = 0) {
         return wxSizerFlags(proportion).Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(wide));
@@ -135,6 +149,10 @@ void MainView::build() {
     whole->Add(new wxStaticLine(page_), wxSizerFlags().Expand().Border(wxBOTTOM, FromDIP(wide)));
     whole->Add(makeHeader(), row());
     tabs_ = makeTabs(peers_, page_, form_.launch.Onglet);
+    std::vector<std::string> captions;
+    for (const TabStrip::Tab& tab : form_.launch.Onglet.tabs()) captions.push_back(tab.caption);
+    nameForReaders(*tabs_, "Opération");
+    tabsAnswerKeys_ = giveTabsMnemonics(*tabs_, captions);
     whole->Add(tabs_, row());
     linesView_ = new LinesView(page_, peers_.context, form_.lines);
     whole->Add(linesView_, row());
@@ -143,7 +161,8 @@ void MainView::build() {
     left->Add(makeSchedule(), wxSizerFlags().Expand().Border(wxBOTTOM, FromDIP(wide)));
     left->Add(makeProgram(), wxSizerFlags().Expand());
     auto* below = new wxBoxSizer(wxHORIZONTAL);
-    below->Add(left, wxSizerFlags(1).Expand().Border(wxRIGHT, FromDIP(wide)));
+    // Only one of them grows: shares would ask for twice the room of the wider one.
+    below->Add(left, wxSizerFlags().Expand().Border(wxRIGHT, FromDIP(wide)));
     below->Add(makeResults(), wxSizerFlags(1).Expand());
     whole->Add(below, row(1));
     page_->SetSizer(whole);
@@ -163,18 +182,28 @@ wxSizer* MainView::makeNotices() {
     sizer->Add(makePicture(peers_, page_, notices.Img, noticePicture),
                wxSizerFlags().CentreVertical().Border(wxTOP | wxRIGHT, FromDIP(narrow)));
     sizer->Add(lines, wxSizerFlags(1).CentreVertical());
-    sizer->Add(makeButton(peers_, page_, notices.ConfirmCmd),
-               wxSizerFlags().Top().Border(wxLEFT | wxTOP, FromDIP(narrow)));
-    sizer->Add(makeButton(peers_, page_, notices.Cmd),
-               wxSizerFlags().Top().Border(wxLEFT | wxTOP, FromDIP(narrow)));
+    for (Button* button : {&notices.ConfirmCmd, &notices.DatesCmd, &notices.Cmd}) {
+        sizer->Add(makeButton(peers_, page_, *button),
+                   wxSizerFlags().Top().Border(wxLEFT | wxTOP, FromDIP(narrow)));
+    }
     return sizer;
 }
 
 wxSizer* MainView::makeHeader() {
     auto* sizer = new wxBoxSizer(wxHORIZONTAL);
-    wxStaticText* name = makeText(peers_, page_, form_.configuration.ConfigLbl);
+    wxStaticText* name = makeLine(peers_, page_, form_.configuration.ConfigLbl, wxST_ELLIPSIZE_END);
     name->SetFont(name->GetFont().Bold().Larger());
+    name->SetMinSize(wxSize(FromDIP(leastText), name->GetCharHeight()));
     sizer->Add(name, wxSizerFlags(1).CentreVertical());
+    ConfigurationPanel& configuration = form_.configuration;
+    wxChoice* others = makeDropDown(peers_, page_, configuration.ConfigCb);
+    constexpr int characters = 28;
+    shortenEntries(*others);
+    others->SetMinSize(wxSize(GetCharWidth() * characters, -1));
+    const auto item = wxSizerFlags().CentreVertical().Border(wxLEFT, FromDIP(narrow));
+    sizer->Add(others, item);
+    sizer->Add(makeButton(peers_, page_, configuration.RenameCmd), item);
+    sizer->Add(makeButton(peers_, page_, configuration.DuplicateCmd), item);
     return sizer;
 }
 
@@ -192,21 +221,29 @@ wxSizer* MainView::makeLaunch() {
 wxSizer* MainView::makeSchedule() {
     auto* options = new wxBoxSizer(wxVERTICAL);
     Schedule& schedule = form_.schedule;
+    auto* replacing = new wxBoxSizer(wxHORIZONTAL);
     for (const std::size_t i : {0, 1}) {
-        options->Add(makeCheckBox(peers_, page_, schedule.Opt.at(i)),
-                     wxSizerFlags().Border(wxBOTTOM, FromDIP(narrow)));
+        replacing->Add(makeCheckBox(peers_, page_, schedule.Opt.at(i)),
+                       wxSizerFlags().Border(wxRIGHT | wxBOTTOM, FromDIP(narrow)));
     }
+    options->Add(replacing);
     wxStaticBox* frame = makeFrame(peers_, page_, schedule.CadrePla);
-    auto* box = new wxStaticBoxSizer(frame, wxHORIZONTAL);
+    auto* whole = new wxStaticBoxSizer(frame, wxVERTICAL);
+    auto* box = new wxBoxSizer(wxHORIZONTAL);
     const auto item = wxSizerFlags().CentreVertical().Border(wxALL, FromDIP(narrow));
     box->Add(makeCheckBox(peers_, frame, schedule.Opt.at(2)), item);
     wxTextCtrl* time = makeField(peers_, frame, schedule.AutoHr);
     constexpr int characters = 7;
-    time->SetMinSize(wxSize(time->GetSizeFromTextSize(GetCharWidth() * characters).x, -1));
+    time->SetMinSize(
+        wxSize(time->GetSizeFromTextSize(GetCharWidth() * characters).x, time->GetMinHeight()));
     box->Add(time, item);
     box->AddStretchSpacer();
     box->Add(makeButton(peers_, frame, form_.Cmd.at(3)), item);
-    options->Add(box, wxSizerFlags().Expand());
+    whole->Add(box, wxSizerFlags().Expand());
+    wxStaticText* next = makeLine(peers_, frame, schedule.NextLbl, wxST_ELLIPSIZE_END);
+    next->SetMinSize(wxSize(FromDIP(leastText), next->GetCharHeight()));
+    whole->Add(next, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(narrow)));
+    options->Add(whole, wxSizerFlags().Expand());
     return options;
 }
 
@@ -237,21 +274,38 @@ wxSizer* MainView::makeProgram() {
 wxSizer* MainView::makeResults() {
     ResultsArea& results = form_.results;
     auto* sizer = new wxBoxSizer(wxVERTICAL);
-    const auto addLine = [&](Picture& picture, Label& label) {
+    wxStaticText* title = makeText(peers_, page_, form_.steps.TitleLbl);
+    title->SetFont(title->GetFont().Bold());
+    const auto step = wxSizerFlags().Expand().Border(wxBOTTOM, FromDIP(narrow));
+    sizer->Add(title, step);
+    for (Label& label : form_.steps.Lbl) {
+        wxStaticText* text = makeLine(peers_, page_, label, wxST_ELLIPSIZE_END);
+        text->SetMinSize(wxSize(FromDIP(leastText), text->GetCharHeight()));
+        sizer->Add(text, step);
+    }
+    const auto addLine = [&](Picture& picture, Label& label, bool whole = true) {
         auto* line = new wxBoxSizer(wxHORIZONTAL);
         line->Add(makePicture(peers_, page_, picture, resultPicture),
                   wxSizerFlags().CentreVertical().ReserveSpaceEvenIfHidden());
         line->AddSpacer(FromDIP(narrow));
-        line->Add(makeText(peers_, page_, label), wxSizerFlags().CentreVertical());
+        if (whole) {
+            wxStaticText* text = makeLine(peers_, page_, label, wxST_ELLIPSIZE_END);
+            text->SetMinSize(wxSize(FromDIP(leastText), -1));
+            line->Add(text, wxSizerFlags(1).CentreVertical());
+        } else {
+            line->Add(makeText(peers_, page_, label), wxSizerFlags().CentreVertical());
+        }
         sizer->Add(line, wxSizerFlags().Expand().Border(wxBOTTOM, FromDIP(narrow)));
         return line;
     };
     addLine(results.OkImg, results.LastSaveLbl[0]);
     addLine(results.ErrImg, results.LastSaveLbl[1]);
-    wxSizer* count = addLine(results.NbErrImg, results.LastSaveLbl[2]);
+    wxSizer* count = addLine(results.NbErrImg, results.LastSaveLbl[2], false);
     count->AddSpacer(FromDIP(wide));
     count->Add(makeLink(peers_, page_, results.VoirErrLbl),
                wxSizerFlags().CentreVertical().ReserveSpaceEvenIfHidden());
+    sizer->Add(makeLogSearch(peers_, page_, results.search),
+               wxSizerFlags().Expand().Border(wxBOTTOM, FromDIP(narrow)));
     wxDataViewCtrl* list =
         makeLog(peers_, page_, results.TxtCp, "Résultat de la comparaison", Follow::no);
     list->SetMinSize(FromDIP(wxSize(200, 100)));
@@ -261,67 +315,12 @@ wxSizer* MainView::makeResults() {
     return sizer;
 }
 
-// As high as its rows, but no higher than the screen: then the rows scroll.
-void MainView::fit() {
-    constexpr int usualWidth = 960;
-    linesView_->SetMinSize(wxSize(-1, linesView_->wholeHeight()));
-    // What the system puts around a window is known only once it is on the screen.
-    constexpr int decorations = 40;
-    const int room = wxDisplay(this).GetClientArea().height - FromDIP(decorations);
-    wxSize best = GetSizer()->CalcMin();
-    if (const int excess = best.y - room; excess > 0) {
-        linesView_->SetMinSize(wxSize(-1, std::max(linesView_->wholeHeight() - excess, 0)));
-        best = GetSizer()->CalcMin();
-    }
-    SetMinClientSize(best);
-    const int width = IsShown() ? GetClientSize().x : FromDIP(usualWidth);
-    SetClientSize(std::max(best.x, width), best.y);
-    Layout();
-}
-
-// Opens where it was; a place that no screen shows any more is brought back onto one.
-void MainView::applyPlace() {
-    const WindowPlace& place = form_.place;
-    wxRect rect(placeOf(place), GetSize());
-    int screen = wxDisplay::GetFromPoint(rect.GetTopLeft());
-    if (screen == wxNOT_FOUND) screen = 0;
-    const wxRect area = wxDisplay(static_cast<unsigned>(screen)).GetClientArea();
-    rect.x = std::max(area.x, std::min(rect.x, area.GetRight() + 1 - rect.width));
-    rect.y = std::max(area.y, std::min(rect.y, area.GetBottom() + 1 - rect.height));
-    SetPosition(rect.GetTopLeft());
-    if (place.state == WindowPlace::maximised) Maximize();
-    if (place.state == WindowPlace::minimised) Iconize();
-}
-
-void MainView::rememberState() {
-    if (!IsShown()) return;
-    form_.place.state = IsIconized()    ? WindowPlace::minimised
-                        : IsMaximized() ? WindowPlace::maximised
-                                        : WindowPlace::normal;
-}
-
-// A maximised window keeps the place that it had before and will have again.
-void MainView::rememberPlace() {
-    rememberState();
-    WindowPlace& place = form_.place;
-    if (!IsShown() || place.state != WindowPlace::normal) return;
-    const wxPoint position = wxWindow::ToDIP(GetPosition(), nullptr);
-    place.left = position.x * twipsPerPixel;
-    place.top = position.y * twipsPerPixel;
-}
-
-// What has been disabled under the focus leaves it nowhere: it goes back to the tabs.
-void MainView::keepFocus() {
-    const wxWindow* focused = FindFocus();
-    if (IsActive() && focused != nullptr && !focused->IsEnabled()) tabs_->SetFocus();
-}
-
 void MainView::run() {
     wxEventLoop loop;
     loop_ = &loop;
     peers_.context.refresher.watch(this, [this] {
         if (!form_.open() && loop_->IsRunning()) loop_->Exit();
-        keepFocus();
+        focus_.keep();
     });
     peers_.context.refresher.flush();
     CallAfter([this] {

@@ -1,13 +1,14 @@
 #pragma once
 
 #include <wx/frame.h>
-#include <wx/panel.h>
+#include <wx/scrolwin.h>
 #include <wx/stattext.h>
 #include <wx/timer.h>
 
 #include <memory>
 
 #include "mainwindow/main_form.h"
+#include "views/wx/focus.h"
 #include "views/wx/lines_view.h"
 #include "views/wx/peer.h"
 
@@ -42,17 +43,22 @@ class MainView final : public wxFrame {
     void applyPlace();
     void rememberState();
     void rememberPlace();
-    void keepFocus();
+    void shareHeight();
+    wxSize roomOnScreen() const;
     void fit();
     bool pressMnemonic(const wxKeyEvent& event);
+    bool pressShortcut(const wxKeyEvent& event);
 
     MainForm& form_;
-    wxPanel* page_ = nullptr;
+    wxScrolledWindow* page_ = nullptr;
     wxWindow* tabs_ = nullptr;
+    bool tabsAnswerKeys_ = false;  // by the toolkit
     LinesView* linesView_ = nullptr;
     Peers peers_;
     std::function<void()> rowsChanged_;  // the form's own
     wxEventLoop* loop_ = nullptr;
+    wxSize fitted_;  // as the program last made it
+    FocusKeeper focus_{*this};
     wxTimer settling_;  // runs while the window may still be on its way to another place
 };
 

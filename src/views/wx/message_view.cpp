@@ -6,6 +6,7 @@
 #include <wx/stattext.h>
 
 #include "views/wx/accessible.h"
+#include "views/wx/basic_widgets.h"
 #include "views/wx/pictures.h"
 #include "views/wx/text.h"
 
@@ -61,7 +62,7 @@ MessageView::MessageView(wxWindow* parent, Pictures& pictures, const MessageBoxT
     auto* whole = new wxBoxSizer(wxVERTICAL);
     whole->Add(makeText(pictures, message),
                wxSizerFlags(1).Expand().Border(wxALL, FromDIP(border)));
-    whole->Add(makeButtons(message.buttons),
+    whole->Add(makeButtons(message),
                wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(border)));
     SetSizerAndFit(whole);
     CentreOnParent();
@@ -74,7 +75,7 @@ wxSizer* MessageView::makeText(Pictures& pictures, const MessageBoxText& message
     std::erase(lines, '\r');
     auto* picture =
         new wxStaticBitmap(this, wxID_ANY, pictures.find(pictureOf(message.icon), pictureSize));
-    auto* text = new wxStaticText(this, wxID_ANY, wxEmptyString);
+    wxStaticText* text = plainText(this, wxEmptyString);
     text->SetLabelText(toWx(lines));
     text->Wrap(FromDIP(textWidth));
     auto* sizer = new wxBoxSizer(wxHORIZONTAL);
@@ -84,25 +85,27 @@ wxSizer* MessageView::makeText(Pictures& pictures, const MessageBoxText& message
     return sizer;
 }
 
-wxSizer* MessageView::makeButtons(MessageButtons buttons) {
+wxSizer* MessageView::makeButtons(const MessageBoxText& message) {
     auto* row = new wxBoxSizer(wxHORIZONTAL);
     row->AddStretchSpacer();
-    wxButton* first = nullptr;
-    switch (buttons) {
+    wxButton* usual = nullptr;
+    wxButton* refusing = nullptr;
+    switch (message.buttons) {
         case MessageButtons::ok:
-            first = addButton(*row, "OK", Answer::ok);
+            usual = addButton(*row, "OK", Answer::ok);
             break;
         case MessageButtons::okCancel:
-            first = addButton(*row, "OK", Answer::ok);
-            addButton(*row, "&Annuler", Answer::cancel);
+            usual = addButton(*row, "OK", Answer::ok);
+            refusing = addButton(*row, "&Annuler", Answer::cancel);
             break;
         case MessageButtons::yesNo:
-            first = addButton(*row, "&Oui", Answer::yes);
-            addButton(*row, "&Non", Answer::no);
+            usual = addButton(*row, "&Oui", Answer::yes);
+            refusing = addButton(*row, "&Non", Answer::no);
             break;
     }
-    first->SetDefault();
-    first->SetFocus();
+    if (message.harmful && refusing != nullptr) usual = refusing;
+    usual->SetDefault();
+    usual->SetFocus();
     return row;
 }
 

@@ -21,7 +21,7 @@ class MessageView final : public wxDialog {
 
   private:
     wxSizer* makeText(Pictures& pictures, const MessageBoxText& message);
-    wxSizer* makeButtons(MessageButtons buttons);
+    wxSizer* makeButtons(const MessageBoxText& message);
     wxButton* addButton(wxSizer& row, const char* caption, Answer answer);
 
     Answer answer_;

@@ -4,26 +4,20 @@
 #include <wx/dcbuffer.h>
 #include <wx/dnd.h>
 #include <wx/settings.h>
+#include <wx/textcompleter.h>
+
+#include <utility>
 
 #include "system/path_caption.h"
 #include "system/text.h"
 #include "views/wx/accessible.h"
 #include "views/wx/text.h"
+#include "views/wx/text_width.h"
 
 namespace coffrelune {
 namespace {
 
 constexpr int margin = 4;  // density-independent pixels, left and right of the text
-
-/// Measures in the font of a widget, which outlives this.
-class TextWidth final : public TextMeasure {
-  public:
-    explicit TextWidth(const wxWindow& widget) : widget_(widget) {}
-    int width(const std::string& text) override { return widget_.GetTextExtent(toWx(text)).x; }
-
-  private:
-    const wxWindow& widget_;
-};
 
 // Takes text or a list of files; the label decides what becomes of them.
 class PathDrop final : public wxDropTarget {
@@ -55,6 +49,19 @@ class PathDrop final : public wxDropTarget {
     // Owned by the data object.
     wxFileDataObject* files_ = new wxFileDataObject();
     wxTextDataObject* text_ = new wxTextDataObject();
+};
+
+// Offers the directories that the path may lead to.
+class PathCompleter final : public wxTextCompleterSimple {
+  public:
+    explicit PathCompleter(const PathLabel& label) : label_(label) {}
+
+    void GetCompletions(const wxString& typed, wxArrayString& found) override {
+        for (const std::string& path : label_.complete(fromWx(typed))) found.push_back(toWx(path));
+    }
+
+  private:
+    const PathLabel& label_;
 };
 
 class PathPeer final : public Peer {
@@ -112,6 +119,7 @@ void PathView::bindMouse() {
         SetFocus();
         label_.press();
     });
+    Bind(wxEVT_LEFT_DCLICK, [this](wxMouseEvent&) { beginEdit(toWx(label_.path()), true); });
     Bind(wxEVT_RIGHT_DOWN, [this](wxMouseEvent& event) {
         SetFocus();
         event.Skip();
@@ -127,16 +135,79 @@ void PathView::bindMouse() {
 void PathView::bindKeys() {
     Bind(wxEVT_KEY_DOWN, [this](wxKeyEvent& event) {
         const int key = event.GetKeyCode();
-        const bool opensMenu = key == WXK_RETURN || key == WXK_NUMPAD_ENTER || key == WXK_F2;
+        const bool opensMenu = key == WXK_RETURN || key == WXK_NUMPAD_ENTER;
         if (opensMenu && label_.onRightClick) {
             label_.rightClick();
         } else if (key == 'C' && event.ControlDown()) {
             copy();
         } else if (key == 'V' && event.ControlDown()) {
             paste();
+        } else if (key == WXK_F2) {
+            beginEdit(toWx(label_.path()), true);
+        } else if (key == WXK_DELETE || key == WXK_NUMPAD_DELETE) {
+            CallAfter([this] { label_.empty(); });
         } else {
             event.Skip();
         }
+    });
+    Bind(wxEVT_CHAR, [this](wxKeyEvent& event) {
+        const wxUniChar typed = event.GetUnicodeKey();
+        const bool text = typed > ' ' && typed != WXK_DELETE;
+        const int command = event.GetModifiers() & (wxMOD_CONTROL | wxMOD_ALT);
+        if (text && command == 0 && label_.editable()) {
+            beginEdit(typed, false);
+        } else {
+            event.Skip();
+        }
+    });
+}
+
+// What is typed takes the place of the path; whatever opens the editor otherwise shows it.
+void PathView::beginEdit(const wxString& text, bool select) {
+    if (!label_.editable() || editor_ != nullptr) return;
+    editor_ = new wxTextCtrl(this, wxID_ANY, text, wxPoint(0, 0), GetClientSize(),
+                             wxTE_PROCESS_ENTER | wxBORDER_NONE);
+    nameForReaders(*editor_, name_);
+    editor_->AutoComplete(new PathCompleter(label_));
+    editor_->SetFocus();
+    if (select) {
+        editor_->SelectAll();
+    } else {
+        editor_->SetInsertionPointEnd();
+    }
+    editor_->Bind(wxEVT_TEXT_ENTER, [this](wxCommandEvent&) { endEdit(true); });
+    editor_->Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
+        if (event.GetKeyCode() == WXK_ESCAPE) {
+            endEdit(false);
+        } else {
+            event.Skip();
+        }
+    });
+    editor_->Bind(wxEVT_KILL_FOCUS, [this](wxFocusEvent& event) {
+        event.Skip();
+        CallAfter([this] { leaveEdit(); });
+    });
+}
+
+// Another control of the window has been chosen: what was typed counts, as in every field. Another
+// program, or the list of completions, is not leaving.
+void PathView::leaveEdit() {
+    wxWindow* now = FindFocus();
+    if (editor_ == nullptr || now == nullptr || now == editor_ || now == this) return;
+    if (wxGetTopLevelParent(now) == wxGetTopLevelParent(this)) endEdit(true);
+}
+
+void PathView::endEdit(bool keep) {
+    if (editor_ == nullptr) return;
+    const std::string typed = fromWx(editor_->GetValue());
+    const bool hadFocus = editor_->HasFocus();
+    wxTextCtrl* editor = std::exchange(editor_, nullptr);
+    editor->Hide();
+    if (hadFocus) SetFocus();
+    // Once its own event is over.
+    CallAfter([this, editor, keep, typed] {
+        editor->Destroy();
+        if (keep) label_.edit(typed);
     });
 }
 
@@ -144,7 +215,11 @@ void PathView::display(const std::string& caption, const std::string& full) {
     const wxString text = toWx(caption);
     const std::string told = name_ + " : " + full;
     SetLabel(toWx(told));
-    presentAsLabel(*this, told);
+    if (label_.editable()) {
+        presentAsField(*this, told);
+    } else {
+        presentAsLabel(*this, told);
+    }
     if (text == caption_) return;
     caption_ = text;
     Refresh();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <wx/textctrl.h>
 #include <wx/window.h>
 
 #include "platform/commands.h"
@@ -9,7 +10,8 @@ namespace coffrelune {
 
 /// The native side of a PathLabel: one line in a field's colours, of which the toolkit has nothing
 /// alike. It takes the focus, so that what the mouse does with a label the keyboard does too: the
-/// menu key, Enter and F2 open the menu; copy and paste do what dragging does.
+/// menu key and Enter open the menu; copy and paste do what dragging does. One that is editable is
+/// edited in its place by typing, F2 or a double click.
 class PathView final : public wxWindow {
   public:
     PathView(wxWindow* parent, PathLabel& label, const std::string& name);
@@ -28,11 +30,15 @@ class PathView final : public wxWindow {
     void startDrag();
     void copy() const;
     void paste();
+    void beginEdit(const wxString& text, bool select);
+    void endEdit(bool keep);
+    void leaveEdit();
 
     PathLabel& label_;
     std::string name_;
     wxString caption_;
     wxPoint pressedAt_;
+    wxTextCtrl* editor_ = nullptr;  // while the path is edited
 };
 
 /// `name` says which path it is ("Source 1").

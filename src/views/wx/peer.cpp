@@ -26,7 +26,7 @@ void Peer::refresh() {
 }
 
 void Peer::showState() {
-    showEnabled();
+    if (widget_.Enable(control_->enabled())) widget_.Refresh();
     if (widget_.Show(control_->visible())) sizeChanged();
     if (control_->toolTip() == shownToolTip_) return;
     shownToolTip_ = control_->toolTip();
@@ -35,15 +35,6 @@ void Peer::showState() {
     } else {
         widget_.SetToolTip(toWx(shownToolTip_));
     }
-}
-
-// A control that is disabled for a while, as the button that launches a run, gets its focus back.
-void Peer::showEnabled() {
-    const bool enabled = control_->enabled();
-    if (!enabled && widget_.IsThisEnabled()) hadFocus_ = widget_.HasFocus();
-    if (!widget_.Enable(enabled)) return;
-    widget_.Refresh();
-    if (enabled && hadFocus_) widget_.SetFocus();
 }
 
 void Peer::sizeChanged() {

@@ -46,13 +46,11 @@ class Peer : public ControlPeer {
 
   private:
     void showState();
-    void showEnabled();
 
     ViewContext& context_;
     Control* control_;
     wxWindow& widget_;
     std::string shownToolTip_;
-    bool hadFocus_ = false;  // when it was disabled
 };
 
 /// The peers of one window; they go before its widgets.

@@ -37,7 +37,11 @@ void Refresher::flush() {
         dirty_.erase(dirty_.begin());
         peer->refresh();
     }
-    for (wxWindow* window : std::exchange(stale_, {})) window->Layout();
+    for (wxWindow* window : std::exchange(stale_, {})) {
+        window->Layout();
+        // What has moved leaves its old picture behind on Windows.
+        window->Refresh();
+    }
     flushing_ = false;
     // A window may go away while it is told: copies are called.
     for (const Watcher& watcher : std::vector<Watcher>(watchers_)) {

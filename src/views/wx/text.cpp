@@ -1,6 +1,9 @@
 #include "views/wx/text.h"
 
+#include <wx/clipbrd.h>
 #include <wx/control.h>
+
+#include <algorithm>
 
 #include "platform/characters.h"
 
@@ -18,8 +21,23 @@ std::string fromWx(const wxString& text) {
     return rawBytes({bytes.data(), bytes.length()});
 }
 
+void copyToClipboard(const wxString& text) {
+    // Where another program holds the clipboard, the user presses again.
+    if (!wxTheClipboard->Open()) return;
+    wxTheClipboard->SetData(new wxTextDataObject(text));
+    wxTheClipboard->Close();
+}
+
 wxString spoken(const std::string& caption) {
     return wxControl::RemoveMnemonics(toWx(caption));
+}
+
+wxSize sizeForText(const wxWindow& widget, wxSize size) {
+    constexpr int usualHeight = 17;  // of a line, in density-independent pixels
+    const int usual = widget.FromDIP(usualHeight);
+    const int height = std::max(widget.GetCharHeight(), usual);
+    const wxSize pixels = widget.FromDIP(size);
+    return {pixels.x * height / usual, pixels.y * height / usual};
 }
 
 }  // namespace coffrelune

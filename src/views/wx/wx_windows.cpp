@@ -127,6 +127,17 @@ std::string WxWindows::chooseFile(const std::string& title, const std::string& f
     return services_.fromNative(fromWx(dialog.GetPath()));
 }
 
+std::string WxWindows::chooseNewFile(const std::string& title, const std::string& name) {
+    wxFileDialog dialog(front(), toWx(title), wxEmptyString, toWx(name), "*",
+                        wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
+    if (dialog.ShowModal() != wxID_OK) return {};
+    return services_.fromNative(fromWx(dialog.GetPath()));
+}
+
+void WxWindows::copyText(const std::string& text) {
+    copyToClipboard(toWx(text));
+}
+
 void WxWindows::notice(const std::string& text) {
     std::cerr << text << '\n';
     auto* main = open_.empty() ? nullptr : dynamic_cast<MainView*>(open_.front());

@@ -25,6 +25,8 @@ class WxWindows final : public WindowService {
     std::string chooseFolder(bool includeFiles, const std::string& prompt,
                              const std::string& start) override;
     std::string chooseFile(const std::string& title, const std::string& filter) override;
+    std::string chooseNewFile(const std::string& title, const std::string& name) override;
+    void copyText(const std::string& text) override;
     void notice(const std::string& text) override;
 
     /// Shows what has changed; once the session ends, closes the window in front.

@@ -79,7 +79,7 @@ class TerminalWindowsTest : public testing::Test {
     ReplacementAnswer confirm(const std::string& typed, const StreamLayout& layout = interactive) {
         auto answer = ReplacementAnswer::yes;
         run(layout, typed, [&](Program& program) {
-            frmConfirm question("a.txt");
+            frmConfirm question({"a.txt", {"Dossier : F:\\", "1 octet", "2 octets"}});
             program.windows.showModal(question);
             answer = question.answer();
         });

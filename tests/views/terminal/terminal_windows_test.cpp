@@ -127,6 +127,9 @@ using testing::Not;
 
 constexpr const char* replaceQuestion =
     "Ce dossier contient déjà un fichier appelé 'a.txt'\n"
+    "Dossier : F:\\\n"
+    "1 octet\n"
+    "2 octets\n"
     "Etes-vous sûr de vouloir remplacer ce fichier ?\n";
 constexpr const char* replacePrompt = "[O]ui / [T]ous / [N]on / [A]nnuler : ";
 
@@ -236,7 +239,13 @@ TEST_F(TerminalWindowsTest, TheReplacementIsAskedOnTheTerminal) {
     EXPECT_EQ(backup(interactive, "n\no\n"), RunEnd::finished);
     EXPECT_EQ(memory.disk().content(R"(F:\Save\Docs\a.txt)"), "old");
     EXPECT_EQ(memory.disk().content(R"(F:\Save\Docs\b.txt)"), "bbb");
-    EXPECT_THAT(screen, HasSubstr(std::string(replaceQuestion) + replacePrompt));
+    EXPECT_THAT(screen,
+                HasSubstr("Ce dossier contient déjà un fichier appelé 'a.txt'\n"
+                          "Dossier : F:\\Save\\Docs\n"
+                          "Fichier en place : 3 octets, dim. 1 janvier 2023 à 00:00:00\n"
+                          "Remplacé par : 5 octets, ven. 1 mars 2024 à 00:00:00, plus récent\n"
+                          "Etes-vous sûr de vouloir remplacer ce fichier ?\n" +
+                          std::string(replacePrompt)));
 }
 
 TEST_F(TerminalWindowsTest, TheProgressIsOneLineThatIsGoneAtTheEnd) {
@@ -244,7 +253,8 @@ TEST_F(TerminalWindowsTest, TheProgressIsOneLineThatIsGoneAtTheEnd) {
     memory.clock().advanceSeconds(60);
     EXPECT_EQ(backup({true, true, true, 200}), RunEnd::finished);
     EXPECT_THAT(screen, HasSubstr("\r62% copiés (5 octets de 8 octets)  "
-                                  "Temps restant: Calcul en cours ...  De: C:\\Docs\\\x1b[K"));
+                                  "Temps restant: Calcul en cours ...  De: C:\\Docs\\  "
+                                  "Fichier: a.txt\x1b[K"));
     const std::string end = "\r\x1b[KSauvegarde terminée sans erreur.\n\nDurée : 00:00:00\n";
     ASSERT_GE(screen.size(), end.size());
     EXPECT_EQ(screen.substr(screen.size() - end.size()), end);
@@ -314,7 +324,7 @@ TEST_F(TerminalWindowsTest, ASignalJustBeforeTheQuestionIsNotMissed) {
     auto answer = ReplacementAnswer::yes;
     run(interactive, "", [&](Program& program) {
         std::raise(SIGINT);
-        frmConfirm question("a.txt");
+        frmConfirm question({"a.txt", {"Dossier : F:\\", "1 octet", "2 octets"}});
         program.windows.showModal(question);
         answer = question.answer();
     });
