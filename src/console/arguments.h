@@ -8,7 +8,22 @@
 
 namespace coffrelune::console {
 
-enum class Command { backup, restore, compare, journal, results };
+enum class Command {
+    backup,
+    restore,
+    compare,
+    verify,
+    journal,
+    results,
+    configurations,
+    lines,
+    options,
+    drives,
+    plan,
+};
+
+/// What a command does with the settings.
+enum class Action { show, add, rename, duplicate, erase, describe, set, select, deselect, exclude };
 
 /// What the user asked for.
 struct Arguments {
@@ -20,10 +35,42 @@ struct Arguments {
     bool keep = false;
     bool confirmed = false;                      // a restore needs no question
     bool originalConfirmed = false;              // the sources are the right ones
+    bool roundedDates = false;                   // a volume may round the times of copies
     bool reversed = false;                       // compare from destination to source
     OperationKind kind = OperationKind::backup;  // whose journal
     bool journal = false;
     bool json = false;
+    bool progress = false;         // told line by line
+    bool notifies = false;         // the desktop, at the end
+    std::optional<int> alertDays;  // of results
+    std::string report;            // the file that names what became of each file
+    std::string hashes;            // the list that copies are checked against
+    std::string writtenHashes;     // the list that is written when the command has ended
+
+    /// Of the commands that show and change settings.
+    struct SettingsEdit {
+        Action action = Action::show;
+        std::string name;     // of a configuration
+        std::string newName;  // of the one that is added or renamed
+        std::optional<std::string> text;
+        std::vector<int> lines;  // from 1
+        std::optional<std::string> source;
+        std::optional<std::string> destination;
+        std::optional<std::string> exclusionMode;  // "tous", "aucun" or "sauf"
+        std::vector<std::string> added;            // to the list of exclusions
+        std::vector<std::string> removed;
+        bool clears = false;
+        std::vector<std::string> assignments;  // "Clé=valeur"
+    };
+    SettingsEdit edit;
+
+    /// Of what the system is to start by itself.
+    struct Plan {
+        std::string time;       // "hh:nn"
+        std::vector<int> days;  // 1 Monday to 7 Sunday; none: every day
+        bool withWindows = false;
+    };
+    Plan plan;
 
     bool direct() const { return !source.empty(); }
 };

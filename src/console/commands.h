@@ -10,6 +10,7 @@ namespace coffrelune::console {
 ExitStatus backUp(Session& session, const Arguments& arguments);
 ExitStatus restore(Session& session, const Arguments& arguments);
 ExitStatus compare(Session& session, const Arguments& arguments);
+ExitStatus verify(Session& session, const Arguments& arguments);
 ExitStatus showJournal(Session& session, const Arguments& arguments);
 ExitStatus showResults(Session& session, const Arguments& arguments);
 

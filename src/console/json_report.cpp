@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "operation/line_texts.h"
+#include "operation/results.h"
 #include "operation/run_report.h"
 
 namespace coffrelune::console {
@@ -76,12 +77,15 @@ std::string runAsJson(const SystemMod& system, const RunStatistics& statistics, 
     Json report = runReport(system, statistics);
     report["deleted"] = statistics.filesRemoved;
     report["kept"] = statistics.keptReasons;
+    report["dates"] = statistics.dateReasons;
     report["outcome"] = outcomeName(end, statistics);
     return dump(report);
 }
 
-std::string comparisonAsJson(const SystemMod& system, OperationHost& host,
-                             const RunStatistics& statistics, RunEnd end) {
+namespace {
+
+Json comparisonReport(const SystemMod& system, OperationHost& host, const RunStatistics& statistics,
+                      RunEnd end) {
     Json report = runReport(system, statistics);
     report["direction"] = system.comparisonReversed ? "destination" : "source";
     report["summary"] = host.comparisonSummary().caption();
@@ -92,7 +96,40 @@ std::string comparisonAsJson(const SystemMod& system, OperationHost& host,
     const std::string outcome = outcomeName(end, statistics);
     const bool differences = outcome == "errors" && statistics.errors.empty();
     report["outcome"] = differences ? "differences" : outcome;
+    return report;
+}
+
+}  // namespace
+
+std::string comparisonAsJson(const SystemMod& system, OperationHost& host,
+                             const RunStatistics& statistics, RunEnd end) {
+    return dump(comparisonReport(system, host, statistics, end));
+}
+
+std::string verificationAsJson(const SystemMod& system, OperationHost& host,
+                               const RunStatistics& statistics, RunEnd end) {
+    Json report = comparisonReport(system, host, statistics, end);
+    report["kind"] = "verification";
+    std::uint64_t files = 0;
+    std::uint64_t bytes = 0;
+    for (const LineTally& tally : statistics.tallies) {
+        files += tally.files;
+        bytes += tally.bytes;
+    }
+    report["filesRead"] = files;
+    report["bytesRead"] = bytes;
     return dump(report);
+}
+
+std::string progressAsJson(const RunProgress& progress) {
+    Json line;
+    line["progress"] = nullptr;
+    if (progress.percent >= 0) line["progress"] = progress.percent;
+    line["phase"] = progress.phase;
+    line["detail"] = progress.detail;
+    line["remainingTime"] = progress.remainingTime;
+    line["rate"] = progress.rate;
+    return line.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 std::string journalAsJson(const SystemMod& system, const TextLog& lines) {
@@ -106,7 +143,7 @@ std::string journalAsJson(const SystemMod& system, const TextLog& lines) {
     return dump(report);
 }
 
-std::string resultsAsJson(const SystemMod& system) {
+std::string resultsAsJson(const SystemMod& system, std::optional<int> alertDays) {
     Json report;
     report["configuration"] = system.configurationName;
     for (const OperationKind kind : allKinds) {
@@ -118,6 +155,11 @@ std::string resultsAsJson(const SystemMod& system) {
               {"duration", result.errorDuration},
               {"count", result.errorCount}}}};
     }
+    const BackupAge age = ageOfBackup(system, alertDays.value_or(0));
+    report["lastGoodBackup"] = age.date;
+    report["daysSince"] = nullptr;
+    if (!age.date.empty()) report["daysSince"] = age.days;
+    if (alertDays) report["alert"] = age.tooOld;
     return dump(report);
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "operation/lance_operation.h"
+#include "views/terminal/terminal_windows.h"
 
 namespace coffrelune::console {
 
@@ -18,10 +20,18 @@ std::string runAsJson(const SystemMod& system, const RunStatistics& statistics, 
 std::string comparisonAsJson(const SystemMod& system, OperationHost& host,
                              const RunStatistics& statistics, RunEnd end);
 
+/// A verification: as a comparison, files being those that differ, with filesRead and bytesRead.
+std::string verificationAsJson(const SystemMod& system, OperationHost& host,
+                               const RunStatistics& statistics, RunEnd end);
+
+/// One line: progress (percent, or null while nobody knows), phase, detail, remainingTime, rate.
+std::string progressAsJson(const RunProgress& progress);
+
 /// The lines of an error list, with kind and configuration.
 std::string journalAsJson(const SystemMod& system, const TextLog& lines);
 
 /// The last clean run and the last run with problems of each kind; dates as stored.
-std::string resultsAsJson(const SystemMod& system);
+/// With `alertDays` also whether the last good backup is older.
+std::string resultsAsJson(const SystemMod& system, std::optional<int> alertDays);
 
 }  // namespace coffrelune::console

@@ -40,9 +40,10 @@ bool prepareDirectRun(Session& session, const Arguments& arguments) {
     DriveService& drives = system.platform.drives;
     const std::string source = drives.fromNative(arguments.source);
     const std::string destination = drives.fromNative(arguments.destination);
-    // A restore is there to bring back a source that is gone.
-    const bool readsSource = arguments.command == Command::backup ||
-                             (arguments.command == Command::compare && !arguments.reversed);
+    // A restore is there to bring back a source that is gone; a list tells of the copy alone.
+    const bool readsSource =
+        arguments.command == Command::backup ||
+        (arguments.command != Command::restore && !arguments.reversed && arguments.hashes.empty());
     if (readsSource && !sourceExists(session, source)) {
         session.terminal().warn("La source « " + visibleControls(arguments.source) +
                                 " » n'existe pas ou ne peut pas être lue.");
@@ -71,8 +72,27 @@ bool prepareConfiguredRun(Session& session, const Arguments& arguments, ExitStat
 
 bool prepare(Session& session, const Arguments& arguments, ExitStatus& refusal) {
     refusal = ExitStatus::wrongUse;
-    if (arguments.direct()) return prepareDirectRun(session, arguments);
-    return prepareConfiguredRun(session, arguments, refusal);
+    const bool ready = arguments.direct() ? prepareDirectRun(session, arguments)
+                                          : prepareConfiguredRun(session, arguments, refusal);
+    if (arguments.roundedDates) session.system().options.DatesArrondies = -1;
+    return ready;
+}
+
+bool prepareReading(Session& session, const Arguments& arguments, ExitStatus& refusal) {
+    SystemMod& system = session.system();
+    system.configurationName = ProperCase(arguments.configuration);
+    system.LoadSettings();
+    refusal = ExitStatus::wrongUse;
+    return settingsReadable(system);
+}
+
+bool prepareEditing(Session& session, const Arguments& arguments, ExitStatus& refusal) {
+    SystemMod& system = session.system();
+    system.configurationName = ProperCase(arguments.configuration);
+    refusal = ExitStatus::interrupted;
+    if (!startUp(system, session.guard())) return false;
+    refusal = ExitStatus::wrongUse;
+    return settingsReadable(system);
 }
 
 bool mayReplace(Session& session, const Arguments& arguments) {

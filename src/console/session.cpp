@@ -1,5 +1,7 @@
 #include "console/session.h"
 
+#include "console/json_report.h"
+
 namespace coffrelune::console {
 
 Session::Session(const Arguments& arguments)
@@ -10,6 +12,10 @@ Session::Session(const Arguments& arguments)
       platform_{native_.files(), native_.drives(), native_.clock(), native_.locale(),
                 native_.ansi(),  native_.sounds(), windows_},
       system_(platform_, context(arguments)) {
+    if (arguments.progress) {
+        windows_.tellProgress(
+            [this](const RunProgress& progress) { terminal_.warn(progressAsJson(progress)); });
+    }
     system_.tellWriteFailure([this](const std::string& text) { windows_.notice(text); });
 }
 

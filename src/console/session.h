@@ -19,6 +19,7 @@ class Session {
     SystemMod& system() { return system_; }
     InstanceGuard& guard() { return native_.guard(); }
     OperationStage& stage() { return windows_; }
+    NativePlatform& native() { return native_; }
 
   private:
     ProgramContext context(const Arguments& arguments);

@@ -139,6 +139,43 @@ TEST_F(ArgumentsTest, RefusesAnEmptyValue) {
     expectRefused({"sauvegarder", "--config", ""}, sentence);
 }
 
+TEST_F(ArgumentsTest, TakesAnActionOnTheSettings) {
+    auto arguments = parse({"configurations", "renommer", "A", "B"});
+    ASSERT_TRUE(arguments.has_value());
+    EXPECT_EQ(arguments->command, Command::configurations);
+    EXPECT_EQ(arguments->edit.action, Action::rename);
+    EXPECT_EQ(arguments->edit.name, "A");
+    EXPECT_EQ(arguments->edit.newName, "B");
+    arguments = parse({"lignes", "definir", "2", "--source", "/a", "--config", "X"});
+    ASSERT_TRUE(arguments.has_value());
+    EXPECT_EQ(arguments->edit.lines, std::vector<int>{2});
+    EXPECT_EQ(arguments->edit.source, "/a");
+    EXPECT_FALSE(arguments->edit.destination.has_value());
+    EXPECT_EQ(arguments->configuration, "X");
+    // The source of a line is none of a run without settings.
+    EXPECT_FALSE(arguments->direct());
+    arguments = parse({"lignes", "exclusions", "--ajouter", "a", "--ajouter", "b", "1"});
+    ASSERT_TRUE(arguments.has_value());
+    EXPECT_EQ(arguments->edit.added, (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(arguments->edit.lines, std::vector<int>{1});
+}
+
+TEST_F(ArgumentsTest, ACommandAloneShows) {
+    for (const char* word : {"configurations", "lignes", "options"}) {
+        const auto arguments = parse({word, "--json"});
+        ASSERT_TRUE(arguments.has_value()) << word;
+        EXPECT_EQ(arguments->edit.action, Action::show);
+        EXPECT_TRUE(arguments->json);
+    }
+}
+
+TEST_F(ArgumentsTest, SaysWhatACommandLacks) {
+    expectRefused({"configurations", "renommer", "A"}, "Il manque à « renommer » : NOUVEAU");
+    expectRefused({"lignes", "selectionner", "0"}, "Une ligne se nomme par son numéro : 1, 2, 3…");
+    expectRefused({"lignes", "exclusions", "1", "--sous-repertoires", "peu"},
+                  "--sous-repertoires attend tous, aucun ou sauf.");
+}
+
 TEST_F(ArgumentsTest, HelpIsInFrenchAndEndsWell) {
     EXPECT_FALSE(parse({"--help"}).has_value());
     EXPECT_EQ(status, 0);

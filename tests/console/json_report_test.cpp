@@ -44,7 +44,7 @@ TEST_F(JsonReport, TellsTheWholeRun) {
     statistics.errorCount = 1;
     EXPECT_EQ(report(RunEnd::finished), json::parse(R"JSON({
         "kind": "sauvegarde", "configuration": "Été", "duration": "00:01:23",
-        "files": 3, "bytes": 5000000008, "outcome": "errors", "deleted": 0, "kept": [],
+        "files": 3, "bytes": 5000000008, "outcome": "errors", "deleted": 0, "kept": [], "dates": [],
         "errors": [{"number": 5, "path": "D:\\Photos\\c.jpg"}],
         "lines": [
           {"line": 1, "source": "C:\\Docs", "destination": "F:\\Save", "sourceMissing": false,
@@ -97,7 +97,7 @@ TEST_F(JsonReport, OfAJournalHoldsItsLines) {
 TEST_F(JsonReport, OfTheResultsHoldsBothRunsOfEachKind) {
     system.lastResult(OperationKind::restore) = {"03/02/2025 04:05:06", "00:00:01",
                                                  "04/02/2025 04:05:06", "00:00:02", 7};
-    const json results = json::parse(resultsAsJson(system));
+    const json results = json::parse(resultsAsJson(system, {}));
     EXPECT_EQ(results["restauration"], json::parse(R"({
         "clean": {"date": "03/02/2025 04:05:06", "duration": "00:00:01"},
         "problems": {"date": "04/02/2025 04:05:06", "duration": "00:00:02", "count": 7}})"));
