@@ -71,7 +71,7 @@ code "$include<(windows|winbase|shlobj|shellapi|mmsystem|winreg)[^>]*>" src |
     verdict "les en-têtes de Windows restent dans src/platform/win32 et dans les sources de Windows des vues"
 code "$include<wx/" src | grep -vE '^src/views/wx/' |
     verdict "les en-têtes des fenêtres restent dans src/views/wx"
-code "$include<(CLI/|nlohmann/)" src | grep -vE '^src/console/' |
+code "$include<(CLI/|nlohmann/|xxhash)" src | grep -vE '^src/console/' |
     verdict "arguments et JSON restent dans src/console"
 {
     code "$include<(fstream|filesystem)>" src
@@ -93,7 +93,7 @@ platform/posix/desktop platform platform/posix
 platform/win32       platform
 platform/win32/desktop platform platform/win32
 platform/memory      platform
-platform/native      platform platform/posix platform/win32
+platform/native      platform platform/posix platform/posix/desktop platform/win32 platform/win32/desktop
 system               platform
 settings             platform system
 engine               platform system settings

@@ -1,16 +1,18 @@
 #!/usr/bin/env bash
-# Installs the Debian 12 packages that building (`build`), testing (`test`), or building and testing
-# for Windows (`windows`) needs, and only those that are missing: when everything is there it costs
-# one query and no network.
+# Installs the Debian 12 packages that building (`build`), testing (`test`), building and testing for
+# Windows (`windows`), or making packages (`paquets`) needs, and only those that are missing: when
+# everything is there it costs one query and no network.
 # Everything it prints goes to stderr, so that a caller's stdout stays its own.
 set -euo pipefail
 
-build_packages=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libwxgtk3.2-dev libgtk-3-dev)
+build_packages=(g++ cmake ninja-build pkg-config python3 libcli11-dev nlohmann-json3-dev libxxhash-dev libwxgtk3.2-dev libgtk-3-dev)
 test_packages=(ccache libgtest-dev libgmock-dev clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14
                python3 xvfb icewm at-spi2-core dbus-daemon python3-gi gir1.2-atspi-2.0 xdotool x11-utils
-               imagemagick libfaketime rsync strace xfsprogs)
-windows_packages=(cmake ninja-build libcli11-dev nlohmann-json3-dev googletest make xz-utils
+               imagemagick libfaketime rsync strace xfsprogs bindfs appstream desktop-file-utils man-db)
+windows_packages=(cmake ninja-build libcli11-dev nlohmann-json3-dev libxxhash-dev googletest make xz-utils
                   g++-mingw-w64-x86-64-posix wine wine64 locales xvfb xdotool python3)
+
+package_packages=(python3 librsvg2-bin dpkg-dev nsis lintian appstream desktop-file-utils man-db)
 
 case "${1-}" in
     build) packages=("${build_packages[@]}") commands=(g++ cmake ninja) ;;
@@ -22,8 +24,12 @@ case "${1-}" in
         packages=("${windows_packages[@]}")
         commands=(cmake ninja make x86_64-w64-mingw32-g++-posix wine Xvfb xdotool python3)
         ;;
+    paquets)
+        packages=("${build_packages[@]}" "${package_packages[@]}")
+        commands=(g++ cmake ninja python3 rsvg-convert makensis lintian)
+        ;;
     *)
-        echo "Usage : ${0##*/} build|test|windows" >&2
+        echo "Usage : ${0##*/} build|test|windows|paquets" >&2
         exit 2
         ;;
 esac

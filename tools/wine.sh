@@ -11,6 +11,8 @@ export WINEDEBUG=${WINEDEBUG:--all}
 # Neither a browser nor a .NET runtime: Wine would ask to download them.
 export WINEDLLOVERRIDES="mscoree,mshtml="
 export WINEARCH=win64
+# File names are stored in the locale's encoding, which a service may lack.
+[[ $(locale charmap 2>/dev/null) == UTF-8 ]] || export LC_ALL=C.UTF-8
 
 if [[ ${1-} == --fin ]]; then
     [[ ! -d $WINEPREFIX ]] || wineserver -k || true # 1: there was nothing to end
