@@ -10,6 +10,7 @@ import os
 import signal
 import sys
 
+import account_scenarios
 import copy_scenarios
 import drive_scenarios
 import error_scenarios
@@ -22,13 +23,15 @@ import loss_scenarios
 import question_scenarios
 import restore_scenarios
 import scale_scenarios
+import settings_command_scenarios
 import settings_scenarios
 import unattended_scenarios
+import verification_scenarios
 
 MODULES = (copy_scenarios, question_scenarios, error_scenarios, drive_scenarios,
-           settings_scenarios, restore_scenarios, unattended_scenarios, interruption_scenarios,
+           settings_scenarios, settings_command_scenarios, restore_scenarios, unattended_scenarios, interruption_scenarios,
            loss_scenarios, loss_border_scenarios, loss_restore_scenarios, loss_neighbour_scenarios,
-           scale_scenarios)
+           scale_scenarios, verification_scenarios, account_scenarios)
 
 
 def main():

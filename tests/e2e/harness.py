@@ -95,6 +95,7 @@ class Place:
         for directory in (self.source, self.destination, self.home):
             os.mkdir(directory)
         self.user = {}
+        self.language = {}  # more of the environment
 
     def remove(self):
         for directory, _, _ in os.walk(self.root):
@@ -121,7 +122,16 @@ class Place:
             "LC_ALL": "C.UTF-8",
             "TZ": "Europe/Paris",
             "COFFRELUNE_HOME": self.home,
+            **self.language,
         }
+
+    def speak(self, language):
+        """The system of the programs that start from here on is one of that language ("ja_JP")."""
+        made = os.path.join(self.root, "langues")
+        os.makedirs(made, exist_ok=True)
+        subprocess.run(["localedef", "-i", language, "-f", "UTF-8", f"{made}/{language}.UTF-8"],
+                       capture_output=True, timeout=PATIENCE, check=True)
+        self.language = {"LOCPATH": made, "LC_ALL": f"{language}.UTF-8"}
 
     def start(self, program, *arguments, **options):
         options = {

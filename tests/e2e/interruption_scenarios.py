@@ -118,6 +118,27 @@ def interrupted_once(place, report):
     report.equal("diff ne trouve rien", differences(place.source, place.copy), [])
 
 
+def interrupted_before_copy(place, report):
+    """SIGTERM pendant que l'arborescence se crée : l'interruption est dite, pas seulement « rien »"""
+    directories = 2000
+    for number in range(directories):
+        write(f"{place.source}/d{number:04}/a.txt", "a")
+    process = caught(
+        lambda: place.start("coffrelune-console", *place.backup_arguments("--ecraser")),
+        lambda: entries(place.copy) > 20,
+        lambda: shutil.rmtree(place.copy, ignore_errors=True),
+        lambda: entries(place.copy) < directories)
+    report.check("la sauvegarde est arrêtée en son début", process)
+    if process is None:
+        return
+    process.send_signal(signal.SIGTERM)
+    process.send_signal(signal.SIGCONT)
+    outcome = wait(process)
+    report.equal("état 3", outcome.status, 3)
+    report.check("l'interruption est dite",
+                 "Sauvegarde interrompue avant la copie : rien n'a été copié." in outcome.all, outcome)
+
+
 def interrupted_during_large_file(place, report):
     """Ctrl-C une fois pendant un gros fichier : il est fini d'abord"""
     plant_large(place)
@@ -191,5 +212,5 @@ def interrupted_result(place, report):
     report.check("aucun résultat n'est noté", b"LastSave" not in place.read_settings())
 
 
-SCENARIOS = (interrupted_once, interrupted_during_large_file, interrupted_twice,
+SCENARIOS = (interrupted_once, interrupted_before_copy, interrupted_during_large_file, interrupted_twice,
              killed_during_large_file, killed_among_many, interrupted_result)

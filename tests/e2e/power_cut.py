@@ -11,6 +11,7 @@ not asked to flush is not played.
 import argparse
 import contextlib
 import dataclasses
+import functools
 import os
 import random
 import shutil
@@ -60,6 +61,7 @@ class Files:
             os.utime(f"{root}/{path}", ns=(self.time(path, version),) * 2)
 
 
+@functools.cache
 def hash_of(path):
     return random.Random(path).randrange(1 << 30)
 

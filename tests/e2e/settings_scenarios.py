@@ -214,6 +214,48 @@ def journal(place, report):
     report.check("sa première ligne", "Début de la Sauvegarde ..." in outcome.out, outcome)
 
 
+def special_folder(place, report):
+    """« Mes images » absent : rien à l'écran, mais le résultat le dit comme de toute source"""
+    write(f"{place.source}/a.txt", "a")
+    missing = drive_path(f"{place.root}/Mes images")
+    place.write_settings(place.line().replace("\r\n", "\n") + f"""Source1="{missing}"
+Destination1="{drive_path(place.destination)}"
+Select1=1
+""")
+    outcome = place.console("sauvegarder", "--json")
+    result = outcome.json() or {}
+    report.equal("l'état de sortie", outcome.status, 1)
+    report.equal("le JSON", [line.get("sourceMissing") for line in result.get("lines", [])],
+                 [False, True])
+    report.check("stderr", f"la source {missing} est introuvable" in outcome.err, outcome.err)
+    report.check("l'autre ligne est copiée", os.path.exists(f"{place.copy}/a.txt"))
+
+
+def colon_in_names(place, report):
+    """Un « : » dans un nom se lit comme tel"""
+    write(f"{place.source}/10:30 réunion.txt", "a")
+    place.write_line()
+    outcome = place.console("comparer")
+    report.check("dans la liste", "10:30 réunion.txt n'existe pas" in outcome.all, outcome)
+    with open(f"{place.home}/C_General.err", "rb") as file:
+        report.check("dans le fichier", "10:30 réunion.txt" in file.read().decode("cp1252"))
+
+
+def numbers_of_languages(place, report):
+    """Les nombres en groupes se lisent partout : à l'écran et dans la liste, sans « ? »"""
+    write(f"{place.source}/grand.bin", "x" * 1234567)
+    place.write_line()
+    for language in ("fr_FR", "ps_AF"):
+        place.speak(language)
+        outcome = place.console("comparer")
+        summary = "1 fichier(s) à copier soit 1,18 Mo (1 234 567 octets)"
+        report.check(f"{language} : dit", summary in outcome.all, outcome)
+        with open(f"{place.home}/C_General.err", "rb") as file:
+            kept = file.read().decode("cp1252")
+        report.check(f"{language} : la liste le dit aussi", summary in kept and "?" not in kept, kept)
+
+
 SCENARIOS = (configuration_run, default_configuration, line_by_line, exclusions,
              unknown_configuration, no_settings, settings_untouched, unreadable_settings,
-             odd_settings, other_line_ends, journal)
+             odd_settings, other_line_ends, journal,
+             special_folder, colon_in_names, numbers_of_languages)

@@ -60,7 +60,7 @@ class Workshop:
         with contextlib.suppress(OSError, KeyError):
             os.remove(how["log"])
         wanted = {f"TRAP_{name.upper()}": str(value) for name, value in how.items()
-                  if value not in (None, False)}
+                  if value is not None and value is not False and value != 0}
         environment = {**place.environment(), "LD_PRELOAD": self.trap, **wanted}
         return place.console(*arguments, env=environment)
 
@@ -73,12 +73,16 @@ class Workshop:
     def log(self):
         return f"{self.root}/calls"
 
+    def logged_text(self):
+        with contextlib.suppress(OSError):
+            return read(self.log).decode(errors="replace")
+        return ""
+
     def logged(self):
         found = []
-        with contextlib.suppress(OSError):
-            for line in read(self.log).decode(errors="replace").splitlines():
-                words = line.split(" ", 3)
-                found.append((words[1], words[2], words[3] if len(words) > 3 else ""))
+        for line in self.logged_text().splitlines():
+            words = line.split(" ", 3)
+            found.append((words[1], words[2], words[3] if len(words) > 3 else ""))
         return found
 
 

@@ -8,7 +8,9 @@
  *   TRAP_AT     the number of the call that is trapped, from 1
  *   TRAP_DO     "kill" before it, "tear" (half of a write, then kill), "interrupt" (as Ctrl-C does),
  *               or the error that it returns
- *   TRAP_ON     every later call of its kinds fails likewise */
+ *   TRAP_ON     every later call of its kinds fails likewise
+ *   TRAP_MEMORY the number of the allocation that fails, from 1, and with TRAP_ON all later ones;
+ *               "0" has the log get their number at the end */
 #define _GNU_SOURCE
 #include <dirent.h>
 #include <dlfcn.h>
@@ -36,6 +38,8 @@ static atomic_long calls;
 static long trapped, error_number;
 static int kills, tears, interrupts, later_too, reads_count, log_file = -1;
 static const char *below;
+static atomic_long allocations;
+static long starved = -1; /* until main(): what stands before it has nobody to say so yet */
 static long (*system_call)(long, ...);
 
 __attribute__((constructor)) static void start(void) {
@@ -55,6 +59,42 @@ __attribute__((constructor)) static void start(void) {
         log_file = (int)system_call(SYS_openat, AT_FDCWD, text,
                                     O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
     }
+}
+
+typedef int (*Main)(int, char **, char **);
+static Main real_main;
+
+static int starved_main(int count, char **values, char **environment) {
+    const char *text = getenv("TRAP_MEMORY");
+    starved = text ? atol(text) : -1;
+    return real_main(count, values, environment);
+}
+
+int __libc_start_main(Main program, int count, char **values, void (*begin)(void),
+                      void (*end)(void), void (*unload)(void), void *stack) {
+    real_main = program;
+    int (*real)(Main, int, char **, void (*)(void), void (*)(void), void (*)(void), void *) =
+        dlsym(RTLD_NEXT, "__libc_start_main");
+    return real(starved_main, count, values, begin, end, unload, stack);
+}
+
+__attribute__((destructor)) static void tell_allocations(void) {
+    if (starved != 0 || log_file < 0) return;
+    char line[32];
+    int size = snprintf(line, sizeof line, "%ld m\n", atomic_load(&allocations));
+    system_call(SYS_write, log_file, line, (long)size);
+}
+
+void *__libc_malloc(size_t);
+void *malloc(size_t size) {
+    if (starved >= 0) {
+        long number = atomic_fetch_add(&allocations, 1) + 1;
+        if (starved && (number == starved || (later_too && number > starved))) {
+            errno = ENOMEM;
+            return NULL;
+        }
+    }
+    return __libc_malloc(size);
 }
 
 static void die(void) { system_call(SYS_kill, system_call(SYS_getpid), SIGKILL); }

@@ -77,6 +77,15 @@ Modifie=1
             print(name)
 
 
+def first_start(album):
+    """The main window before anything has been filled in."""
+    album.place.write_settings("[Position]\nLeft=1200\nTop=600\n")
+    program = album.place.open()
+    program.main.find("button", "Lancer la Sauvegarde")
+    album.shoot("premier-lancement")
+    program.kill()
+
+
 def visit(album, program, command, title, name):
     """Opens a window by the toolbar, takes its picture, closes it."""
     program.command(command)
@@ -92,11 +101,12 @@ def dialogs(album):
     album.shoot("principale")
     visit(album, program, "Description de la configuration", "Configuration : General",
           "description")
+    visit(album, program, "Renommer la configuration", "Renommer la configuration", "renommer")
     visit(album, program, "Éditer le chemin", "Répertoire source", "chemin")
     visit(album, program, "Modification de toutes les destinations",
           "Choisissez un lecteur pour toutes les destinations", "lecteurs")
     visit(album, program, "À propos de Coffrelune", "À propos de Coffrelune", "a-propos")
-    program.main.find_all("button", "Exclusions")[0].press()
+    program.exclusions(1).press()
     program.window("Sous-répertoires à exclure")
     album.shoot("exclusions", "^Sous-répertoires")
     album.screen.keys("Escape")
@@ -157,7 +167,7 @@ def take(arguments):
     try:
         place = WindowPlace(os.path.abspath(arguments.programs), screen)
         album = Album(place, arguments.disks, arguments.output, arguments.only)
-        for part in (dialogs, operations):
+        for part in (first_start, dialogs, operations):
             album.reset()
             part(album)
     finally:

@@ -11,7 +11,7 @@ CONFIGURATIONS = "Liste des configurations de sauvegarde"
 
 
 def open_exclusions(program, number=1):
-    program.main.find_all("button", "Exclusions")[number - 1].press()
+    program.exclusions(number).press()
     return program.window("Sous-répertoires à exclure")
 
 
@@ -78,7 +78,7 @@ def exclusions_need_a_source(place, report):
     """Sans source, ou sans sous-répertoire, un message et rien d'autre"""
     place.write_line()
     program = place.open()
-    program.main.find_all("button", "Exclusions")[1].press()
+    program.exclusions(2).press()
     report.equal("sans source", program.answer("OK").text,
                  "Sélectionnez d'abord un disque ou répertoire à sauvegarder !")
     open_exclusions(program).find("button", "Ajouter").press()
@@ -145,6 +145,169 @@ def configurations(place, report):
     report.equal("la configuration est retenue", place.key("Config", "Position"), "General")
 
 
+def beside_the_name(place, report):
+    """À côté du nom : choisir une autre configuration, la renommer, la dupliquer, sans les options"""
+    place.write_line(more="""LastSave=10/11/2026 20:12:01
+[Bureau]
+Description="Le lundi"
+Source0="C:\\Bureau"
+""")
+    program = place.open()
+    choice = program.main.find("choice", "Configuration")
+
+    def shown(name):
+        return comes(lambda: name in program.main.labels())
+
+    def named(command, name):
+        """Gives a name in the window that the button opens: the one that it proposed."""
+        program.main.find("button", f"{command} la configuration").press()
+        window = program.window(f"{command} la configuration")
+        before = window.find("field").text
+        window.find("field").set(name)
+        window.keys("Return")
+        return before
+
+    def refused(name):
+        named("Renommer", name)
+        return program.answer("OK").text
+
+    choice.select(1)
+    report.check("l'autre se montre", shown("Bureau (Le lundi)"), program.main.labels())
+    report.check("avec ses lignes", comes(lambda: program.path("Source", 1) == "C:\\Bureau"))
+    choice.select(0)
+    report.check("retour", shown("General"))
+
+    report.equal("son nom est proposé", named("Renommer", "maison"), "General")
+    report.check("le nouveau nom", shown("Maison"))
+    report.equal("les résultats suivent", place.key("LastSave", "Maison"), "10/11/2026 20:12:01")
+    report.check("l'ancien n'est plus là", b"[General]" not in place.read_settings())
+    report.equal("deux fois le même", refused("BUREAU"), "Cette configuration existe déjà !")
+    report.equal("le nom réservé", refused("position"), "Impossible, nom réservé !")
+
+    report.equal("un nom libre est proposé", named("Dupliquer", "chalet"), "Maison 2")
+    report.check("la nouvelle se montre", shown("Chalet"), program.main.labels())
+    report.equal("avec les mêmes lignes", place.key("Source0", "Chalet"),
+                 drive_path(place.source))
+    report.equal("elle n'a jamais servi", place.key("LastSave", "Chalet"), "")
+    report.equal("le programme finit bien", program.close().status, 0)
+    report.equal("elle est retenue", place.key("Config", "Position"), "Chalet")
+
+
+def odd_mode(place, report):
+    """Un mode d'exclusion inconnu ne choisit aucune des trois possibilités"""
+    write(f"{place.source}/Tmp/x.txt", "x")
+    place.write_line(more="RepExclu0_Mode=7\n")
+    program = place.open()
+    window = open_exclusions(program)
+    options = window.find_all("option")
+    report.equal("aucune", [option.name for option in options if option.checked], [])
+    options[1].press()
+    report.check("celle que l'on choisit", comes(lambda: options[1].checked))
+    window.find("button", "OK").press()
+    program.gone(window.name)
+    written(place, report, "RepExclu0_Mode", "1")
+
+
+def sound_tests(place, report):
+    """Les deux essais de sons ont chacun leur nom, qui se lit en bulle"""
+    place.write_line()
+    program = place.open()
+    window = open_configurations(program)
+    for name in ("Test du signal sonore (Réussi)", "Test du signal sonore (Erreur)"):
+        button = window.find("button", name)
+        report.equal(f"« {name} » en bulle", button.description, name)
+
+
+def language_of_choosers(place, report):
+    """Les fenêtres du système parlent la langue de l'utilisateur"""
+    place.write_line()
+    place.speak("fr_FR")
+    program = place.open()
+    program.main.find("button", "Choisir la destination de la sauvegarde 1").press()
+    window = program.window("Sélectionnez le répertoire destination:")
+    names = [button.name for button in window.find_all("button")]
+    report.check("Annuler et Ouvrir", {"Annuler", "Ouvrir"} <= set(names), names)
+    window.keys("Escape")
+    program.gone(window.name)
+
+
+def utf8_settings(place, report):
+    """Des réglages écrits par un éditeur, en UTF-8 sans marque, sont lus et restent ainsi"""
+    write(f"{place.source}/a.txt", "a")
+    text = place.line(more='Description="Été à la mer"\n').replace("[General]", "[Général]")
+    write(place.settings, text)
+    program = place.open("Général")
+    report.check("la description se lit", comes(
+        lambda: "Général (Été à la mer)" in program.main.labels()), program.main.labels())
+    program.command("Description de la configuration")
+    window = program.window("Configuration : Général")
+    window.find("field").set("Жизнь")
+    window.find("button", "OK").press()
+    program.gone(window.name)
+    report.equal("le programme finit bien", program.close().status, 0)
+    kept = place.read_settings().decode("utf-8")
+    report.check("le fichier reste en UTF-8", 'Description="Жизнь"' in kept and "[Général]" in kept,
+                 kept)
+
+
+def nothing_chosen_yet(place, report):
+    """Une configuration sans section : rien n'est choisi dans la liste tant que personne ne choisit"""
+    place.write_line()
+    before = place.read_settings()
+    program = place.open("Nouvelle")
+    window = open_configurations(program)
+    table = window.find("list")
+
+    def chosen():
+        rows = range(len(table.entries()))
+        return [row for row in rows if table.cell_at(row, 0).selected]
+
+    report.check("la liste prend le clavier", table.focus() and comes(lambda: table.focused))
+    report.check("rien n'y est choisi", comes(lambda: not chosen()) and not chosen(), chosen())
+    window.find("button", "Effacer").press()
+    window.find("button", "OK").press()
+    program.gone(window.name)
+    report.check("rien n'a été effacé", place.read_settings().startswith(before.rstrip()))
+    report.check("la configuration reste la même", "Nouvelle" in program.main.labels())
+
+    window = open_configurations(program)
+    table = window.find("list")
+    table.focus()
+    comes(lambda: table.focused)
+    window.keys("Down")
+    report.check("la flèche choisit la première", comes(lambda: chosen() == [0]), chosen())
+    window.find("button", "OK").press()
+    program.gone(window.name)
+    report.check("elle est prise", comes(lambda: "General" in program.main.labels()))
+
+
+def taken_without_section(place, report):
+    """Une configuration ajoutée et prise est choisie dans la liste quand la fenêtre se rouvre"""
+    place.write_line()
+    program = place.open()
+    window = open_configurations(program)
+    window.find("button", "Ajouter").press()
+    form = program.window("Nouvelle configuration")
+    form.find("field").set("travail")
+    form.find("button", "OK").press()
+    program.gone(form.name)
+    window.find("button", "OK").press()
+    program.gone(window.name)
+    comes(lambda: "Travail" in program.main.labels())
+    window = open_configurations(program)
+    table = window.find("list")
+    report.equal("elle est dans la liste", table.entries(), ["General", "Travail"])
+    report.check("elle est choisie", table.cell_at(1, 0).selected)
+    window.find("button", "Effacer").press()
+    program.answer("OK")
+    report.equal("elle est en cours", program.answer("OK").text,
+                 "Impossible d'effacer la configuration en cours !")
+    window.find("button", "OK").press()
+    program.gone(window.name)
+    report.check("elle reste celle de la fenêtre", "Travail" in program.main.labels())
+    report.equal("l'autre est intacte", place.key("Source0"), drive_path(place.source))
+
+
 def refused_names(place, report):
     """Un nom réservé, ou déjà pris, est refusé"""
     place.write_line()
@@ -178,7 +341,7 @@ def options(place, report):
         "checkbox", "Continuer la copie en cas d'erreur:").checked)
     window.find("checkbox", "Continuer la copie en cas d'erreur:").press()
     window.find("checkbox", "Synchronise la date des fichiers pendant la copie:").press()
-    count = window.find("choice", "6")
+    count = window.find("choice", "Nombre maximum de répertoires:")
     count.select(count.children[0].position_of("8"))
     window.find("button", "OK").press()
     program.gone(window.name)
@@ -228,5 +391,7 @@ def about(place, report):
     report.check("il est retiré", comes(lambda: not os.path.exists(entry)))
 
 
-SCENARIOS = (exclusions, exclusions_need_a_source, configurations, refused_names, options,
+SCENARIOS = (exclusions, exclusions_need_a_source, configurations, beside_the_name, odd_mode,
+             sound_tests, language_of_choosers, utf8_settings, nothing_chosen_yet,
+             taken_without_section, refused_names, options,
              description, about)

@@ -41,6 +41,32 @@ def atspi():
     return Atspi
 
 
+class Ear:
+    """What a screen reader hears of the focus: also where it is in a part that no list of parts
+    tells of."""
+
+    def __init__(self):
+        self.node = None
+        from gi.repository import GLib  # pylint: disable=import-outside-toplevel
+        self.context = GLib.MainContext.default()
+        self.listener = atspi().EventListener.new(self.hear)
+        self.listener.register("object:state-changed:focused")
+
+    def hear(self, event):
+        if event.detail1:
+            self.node = event.source
+
+    def focused(self):
+        while self.context.pending():
+            self.context.iteration(False)
+        return self.node
+
+
+@functools.cache
+def ear():
+    return Ear()
+
+
 def wait_for(question, what, patience=PATIENCE):
     """The first answer that counts; an error that names what was waited for."""
     deadline = time.monotonic() + patience

@@ -132,14 +132,19 @@ class Program:
     # ---- the lines ----------------------------------------------------------------------------
 
     def label(self, side, number):
-        """The label of a line's path; `side`: "Source" or "Destination"."""
-        return self.main.find("label", lambda name: name.startswith(f"{side} {number} : "))
+        """The field of a line's path; `side`: "Source" or "Destination"."""
+        return self.main.find("field", lambda name: name.startswith(f"{side} {number} : "))
 
     def path(self, side, number):
         return self.label(side, number).name.partition(" : ")[2]
 
     def box(self, number):
         return self.main.find("checkbox", f"Sélectionner la sauvegarde {number}")
+
+    def exclusions(self, number):
+        """The button of a line's exclusions, which counts them."""
+        return self.main.find("button", lambda name: name.startswith("Exclusions") and
+                              name.endswith(f" de la sauvegarde {number}"))
 
     def type_path(self, side, number, path):
         """Types a line's path in the window that the toolbar opens."""

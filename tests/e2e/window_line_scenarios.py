@@ -6,6 +6,7 @@ from drive_scenarios import letter_of, volume
 from harness import drive_path, write
 from window_elements import wait_for
 from window_harness import comes, written
+from window_lifecycle_scenarios import reach
 
 
 def two_lines(place):
@@ -142,6 +143,23 @@ def raw_name(place, report):
     report.check("le fichier est copié sous ce nom", os.path.exists(copy))
 
 
+def colon_in_a_name(place, report):
+    """Un « : » dans un nom se lit tel quel, et la copie le garde"""
+    write(f"{place.root}/12:30/a.txt", "a")
+    os.makedirs(place.destination, exist_ok=True)
+    program = place.open()
+    program.type_path("Source", 1, f"{place.root}/12:30")
+    program.type_path("Destination", 1, place.destination)
+    report.check("il se lit", comes(lambda: program.path("Source", 1).endswith("\\12:30")),
+                 program.path("Source", 1))
+    program.box(1).press()
+    comes(lambda: program.box(1).checked)
+    program.launch("Sauvegarde")
+    report.check("elle finit sans erreur", program.answer("OK").text.startswith(
+        "Sauvegarde terminée sans erreur."))
+    report.check("la copie le porte", os.path.exists(f"{place.destination}/12:30/a.txt"))
+
+
 def all_destinations(place, report):
     """Toutes les destinations changent de lecteur ; sur deux lecteurs, c'est refusé"""
     two_lines(place)
@@ -155,6 +173,8 @@ def all_destinations(place, report):
         letter = letter_of(place, point)
         drives = [cells[0].strip() for cells in window.find("list").entries()]
         report.check("le volume est dans la liste", f"{letter}:\\" in drives, drives)
+        described = window.find("list").entries()[drives.index(f"{letter}:\\")][1]
+        report.equal("par son nom", described, f"{os.path.basename(point)} ({letter}:)")
         window.find("button", "OK").press()
         report.equal("sans choix", program.answer("OK").text, "Sélectionnez d'abord un lecteur !")
         window.find("list").cell_at(drives.index(f"{letter}:\\"), 1).press()
@@ -189,4 +209,42 @@ def chooser(place, report):
     written(place, report, "Source0", drive_path(place.destination))
 
 
-SCENARIOS = (type_paths, row_menu, reset_line, drag_path, raw_name, all_destinations, chooser)
+def edit_in_place(place, report):
+    """Un chemin s'écrit à sa place : la frappe, F2 et le double clic ; Entrée garde, Échap renonce"""
+    write(f"{place.source}/a.txt", "a")
+    program = place.open()
+
+    def editor():
+        label = program.label("Source", 1)
+        return next((element for element in label.below() if element.role == "text"), None)
+
+    reach(program, program.label("Source", 1))
+    program.main.keys("slash")
+    report.check("la frappe ouvre le champ", comes(lambda: editor() and editor().text == "/"))
+    editor().set(place.source)
+    place.screen.keys("Return")
+    written(place, report, "Source0", drive_path(place.source))
+    report.check("le champ est parti", comes(lambda: editor() is None))
+    report.check("l'étiquette garde le focus", comes(lambda: program.label("Source", 1).focused))
+    program.main.keys("F2")
+    report.check("F2 montre le chemin", comes(
+        lambda: editor() and editor().text == drive_path(place.source)))
+    place.screen.write("C:\\ailleurs")
+    place.screen.keys("Escape")
+    report.check("Échap renonce", comes(lambda: editor() is None))
+    report.equal("la source est gardée", place.key("Source0"), drive_path(place.source))
+    program.label("Source", 1).press(count=2)
+    report.check("le double clic aussi", comes(editor))
+    place.screen.keys("Escape")
+    comes(lambda: editor() is None)
+    program.main.keys("Delete")
+    asked = program.answer("Annuler")
+    report.equal("la question", asked.text, "Voulez-vous vider la source de la sauvegarde 1 ?")
+    report.equal("annuler garde la source", place.key("Source0"), drive_path(place.source))
+    program.main.keys("Delete")
+    program.answer("OK")
+    written(place, report, "Source0", "")
+
+
+SCENARIOS = (edit_in_place, type_paths, row_menu, reset_line, drag_path, raw_name,
+             colon_in_a_name, all_destinations, chooser)

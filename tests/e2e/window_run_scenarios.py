@@ -4,10 +4,10 @@ import os
 import re
 import time
 
-from harness import differences, names_below, read, touch, write
+from harness import differences, drive_path, names_below, read, touch, write
 from settings_scenarios import DATE, DURATION
 from window_elements import wait_for
-from window_harness import comes, matches, written
+from window_harness import comes, is_message, matches, written
 
 CLEAN_END = re.compile(rf"Sauvegarde terminée sans erreur\.\n\nDurée : {DURATION}")
 
@@ -120,6 +120,27 @@ def compare(place, report):
     written(place, report, "LastCompNbErr", "2")
 
 
+def compare_in_languages(place, report):
+    """Le résumé d'une comparaison groupe ses chiffres par des blancs dans toutes les langues"""
+    write(f"{place.source}/grand.bin", "x" * 1234567)
+    place.write_line()
+    summary = "1 fichier(s) à copier soit 1,18 Mo (1 234 567 octets)"
+    for language in ("fr_FR", "ps_AF"):
+        place.speak(language)
+        program = place.open()
+        program.show_tab("Comparaison")
+        program.launch("Comparaison")
+        report.check(f"{language} : le résumé", comes(
+            lambda seen=program: summary in seen.main.labels()), program.main.labels())
+        program.main.find("button", "Voir les copies").press()
+        window = program.window("Liste des dernières erreurs de sauvegarde")
+        lines = window.find("list").entries()
+        report.check(f"{language} : la liste", summary in lines, lines)
+        window.keys("Escape")
+        program.gone(window.name)
+        report.equal(f"{language} : le programme finit bien", program.close().status, 0)
+
+
 def source_confirmed(place, report):
     """Une source sur un autre volume : les fichiers sont gardés, la raison et le bouton le disent"""
     tree(place)
@@ -215,6 +236,18 @@ def replacement(place, report):
         return [name for name in names if read(f"{place.copy}/{name}") == b"nouveau"]
 
     program.launch("Sauvegarde")
+    window = program.window(title)
+    folder, there, newer = wait_for(lambda: window.labels()[2:], "ce qu'on sait des fichiers")[:3]
+    report.equal("le dossier", folder, f"Dossier : {drive_path(place.copy)}")
+    day = r"(lun|mar|mer|jeu|ven|sam|dim)\. \d+ \w+ \d{4} à \d\d:\d\d:\d\d"
+    report.check("le fichier en place", re.fullmatch(f"Fichier en place : 6 octets, {day}", there),
+                 there)
+    report.check("celui qui le remplace", re.fullmatch(
+        f"Remplacé par : 7 octets, {day}, plus récent", newer), newer)
+    report.check("la touche Entrée garde le fichier", comes(
+        lambda: window.find("button", "Non").focused))
+    behind = program.window("Sauvegarde ...").labels()
+    report.check("derrière, ses répertoires", f"De: {drive_path(place.source)}\\" in behind, behind)
     kept, replaced = answer("Non"), answer("Oui")
     stopped = answer("Annuler")
     report.equal("l'annulation est dite", program.answer("OK").text.splitlines()[0],
@@ -225,6 +258,145 @@ def replacement(place, report):
     answer("Tous")
     program.answer("OK")
     report.equal("tous sont copiés", copied(), names)
+
+
+def search_in_lists(place, report):
+    """Les longues listes : filtrer, copier, enregistrer, ouvrir le dossier, comprendre une erreur"""
+    for name in ("Été/lettre.txt", "Été/plage.jpg", "facture.txt"):
+        write(f"{place.source}/{name}", name)
+    os.makedirs(f"{place.copy}/facture.txt/en travers")
+    place.write_line(options="ContinueOnError=-1\n")
+    program = place.open()
+    program.show_tab("Comparaison")
+    program.launch("Comparaison")
+    table = program.main.find("list")
+    comes(lambda: any("Fin de la comparaison" in line for line in table.entries()), 30)
+    whole = table.entries()
+    field = program.main.find("field", "Filtrer les lignes")
+    field.set("ÉTÉ")
+    report.check("deux lignes en parlent", comes(lambda: len(table.entries()) == 2), table.entries())
+    field.set("plage")
+    comes(lambda: len(table.entries()) == 1)
+    line = table.entries()[0]
+    table.cell_at(0, 0).press()
+    folder = program.main.find("button", "Ouvrir le dossier de la ligne sélectionnée")
+    report.check("son dossier s'ouvre", comes(lambda: folder.enabled))
+    program.main.find("button", lambda name: name.startswith("Copier les lignes")).press()
+    field.press(count=3)
+    field.keys("ctrl+a", "ctrl+v")
+    report.check("la ligne est copiée", comes(lambda: field.text.strip() == line), field.text)
+    field.set("lettre")
+    comes(lambda: len(table.entries()) == 1 and "lettre" in table.entries()[0])
+    program.main.find("button", "Enregistrer les lignes affichées dans un fichier").press()
+    program.choose(f"{place.root}/liste.txt")
+    report.check("elle est enregistrée", comes(
+        lambda: os.path.exists(f"{place.root}/liste.txt") and
+        read(f"{place.root}/liste.txt").decode("utf-8-sig") == table.entries()[0] + "\r\n"))
+    field.set("")
+    report.check("tout revient", comes(lambda: table.entries() == whole), table.entries())
+
+    program.show_tab("Sauvegarde")
+    program.launch("Sauvegarde")
+    program.window("Sauvegarde ...").find("button", "Fermer").press()
+    program.answer("OK")
+    program.main.find("button", "Voir les erreurs").press()
+    viewer = program.window("Liste des dernières erreurs de sauvegarde")
+    table = viewer.find("list")
+    comes(lambda: len(table.entries()) > 2)
+    viewer.find("field", "Filtrer les lignes").set("erreur: ")
+    comes(lambda: len(table.entries()) == 1)
+    report.check("la liste reste lettre pour lettre", re.fullmatch(
+        r"Erreur: \d+ - Fichier: .*facture\.txt", table.entries()[0]), table.entries())
+    table.cell_at(0, 0).press()
+    report.check("l'erreur est expliquée", comes(lambda: any(
+        label.startswith("Cette erreur signifie : ") for label in viewer.labels())),
+        viewer.labels())
+    viewer.keys("Escape")
+    program.gone(viewer.name)
+
+
+def long_paths(place, report):
+    """« De: » et « Vers: » gardent la fin du chemin, et disent tout à qui écoute"""
+    deep = "/".join(f"répertoire assez long {i}" for i in range(8)) + "/le dernier"
+    write(f"{place.source}/{deep}/a.txt", "nouveau")
+    write(f"{place.copy}/{deep}/a.txt", "ancien")
+    touch(f"{place.source}/{deep}/a.txt", 60)
+    place.write_line()
+    place.write_settings(place.read_settings().decode("cp1252").replace("\r\n", "\n").replace(
+        "Confirmation=1", "Confirmation=0"))
+    program = place.open()
+    program.launch("Sauvegarde")
+    program.window("Confirmation du remplacement du fichier")
+    behind = program.window("Sauvegarde ...")
+    for start in ("De: ", "Vers: "):
+        label = behind.find("label", lambda name, begin=start: name.startswith(begin))
+        shown = label.text
+        report.check(f"{start}tout pour qui écoute", label.name.endswith("7\\le dernier\\") and
+                     "..." not in label.name, label.name)
+        report.check(f"{start}la fin reste", shown.startswith(start) and "..." in shown and
+                     shown.endswith("\\le dernier\\"), shown)
+    program.window("Confirmation du remplacement du fichier").keys("Escape")
+    program.answer("OK")
+
+
+def tabs_by_keys(place, report):
+    """Les lettres des onglets répondent d'où que l'on soit"""
+    place.write_line()
+    program = place.open()
+    program.main.find("field", lambda name: "aramètre" in name).press()
+    for key, name in (("r", "Restauration"), ("c", "Comparaison"), ("s", "Sauvegarde")):
+        program.main.keys(f"alt+{key}")
+        report.check(name, comes(lambda tab=name: program.main.find("tab", tab).selected))
+
+
+def careful_defaults(place, report):
+    """Entrée refuse ce qui efface, remplace ou remet à zéro"""
+    write(f"{place.source}/a.txt", "nouveau")
+    write(f"{place.source}/Tmp/b.txt", "b")
+    place.write_line(more="RepExclu0_Mode=2\nRepExclu0_Rep1=\\Tmp\nProgToRun=C:\\bin\\true\n")
+    before = place.read_settings()
+    program = place.open()
+
+    def refused(what, text):
+        message = program.message()
+        message.element.keys("Return")
+        program.wait(lambda: not message.element.showing, f"{what} se ferme")
+        report.check(what, text in message.words, message.words)
+
+    program.label("Source", 1).press()
+    program.command("Remise à zéro de la ligne")
+    refused("remise à zéro", "Remise à zéro de la sauvegarde 1 ?")
+    program.exclusions(1).press()
+    window = program.window("Sous-répertoires à exclure")
+    window.find("button", "Supprimer Tout").press()
+    refused("exclusions", "Voulez-vous supprimer la liste des répertoires exclus ?")
+    report.equal("la liste reste", window.find("list").entries(), ["\\Tmp"])
+    window.keys("Escape")
+    program.gone(window.name)
+    program.show_tab("Restauration")
+    program.launch("Restauration")
+    refused("restauration", "Confirmez-vous la restauration des fichiers ?")
+    report.check("rien n'est restauré", not any(
+        window.name == "Restauration ..." for window in program.windows))
+    report.equal("rien n'a changé", place.read_settings(), before)
+
+
+def quick_end(place, report):
+    """À la fin, rien ne dit plus que le temps restant se calcule ; le fichier copié était nommé"""
+    write(f"{place.source}/a.txt", "a")
+    write(f"{place.copy}/b.txt/en travers", "x")
+    write(f"{place.source}/b.txt", "b")
+    place.write_line(options="ContinueOnError=-1\n")
+    program = place.open()
+    program.launch("Sauvegarde")
+    window = program.window("Sauvegarde ...")
+    window.find("button", "Fermer")
+    labels = window.labels()
+    report.check("plus de calcul en cours", not any("Calcul" in label for label in labels), labels)
+    report.check("le dernier fichier est nommé", any(
+        label.startswith("Fichier: ") for label in labels), labels)
+    window.find("button", "Fermer").press()
+    program.answer("OK")
 
 
 def stop(place, report):
@@ -247,6 +419,9 @@ def stop(place, report):
                  ("Sauvegarde ...", "Voulez-vous interrompre la sauvegarde ?"))
     start = time.monotonic()
     question.press("Oui")
+    report.check("la demande est dite", comes(lambda: any(
+        "Arrêt demandé…" in other.labels() for other in program.windows) or
+        any(is_message(other) for other in program.windows)))
     end = program.message()
     print(f"    du oui au message, outils compris : {(time.monotonic() - start) * 1000:.0f} ms")
     report.equal("le message", end.text.strip(), "Sauvegarde interrompue !")
@@ -291,5 +466,6 @@ def link_without_address(place, report):
         "Liste des dernières erreurs de sauvegarde"))
 
 
-SCENARIOS = (backup, restore, compare, source_confirmed, errors, replacement, stop,
-             reader_launches, link_without_address)
+SCENARIOS = (backup, restore, compare, compare_in_languages, source_confirmed, errors, replacement,
+             careful_defaults, quick_end, search_in_lists,
+             long_paths, tabs_by_keys, stop, reader_launches, link_without_address)

@@ -15,14 +15,19 @@ import sys
 
 import harness
 import window_dialog_scenarios
+import window_focus_scenarios
+import window_guidance_scenarios
 import window_lifecycle_scenarios
 import window_line_scenarios
+import window_name_scenarios
 import window_run_scenarios
+import window_size_scenarios
 from window_harness import run_all
 from window_screen import BUS_LAUNCHER, TOOLS, Screen
 
 MODULES = (window_line_scenarios, window_run_scenarios, window_dialog_scenarios,
-           window_lifecycle_scenarios)
+           window_lifecycle_scenarios, window_size_scenarios, window_focus_scenarios,
+           window_name_scenarios, window_guidance_scenarios)
 
 
 def missing_tools():

@@ -1,6 +1,7 @@
 """A display of its own with a session bus, an accessibility bus and a window manager, and what a
 person does to it with a mouse and a keyboard."""
 
+import contextlib
 import os
 import subprocess
 import tempfile
@@ -70,8 +71,8 @@ class Screen:
             self.close()
             raise
 
-    def start(self, command, speaks=True):
-        process = subprocess.Popen(command, stdin=subprocess.DEVNULL,
+    def start(self, command, speaks=True, env=None):
+        process = subprocess.Popen(command, stdin=subprocess.DEVNULL, env=env,
                                    stdout=subprocess.PIPE if speaks else subprocess.DEVNULL,
                                    stderr=subprocess.DEVNULL, start_new_session=True)
         self.processes.append(process)
@@ -87,16 +88,34 @@ class Screen:
                 raise RuntimeError("le gestionnaire de fenêtres ne démarre pas")
             time.sleep(0.05)
 
+    @contextlib.contextmanager
+    def other(self, width, height):
+        """A second screen of that size on the same buses: the name of its display. What hands do
+        goes to the first one."""
+        count = len(self.processes)
+        display = ":" + self.start(["Xvfb", "-displayfd", "1", "-noreset", "-screen", "0",
+                                    f"{width}x{height}x24", "-nolisten", "tcp"])
+        self.start(["icewm"], speaks=False, env={**os.environ, "DISPLAY": display})
+        try:
+            yield display
+        finally:
+            self.end(self.processes[count:])
+            del self.processes[count:]
+
     def close(self):
-        for process in reversed(self.processes):
+        self.end(self.processes)
+        self.processes = []
+        self.directory.cleanup()
+
+    @staticmethod
+    def end(processes):
+        for process in reversed(processes):
             process.terminate()
             try:
                 process.wait(10)
             except subprocess.TimeoutExpired:
                 process.kill()
                 process.wait()
-        self.processes = []
-        self.directory.cleanup()
 
     # ---- hands --------------------------------------------------------------------------------
 

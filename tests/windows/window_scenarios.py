@@ -1,6 +1,7 @@
 """The window program under Wine, worked through window messages by the captions that a user reads."""
 
 import os
+import re
 import subprocess
 
 from harness import (PATIENCE, differences, drive_path, names_below, read, touch, wait, wait_until,
@@ -14,6 +15,14 @@ QUESTION = "Confirmez-vous la restauration des fichiers ?"
 SURE = "Vous êtes bien sûr de vous ?"
 
 
+def version():
+    """As the title shows it: the minor number has two digits."""
+    root = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+    with open(os.path.join(root, "CMakeLists.txt"), encoding="utf-8") as file:
+        major, minor = re.search(r"VERSION (\d+)\.(\d+)", file.read().split("project(")[1]).groups()
+    return f"{major}.{int(minor):02}"
+
+
 class WindowProgram:
     """The program, started, and what a user does with it. Every step waits for what it needs."""
 
@@ -22,7 +31,7 @@ class WindowProgram:
         self.report = report
         self.driver = driver(place.programs)
         self.process = process or place.start("coffrelune", *arguments)
-        self.title = TITLE + "0.01"
+        self.title = TITLE + version()
 
     def step(self, name, *words):
         done = self.drive(*words)

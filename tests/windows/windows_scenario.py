@@ -23,8 +23,10 @@ import loss_scenarios
 import package_checks
 import question_scenarios
 import restore_scenarios
+import settings_command_scenarios
 import settings_scenarios
 import unattended_scenarios
+import verification_scenarios
 import window_scenarios
 import windows_scenarios
 from wine_place import Prefix, WinePlace
@@ -42,6 +44,8 @@ SHARED = {
     settings_scenarios: ("configuration_run", "default_configuration", "line_by_line",
                          "unknown_configuration", "no_settings", "settings_untouched",
                          "odd_settings", "other_line_ends", "journal"),
+    settings_command_scenarios: ("configurations", "lines", "options", "drives",
+                                 "help_of_every_command"),
     restore_scenarios: ("whole_cycle", "keeps_everything", "tree_only_without_terminal",
                         "gone_disk", "never_backed_up", "two_lines_in_one_place",
                         "target_over_source", "restore_questions"),
@@ -55,6 +59,7 @@ SHARED = {
                                "shared_copy_restored", "copy_inside_its_source",
                                "settings_inside_the_copy", "settings_inside_the_original",
                                "file_and_directory_change_places"),
+    verification_scenarios: ("one_flipped_bit", "single_file"),
     unattended_scenarios: ("auto_run", "command_line_forms", "empty_last_element", "unknown_name",
                            "missing_disk"),
 }

@@ -118,7 +118,6 @@ class WinePlace(harness.Place):
     def __init__(self, programs, prefix):
         super().__init__(programs)
         self.prefix = prefix
-        self.language = {}  # more of the environment
         prefix.empty_drives()
         for directory in (self.source, self.destination):
             os.rmdir(directory)
@@ -132,17 +131,7 @@ class WinePlace(harness.Place):
                 "COFFRELUNE_HOME": harness.drive_path(self.home),
                 "COFFRELUNE_WINEPREFIX": self.prefix.wine,
                 "HOME": os.environ["HOME"],
-                "DISPLAY": os.environ["DISPLAY"],
-                **self.language}
-
-    def speak(self, language):
-        """The system of the programs that start from here on is one of that language ("ja_JP"),
-        with its ANSI code page."""
-        made = os.path.join(self.root, "langues")
-        os.makedirs(made, exist_ok=True)
-        subprocess.run(["localedef", "-i", language, "-f", "UTF-8", f"{made}/{language}.UTF-8"],
-                       capture_output=True, timeout=harness.PATIENCE, check=True)
-        self.language = {"LOCPATH": made, "LC_ALL": f"{language}.UTF-8"}
+                "DISPLAY": os.environ["DISPLAY"]}
 
     def move_source(self, name):
         """The source is another directory of E:, not there yet."""

@@ -1,0 +1,197 @@
+#!/usr/bin/env python3
+"""Has the copy's disk fail late: it takes what it is given, and refuses it when it is written or
+flushed, for a while or for good; or it is pulled out or taken off during a run. What was said to be
+safe is safe, each error is counted and named, and the next run on a sound disk makes all right.
+
+Usage: late_errors.py [--court] [--trials N] [--seed N] [--programs DIRECTORY]
+                      [--place DIRECTORY] [KIND]...
+KIND: ext4, xfs, btrfs; all of them when none is named. --trials: of each kind (60). --court: 8 on
+ext4.
+"""
+
+import argparse
+import os
+import random
+import shutil
+import subprocess
+import sys
+import tempfile
+import traceback
+
+import harness
+import recorded_disk
+import recorder
+from cut_disk import MEMORY, command
+from harness import Report, wait
+from power_cut import ENDINGS, NEW, Files, KeptPlace, leave
+from power_images import CASES, Tree, Trial
+from recorded_disk import Log, RecordedDisk
+from sweep_harness import Verdict, default_programs, error_lines, finish
+
+HOW = {"vidages refusés": recorder.NO_FLUSH, "écritures refusées": recorder.NO_WRITE,
+       "disque plein dessous": recorder.FULL, "disque retiré": recorder.GONE}
+TAKEN_OFF = "démonté pendant l'opération"
+PLAYED = (CASES[0], CASES[3], CASES[5])
+MENDED = (("ext4", "e2fsck", ("-f", "-y")), ("xfs", "xfs_repair", ("-L",)))
+
+
+class LateTrial(Trial):
+    """Runs of one case, each from the same start, with a disk that fails somewhere."""
+
+    def run(self, images):
+        self.record()  # how a sound disk fares
+        self.copied_trees()
+        self.fail("disque sain", 0, 1)
+        most = self.written_by_the_end
+        for _ in range(images):
+            how = self.chance.choice((*HOW, TAKEN_OFF))
+            first = self.chance.randrange(most)
+            end = self.chance.choice((first + 1, first + 10, 1 << 62))
+            self.fail(how, first, end)
+
+    written_by_the_end = 0  # records of the log when the last run ended
+
+    def copied_trees(self):
+        """The start of every trial: "départ" for the disk, and the trees beside it."""
+        os.replace(self.disk.file("départ"), self.disk.file("début"))
+
+    def again_at_the_start(self):
+        recorded_disk.copied(self.disk.file("début"), self.disk.file("disque"))
+        self.lay(self.place.copy if self.case.restored else self.place.source, NEW)
+
+    def fail(self, how, first, end):
+        span = "pour toujours" if end == 1 << 62 else f"jusqu'à {end}"
+        what = f"{self.disk.kind}, {self.case.what}, {how} dès {first} {span}"
+        self.again_at_the_start()
+        self.disk.fare(HOW.get(how, recorder.GOOD), first, end)
+        try:
+            self.disk.put_on_recorded()
+        except OSError:
+            self.count("déjà refusés au montage")
+            self.disk.fare(recorder.GOOD)
+            self.disk.take_off_recorded()
+            return
+        words = ("restaurer", "--confirmer") if self.case.restored else ("sauvegarder",)
+        process = self.place.start("coffrelune-console", *words, "--ecraser")
+        if how == TAKEN_OFF:
+            harness.wait_until(lambda: Log(self.disk).records[first // 2:] != [], process)
+            command("umount", "-l", self.disk.point)
+        outcome = wait(process)
+        self.written_by_the_end = len(Log(self.disk).records)
+        self.disk.take_off_recorded()
+        refused = Log(self.disk).refused
+        self.disk.fare(recorder.GOOD)
+        self.count(f"état {outcome.status}")
+        self.count("refus vus" if refused else "refus restés à venir")
+        self.told(outcome, what)
+        if not self.mounted(what):
+            return
+        try:
+            self.safe(outcome, what)
+        finally:
+            self.disk.take_off()
+
+    def told(self, outcome, what):
+        named = error_lines(outcome.all)
+        self.verdict.expect(outcome.status in (0, 1, 2, 3), f"{what} : état", outcome)
+        self.verdict.expect(outcome.status == 0 or named or "Restauration" in outcome.err
+                            or any(word in outcome.all for word in (
+                                "n'existe", "ne peut", "introuvable", "conservés")),
+                            f"{what} : une erreur sans nom", outcome)
+        self.verdict.expect(not named or f"nombre d'erreur(s): {len(named)}\n" in outcome.out,
+                            f"{what} : {len(named)} erreurs, un autre compte", outcome)
+
+    def mounted(self, what):
+        """Mounts the sound disk, after a repair where the file system asks for one."""
+        try:
+            self.disk.put_on()
+            return True
+        except OSError:
+            pass
+        for kind, tool, words in MENDED:
+            if kind == self.disk.kind and shutil.which(tool):
+                subprocess.run([tool, *words, self.disk.file("disque")], capture_output=True,
+                               check=False)
+                self.count("réparés")
+        try:
+            self.disk.put_on()
+            return True
+        except OSError as error:
+            # What a file system makes of a disk that lied is not the program's to save.
+            self.count("disques perdus")
+            print(f"    {what} : le disque ne revient pas : {error}")
+            return False
+
+    def safe(self, outcome, what):
+        tree = Tree(self.files, self.written)
+        if outcome.status == 0:
+            self.verdict.expect(self.is_all(tree, NEW), f"{what} : sans erreur, et pourtant",
+                                f"{tree}\n{outcome}")
+        self.held(tree, what)
+        again = self.restore() if self.case.restored else self.backup("--confirmer-source")
+        after = Tree(self.files, self.written)
+        self.verdict.expect(again.status == 0 and self.is_all(after, NEW)
+                            and after.leftovers == 0, f"{what} : l'opération suivante",
+                            f"{after}\n{again}\n{outcome}")
+
+
+def play(kind, case, trials, arguments, report, chance):
+    place = KeptPlace(arguments.programs)
+    base = tempfile.mkdtemp(prefix="coffrelune-tard-", dir=arguments.place)
+    verdict = Verdict(report)
+    try:
+        if case.restored:
+            point = os.path.join(place.root, "Disque de l'original")
+            os.mkdir(point)
+            place.source = os.path.join(point, "Données")
+        else:
+            point = place.destination
+        disk = RecordedDisk(base, kind, point)
+        trial = LateTrial(place, disk, Files(1100, 2), case, verdict, chance)
+        try:
+            trial.run(trials)
+        finally:
+            print("    " + ", ".join(f"{what} {count}" for what, count in trial.counts.items()))
+            place.close()
+            disk.take_off_recorded()
+    except Exception:  # pylint: disable=broad-except  # the next case is still worth it
+        verdict.expect(False, f"{kind}, {case.what} va à son terme", traceback.format_exc())
+    finally:
+        shutil.rmtree(base, ignore_errors=True)
+        place.remove()
+    verdict.close(f"{kind}, {case.what}", trials)
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--court", action="store_true")
+    parser.add_argument("--trials", type=int, default=60)
+    parser.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1 << 32))
+    parser.add_argument("--programs", default=default_programs())
+    parser.add_argument("--place", default=MEMORY)
+    parser.add_argument("kinds", nargs="*", metavar="KIND")
+    arguments = parser.parse_args()
+    arguments.programs = os.path.abspath(arguments.programs)
+    sys.stdout.reconfigure(encoding="utf-8", errors="backslashreplace", line_buffering=True)
+    for number in ENDINGS:
+        harness.signal.signal(number, leave)
+    report = Report()
+    report.scenario = "erreurs tardives"
+    print(f"graine : {arguments.seed}")
+    cases = PLAYED[1:2] if arguments.court else PLAYED
+    trials = 8 if arguments.court else arguments.trials
+    if os.geteuid() == 0:
+        recorded_disk.live_apart()
+    for kind in arguments.kinds or (("ext4",) if arguments.court else ("ext4", "xfs", "btrfs")):
+        reason = recorded_disk.why_not(kind)
+        if reason:
+            report.leave_out(f"erreurs tardives de {kind}", reason)
+            continue
+        for case in cases:
+            play(kind, case, trials // len(cases), arguments, report,
+                 random.Random(f"{arguments.seed} {kind} {case.what}"))
+    return finish(report)
+
+
+if __name__ == "__main__":
+    sys.exit(main())

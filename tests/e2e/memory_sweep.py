@@ -1,0 +1,94 @@
+#!/usr/bin/env python3
+"""Refuses memory to the real program: each allocation in turn, then all of them from one on. It says
+so in French and ends, or counts an error and goes on; nothing is lost, and the next run makes all
+right.
+
+Usage: memory_sweep.py [--programs DIRECTORY] [--sample N] [--seed N] [WORD]
+--sample tries N allocations of each scene only; WORD picks scenes.
+"""
+
+import argparse
+import os
+import random
+import sys
+import traceback
+
+from crash_sweep import Delete, ErrorList, New, Overwrite, Restore, state_of
+from harness import Report
+from sweep_harness import Verdict, Workshop, default_programs, error_lines, finish
+
+SCENES = (New, Overwrite, Delete, Restore, ErrorList)
+SAID = "La mémoire ne suffit pas : le programme s'arrête."
+ENDED = 3
+
+
+def allocations(shop, scene, place):
+    """How many an undisturbed run makes."""
+    outcome = shop.trapped(place, scene.arguments, log=shop.log, memory="0", below="/nulle part")
+    return outcome, int(shop.logged_text().split(" m\n", maxsplit=1)[0].splitlines()[-1])
+
+
+def play(shop, scene, place, number, onwards, verdict):
+    scene.prepare(place)
+    state = state_of(scene, place)
+    outcome = shop.trapped(place, scene.arguments, memory=number, on=onwards, below="/nulle part")
+    what = f"{scene.name}, allocation {number}{' et la suite' if onwards else ''}"
+    told = SAID in outcome.err
+    verdict.expect(outcome.status in (0, 1, 2, ENDED), f"{what} : état {outcome.status}", outcome)
+    verdict.expect(told == (outcome.status == ENDED), f"{what} : dit sans s'arrêter, ou l'inverse",
+                   outcome)
+    verdict.expect(outcome.status != 1 or error_lines(outcome.all) or scene.status == 1,
+                   f"{what} : une erreur sans nom", outcome)
+    if outcome.status == 0:
+        verdict.expect(scene.right(place), f"{what} : sans erreur, et pourtant", outcome)
+    scene.held(place, state, verdict, what)
+    scene.again(place, verdict, what)
+    return told
+
+
+def sweep(shop, scene, report, sample, chance):
+    place = shop.place()
+    verdict = Verdict(report)
+    scene.prepare(place)
+    outcome, most = allocations(shop, scene, place)
+    verdict.expect(outcome.status == scene.status, f"{scene.name} : sans panne", outcome)
+    numbers = range(1, most + 1)
+    if sample is not None:
+        numbers = sorted(chance.sample(numbers, min(sample, most)))
+    visited = said = 0
+    for number in numbers:
+        for onwards in (0, 1) if sample is None else (chance.randrange(2),):
+            said += play(shop, scene, place, number, onwards, verdict)
+            visited += 1
+    verdict.expect(said > 0, f"{scene.name} : le texte n'est jamais venu")
+    verdict.close(f"{scene.name}, {most} allocations, {said} fins dites", visited)
+    place.remove()
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--programs", default=default_programs())
+    parser.add_argument("--sample", type=int)
+    parser.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1 << 32))
+    parser.add_argument("word", nargs="?", default="")
+    arguments = parser.parse_args()
+    report = Report()
+    print(f"graine : {arguments.seed}")
+    chance = random.Random(arguments.seed)
+    with Workshop(os.path.abspath(arguments.programs)) as shop:
+        if shop.why_not:
+            report.leave_out("memory_sweep", shop.why_not)
+            return finish(report)
+        for scene in SCENES:
+            if arguments.word not in scene.name:
+                continue
+            report.begin(scene)
+            try:
+                sweep(shop, scene(), report, arguments.sample, chance)
+            except Exception:  # pylint: disable=broad-except
+                report.check(f"{scene.name} va à son terme", False, traceback.format_exc())
+    return finish(report)
+
+
+if __name__ == "__main__":
+    sys.exit(main())
