@@ -6,7 +6,7 @@
 namespace coffrelune {
 namespace {
 
-constexpr std::size_t blockSize = 32 * 1024;
+constexpr std::size_t blockSize = 32768;
 
 }  // namespace
 

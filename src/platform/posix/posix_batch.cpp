@@ -20,7 +20,7 @@ namespace {
 constexpr std::size_t groupFiles = 1000;
 constexpr std::uint64_t groupBytes = 256U << 20;
 constexpr std::chrono::seconds groupAge{1};
-constexpr std::size_t manyWaiting = 20 * groupFiles;
+constexpr std::size_t manyWaiting = 3 * groupFiles;
 
 mode_t processMask() {
     const mode_t mask = umask(0);

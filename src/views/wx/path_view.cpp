@@ -152,7 +152,8 @@ void PathView::bindKeys() {
     });
     Bind(wxEVT_CHAR, [this](wxKeyEvent& event) {
         const wxUniChar typed = event.GetUnicodeKey();
-        const bool text = typed > ' ' && typed != WXK_DELETE;
+        constexpr wxUint32 deleteSign = 0x7F;
+        const bool text = typed.GetValue() > 0x20 && typed.GetValue() != deleteSign;
         const int command = event.GetModifiers() & (wxMOD_CONTROL | wxMOD_ALT);
         if (text && command == 0 && label_.editable()) {
             beginEdit(typed, false);

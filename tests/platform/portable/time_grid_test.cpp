@@ -62,9 +62,9 @@ TEST(TimeGrid, EndsWhereTheVolumeRefuses) {
     const auto grid = measureTimes(refusing);
     ASSERT_TRUE(grid.has_value());
     EXPECT_GE(grid->earliest, of1980);
-    EXPECT_LT(grid->earliest, of1980 + 86'400 * 2 * second);
+    EXPECT_LT(grid->earliest, of1980 + 86'400UL * 2 * second);
     EXPECT_LT(grid->latest, of2108);
-    EXPECT_GT(grid->latest, of2108 - 86'400 * 3 * second);
+    EXPECT_GT(grid->latest, of2108 - 86'400UL * 3 * second);
 }
 
 // What comes back of a time beyond may be any.

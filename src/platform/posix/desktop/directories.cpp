@@ -14,7 +14,7 @@ std::string configurationDirectory(const char* (*variable)(const char* name)) {
         // A relative one is to be ignored, say those who defined it.
         return std::string(text != nullptr && text[0] == '/' ? text : "");
     };
-    const std::string configuration = absolute("XDG_CONFIG_HOME");
+    std::string configuration = absolute("XDG_CONFIG_HOME");
     if (!configuration.empty()) return configuration;
     const std::string home = absolute("HOME");
     return home.empty() ? home : joinNative(home, ".config");

@@ -154,7 +154,7 @@ Status PosixTaskScheduler::read(const std::string& name, PlannedEntry& entry) {
 }
 
 Status PosixTaskScheduler::remove(const std::string& name) {
-    const Status timer = removeTimer(name);
+    Status timer = removeTimer(name);
     if (!timer.ok() && !timer.saysAbsent()) return timer;
     std::string crontab;
     if (!readCrontab(crontab) || crontabLine(crontab, name).empty()) return timer;
