@@ -17,10 +17,18 @@ std::string trimmed(std::string text) {
     return text;
 }
 
+bool isUtf8(const std::string& bytes) {
+    for (std::size_t position = 0; position < bytes.size();) {
+        const char32_t character = utf8::next(bytes, position);
+        if (character >= utf8::rawByte + 0x80 && character <= utf8::rawByte + 0xFF) return false;
+    }
+    return true;
+}
+
 std::string decoded(const std::string& bytes) {
     if (bytes.starts_with("\xFF\xFE")) return utf16le::decode(std::string_view(bytes).substr(2));
     if (bytes.starts_with("\xEF\xBB\xBF")) return bytes.substr(3);
-    return Windows1252().decode(bytes);
+    return isUtf8(bytes) ? bytes : Windows1252().decode(bytes);
 }
 
 std::string unquoted(std::string text) {
