@@ -39,7 +39,8 @@ class Directory {
     /// told, so that it has to be looked up.
     virtual const FileEntry* self() const { return nullptr; }
 
-    /// True when it had, for certain, the owner and the rights of `original` when both were opened.
+    /// True when it had, for certain, the owner, the rights and the date of `original` when both
+    /// were opened.
     virtual bool hasRightsOf(const Directory& /*original*/) const { return false; }
 
     /// Whether the next file that next() gives is likely to be copied at once. A hint: it may then

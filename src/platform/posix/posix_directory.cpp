@@ -31,7 +31,8 @@ PosixDirectory::PosixDirectory(UniqueFd fd, const struct statx& information, Pla
       wanted_(wanted),
       around_(around),
       device_(deviceOf(information)),
-      rights_{{information.stx_uid, information.stx_gid}, information.stx_mode} {
+      rights_{{information.stx_uid, information.stx_gid}, information.stx_mode},
+      lastWrite_(toFileTime(information.stx_mtime.tv_sec, information.stx_mtime.tv_nsec)) {
     FileEntry self;
     if (tellsMountPoints(information) && fillEntry(information, {}, self)) self_ = std::move(self);
     ++around_.openCount;
@@ -196,7 +197,7 @@ bool PosixDirectory::isPseudoMount(const FileEntry& entry) const {
 
 bool PosixDirectory::hasRightsOf(const Directory& original) const {
     const auto* other = dynamic_cast<const PosixDirectory*>(&original);
-    return other != nullptr && rights_ == other->rights_;
+    return other != nullptr && rights_ == other->rights_ && lastWrite_ == other->lastWrite_;
 }
 
 std::vector<FileEntry> PosixDirectory::takeDirectories() {

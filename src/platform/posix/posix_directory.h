@@ -100,6 +100,7 @@ class PosixDirectory final : public Directory {
     int fd_ = -1;    // of whichever of the two is open
     dev_t device_;
     Rights rights_;
+    std::uint64_t lastWrite_;
     std::optional<FileEntry> self_;
     std::vector<FileEntry> ahead_;  // read already
     std::size_t nextAhead_ = 0;

@@ -203,6 +203,10 @@ TEST_F(PosixFilesTest, DirectoryTellsWhetherItHasTheRightsOfAnother) {
         EXPECT_TRUE(files().openDirectory("D:\\b", LinkRule::refuse, Wanted::nothing, b).ok());
         return b->hasRightsOf(*a);
     };
+    const auto date = std::filesystem::last_write_time(disk_.at("a"));
+    std::filesystem::last_write_time(disk_.at("b"), date + std::chrono::seconds(1));
+    EXPECT_FALSE(areSame());
+    std::filesystem::last_write_time(disk_.at("b"), date);
     EXPECT_TRUE(areSame());
     ASSERT_EQ(chmod(disk_.at("b").c_str(), 0711), 0);
     EXPECT_FALSE(areSame());
