@@ -68,7 +68,8 @@ ExitStatus duplicate(Session& session, const Arguments::SettingsEdit& edit) {
     if (!system.configurationExists(from)) return refuseUnknown(session, from);
     const ConfigurationRefusal refusal = refusalOf(system, to);
     if (refusal != ConfigurationRefusal::none) return refuse(session, textOf(refusal));
-    return conclude(session, duplicateConfiguration(system, from, to), "Configuration ajoutée : " + quoted(to));
+    return conclude(session, duplicateConfiguration(system, from, to),
+                    "Configuration ajoutée : " + quoted(to));
 }
 
 ExitStatus erase(Session& session, const Arguments& arguments) {

@@ -30,8 +30,9 @@ class TextDialog : public Window {
     virtual void accept() = 0;
 };
 
-/// Asks for the name of a configuration, a new one unless the title says otherwise. `SystemMod::dialogText` holds it afterwards in
-/// ProperCase; empty when the dialog was cancelled or the name is reserved.
+/// Asks for the name of a configuration, a new one unless the title says otherwise.
+/// `SystemMod::dialogText` holds it afterwards in ProperCase; empty when the dialog was cancelled
+/// or the name is reserved.
 class ConfigNameForm final : public TextDialog {
   public:
     explicit ConfigNameForm(SystemMod& system, std::string title = "Nouvelle configuration",

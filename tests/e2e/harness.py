@@ -156,9 +156,13 @@ class Place:
         """A run without a settings file, from the source to the destination."""
         return self.console(*self.backup_arguments(*arguments), **options)
 
+    def typed(self, path):
+        """A path as a user of this system types it."""
+        return path
+
     def backup_arguments(self, *arguments):
-        return ["sauvegarder", "--source", self.source, "--destination", self.destination,
-                *arguments]
+        return ["sauvegarder", "--source", self.typed(self.source), "--destination",
+                self.typed(self.destination), *arguments]
 
     def converse(self, answers, *arguments, result=None):
         """Runs the console program on a terminal. `answers`: pairs of what to wait for and what to

@@ -124,7 +124,8 @@ def a_full_original_keeps_its_files(place, report):
 @needs(why_no_trace)
 def a_stop_proves_nothing(place, report):
     """Ctrl-C pendant l'effacement, l'analyse ou la copie : rien de plus n'est effacé ensuite"""
-    for call, number in (("unlinkat", 1), ("utimensat", 2), ("utimensat", 3)):
+    # The first two dates are those of the directories, before anything is deleted.
+    for call, number in (("unlinkat", 1), ("utimensat", 3), ("utimensat", 4)):
         shutil.rmtree(place.copy, ignore_errors=True)
         changed(place, report)
         fault = f"{call}:signal=SIGINT:when={number}:delay_exit=200000"

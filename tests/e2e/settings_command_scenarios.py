@@ -66,17 +66,19 @@ def lines(place, report):
     config = ("--config", "travail")
     outcome = place.console("lignes", "selectionner", "1", *config)
     report.equal("une ligne vide ne se sélectionne pas", outcome.status, 2)
-    outcome = place.console("lignes", "definir", "1", "--source", place.source, "--destination",
-                            place.destination, *config)
+    outcome = place.console("lignes", "definir", "1", "--source", place.typed(place.source),
+                            "--destination", place.typed(place.destination), *config)
     report.equal("définie", outcome.status, 0)
     report.equal("sélectionnée", place.console("lignes", "selectionner", "1", *config).status, 0)
-    report.equal("au-delà de la dernière", place.console("lignes", "definir", "7", "--source",
-                                                         place.source, *config).status, 2)
+    outcome = place.console("lignes", "definir", "7", "--source", place.typed(place.source),
+                            *config)
+    report.equal("au-delà de la dernière", outcome.status, 2)
     outcome = place.console("lignes", "exclusions", "1", "--ajouter", "Tmp", "--ajouter",
-                            f"{place.source}/Absent", *config)
+                            place.typed(f"{place.source}/Absent"), *config)
     report.check("exclut, et dit ce qui n'existe pas",
                  outcome.status == 0 and "Absent" in outcome.err, outcome)
-    outcome = place.console("lignes", "exclusions", "1", "--ajouter", place.root, *config)
+    outcome = place.console("lignes", "exclusions", "1", "--ajouter",
+                            place.typed(place.root), *config)
     report.check("ce qui est ailleurs est refusé", outcome.status == 2 and
                  "doit se trouver dans le disque" in outcome.err, outcome)
     outcome = place.console("lignes", "exclusions", "1", "--retirer", "Absent", "--json", *config)

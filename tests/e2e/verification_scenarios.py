@@ -27,7 +27,8 @@ def one_flipped_bit(place, report):
         write(f"{place.source}/{number // 500}/{number}.txt", f"{number} " * 20)
     write(f"{place.source}/gros.bin", os.urandom(3 << 20))
     report.equal("la sauvegarde", place.backup("--ecraser").status, 0)
-    arguments = ("verifier", "--source", place.source, "--destination", place.destination)
+    arguments = ("verifier", "--source", place.typed(place.source), "--destination",
+                 place.typed(place.destination))
     outcome = place.console(*arguments)
     report.check("tout est pareil", outcome.status == 0 and
                  "10001 fichier(s) lu(s), 0 différence(s)" in outcome.out, outcome)
@@ -95,7 +96,8 @@ def what_differs(place, report):
 def single_file(place, report):
     """Un seul fichier est vérifié comme les autres"""
     write(f"{place.source}/a.txt", "contenu")
-    line = ("--source", f"{place.source}/a.txt", "--destination", place.destination)
+    line = ("--source", place.typed(f"{place.source}/a.txt"), "--destination",
+            place.typed(place.destination))
     report.equal("sa copie", place.console("sauvegarder", *line, "--ecraser").status, 0)
     report.equal("pareille", place.console("verifier", *line).status, 0)
     write(f"{place.destination}/a.txt", "Contenu")
@@ -110,8 +112,8 @@ def what_cannot_be_read(place, report):
     report.equal("la sauvegarde", place.backup("--ecraser").status, 0)
     place.become_nobody()
     os.chmod(f"{place.copy}/a.txt", 0)
-    outcome = place.console("verifier", "--source", place.source, "--destination",
-                            place.destination, "--json")
+    outcome = place.console("verifier", "--source", place.typed(place.source), "--destination",
+                            place.typed(place.destination), "--json")
     result = outcome.json() or {}
     report.equal("état 1", (outcome.status, result.get("outcome")), (1, "errors"))
     report.equal("nommé avec son numéro", result.get("errors"),

@@ -151,9 +151,8 @@ class WinePlace(harness.Place):
         path = os.path.join(self.programs, f"{program}.exe")
         return subprocess.Popen([WINE, path, *arguments], **options)
 
-    def backup_arguments(self, *arguments):
-        return ["sauvegarder", "--source", harness.drive_path(self.source), "--destination",
-                harness.drive_path(self.destination), *arguments]
+    def typed(self, path):
+        return harness.drive_path(path)
 
     def converse(self, answers, *arguments, result=None):
         """As on Linux. Wine's console reads keys, so the terminal leaves them alone; it moves over

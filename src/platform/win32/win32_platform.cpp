@@ -45,10 +45,10 @@ std::string settingsDirectory() {
     const std::string program = executablePath();
     const std::size_t separator = program.rfind('\\');
     // "C:\coffrelune.exe" lies in the root, whose backslash belongs to it.
-    const std::string own = program.substr(0, separator == 2 ? 3 : separator);
+    std::string own = program.substr(0, separator == 2 ? 3 : separator);
     const std::string user = environmentText(L"APPDATA");
     if (user.empty() || mayWrite(own)) return own;
-    const std::string home = user + "\\Coffrelune";
+    std::string home = user + "\\Coffrelune";
     // What cannot be made is told by the first setting that cannot be written.
     (void)CreateDirectoryW(wide(home).c_str(), nullptr);
     return home;
