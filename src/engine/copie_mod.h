@@ -93,7 +93,7 @@ class CopieMod {
     void scanDirectory(const Pair& pair);
     bool keepsSome() const;
     bool findExisting(const FileEntry& entry, const Pair& pair, FileEntry& existing, bool& found);
-    void scanFile(const FileEntry& entry, const Pair& pair);
+    void scanFile(const FileEntry& entry, const Pair& pair, FileEntry& existing);
     void verifyFile(const FileEntry& entry, const FileEntry* existing, const Place& place);
     void verifySingleFile(const FileEntry& entry);
     void analyseFile(const FileEntry& entry, const Decision& decision, const Place& place);

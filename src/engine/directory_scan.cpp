@@ -39,13 +39,15 @@ bool CopieMod::isTaken(const std::string& name, const Place& place, Wanted kind)
 }
 
 void CopieMod::scanDirectory(const Pair& pair) {
-    FoldedNames handled;
+    constexpr std::size_t usual = 128;
+    FoldedNames handled(usual);
     const std::string& source = pair.place.source;
+    FileEntry existing;  // kept from file to file, with the room for its name
     for (FileEntry entry; pair.source.next(entry);) {
         const bool isWanted = !entry.isDirectory() && !isSystemFile(entry.name);
         if (isWanted &&
             (handled.add(entry.name) || !isTaken(entry.name, pair.place, Wanted::files))) {
-            scanFile(entry, pair);
+            scanFile(entry, pair, existing);
         }
         display_.runPendingEvents();
         if (run_.stopped()) return;
@@ -74,14 +76,13 @@ bool CopieMod::findExisting(const FileEntry& entry, const Pair& pair, FileEntry&
     return false;
 }
 
-void CopieMod::scanFile(const FileEntry& entry, const Pair& pair) {
+void CopieMod::scanFile(const FileEntry& entry, const Pair& pair, FileEntry& existing) {
     const Place& place = pair.place;
     // Listed, but not to be looked at: its age is unknown, and no rule may take it for up to date.
     if (entry.unreadable) {
         errors_.unread(error_number::accessDenied, place.source + entry.name);
         return;
     }
-    FileEntry existing;
     bool found = false;
     if (!findExisting(entry, pair, existing, found)) return;
     if (run_.verifying()) return verifyFile(entry, found ? &existing : nullptr, place);

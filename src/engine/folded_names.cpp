@@ -1,5 +1,6 @@
 #include "engine/folded_names.h"
 
+#include <bit>
 #include <memory>
 #include <optional>
 
@@ -85,8 +86,7 @@ bool FoldedNames::insert(std::uint64_t hash) {
 }
 
 void FoldedNames::grow() {
-    constexpr std::size_t fewest = 64;
-    std::vector<std::uint64_t> old(slots_.empty() ? fewest : slots_.size() * 2);
+    std::vector<std::uint64_t> old(2 * (slots_.empty() ? std::bit_ceil(expected_) : slots_.size()));
     old.swap(slots_);
     for (const std::uint64_t hash : old) {
         if (hash != 0) insert(hash);

@@ -14,6 +14,9 @@ namespace coffrelune {
 /// names of one hash are taken for the same one, so a repetition is a suspicion, no proof.
 class FoldedNames {
   public:
+    /// `expected`: how many names there will usually be; more cost a little time.
+    explicit FoldedNames(std::size_t expected = 32) : expected_(expected) {}
+
     /// False when this name, in this case or another, has been added before.
     bool add(std::string_view name);
     /// True when this name has been added, in this case or another.
@@ -24,6 +27,7 @@ class FoldedNames {
     bool insert(std::uint64_t hash);
     void grow();
 
+    std::size_t expected_;
     std::vector<std::uint64_t> slots_;  // open addressing; 0 is an empty one
     std::size_t count_ = 0;
 };

@@ -90,7 +90,7 @@ Lock lockOf(const struct statx& information) {
     return (information.stx_attributes & STATX_ATTR_APPEND) != 0 ? Lock::additionsOnly : Lock::none;
 }
 
-bool fillEntry(const struct statx& information, std::string name, FileEntry& entry) {
+bool fillEntry(const struct statx& information, std::string_view name, FileEntry& entry) {
     const auto mode = information.stx_mode;
     if (!S_ISREG(mode) && !S_ISDIR(mode) && !S_ISLNK(mode)) return false;
     entry.attributes = 0;
@@ -112,7 +112,6 @@ bool fillEntry(const struct statx& information, std::string name, FileEntry& ent
     entry.mountPoint = S_ISDIR(mode) && (information.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
     entry.lock = lockOf(information);
     entry.unreadable = false;
-    entry.name = std::move(name);
     return true;
 }
 

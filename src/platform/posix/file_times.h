@@ -32,7 +32,7 @@ Lock lockOf(const struct statx& information);
 
 /// The times and the rest of an entry, all but its name. False for what is neither a file nor a
 /// directory nor a link: such things do not exist for the core.
-bool fillEntry(const struct statx& information, std::string name, FileEntry& entry);
+bool fillEntry(const struct statx& information, std::string_view name, FileEntry& entry);
 
 /// What the volume of an open file or directory keeps of a modification time, by its type.
 std::int64_t timeStepAt(int fd);

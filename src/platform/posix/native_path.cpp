@@ -188,13 +188,12 @@ bool isPrivate(std::string_view text) {
     return text.starts_with(backslash) || text.starts_with(colon) || text.starts_with(escape);
 }
 
-/// Names that are the same in both forms, which nearly all are.
+}  // namespace
+
 bool isSameInBoth(std::string_view name) {
     return std::none_of(name.begin(), name.end(),
                         [](char c) { return c == '\\' || c == ':' || c == backslash.front(); });
 }
-
-}  // namespace
 
 std::string toCoreName(std::string_view native) {
     if (isSameInBoth(native)) return std::string(native);

@@ -73,6 +73,9 @@ std::string normalizedPath(const std::string& absolute);
 /// links) is kept as it is after the deepest part that does.
 std::string canonicalPath(const std::string& absolute);
 
+/// Whether a component is the same in both forms, as nearly all are.
+bool isSameInBoth(std::string_view name);
+
 /// One component of a native path in the core's form: "\" becomes U+F05C and ":" becomes U+F03A,
 /// every other byte stays. A name that bears one of these two characters itself (files written by
 /// other systems may) gets U+F0FF before it, so that no two names share one form.

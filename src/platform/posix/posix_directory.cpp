@@ -2,8 +2,10 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <utility>
 
 #include "platform/names.h"
 #include "platform/posix/errors.h"
@@ -73,8 +75,13 @@ void PosixDirectory::readAheadAndClose() {
 }
 
 void PosixDirectory::readAhead(std::size_t most) {
-    FileEntry entry;
-    while (ahead_.size() < most && read(entry)) ahead_.push_back(std::move(entry));
+    constexpr std::size_t usual = 64;
+    ahead_.reserve(std::min(most, usual));
+    while (ahead_.size() < most) {
+        if (read(ahead_.emplace_back())) continue;
+        ahead_.pop_back();
+        return;
+    }
 }
 
 void PosixDirectory::lookAhead(const PosixDirectory& listing) {
@@ -83,7 +90,8 @@ void PosixDirectory::lookAhead(const PosixDirectory& listing) {
         Known known;
         known.error = emptyAt_.has_value() ? ENOENT : ask(file.name, known.entry);
         if (known.error == ENOENT) (void)isStillEmpty();
-        known.entry.name = file.name;
+        knownNames_ += file.name;
+        known.nameEnd = knownNames_.size();
         known_.push_back(std::move(known));
     }
 }
@@ -129,7 +137,7 @@ bool PosixDirectory::wantsKind(unsigned char kind) const {
 }
 
 /// False for what is gone again, and for what does not exist for the core.
-bool PosixDirectory::describe(int directory, const std::string& name, unsigned char kind,
+bool PosixDirectory::describe(int directory, const char* name, unsigned char kind,
                               FileEntry& entry) {
     struct statx information {};
     const int error = lookAt(directory, name, kind, information);
@@ -141,7 +149,8 @@ bool PosixDirectory::describe(int directory, const std::string& name, unsigned c
         const mode_t mode = kind == DT_UNKNOWN ? S_IFREG : DTTOIF(kind);
         information.stx_mode = static_cast<std::uint16_t>(mode | S_IWUSR);
     }
-    if (!fill(information, toCoreName(name), entry)) return false;
+    entry.name = toCoreName(name);
+    if (!fill(information, entry.name, entry)) return false;
     if (error != 0) {
         entry.mountPoint = false;
         entry.times = {};
@@ -152,7 +161,7 @@ bool PosixDirectory::describe(int directory, const std::string& name, unsigned c
 }
 
 /// A file that is to be copied is opened anyway: to look at it then costs a call less.
-int PosixDirectory::lookAt(int directory, const std::string& name, unsigned char kind,
+int PosixDirectory::lookAt(int directory, const char* name, unsigned char kind,
                            struct statx& information) {
     opened_ = {};
     if (expectsCopy_ && kind == DT_REG && openNext(directory, name) == 0) {
@@ -160,12 +169,12 @@ int PosixDirectory::lookAt(int directory, const std::string& name, unsigned char
         return 0;
     }
     opened_ = {};
-    return statEntry(directory, name.c_str(), false, information);
+    return statEntry(directory, name, false, information);
 }
 
-int PosixDirectory::openNext(int directory, const std::string& name) {
+int PosixDirectory::openNext(int directory, const char* name) {
     constexpr int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW | O_NOATIME;
-    const int error = openEntry(directory, name.c_str(), flags, opened_.fd);
+    const int error = openEntry(directory, name, flags, opened_.fd);
     if (error != 0) {
         expectsCopy_ = false;  // whoever copies it meets the same obstacle, and tells it
         return error;
@@ -181,9 +190,10 @@ bool PosixDirectory::takeOpened(const std::string& name, UniqueFd& fd, struct st
     return true;
 }
 
-bool PosixDirectory::fill(const struct statx& information, std::string name,
+/// Everything but the name.
+bool PosixDirectory::fill(const struct statx& information, std::string_view name,
                           FileEntry& entry) const {
-    if (!fillEntry(information, std::move(name), entry)) return false;
+    if (!fillEntry(information, name, entry)) return false;
     if (entry.isDirectory() && !tellsMountPoints(information)) {
         entry.mountPoint = entry.id.volume != device_;
     }
@@ -208,7 +218,8 @@ std::vector<FileEntry> PosixDirectory::takeDirectories() {
     if (error != 0) status_ = failureAt(error, place_);
     for (const std::string& name : directories_) {
         FileEntry entry;
-        if (error == 0 && describe(fd, name, DT_DIR, entry)) found.push_back(std::move(entry));
+        if (error == 0 && describe(fd, name.c_str(), DT_DIR, entry))
+            found.push_back(std::move(entry));
     }
     directories_.clear();
     return found;
@@ -254,12 +265,17 @@ bool PosixDirectory::lookUp(const std::string& name, FileEntry& entry) {
     if (name.empty() || name.find_first_of(std::string_view("\\/\0", 3)) != std::string::npos) {
         return false;
     }
-    if (const Known* known = recall(name)) {
-        if (known->error == 0) entry = known->entry;
+    if (Known* known = recall(name)) {
+        if (known->error == 0) {
+            std::swap(known->entry.name, entry.name);  // its room is used again
+            entry = std::move(known->entry);
+            entry.name = name;
+        }
         return answer(known->error);
     }
     if (emptyAt_.has_value() && isStillEmpty()) return false;
     const int error = ask(name, entry);
+    if (error == 0) entry.name = name;
     if (error == ENOENT && wanted_ == Wanted::nothing) (void)isStillEmpty();
     return answer(error);
 }
@@ -270,8 +286,9 @@ bool PosixDirectory::answer(int error) {
     return error == 0;
 }
 
-/// 0 or an errno value; ENOENT also for what does not exist for the core.
-int PosixDirectory::ask(const std::string& name, FileEntry& entry) {
+/// 0 or an errno value; ENOENT also for what does not exist for the core. The name is left to the
+/// caller.
+int PosixDirectory::ask(const std::string& name, FileEntry& found) {
     UniqueFd again;
     int fd = -1;
     const int error = reach(again, fd);
@@ -280,17 +297,23 @@ int PosixDirectory::ask(const std::string& name, FileEntry& entry) {
         return ENOENT;
     }
     struct statx information {};
-    const int looked = statEntry(fd, toNativeName(name).c_str(), false, information);
+    const int looked = isSameInBoth(name)
+                           ? statEntry(fd, name.c_str(), false, information)
+                           : statEntry(fd, toNativeName(name).c_str(), false, information);
     if (looked != 0) return looked;
-    return fill(information, name, entry) ? 0 : ENOENT;
+    return fill(information, name, found) ? 0 : ENOENT;
 }
 
 /// What lookAhead() has found out. Names that the walk leaves out are passed.
-const PosixDirectory::Known* PosixDirectory::recall(const std::string& name) {
+PosixDirectory::Known* PosixDirectory::recall(const std::string& name) {
+    std::size_t begin = nextKnown_ == 0 ? 0 : known_[nextKnown_ - 1].nameEnd;
     for (std::size_t i = nextKnown_; i < known_.size(); ++i) {
-        if (known_[i].entry.name != name) continue;
-        nextKnown_ = i + 1;
-        return &known_[i];
+        const std::size_t end = known_[i].nameEnd;
+        if (std::string_view(knownNames_).substr(begin, end - begin) == name) {
+            nextKnown_ = i + 1;
+            return &known_[i];
+        }
+        begin = end;
     }
     return nullptr;
 }

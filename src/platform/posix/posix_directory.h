@@ -64,8 +64,9 @@ class PosixDirectory final : public Directory {
 
   private:
     struct Known {
-        FileEntry entry;  // with its name; the rest when it was found
-        int error = 0;    // an errno value
+        std::size_t nameEnd = 0;  // in knownNames_, where it begins with the end of the one before
+        FileEntry entry;          // without its name; when it was found
+        int error = 0;            // an errno value
     };
 
     struct OpenedFile {
@@ -77,15 +78,14 @@ class PosixDirectory final : public Directory {
     bool hasNoSubdirectory(const struct statx& information) const;
     bool isOpen() const { return fd_ >= 0; }
     bool read(FileEntry& entry);
-    int ask(const std::string& name, FileEntry& entry);
+    int ask(const std::string& name, FileEntry& found);
     bool answer(int error);
-    const Known* recall(const std::string& name);
+    Known* recall(const std::string& name);
     bool wantsKind(unsigned char kind) const;
-    int lookAt(int directory, const std::string& name, unsigned char kind,
-               struct statx& information);
-    int openNext(int directory, const std::string& name);
-    bool describe(int directory, const std::string& name, unsigned char kind, FileEntry& entry);
-    bool fill(const struct statx& information, std::string name, FileEntry& entry) const;
+    int lookAt(int directory, const char* name, unsigned char kind, struct statx& information);
+    int openNext(int directory, const char* name);
+    bool describe(int directory, const char* name, unsigned char kind, FileEntry& entry);
+    bool fill(const struct statx& information, std::string_view name, FileEntry& entry) const;
     bool isPseudoMount(const FileEntry& entry) const;
     bool isStillEmpty();
     bool isEmpty() const;
@@ -105,6 +105,7 @@ class PosixDirectory final : public Directory {
     std::vector<FileEntry> ahead_;  // read already
     std::size_t nextAhead_ = 0;
     std::vector<Known> known_;  // looked up already, in the order in which they will be asked for
+    std::string knownNames_;    // one after the other: a string each would be an allocation each
     std::size_t nextKnown_ = 0;
     std::vector<std::string> directories_;  // native names, met while files were listed
     std::shared_ptr<CopyTarget> target_;

@@ -222,7 +222,9 @@ Status PosixFiles::lookUp(const std::string& path, LinkRule links, FileEntry& en
     struct statx information {};
     Status status = look(path, links == LinkRule::follow, place, information);
     if (!status.ok()) return status;
-    if (!fillEntry(information, place.name(), entry)) return systemFailure(ENOENT, path);
+    const std::string name = place.name();
+    if (!fillEntry(information, name, entry)) return systemFailure(ENOENT, path);
+    entry.name = name;
     if (entry.isDirectory() && !tellsMountPoints(information)) {
         entry.mountPoint = isOtherDevice(place, deviceOf(information));
     }

@@ -63,7 +63,8 @@ LocalTime PosixClock::localTime(std::uint64_t fileTime) {
 
 std::int64_t PosixClock::monotonicMilliseconds() {
     timespec time{};
-    clock_gettime(CLOCK_MONOTONIC, &time);
+    // Asked for every file: the coarse clock, a few milliseconds behind, costs a tenth.
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &time);
     return std::int64_t{time.tv_sec} * 1000 + time.tv_nsec / 1'000'000;
 }
 
