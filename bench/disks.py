@@ -2,21 +2,16 @@
 volume can be mounted, a plain directory."""
 
 import ctypes
-import errno
 import os
 import shutil
 import subprocess
-import time
+import sys
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+sys.path.insert(0, os.path.join(ROOT, "tests/e2e"))
+from cut_disk import attached, command, wait_until_free  # pylint: disable=wrong-import-position
 
 LIBC = ctypes.CDLL(None, use_errno=True)
-
-
-def command(*words):
-    """Runs a tool that must succeed; gives what it printed."""
-    answer = subprocess.run(words, capture_output=True, text=True, check=False)
-    if answer.returncode != 0:
-        raise OSError(f"{' '.join(words)} : {answer.stderr.strip()}")
-    return answer.stdout.strip()
 
 
 def flush(path):
@@ -27,19 +22,6 @@ def flush(path):
             raise OSError(ctypes.get_errno(), f"syncfs {path}")
     finally:
         os.close(fd)
-
-
-def wait_until_free(device, patience=120):
-    """Others on this machine may hold a mount a little longer, in a name space of theirs."""
-    for _ in range(patience * 10):
-        try:
-            os.close(os.open(device, os.O_RDONLY | os.O_EXCL))
-            return
-        except OSError as error:
-            if error.errno != errno.EBUSY:
-                raise
-        time.sleep(0.1)
-    raise OSError(errno.EBUSY, f"{device} reste monté ailleurs")
 
 
 class Directory:
@@ -113,7 +95,7 @@ class Loop(Directory):
         with open(self.image, "wb") as file:
             file.truncate(self.size)
         try:
-            self.device = command("losetup", "--find", "--show", self.image)
+            self.device = attached(self.image)
             self.make()
         except OSError:
             self.__exit__()

@@ -12,13 +12,12 @@ import os
 import random
 import shutil
 import sys
-import traceback
 
 from harness import Report, drive_path, read, touch, write
 from loss_harness import BACKUP, RESTORE, marks
 from sweep_harness import (KILLED, Verdict, Workshop, certificates, damaged_certificates,
                            default_programs, difference, emptied, files_of, finish, lying_times,
-                           planted, says_complete, stamps, strangers, temporaries)
+                           planted, played, says_complete, stamps, strangers, temporaries)
 
 BIG = "g" * 300_000
 OLD = {"a.txt": "ancien a", "gros.bin": BIG, "sous/b.txt": "ancien b", "sous/lien": "-> b.txt",
@@ -425,11 +424,8 @@ def main():
             return finish(report)
         for scene in SCENES:
             if arguments.word in scene.name:
-                report.begin(scene)
-                try:
-                    sweep(shop, scene(), report, step, arguments.seed % step)
-                except Exception:  # pylint: disable=broad-except
-                    report.check(f"{scene.name} va à son terme", False, traceback.format_exc())
+                played(report, scene,
+                       lambda made: sweep(shop, made, report, step, arguments.seed % step))
         if arguments.word in "hasard" and kills:
             report.scenario = "hasard"
             at_random(shop, report, kills, arguments.seed)

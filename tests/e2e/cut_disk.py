@@ -16,6 +16,7 @@ MEMORY = "/dev/shm"
 
 
 def command(*words):
+    """Runs a tool that must succeed; gives what it printed."""
     answer = subprocess.run(words, capture_output=True, text=True, check=False)
     if answer.returncode != 0:
         raise OSError(f"{' '.join(words)} : {answer.stderr.strip()}")

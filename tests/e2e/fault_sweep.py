@@ -7,19 +7,16 @@ Usage: fault_sweep.py [--programs DIRECTORY] [--sample N] [--seed N] [WORD]
 --sample tries N faults of each scene only, chosen by the seed; WORD picks scenes.
 """
 
-import argparse
 import errno
 import os
-import random
 import re
 import sys
-import traceback
 
 from crash_sweep import Delete, New, Overwrite, Restore, SingleFile, state_of
-from harness import Report, read
+from harness import read
 from loss_harness import KEPT
-from sweep_harness import (Verdict, Workshop, default_programs, difference, error_lines, files_of,
-                           finish, says_complete, stamps)
+from sweep_harness import (Verdict, difference, error_lines, files_of, sampled, says_complete,
+                           stamps)
 
 ERRORS = ("ENOSPC", "EIO", "EACCES", "EINTR", "EDQUOT", "EMFILE", "ENOENT", "ESTALE", "ENOTCONN")
 PULLED = ("EIO", "ENOTCONN", "ESTALE", "ENOSPC", "EROFS")
@@ -227,28 +224,7 @@ def sweep(shop, scene, report, sample, chance):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--programs", default=default_programs())
-    parser.add_argument("--sample", type=int)
-    parser.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1 << 32))
-    parser.add_argument("word", nargs="?", default="")
-    arguments = parser.parse_args()
-    report = Report()
-    print(f"graine : {arguments.seed}")
-    chance = random.Random(arguments.seed)
-    with Workshop(os.path.abspath(arguments.programs)) as shop:
-        if shop.why_not:
-            report.leave_out("fault_sweep", shop.why_not)
-            return finish(report)
-        for scene in SCENES:
-            if arguments.word not in scene.name:
-                continue
-            report.begin(scene)
-            try:
-                sweep(shop, scene(), report, arguments.sample, chance)
-            except Exception:  # pylint: disable=broad-except
-                report.check(f"{scene.name} va à son terme", False, traceback.format_exc())
-    return finish(report)
+    return sampled("fault_sweep", SCENES, sweep)
 
 
 if __name__ == "__main__":

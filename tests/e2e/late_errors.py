@@ -9,24 +9,20 @@ KIND: ext4, xfs, btrfs; all of them when none is named. --trials: of each kind (
 ext4.
 """
 
-import argparse
 import os
-import random
 import shutil
 import subprocess
 import sys
-import tempfile
-import traceback
 
 import harness
 import recorded_disk
 import recorder
-from cut_disk import MEMORY, command
-from harness import Report, wait
-from power_cut import ENDINGS, NEW, Files, KeptPlace, leave
-from power_images import CASES, Tree, Trial
-from recorded_disk import Log, RecordedDisk
-from sweep_harness import Verdict, default_programs, error_lines, finish
+from cut_disk import command
+from harness import wait
+from power_cut import NEW
+from power_images import CASES, Session, Tree, Trial
+from recorded_disk import Log
+from sweep_harness import error_lines
 
 HOW = {"vidages refusés": recorder.NO_FLUSH, "écritures refusées": recorder.NO_WRITE,
        "disque plein dessous": recorder.FULL, "disque retiré": recorder.GONE}
@@ -135,62 +131,11 @@ class LateTrial(Trial):
                             f"{after}\n{again}\n{outcome}")
 
 
-def play(kind, case, trials, arguments, report, chance):
-    place = KeptPlace(arguments.programs)
-    base = tempfile.mkdtemp(prefix="coffrelune-tard-", dir=arguments.place)
-    verdict = Verdict(report)
-    try:
-        if case.restored:
-            point = os.path.join(place.root, "Disque de l'original")
-            os.mkdir(point)
-            place.source = os.path.join(point, "Données")
-        else:
-            point = place.destination
-        disk = RecordedDisk(base, kind, point)
-        trial = LateTrial(place, disk, Files(1100, 2), case, verdict, chance)
-        try:
-            trial.run(trials)
-        finally:
-            print("    " + ", ".join(f"{what} {count}" for what, count in trial.counts.items()))
-            place.close()
-            disk.take_off_recorded()
-    except Exception:  # pylint: disable=broad-except  # the next case is still worth it
-        verdict.expect(False, f"{kind}, {case.what} va à son terme", traceback.format_exc())
-    finally:
-        shutil.rmtree(base, ignore_errors=True)
-        place.remove()
-    verdict.close(f"{kind}, {case.what}", trials)
-
-
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--court", action="store_true")
-    parser.add_argument("--trials", type=int, default=60)
-    parser.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1 << 32))
-    parser.add_argument("--programs", default=default_programs())
-    parser.add_argument("--place", default=MEMORY)
-    parser.add_argument("kinds", nargs="*", metavar="KIND")
-    arguments = parser.parse_args()
-    arguments.programs = os.path.abspath(arguments.programs)
-    sys.stdout.reconfigure(encoding="utf-8", errors="backslashreplace", line_buffering=True)
-    for number in ENDINGS:
-        harness.signal.signal(number, leave)
-    report = Report()
-    report.scenario = "erreurs tardives"
-    print(f"graine : {arguments.seed}")
-    cases = PLAYED[1:2] if arguments.court else PLAYED
-    trials = 8 if arguments.court else arguments.trials
-    if os.geteuid() == 0:
-        recorded_disk.live_apart()
-    for kind in arguments.kinds or (("ext4",) if arguments.court else ("ext4", "xfs", "btrfs")):
-        reason = recorded_disk.why_not(kind)
-        if reason:
-            report.leave_out(f"erreurs tardives de {kind}", reason)
-            continue
-        for case in cases:
-            play(kind, case, trials // len(cases), arguments, report,
-                 random.Random(f"{arguments.seed} {kind} {case.what}"))
-    return finish(report)
+    session = Session("erreurs tardives", "--trials", 60)
+    if session.asked.court:
+        return session.play(LateTrial, PLAYED[1:2], 8, (1100, 2))
+    return session.play(LateTrial, PLAYED, session.asked.count, (1100, 2))
 
 
 if __name__ == "__main__":

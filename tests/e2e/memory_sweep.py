@@ -7,15 +7,10 @@ Usage: memory_sweep.py [--programs DIRECTORY] [--sample N] [--seed N] [WORD]
 --sample tries N allocations of each scene only; WORD picks scenes.
 """
 
-import argparse
-import os
-import random
 import sys
-import traceback
 
 from crash_sweep import Delete, ErrorList, New, Overwrite, Restore, state_of
-from harness import Report
-from sweep_harness import Verdict, Workshop, default_programs, error_lines, finish
+from sweep_harness import Verdict, error_lines, sampled
 
 SCENES = (New, Overwrite, Delete, Restore, ErrorList)
 SAID = "La mémoire ne suffit pas : le programme s'arrête."
@@ -66,28 +61,7 @@ def sweep(shop, scene, report, sample, chance):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--programs", default=default_programs())
-    parser.add_argument("--sample", type=int)
-    parser.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1 << 32))
-    parser.add_argument("word", nargs="?", default="")
-    arguments = parser.parse_args()
-    report = Report()
-    print(f"graine : {arguments.seed}")
-    chance = random.Random(arguments.seed)
-    with Workshop(os.path.abspath(arguments.programs)) as shop:
-        if shop.why_not:
-            report.leave_out("memory_sweep", shop.why_not)
-            return finish(report)
-        for scene in SCENES:
-            if arguments.word not in scene.name:
-                continue
-            report.begin(scene)
-            try:
-                sweep(shop, scene(), report, arguments.sample, chance)
-            except Exception:  # pylint: disable=broad-except
-                report.check(f"{scene.name} va à son terme", False, traceback.format_exc())
-    return finish(report)
+    return sampled("memory_sweep", SCENES, sweep)
 
 
 if __name__ == "__main__":

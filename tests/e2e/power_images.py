@@ -311,66 +311,80 @@ class Trial:
         self.verdict.expect(outcome.status == 0, "la copie est refaite", outcome)
 
 
-def play(kind, case, images, files, arguments, report, chance):
-    place = KeptPlace(arguments.programs)
-    base = tempfile.mkdtemp(prefix="coffrelune-images-", dir=arguments.place)
-    verdict = Verdict(report)
-    started = time.monotonic()
-    try:
-        if case.restored:
-            point = os.path.join(place.root, "Disque de l'original")
-            os.mkdir(point)
-            place.source = os.path.join(point, "Données")
-        else:
-            point = place.destination
-        disk = RecordedDisk(base, kind, point)
-        trial = Trial(place, disk, Files(*files), case, verdict, chance)
+class Session:
+    """What the command line asks of trials on recorded disks: `what` they are, and how many of each
+    kind of disk there are without a word."""
+
+    def __init__(self, what, count, how_many):
+        parser = argparse.ArgumentParser()
+        parser.add_argument("--court", action="store_true")
+        parser.add_argument(count, dest="count", type=int, default=how_many)
+        parser.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1 << 32))
+        parser.add_argument("--programs", default=default_programs())
+        parser.add_argument("--place", default=MEMORY)
+        parser.add_argument("kinds", nargs="*", metavar="KIND")
+        self.asked = parser.parse_args()
+        self.report = Report()
+        self.report.scenario = what
+        sys.stdout.reconfigure(encoding="utf-8", errors="backslashreplace", line_buffering=True)
+        for number in ENDINGS:
+            harness.signal.signal(number, leave)
+        print(f"graine : {self.asked.seed}")
+        if os.geteuid() == 0:
+            recorded_disk.live_apart()
+
+    def play(self, kind_of_trial, cases, count, files):
+        """`count` trials on each kind of disk, shared out among the cases. Gives the exit status."""
+        kinds = ("ext4",) if self.asked.court else ("ext4", "xfs", "btrfs")
+        for kind in self.asked.kinds or kinds:
+            reason = recorded_disk.why_not(kind)
+            if reason:
+                self.report.leave_out(f"{self.report.scenario}, {kind}", reason)
+                continue
+            for number, case in enumerate(cases):
+                share = count // len(cases) + (number < count % len(cases))
+                self.play_case(kind_of_trial, kind, case, share, Files(*files))
+        return finish(self.report)
+
+    def play_case(self, kind_of_trial, kind, case, count, files):
+        place = KeptPlace(os.path.abspath(self.asked.programs))
+        base = tempfile.mkdtemp(prefix="coffrelune-disque-", dir=self.asked.place)
+        verdict = Verdict(self.report)
+        started = time.monotonic()
         try:
-            trial.run(images)
+            disk = RecordedDisk(base, kind, point_of(place, case))
+            trial = kind_of_trial(place, disk, files, case, verdict,
+                                  random.Random(f"{self.asked.seed} {kind} {case.what}"))
+            try:
+                trial.run(count)
+            finally:
+                told = ", ".join(f"{what} {number}" for what, number in trial.counts.items())
+                print(f"    {told} ; {time.monotonic() - started:.0f} s")
+                place.close()
+                disk.take_off_recorded()
+        except Exception:  # pylint: disable=broad-except  # the next case is still worth it
+            verdict.expect(False, f"{kind}, {case.what} va à son terme", traceback.format_exc())
         finally:
-            told = ", ".join(f"{what} {count}" for what, count in trial.counts.items())
-            print(f"    {told} ; {time.monotonic() - started:.0f} s")
-            place.close()
-            disk.take_off_recorded()
-    except Exception:  # pylint: disable=broad-except  # the next case is still worth it
-        verdict.expect(False, f"{kind}, {case.what} va à son terme", traceback.format_exc())
-    finally:
-        shutil.rmtree(base, ignore_errors=True)
-        place.remove()
-    verdict.close(f"{kind}, {case.what}", images)
+            shutil.rmtree(base, ignore_errors=True)
+            place.remove()
+        verdict.close(f"{kind}, {case.what}", count)
+
+
+def point_of(place, case):
+    """Where the recorded disk is mounted: below the tree that the run writes."""
+    if not case.restored:
+        return place.destination
+    point = os.path.join(place.root, "Disque de l'original")
+    os.mkdir(point)
+    place.source = os.path.join(point, "Données")
+    return point
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--court", action="store_true")
-    parser.add_argument("--images", type=int, default=500)
-    parser.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1 << 32))
-    parser.add_argument("--programs", default=default_programs())
-    parser.add_argument("--place", default=MEMORY)
-    parser.add_argument("kinds", nargs="*", metavar="KIND")
-    arguments = parser.parse_args()
-    arguments.programs = os.path.abspath(arguments.programs)
-    sys.stdout.reconfigure(encoding="utf-8", errors="backslashreplace", line_buffering=True)
-    for number in ENDINGS:
-        harness.signal.signal(number, leave)
-    report = Report()
-    report.scenario = "images"
-    print(f"graine : {arguments.seed}")
-    if os.geteuid() == 0:
-        recorded_disk.live_apart()
-    cases = SHORT_CASES if arguments.court else CASES
-    images = 20 if arguments.court else arguments.images
-    files = (1100, 2) if arguments.court else (1300, 4)
-    for kind in arguments.kinds or (("ext4",) if arguments.court else ("ext4", "xfs", "btrfs")):
-        reason = recorded_disk.why_not(kind)
-        if reason:
-            report.leave_out(f"images de {kind}", reason)
-            continue
-        for number, case in enumerate(cases):
-            share = images // len(cases) + (number < images % len(cases))
-            play(kind, case, share, files, arguments, report, random.Random(
-                f"{arguments.seed} {kind} {case.what}"))
-    return finish(report)
+    session = Session("images", "--images", 500)
+    if session.asked.court:
+        return session.play(Trial, SHORT_CASES, 20, (1100, 2))
+    return session.play(Trial, CASES, session.asked.count, (1300, 4))
 
 
 if __name__ == "__main__":

@@ -1,14 +1,17 @@
 """What the sweeps stand on: a program whose every call of the file system is counted, and which ends
 or fails at one of them (trap.c)."""
 
+import argparse
 import contextlib
 import os
+import random
 import re
 import shutil
 import signal
 import tempfile
+import traceback
 
-from harness import Place, read, touch, write
+from harness import Place, Report, read, touch, write
 from loss_harness import OLDER, OWN, run, tree, why_no_mount
 
 KILLED = (-signal.SIGKILL, 128 + signal.SIGKILL)
@@ -203,3 +206,34 @@ def default_programs():
 def finish(report):
     print(f"{report.passed} réussis, {report.failed} échoués, {report.left_out} laissés")
     return 0 if report.failed == 0 and report.passed > 0 else 1
+
+
+def sampled(name, scenes, sweep):
+    """Plays a sweep over scenes, or over those that the command line names, of each call or of a
+    sample of them. Gives the exit status."""
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--programs", default=default_programs())
+    parser.add_argument("--sample", type=int)
+    parser.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1 << 32))
+    parser.add_argument("word", nargs="?", default="")
+    arguments = parser.parse_args()
+    report = Report()
+    print(f"graine : {arguments.seed}")
+    chance = random.Random(arguments.seed)
+    with Workshop(os.path.abspath(arguments.programs)) as shop:
+        if shop.why_not:
+            report.leave_out(name, shop.why_not)
+            return finish(report)
+        for scene in scenes:
+            if arguments.word in scene.name:
+                played(report, scene, lambda made: sweep(shop, made, report, arguments.sample,
+                                                         chance))
+    return finish(report)
+
+
+def played(report, scene, sweep):
+    report.begin(scene)
+    try:
+        sweep(scene())
+    except Exception:  # pylint: disable=broad-except  # the next scene is still worth it
+        report.check(f"{scene.name} va à son terme", False, traceback.format_exc())
