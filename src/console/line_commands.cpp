@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <string>
+#include <string_view>
 
 #include "console/preparation.h"
 #include "console/settings_commands.h"
@@ -116,6 +118,18 @@ ExitStatus clear(Session& session, const Arguments& arguments, int line) {
     return conclude(session, stored, "Ligne " + std::to_string(line + 1) + " : vide");
 }
 
+// "Ligne 1 : sélectionnée", "Lignes 1, 3 : désélectionnées".
+std::string toldTicks(const std::vector<int>& lines, bool selected) {
+    const std::string plural = lines.size() > 1 ? "s" : "";
+    std::string told = "Ligne" + plural;
+    std::string_view separator = " ";
+    for (const int line : lines) {
+        told.append(separator).append(std::to_string(line));
+        separator = ", ";
+    }
+    return told + (selected ? " : sélectionnée" : " : désélectionnée") + plural;
+}
+
 ExitStatus tick(Session& session, const std::vector<int>& lines, bool selected) {
     SystemMod& system = session.system();
     for (const int line : lines) {
@@ -128,7 +142,7 @@ ExitStatus tick(Session& session, const std::vector<int>& lines, bool selected) 
     for (const int line : lines) {
         if (stored.ok()) stored = chooseLine(system, line - 1, selected);
     }
-    return conclude(session, stored, selected ? "Sélectionné." : "Désélectionné.");
+    return conclude(session, stored, toldTicks(lines, selected));
 }
 
 /// What a line leaves out, changed as the arguments say.

@@ -69,7 +69,9 @@ def lines(place, report):
     outcome = place.console("lignes", "definir", "1", "--source", place.typed(place.source),
                             "--destination", place.typed(place.destination), *config)
     report.equal("définie", outcome.status, 0)
-    report.equal("sélectionnée", place.console("lignes", "selectionner", "1", *config).status, 0)
+    outcome = place.console("lignes", "selectionner", "1", *config)
+    report.equal("sélectionnée", (outcome.status, outcome.out.rstrip()),
+                 (0, "Ligne 1 : sélectionnée"))
     outcome = place.console("lignes", "definir", "7", "--source", place.typed(place.source),
                             *config)
     report.equal("au-delà de la dernière", outcome.status, 2)
