@@ -13,11 +13,13 @@ grep -q "^## \[$version\] - " CHANGELOG.md ||
 [[ -z $(git status --porcelain --untracked-files=no) ]] ||
     { echo "Des changements ne sont pas enregistrés : git commit d'abord." >&2 && exit 1; }
 
+commit=$(git rev-parse HEAD) # of both: somebody may go on working meanwhile
 # Of two lengths: a path that got into a package would show.
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 for place in "$work/une" "$work/une autre construction"; do
     git clone -q --no-hardlinks "$root" "$place"
+    git -C "$place" checkout -q "$commit"
     # What the first one has compiled must not be handed to the second.
     CCACHE_DISABLE=1 CMAKE_CXX_COMPILER_LAUNCHER='' "$place/tools/package.sh" "$@" >"$work/journal" ||
         { cat "$work/journal" >&2 && exit 1; }
