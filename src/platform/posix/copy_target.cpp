@@ -20,8 +20,10 @@ CopyTarget::CopyTarget(UniqueFd directory, dev_t device, Place place)
 
 void CopyTarget::bar(TreeLocks& locks) {
     UniqueFd readable;
+    const int error = changeIn(
+        holder_, [&] { return openEntry(directory(), ".", O_RDONLY | O_DIRECTORY, readable); });
     // Where it cannot be barred, leftovers might be taken away too early: an error, and no loss.
-    if (openEntry(directory(), ".", O_RDONLY | O_DIRECTORY, readable) != 0) return;
+    if (error != 0) return;
     (void)claim_.take(locks, readable.get(), TreeUse::write);
     handsDown_ = handsDownAccessList(readable.get());
 }

@@ -47,6 +47,16 @@ bool isLinkRefused(int error) {
     return error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EIO;
 }
 
+/// To flush takes a directory that is open for reading. One that may be written to need not let
+/// anybody read it; the root of its tree, on the same volume, stands in for it then.
+int openFlushPoint(const CopyTarget& target, UniqueFd& fd) {
+    constexpr int flags = O_RDONLY | O_DIRECTORY;
+    const int error = openEntry(target.directory(), ".", flags, fd);
+    const Hold* hold = target.place().hold.get();
+    if (error != EACCES || hold == nullptr || hold->device != target.device()) return error;
+    return openEntry(hold->directory.get(), ".", flags, fd);
+}
+
 }  // namespace
 
 PosixBatch::PosixBatch(AfterFailure afterFailure, CopyEvents& events, TreeLocks& locks,
@@ -105,7 +115,7 @@ int PosixBatch::targetOf(PosixDirectory& directory) {
     if (!thread_.knows(target->device())) {
         FlushPoint point;
         point.device = target->device();
-        const int opened = openEntry(target->directory(), ".", O_RDONLY | O_DIRECTORY, point.fd);
+        const int opened = openFlushPoint(*target, point.fd);
         if (opened != 0) return opened;
         thread_.addVolume(std::move(point));
     }

@@ -172,6 +172,61 @@ TEST_F(BarredDirectory, TakesAFileWhereItMayNotEvenBeEntered) {
     EXPECT_EQ(mode("copie/ferme"), 0700U);
 }
 
+/// Tells how the copies of a batch have ended.
+class Ends final : public CopyEvents {
+  public:
+    void committed(std::uint64_t, const Status& status) override { codes.push_back(status.code()); }
+    void waiting() override {}
+
+    std::vector<std::uint32_t> codes;
+};
+
+/// The first directory that a batch writes to is where it flushes the volume.
+class UnlistedDirectory : public BarredDirectory {
+  protected:
+    /// Copies "a" there in a batch that has written nowhere else.
+    std::vector<std::uint32_t> copyInABatch() {
+        const auto held = hold("D:\\copie");
+        std::unique_ptr<Directory> source;
+        std::unique_ptr<Directory> target;
+        EXPECT_TRUE(files().openDirectory("D:\\", LinkRule::follow, Wanted::nothing, source).ok());
+        EXPECT_TRUE(
+            files()
+                .openDirectory("D:\\copie\\ferme", LinkRule::refuse, Wanted::nothing, target)
+                .ok());
+        FileEntry entry;
+        EXPECT_TRUE(source->lookUp("a", entry));
+        Ends ends;
+        const auto batch = files().startBatch("D:\\copie", AfterFailure::goOn, ends);
+        std::uint64_t ticket = 0;
+        const Status added = batch->add(
+            {*source, *target, entry, "D:\\a", "D:\\copie\\ferme\\a", true, false, false, nullptr},
+            ticket);
+        EXPECT_EQ(added.code(), 0U);
+        EXPECT_TRUE(batch->finish().ok());
+        return ends.codes;
+    }
+};
+
+TEST_F(UnlistedDirectory, OfOnesOwnTakesTheFirstFileOfABatch) {
+    setMode("copie/ferme", 0300);
+    const WithoutPrivileges user;
+    EXPECT_THAT(copyInABatch(), ElementsAre(0U));
+    EXPECT_EQ(disk_.read("copie/ferme/a"), "abc");
+}
+
+TEST_F(UnlistedDirectory, OfSomebodyElseTakesTheFirstFileOfABatch) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs directories of two users";
+    ASSERT_EQ(chown(disk_.at("copie/ferme").c_str(), 0, 0), 0);
+    setMode("copie/ferme", 0733);
+    {
+        const WithoutPrivileges user;
+        EXPECT_THAT(copyInABatch(), ElementsAre(0U));
+    }
+    EXPECT_EQ(mode("copie/ferme"), 0733U);
+    EXPECT_EQ(disk_.read("copie/ferme/a"), "abc");
+}
+
 TEST_F(BarredDirectory, IsRespectedWithoutAHold) {
     {
         const WithoutPrivileges user;
