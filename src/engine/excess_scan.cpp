@@ -11,7 +11,7 @@ constexpr std::size_t namesTold = 10;  // of the files that a restore is about t
 
 }  // namespace
 
-void ExcessWalk::scan(Directory& files, Directory* reference, const Place& place) {
+void ExcessWalk::scan(Directory& files, Directory* reference, Place& place) {
     referenceNames_.reset();
     for (FileEntry entry; files.next(entry);) {
         if (!entry.isDirectory() && !isSystemFile(entry.name) &&
@@ -23,11 +23,11 @@ void ExcessWalk::scan(Directory& files, Directory* reference, const Place& place
     }
 }
 
-void ExcessWalk::handle(const FileEntry& entry, Directory* reference, const Place& place) {
+void ExcessWalk::handle(const FileEntry& entry, Directory* reference, Place& place) {
     FileEntry counterpart;
     bool known = true;
     if (isGone(entry, reference, place, counterpart, known)) {
-        if (!isSpelledOtherwise(entry, place)) remove(entry, place);
+        if (!isSpelledOtherwise(entry, place) && !isShared(place)) remove(entry, place);
         return;
     }
     // Of unknown age: nobody can say whether it differs.
@@ -67,13 +67,13 @@ bool ExcessWalk::isSpelledOtherwise(const FileEntry& entry, const Place& place) 
     std::unique_ptr<Directory> listing;
     if (referenceNames_ == nullptr) {
         auto names = std::make_unique<FoldedNames>();
-        if (!listReference(place, listing)) return true;
+        if (!listReference(place, Wanted::files, listing)) return true;
         for (FileEntry other; listing->next(other);) (void)names->add(other.name);
         if (!isListed(*listing, place)) return true;
         referenceNames_ = std::move(names);
     }
     if (!referenceNames_->contains(entry.name)) return false;
-    if (!listReference(place, listing)) return true;
+    if (!listReference(place, Wanted::files, listing)) return true;
     for (FileEntry other; listing->next(other);) {
         if (other.name == entry.name || !equalIgnoringCase(other.name, entry.name)) continue;
         const std::string path = place.cleaned + other.name;
@@ -83,9 +83,9 @@ bool ExcessWalk::isSpelledOtherwise(const FileEntry& entry, const Place& place) 
 }
 
 // False when it cannot be: that is an error, since files are kept for it.
-bool ExcessWalk::listReference(const Place& place, std::unique_ptr<Directory>& listing) {
-    const Status opened =
-        files_.openDirectory(place.reference, LinkRule::follow, Wanted::files, listing);
+bool ExcessWalk::listReference(const Place& place, Wanted kind,
+                               std::unique_ptr<Directory>& listing) {
+    const Status opened = files_.openDirectory(place.reference, LinkRule::follow, kind, listing);
     tellUnread(opened, place.reference);
     return opened.ok();
 }

@@ -140,7 +140,9 @@ bool ExcessWalk::anyFileBelow(const std::string& directory, LinkRule links) {
         }
     }
     files.reset();
-    const std::vector<std::string> names = subdirectories({directory, directory}, links);
+    Place place;
+    place.cleaned = place.reference = directory;
+    const std::vector<std::string> names = subdirectories(place, links);
     return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
         run_.display.runPendingEvents();
         return anyFileBelow(directory + name + "\\", LinkRule::refuse);
@@ -189,10 +191,13 @@ void ExcessWalk::walkFromRoot(Step step) {
     step_ = step;
     counted_ = 0;
     firstCounted_.clear();
-    walk({withTrailingBackslash(roots().target), withTrailingBackslash(roots().source)});
+    Place root;
+    root.cleaned = withTrailingBackslash(roots().target);
+    root.reference = withTrailingBackslash(roots().source);
+    walk(root);
 }
 
-void ExcessWalk::walk(const Place& place) {
+void ExcessWalk::walk(Place& place) {
     const bool isRoot = place.cleaned.size() == leftOut_.root.size();
     const LinkRule links = isRoot ? LinkRule::follow : LinkRule::refuse;
     std::unique_ptr<Directory> files;
@@ -275,11 +280,12 @@ bool ExcessWalk::openReference(const Place& place, std::unique_ptr<Directory>& r
     return opened.ok();
 }
 
-// False when the directory keeps what is in it, because nobody can say what the reference has
-// there: a link leads elsewhere, and so does a mount point.
-bool ExcessWalk::enter(const Place& place, const std::string& name, Place& below) {
+// False when the directory keeps what is in it.
+bool ExcessWalk::enter(Place& place, const std::string& name, Place& below) {
+    below.cleaned = place.cleaned + name + "\\";
     // What stands below a directory that must go stands in its way, too.
-    below = {place.cleaned + name + "\\", "", place.makesRoom};
+    below.makesRoom = place.makesRoom;
+    below.above = &place;
     // Unmounted while the run goes on, a volume leaves a directory that has lost everything.
     // What a backup merely counts is what the absent volume would have lost.
     const bool deletes = step_ == Step::remove || !trees_->backsUp();
@@ -290,25 +296,7 @@ bool ExcessWalk::enter(const Place& place, const std::string& name, Place& below
         return false;
     }
     if (place.reference.empty()) return true;
-    const std::string path = place.reference + name;
-    FileEntry counterpart;
-    const Status found = files_.lookUp(path, LinkRule::refuse, counterpart);
-    if (found.saysAbsent()) return referenceStands();
-    if (!found.ok()) {
-        errors_.unread(found.code(), path);
-        return false;
-    }
-    if (counterpart.isLink() || counterpart.mountPoint) {
-        tellKept(below.cleaned,
-                 path + (counterpart.isLink() ? " est un lien." : " est un autre volume."));
-        return false;
-    }
-    if (counterpart.isDirectory()) {
-        below.reference = path + "\\";
-    } else {
-        below.makesRoom = madeRoom_ = true;
-    }
-    return true;
+    return enterReference(place, name, below);
 }
 
 bool ExcessWalk::isLeftOutNow(const Place& place, const FileEntry& entry) const {

@@ -41,11 +41,19 @@ class ExcessWalk {
         std::string path;  // resolved
         FileId id;
     };
+    // The directories of one directory of the reference, without their case.
+    struct DirectoryNames {
+        FoldedNames all;
+        FoldedNames repeated;
+    };
     // One directory of the cleaned tree and its counterpart; both end with a backslash.
     struct Place {
         std::string cleaned;
         std::string reference;   // empty: the reference certainly has no such directory
         bool makesRoom = false;  // for a file of the same name
+        Place* above = nullptr;
+        std::unique_ptr<DirectoryNames> names;  // once they are gathered
+        std::optional<bool> shared;             // see isShared()
     };
     enum class Step { count, remove };
 
@@ -61,20 +69,26 @@ class ExcessWalk {
     bool referenceStands();
 
     void walkFromRoot(Step step);
-    void walk(const Place& place);
+    void walk(Place& place);
     bool holdsSettings(const Place& place);
     bool belongsToOthers(const Place& place);
     bool openReference(const Place& place, std::unique_ptr<Directory>& reference);
-    void scan(Directory& files, Directory* reference, const Place& place);
-    void handle(const FileEntry& entry, Directory* reference, const Place& place);
+    void scan(Directory& files, Directory* reference, Place& place);
+    void handle(const FileEntry& entry, Directory* reference, Place& place);
     bool isGone(const FileEntry& entry, Directory* reference, const Place& place,
                 FileEntry& counterpart, bool& known);
     bool isSpelledOtherwise(const FileEntry& entry, const Place& place);
-    bool listReference(const Place& place, std::unique_ptr<Directory>& listing);
+    bool listReference(const Place& place, Wanted kind, std::unique_ptr<Directory>& listing);
     bool isListed(const Directory& listing, const Place& place);
     void remove(const FileEntry& entry, const Place& place);
     void showDeleted(const FileEntry& entry, const std::string& path);
-    bool enter(const Place& place, const std::string& name, Place& below);
+    bool enter(Place& place, const std::string& name, Place& below);
+    bool enterReference(Place& place, const std::string& name, Place& below);
+    bool enterNamesake(Place& place, const std::string& name, Place& below);
+    bool gatherNames(Place& place);
+    bool findNamesake(const Place& place, const std::string& name, const std::string& cleaned,
+                      std::string& namesake);
+    bool isShared(Place& place);
     bool isLeftOutNow(const Place& place, const FileEntry& entry) const;
     bool isKnownMount(const std::string& path) const;
     std::vector<std::string> subdirectories(const Place& place, LinkRule links);

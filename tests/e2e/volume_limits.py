@@ -1,5 +1,5 @@
 """Volumes that refuse: read-only, full, without a free inode, with a quota, with a largest file;
-and sources that nothing may be written to. Called by volumes.py."""
+such as take two names for one; and sources that nothing may be written to. Called by volumes.py."""
 
 import contextlib
 import os
@@ -8,7 +8,7 @@ import subprocess
 import harness
 import volume_disks
 from harness import Place
-from volume_disks import Btrfs, Image, Refused, Tmpfs, Volume, command
+from volume_disks import Btrfs, Exfat, Image, Ntfs, Refused, Tmpfs, Volume, command
 
 
 class ReadOnly(Volume):
@@ -149,13 +149,139 @@ def read_only_source(_, place, report):
         subprocess.run(["umount", place.source], check=False)
 
 
+def names_of_errors(outcome):
+    return sorted(error["path"].rpartition("\\")[2]
+                  for error in (outcome.json() or {}).get("errors", []))
+
+
+class Folded:
+    """Originals whose names differ in their case alone, onto a volume that takes them for one."""
+
+    FILES = {"Rapport.txt": "le premier", "rapport.txt": "le second, plus long", "seul.txt": "seul",
+             "Dossier/lettre": "dans Dossier", "dossier/autre": "dans dossier",
+             "Été/x": "été", "ÉTÉ/y": "grand été", "Sous/N": "N", "Sous/n": "nn"}
+
+    def __init__(self, volume, place, report):
+        self.volume, self.place, self.report = volume, place, report
+        place.write_line("ContinueOnError=-1\nSynchroCopie=-1\nDatesArrondies=-1\n")
+        for name, content in self.FILES.items():
+            self.put(name, content, 0)
+
+    def put(self, name, content, seconds):
+        harness.write(f"{self.place.source}/{name}", content)
+        harness.touch(f"{self.place.source}/{name}", seconds)
+
+    def run(self, verb="sauvegarder"):
+        """How it ended, and what the copy holds then: without case, the content of each file."""
+        more = ["--confirmer"] if verb == "restaurer" else []
+        outcome = self.place.console(verb, "--ecraser", *more, "--json")
+        found = {}
+        for directory, _, names in os.walk(self.place.copy):
+            for name in names:
+                path = os.path.join(directory, name)
+                if not name.startswith(".~coffrelune-"):
+                    key = os.path.relpath(path, self.place.copy).lower()
+                    found[key] = harness.read(path).decode()
+        return outcome, outcome.json() or {}, found
+
+    def originals(self, key):
+        return [harness.read(f"{self.place.source}/{name}").decode() for name in self.FILES
+                if name.lower() == key and os.path.exists(f"{self.place.source}/{name}")]
+
+    def told(self, what, outcome, found):
+        """One of each pair is in the copy, and the other is an error that names it."""
+        lost = names_of_errors(outcome)
+        self.report.equal(f"{what} : l'erreur 183 seule", numbers(outcome), [183])
+        self.report.equal(f"{what} : chacun des quatre en trop est nommé, une fois",
+                          sorted(name.lower() for name in lost),
+                          ["dossier", "n", "rapport.txt", "été"])
+        wrong = {key: text for key, text in found.items() if text not in self.originals(key)}
+        self.report.equal(f"{what} : chaque copie est un des originaux, entier", wrong, {})
+        self.report.equal(f"{what} : un de chaque", len(found), 5)
+
+    def play(self):
+        outcome, _, first = self.run()
+        self.told("première sauvegarde", outcome, first)
+        self.volume.again()
+        outcome, told, second = self.run()
+        self.told("seconde sauvegarde", outcome, second)
+        self.report.equal("seconde sauvegarde : rien n'est copié, remplacé, effacé",
+                          (second, told.get("files"), told.get("deleted")), (first, 0, 0))
+        for name in self.FILES:
+            self.put(name, self.FILES[name] + ", changé", 100)
+        outcome, told, third = self.run()
+        self.told("tout est changé", outcome, third)
+        self.report.equal("tout est changé : cinq copiés, rien d'effacé",
+                          (told.get("files"), told.get("deleted")), (5, 0))
+        self.report.equal("tout est changé : les mêmes originaux qu'avant",
+                          third, {key: text + ", changé" for key, text in first.items()})
+        self.one_goes(third)
+        self.another_case()
+        self.come_back()
+
+    def one_goes(self, before):
+        """The other one takes the place of the one that has gone."""
+        for name in ("Rapport.txt", "rapport.txt"):
+            path = f"{self.place.source}/{name}"
+            if harness.read(path).decode() == before["rapport.txt"]:
+                os.unlink(path)
+                break
+        outcome, told, found = self.run()
+        self.report.check("l'un des deux est parti : l'autre n'est plus une erreur",
+                          "rapport.txt" not in [name.lower() for name in names_of_errors(outcome)],
+                          outcome)
+        self.report.equal("l'autre est dans la copie, rien n'est effacé",
+                          ([found.get("rapport.txt")], told.get("deleted")),
+                          (self.originals("rapport.txt"), 0))
+
+    def another_case(self):
+        """A name that has changed its case alone is no excess file, and no second one."""
+        for name in ("dossier", "ÉTÉ"):
+            for below in os.listdir(f"{self.place.source}/{name}"):
+                os.unlink(f"{self.place.source}/{name}/{below}")
+            os.rmdir(f"{self.place.source}/{name}")
+        os.unlink(f"{self.place.source}/Sous/n")
+        os.rename(f"{self.place.source}/seul.txt", f"{self.place.source}/SEUL.txt")
+        outcome, told, found = self.run()
+        self.report.equal("sans les autres : aucune erreur", numbers(outcome), [])
+        self.report.equal("un nom d'une autre casse garde sa copie", found.get("seul.txt"),
+                          "seul, changé")
+        outcome, told, found = self.run()
+        self.report.equal("puis rien", (told.get("outcome"), told.get("deleted")), ("nothing", 0))
+
+    def come_back(self):
+        """Onto an emptied source."""
+        wanted = self.run()[2]
+        command("rm", "-r", self.place.source)
+        os.mkdir(self.place.source)
+        outcome = self.run("restaurer")[0]
+        self.report.equal("restauration : aucune erreur", numbers(outcome), [])
+        back = {os.path.relpath(os.path.join(directory, name), self.place.source).lower():
+                harness.read(os.path.join(directory, name)).decode()
+                for directory, _, names in os.walk(self.place.source) for name in names}
+        self.report.equal("restauration : tout est revenu", back, wanted)
+
+
+def folded(volume, place, report):
+    Folded(volume, place, report).play()
+
+
+class NtfsFolded(Ntfs):
+    """As Windows shows it: names are found in any case, and kept in lower case."""
+
+    name = "ntfs, casse confondue"
+    mount_words = ("lowntfs-3g", "-o", "ignore_case")
+
+
 CASES = ((ReadOnly, read_only), (Full, full), (FewInodes, few_inodes), (Quota, quota),
-         (OldSizes, old_sizes), (Tmpfs, read_only_source))
+         (OldSizes, old_sizes), (Tmpfs, read_only_source), (Exfat, folded), (NtfsFolded, folded))
 
 
 def play(arguments, report):
+    words = [word for word in arguments.kinds if word != "limites"]
     for kind, case in CASES:
-        if arguments.court and not kind.quick:
+        if arguments.court and not kind.quick or \
+                words and not any(word in case.__name__ for word in words):
             continue
         place = Place(arguments.programs)
         print(f"--- {case.__name__}")

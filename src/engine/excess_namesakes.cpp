@@ -1,0 +1,106 @@
+// Which directory of the reference one of the cleaned tree stands for, where the volume of one of
+// them takes names of any case for one.
+#include "engine/excess_walk.h"
+#include "system/paths.h"
+#include "system/text.h"
+
+namespace coffrelune {
+
+// False when the directory keeps what is in it, because nobody can say what the reference has
+// there: a link leads elsewhere, and so does a mount point.
+bool ExcessWalk::enterReference(Place& place, const std::string& name, Place& below) {
+    const std::string path = place.reference + name;
+    FileEntry counterpart;
+    const Status found = files_.lookUp(path, LinkRule::refuse, counterpart);
+    if (found.saysAbsent()) return referenceStands() && enterNamesake(place, name, below);
+    if (!found.ok()) {
+        errors_.unread(found.code(), path);
+        return false;
+    }
+    if (counterpart.isLink() || counterpart.mountPoint) {
+        tellKept(below.cleaned,
+                 path + (counterpart.isLink() ? " est un lien." : " est un autre volume."));
+        return false;
+    }
+    if (counterpart.isDirectory()) {
+        below.reference = path + "\\";
+        return true;
+    }
+    // It may be the copy of a directory that its volume lists in another case.
+    std::string namesake;
+    if (!gatherNames(place)) return false;
+    if (place.names->all.contains(name) && findNamesake(place, name, below.cleaned, namesake)) {
+        return false;
+    }
+    below.makesRoom = madeRoom_ = true;
+    return true;
+}
+
+// A directory that its volume lists in another case than its original's is no excess one.
+bool ExcessWalk::enterNamesake(Place& place, const std::string& name, Place& below) {
+    if (!gatherNames(place)) return false;
+    std::string namesake;
+    if (!place.names->all.contains(name) || !findNamesake(place, name, below.cleaned, namesake)) {
+        return true;  // it has gone from the reference
+    }
+    FileEntry counterpart;
+    const bool isThere =
+        !namesake.empty() &&
+        files_.lookUp(place.reference + namesake, LinkRule::refuse, counterpart).ok() &&
+        counterpart.isDirectory() && !counterpart.isLink() && !counterpart.mountPoint;
+    if (isThere) below.reference = place.reference + namesake + "\\";
+    return isThere;
+}
+
+// Listed once, where a name is missing or a file is about to be deleted. False when they cannot be.
+bool ExcessWalk::gatherNames(Place& place) {
+    if (place.names != nullptr) return true;
+    std::unique_ptr<Directory> listing;
+    if (!listReference(place, Wanted::directories, listing)) return false;
+    auto names = std::make_unique<DirectoryNames>();
+    for (FileEntry other; listing->next(other);) {
+        if (!names->all.add(other.name)) (void)names->repeated.add(other.name);
+    }
+    if (!isListed(*listing, place)) return false;
+    place.names = std::move(names);
+    return true;
+}
+
+// A directory of the reference of the same name in another case that is the directory `cleaned`,
+// or may be. Empty, and true, when nobody can tell.
+bool ExcessWalk::findNamesake(const Place& place, const std::string& name,
+                              const std::string& cleaned, std::string& namesake) {
+    namesake.clear();
+    std::unique_ptr<Directory> listing;
+    if (!listReference(place, Wanted::directories, listing)) return true;
+    const std::string path = withoutTrailingBackslash(cleaned);
+    for (FileEntry other; listing->next(other);) {
+        if (other.name == name || !equalIgnoringCase(other.name, name)) continue;
+        if (areTwoEntries(files_, place.cleaned + other.name, path)) continue;
+        if (isOneEntry(files_, place.cleaned + other.name, path)) namesake = other.name;
+        return true;
+    }
+    return !isListed(*listing, place);
+}
+
+// Two directories of the reference that are one here, on any of the levels above: what one of them
+// lacks may be the other's.
+bool ExcessWalk::isShared(Place& place) {
+    if (place.above == nullptr) return false;
+    if (place.shared) return *place.shared;
+    place.shared = isShared(*place.above);
+    if (*place.shared || place.reference.empty()) return *place.shared;
+    const std::string name = splitPath(withoutTrailingBackslash(place.reference)).last;
+    std::string namesake;
+    place.shared =
+        !gatherNames(*place.above) || (place.above->names->repeated.contains(name) &&
+                                       findNamesake(*place.above, name, place.cleaned, namesake));
+    if (*place.shared) {
+        tellKept(place.cleaned,
+                 "deux répertoires de " + place.above->reference +
+                     ", dont les noms ne diffèrent que par la casse, n'y font qu'un.");
+    }
+    return *place.shared;
+}
+
+}  // namespace coffrelune
