@@ -164,8 +164,8 @@ class Folded:
     def __init__(self, volume, place, report):
         self.volume, self.place, self.report = volume, place, report
         place.write_line("ContinueOnError=-1\nSynchroCopie=-1\nDatesArrondies=-1\n")
-        for name, content in self.FILES.items():
-            self.put(name, content, 0)
+        for age, (name, content) in enumerate(self.FILES.items()):
+            self.put(name, content, age)
 
     def put(self, name, content, seconds):
         harness.write(f"{self.place.source}/{name}", content)
@@ -207,8 +207,8 @@ class Folded:
         self.told("seconde sauvegarde", outcome, second)
         self.report.equal("seconde sauvegarde : rien n'est copié, remplacé, effacé",
                           (second, told.get("files"), told.get("deleted")), (first, 0, 0))
-        for name in self.FILES:
-            self.put(name, self.FILES[name] + ", changé", 100)
+        for age, (name, content) in enumerate(self.FILES.items()):
+            self.put(name, content + ", changé", 100 + age)
         outcome, told, third = self.run()
         self.told("tout est changé", outcome, third)
         self.report.equal("tout est changé : cinq copiés, rien d'effacé",
@@ -266,15 +266,21 @@ def folded(volume, place, report):
     Folded(volume, place, report).play()
 
 
-class NtfsFolded(Ntfs):
-    """As Windows shows it: names are found in any case, and kept in lower case."""
+class ExfatFolded(Exfat):
+    """Names are found in any case, and kept as they were given first."""
 
-    name = "ntfs, casse confondue"
+    name, quick = "exfat, casse confondue", True
+
+
+class NtfsFolded(Ntfs):
+    """Names are found in any case, and kept in lower case."""
+
+    name, quick = "ntfs, casse confondue", True
     mount_words = ("lowntfs-3g", "-o", "ignore_case")
 
 
 CASES = ((ReadOnly, read_only), (Full, full), (FewInodes, few_inodes), (Quota, quota),
-         (OldSizes, old_sizes), (Tmpfs, read_only_source), (Exfat, folded), (NtfsFolded, folded))
+         (OldSizes, old_sizes), (Tmpfs, read_only_source), (ExfatFolded, folded), (NtfsFolded, folded))
 
 
 def play(arguments, report):

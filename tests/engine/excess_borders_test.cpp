@@ -252,6 +252,55 @@ TEST_F(Borders, DeleteAnotherSpellingWhereItIsAnotherFile) {
     EXPECT_TRUE(kept("F:\\Docs\\Plan.txt"));
 }
 
+TEST_F(Borders, KeepTheFilesOfADirectoryThatItsVolumeSpellsOtherwise) {
+    disk().volume("G:\\").foldsCase = true;
+    disk().file("C:\\Docs\\MAI\\Sous\\a", "a");
+    disk().file("G:\\Docs\\Mai\\SOUS\\a", "a");
+    disk().file("G:\\Docs\\Mai\\SOUS\\gone", "x");
+    disk().file("G:\\Docs\\Juin\\gone", "x");
+    EXPECT_TRUE(run("C:\\Docs", "G:\\", 1));
+    EXPECT_TRUE(kept("G:\\Docs\\Mai\\SOUS\\a"));
+    EXPECT_FALSE(kept("G:\\Docs\\Mai\\SOUS\\gone"));
+    EXPECT_FALSE(kept("G:\\Docs\\Juin\\gone"));
+}
+
+TEST_F(Borders, EmptyADirectoryOfAnotherSpellingWhereItIsAnotherOne) {
+    disk().file("C:\\Docs\\MAI\\a", "a");
+    disk().file("F:\\Docs\\MAI\\a", "a");
+    disk().file("F:\\Docs\\Mai\\a", "a");
+    EXPECT_TRUE(backUp());
+    EXPECT_TRUE(kept("F:\\Docs\\MAI\\a"));
+    EXPECT_FALSE(kept("F:\\Docs\\Mai\\a"));
+}
+
+TEST_F(Borders, KeepWhatIsInADirectoryThatIsTheCopyOfTwo) {
+    disk().volume("G:\\").foldsCase = true;
+    disk().file("C:\\Docs\\Mai\\a", "a");
+    disk().file("C:\\Docs\\MAI\\Sous\\b", "b");
+    disk().file("C:\\Docs\\Juin\\c", "c");
+    disk().file("G:\\Docs\\Mai\\a", "a");
+    disk().file("G:\\Docs\\Mai\\b", "b");
+    disk().file("G:\\Docs\\Mai\\Sous\\b", "b");
+    disk().file("G:\\Docs\\Juin\\gone", "x");
+    EXPECT_FALSE(run("C:\\Docs", "G:\\", 1));
+    EXPECT_TRUE(kept("G:\\Docs\\Mai\\b"));
+    EXPECT_TRUE(kept("G:\\Docs\\Mai\\Sous\\b"));
+    EXPECT_FALSE(kept("G:\\Docs\\Juin\\gone"));
+    EXPECT_THAT(window.journal,
+                testing::Contains(testing::HasSubstr("Fichiers excédentaires conservés dans "
+                                                     "G:\\Docs\\Mai : deux répertoires de "
+                                                     "C:\\Docs\\, dont les noms")));
+}
+
+TEST_F(Borders, KeepADirectoryBesideAFileOfItsNameInAnotherCase) {
+    disk().volume("G:\\").foldsCase = true;
+    disk().file("C:\\Docs\\mai", "a file");
+    disk().file("C:\\Docs\\Mai\\a", "a");
+    disk().file("G:\\Docs\\mai\\a", "a");
+    (void)run("C:\\Docs", "G:\\", 1);
+    EXPECT_TRUE(kept("G:\\Docs\\mai\\a"));
+}
+
 // ---- what is counted and named
 
 TEST_F(Borders, CountApartWhatIsGoneAndWhatIsReplaced) {
