@@ -11,6 +11,7 @@ import signal
 import sys
 
 import account_scenarios
+import change_scenarios
 import copy_scenarios
 import drive_scenarios
 import error_scenarios
@@ -31,7 +32,8 @@ import verification_scenarios
 MODULES = (copy_scenarios, question_scenarios, error_scenarios, drive_scenarios,
            settings_scenarios, settings_command_scenarios, restore_scenarios, unattended_scenarios, interruption_scenarios,
            loss_scenarios, loss_border_scenarios, loss_restore_scenarios, loss_neighbour_scenarios,
-           scale_scenarios, verification_scenarios, account_scenarios)
+           scale_scenarios, verification_scenarios, account_scenarios,
+           change_scenarios)
 
 
 def main():

@@ -63,9 +63,12 @@ int statEntry(int directory, const char* name, bool follow, struct statx& inform
     // Where a name is given, the system need not look for its end first.
     const int what = *name == '\0' ? AT_EMPTY_PATH : follow ? 0 : AT_SYMLINK_NOFOLLOW;
     const int flags = AT_NO_AUTOMOUNT | what;
-    return ::statx(directory, name, flags, STATX_BASIC_STATS | STATX_BTIME, &information) == 0
-               ? 0
-               : errno;
+    constexpr unsigned wanted = STATX_BASIC_STATS | STATX_BTIME;
+    // A server may be interrupted as it answers.
+    while (::statx(directory, name, flags, wanted, &information) != 0) {
+        if (errno != EINTR) return errno;
+    }
+    return 0;
 }
 
 int statPath(const std::string& path, bool follow, struct statx& information) {
