@@ -295,24 +295,28 @@ def round_trip(place, report, arguments):
     return reads
 
 
-def reading_leaves_no_trace(place, report, arguments):
-    """A backup and a comparison leave the times of the last access of the source alone."""
-    for number in range(50):
-        path = os.path.join(place.source, f"d{number % 5}", str(number))
-        harness.write(path, os.urandom(1000 + number * 5000))
-        os.utime(path, ns=(10**18 + number, 10**18))
-    before = {path: os.lstat(path).st_atime_ns for path in files_below(place.source)}
-    place.backup("--ecraser")
-    place.console("comparer", "--source", place.source, "--destination", place.destination)
-    place.console("verifier", "--source", place.source, "--destination", place.destination)
-    after = {path: os.lstat(path).st_atime_ns for path in files_below(place.source)}
-    report.equal("dates de dernier accès", [path for path in before if before[path] != after[path]],
-                 [])
-
-
-def files_below(root):
-    return [os.path.join(directory, name) for directory, _, names in os.walk(root)
-            for name in names]
+def reading_leaves_no_trace(place, report, _):
+    """A backup and a comparison leave the times of the last access of the source alone, for root
+    and for the owner; those of directories, too."""
+    for owner in ("root", "propriétaire"):
+        paths = [place.source]
+        for number in range(50):
+            path = os.path.join(place.source, f"d{number % 5}", str(number))
+            harness.write(path, os.urandom(1000 + number * 5000))
+            paths += [path, os.path.dirname(path)]
+        if owner != "root":
+            place.become_nobody()
+        for number, path in enumerate(paths):
+            # Older than its last change, which is what has the system note an access.
+            os.utime(path, ns=(10**18 + number, 10**18 + len(owner) * NANO))
+        before = {path: os.lstat(path).st_atime_ns for path in paths}
+        for words in (("sauvegarder", "--ecraser"), ("sauvegarder", "--ecraser"), ("comparer",),
+                      ("verifier",)):
+            outcome = place.console(words[0], "--source", place.source, "--destination",
+                                    place.destination, *words[1:])
+            report.check(f"{owner}, {words[0]} : état 0", outcome.status == 0, outcome)
+            touched = [path for path in before if before[path] != os.lstat(path).st_atime_ns]
+            report.equal(f"{owner}, {words[0]} : dates de dernier accès", touched, [])
 
 
 def main():

@@ -26,6 +26,7 @@ class Listing {
     int error() const { return error_; }
 
   private:
+    void begin();
     bool fill();
 
     UniqueFd directory_;
