@@ -53,7 +53,8 @@ class Volume:
     name = ""
     what = ""  # for people
     quick = False
-    names = True  # it takes names of any bytes
+    plain = False  # it takes names of ASCII alone
+    deadly = ()  # names after which its driver answers no more
 
     def __init__(self, base):
         self.base = base
@@ -179,9 +180,25 @@ class Ntfs(Image):
 
 
 class Exfat(Image):
-    name, what, names = "exfat-fuse", "clé USB, carte mémoire", False
+    name, what = "exfat-fuse", "clé USB, carte mémoire"
     make_words = ("mkfs.exfat",)
     mount_words = ("mount.exfat-fuse",)
+
+
+class Fat(Volume):
+    """Served from the image itself: this driver takes no device."""
+
+    name, what, plain = "FAT (fusefat)", "clé USB, appareil photo", True
+
+    def make(self):
+        image = os.path.join(self.base, "image")
+        with open(image, "wb") as file:
+            file.truncate(200 << 20)
+        command("mkfs.fat", "-F", "32", image)
+
+    def mount(self):
+        command("fusefat", "-o", "rw+", os.path.join(self.base, "image"), self.point)
+        self.is_mounted()
 
 
 class Tmpfs(Volume):
@@ -227,7 +244,9 @@ class Sshfs(Volume):
 
 
 class Smb(Volume):
-    name, what, names = "smbnetfs", "partage Windows ou Samba", False
+    name, what = "smbnetfs", "partage Windows ou Samba"
+    deadly = (b"a:b", b"<plus|moins>", b"tabulation\t", b"saut\nde ligne", b"\x01\x1f\x7f",
+              b"octets \xff\xfe\x80", b"\xc3")
 
     @property
     def root(self):
@@ -317,7 +336,7 @@ class Sftp(Webdav):
         return f":sftp,host=127.0.0.1,port={self.port},user=essai,pass={hidden},shell_type=none:"
 
 
-KINDS = (Ext4, Ext4Small, Xfs, Btrfs, Tmpfs, Ntfs, Exfat, Bindfs, Sshfs, Smb, Rclone, Sftp, Webdav)
+KINDS = (Ext4, Ext4Small, Xfs, Btrfs, Tmpfs, Ntfs, Exfat, Fat, Bindfs, Sshfs, Smb, Rclone, Sftp, Webdav)
 
 
 @contextlib.contextmanager

@@ -176,7 +176,9 @@ void CommitThread::checkTime(const WaitingCopy& copy) {
     if (naming == Naming::keeps || (naming == Naming::unknown && !isOrdinary(*copy.stamp))) return;
     const int directory = copy.target->directory();
     const StampState state = checkStamp(directory, copy.name.c_str(), *copy.stamp);
-    if (state == StampState::lost) losesTimes_.store(true, std::memory_order_relaxed);
+    // A time that many a volume cannot hold says nothing of those of the other files.
+    const bool loses = state == StampState::lost && isOrdinary(*copy.stamp);
+    if (loses) losesTimes_.store(true, std::memory_order_relaxed);
     if (naming == Naming::unknown) {
         naming = state == StampState::givenAgain ? Naming::resets : Naming::keeps;
     }

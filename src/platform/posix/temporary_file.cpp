@@ -30,6 +30,15 @@ UniqueFd openForLock(int directory, const char* name) {
     return fd;
 }
 
+/// Takes a file away that `fd` has open. Some servers remove no open file.
+int removeOpen(int directory, const char* name, UniqueFd& fd) {
+    if (unlinkat(directory, name, 0) == 0 || errno == ENOENT) return 0;
+    const int error = errno;
+    if (error != EBUSY && error != EACCES && error != ETXTBSY) return error;
+    fd.reset();
+    return unlinkat(directory, name, 0) == 0 || errno == ENOENT ? 0 : errno;
+}
+
 }  // namespace
 
 std::uint64_t randomNumber() {
@@ -49,7 +58,8 @@ std::string makeTemporaryName() {
 }
 
 TemporaryFile::~TemporaryFile() {
-    if (!name_.empty()) unlinkat(directory_, name_.c_str(), 0);
+    // What cannot be removed now is a leftover, which the next run removes.
+    if (!name_.empty()) (void)removeOpen(directory_, name_.c_str(), file_);
 }
 
 int TemporaryFile::create(int directory, mode_t mode) {
@@ -109,7 +119,7 @@ int removeTemporary(int directory, const char* name) {
     } else if (!S_ISLNK(information.st_mode)) {
         return 0;
     }
-    return unlinkat(directory, name, 0) == 0 || errno == ENOENT ? 0 : errno;
+    return removeOpen(directory, name, lock);
 }
 
 }  // namespace coffrelune
