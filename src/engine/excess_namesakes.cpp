@@ -1,5 +1,7 @@
 // Which directory of the reference one of the cleaned tree stands for, where the volume of one of
 // them takes names of any case for one.
+#include <algorithm>
+
 #include "engine/excess_walk.h"
 #include "system/paths.h"
 #include "system/text.h"
@@ -38,7 +40,7 @@ bool ExcessWalk::enterReference(Place& place, const std::string& name, Place& be
 
 // A directory that its volume lists in another case than its original's is no excess one.
 bool ExcessWalk::enterNamesake(Place& place, const std::string& name, Place& below) {
-    if (!gatherNames(place)) return false;
+    if (!gatherNames(place) || mayBeMadeUp(name, Wanted::directories, place)) return false;
     std::string namesake;
     if (!place.names->all.contains(name) || !findNamesake(place, name, below.cleaned, namesake)) {
         return true;  // it has gone from the reference
@@ -101,6 +103,40 @@ bool ExcessWalk::isShared(Place& place) {
                      ", dont les noms ne diffèrent que par la casse, n'y font qu'un.");
     }
     return *place.shared;
+}
+
+// A server makes up names for those that it does not show, and some volumes compose or decompose
+// accents: what is listed under a name that the reference lacks may be the copy of one that is not
+// listed.
+bool ExcessWalk::mayBeMadeUp(const std::string& name, Wanted kind, Place& place) {
+    const bool plain =
+        std::all_of(name.begin(), name.end(), [](char c) { return c != '~' && (c & 0x80) == 0; });
+    if (plain) return false;
+    std::optional<bool>& hides = kind == Wanted::files ? place.hidesFiles : place.hidesDirectories;
+    if (hides) return *hides;
+    hides = hidesNames(place, kind);
+    if (*hides) {
+        tellKept(place.cleaned, "ce volume y montre certains noms autrement que l'original.");
+    }
+    return *hides;
+}
+
+// True when the cleaned directory finds a name of the reference that it does not list, or when
+// nobody can tell.
+bool ExcessWalk::hidesNames(const Place& place, Wanted kind) {
+    FoldedNames listed;
+    std::unique_ptr<Directory> listing;
+    if (!files_.openDirectory(place.cleaned, LinkRule::follow, kind, listing).ok()) return true;
+    for (FileEntry entry; listing->next(entry);) (void)listed.add(entry.name);
+    if (!listing->status().ok() || !listReference(place, kind, listing)) return true;
+    for (FileEntry other; listing->next(other);) {
+        FileEntry found;
+        if (listed.contains(other.name)) continue;
+        if (!files_.lookUp(place.cleaned + other.name, LinkRule::refuse, found).saysAbsent()) {
+            return true;
+        }
+    }
+    return !isListed(*listing, place);
 }
 
 }  // namespace coffrelune

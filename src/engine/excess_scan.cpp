@@ -62,7 +62,7 @@ bool ExcessWalk::isGone(const FileEntry& entry, Directory* reference, const Plac
 
 // A volume without case, or one that spells names its own way, lists a file under another name than
 // its original bears: it is the copy of that original all the same.
-bool ExcessWalk::isSpelledOtherwise(const FileEntry& entry, const Place& place) {
+bool ExcessWalk::isSpelledOtherwise(const FileEntry& entry, Place& place) {
     if (place.reference.empty()) return false;
     std::unique_ptr<Directory> listing;
     if (referenceNames_ == nullptr) {
@@ -72,6 +72,7 @@ bool ExcessWalk::isSpelledOtherwise(const FileEntry& entry, const Place& place) 
         if (!isListed(*listing, place)) return true;
         referenceNames_ = std::move(names);
     }
+    if (mayBeMadeUp(entry.name, Wanted::files, place)) return true;
     if (!referenceNames_->contains(entry.name)) return false;
     if (!listReference(place, Wanted::files, listing)) return true;
     for (FileEntry other; listing->next(other);) {

@@ -54,6 +54,8 @@ class ExcessWalk {
         Place* above = nullptr;
         std::unique_ptr<DirectoryNames> names;  // once they are gathered
         std::optional<bool> shared;             // see isShared()
+        std::optional<bool> hidesFiles;         // see hidesNames()
+        std::optional<bool> hidesDirectories;
     };
     enum class Step { count, remove };
 
@@ -77,7 +79,7 @@ class ExcessWalk {
     void handle(const FileEntry& entry, Directory* reference, Place& place);
     bool isGone(const FileEntry& entry, Directory* reference, const Place& place,
                 FileEntry& counterpart, bool& known);
-    bool isSpelledOtherwise(const FileEntry& entry, const Place& place);
+    bool isSpelledOtherwise(const FileEntry& entry, Place& place);
     bool listReference(const Place& place, Wanted kind, std::unique_ptr<Directory>& listing);
     bool isListed(const Directory& listing, const Place& place);
     void remove(const FileEntry& entry, const Place& place);
@@ -89,6 +91,8 @@ class ExcessWalk {
     bool findNamesake(const Place& place, const std::string& name, const std::string& cleaned,
                       std::string& namesake);
     bool isShared(Place& place);
+    bool mayBeMadeUp(const std::string& name, Wanted kind, Place& place);
+    bool hidesNames(const Place& place, Wanted kind);
     bool isLeftOutNow(const Place& place, const FileEntry& entry) const;
     bool isKnownMount(const std::string& path) const;
     std::vector<std::string> subdirectories(const Place& place, LinkRule links);

@@ -2,7 +2,7 @@
 """Many files: memory stays small, and time is told.
 
 Usage: scale_scenarios.py [--files N] [--programs DIRECTORY]
-Run by itself, it fills one directory with a million files, empty but for their names.
+Run by itself, it fills one directory with a million files.
 """
 
 import argparse
@@ -70,10 +70,10 @@ def hundred_thousand_files(place, report):
 def one_directory(place, report, count=ALONE):
     """Un seul répertoire de très nombreux fichiers : tous copiés, puis aucun, sans erreur"""
     directory = f"{place.source}/ensemble"
-    write(f"{directory}/0", b"")
+    write(f"{directory}/0", b"x")
     for number in range(1, count):
-        with open(f"{directory}/{number}", "wb"):
-            pass
+        with open(f"{directory}/{number}", "wb") as file:
+            file.write(b"x")
     measured(place, report, "première sauvegarde", count, LIMIT + count * EACH)
     measured(place, report, "deuxième sauvegarde", 0, LIMIT + count * EACH)
     os.unlink(f"{directory}/{count // 2}")

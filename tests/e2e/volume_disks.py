@@ -55,6 +55,7 @@ class Volume:
     quick = False
     plain = False  # it takes names of ASCII alone
     deadly = ()  # names after which its driver answers no more
+    renamed = ()  # names that its driver takes for others
 
     def __init__(self, base):
         self.base = base
@@ -245,6 +246,7 @@ class Sshfs(Volume):
 
 class Smb(Volume):
     name, what = "smbnetfs", "partage Windows ou Samba"
+    renamed = (b"%41",)  # as an address on the web is written
     deadly = (b"a:b", b"<plus|moins>", b"tabulation\t", b"saut\nde ligne", b"\x01\x1f\x7f",
               b"octets \xff\xfe\x80", b"\xc3")
 

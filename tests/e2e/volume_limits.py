@@ -11,6 +11,21 @@ from harness import Place
 from volume_disks import Btrfs, Exfat, Image, Ntfs, Refused, Tmpfs, Volume, command
 
 
+def contents(root):
+    """What each file below holds, links and own files left out."""
+    found = {}
+    for directory, _, names in os.walk(root):
+        for name in names:
+            path = os.path.join(directory, name)
+            if not name.startswith(".~coffrelune-") and not os.path.islink(path):
+                found[os.path.relpath(path, root)] = harness.read(path)
+    return found
+
+
+def leftovers(root):
+    return [name for _, _, names in os.walk(root) for name in names if name.endswith(".tmp")]
+
+
 class ReadOnly(Volume):
     name, quick = "lecture seule", True
 

@@ -24,12 +24,12 @@ import volume_disks
 import volume_limits
 from harness import Place, Report
 from volume_disks import Refused
+from volume_limits import contents, leftovers
 
 TICK = 100  # nanoseconds, the finest that the program compares
 MARKS = ("<!-- volumes : début -->", "<!-- volumes : fin -->")
 HEADING = ("volume", "est", "dates", "avant 1970, après 2038", "modes", "liens",
            "attributs, ACL", "noms difficiles", "seconde sauvegarde")
-OWN = ".~coffrelune-"
 
 
 class Tree:
@@ -72,21 +72,6 @@ class Tree:
     def write(self, name, content, seconds):
         harness.write(self.path(name), content)
         self.stamp(name, seconds)
-
-
-def contents(root):
-    """What each file below holds, links and own files left out."""
-    found = {}
-    for directory, _, names in os.walk(root):
-        for name in names:
-            path = os.path.join(directory, name)
-            if not name.startswith(OWN) and not os.path.islink(path):
-                found[os.path.relpath(path, root)] = harness.read(path)
-    return found
-
-
-def leftovers(root):
-    return [name for _, _, names in os.walk(root) for name in names if name.endswith(".tmp")]
 
 
 class Trial:
@@ -290,7 +275,8 @@ class Trial:
     def names(self):
         """Names that some volumes refuse: each is kept as it is, or is an error with its number."""
         shutil.rmtree(self.tree.path("lot"))
-        names = [name for name in hostile_tree.hard_names() if name not in self.volume.deadly]
+        odd = self.volume.deadly + self.volume.renamed
+        names = [name for name in hostile_tree.hard_names() if name not in odd]
         os.mkdir(self.tree.path("noms"))
         made = 0
         for name in names:
@@ -303,13 +289,22 @@ class Trial:
         kept = set(os.listdir(copy)) if os.path.isdir(copy) else set()
         right = sum(name in kept and harness.read(os.path.join(copy, name)) == name
                     for name in names)
+        held = {harness.read(os.path.join(copy, name)) for name in kept}
+        other = sum(name not in kept and name in held for name in names)
         numbers = collections.Counter(error["number"] for error in told.get("errors", [])
                                       if "\\noms\\" in error["path"])
-        self.report.check(f"noms : {right} de {made} gardés, {sum(numbers.values())} erreurs",
-                          right + sum(numbers.values()) >= made, ended)
+        self.report.check(f"noms : {right} de {made} gardés, {other} sous un autre nom, "
+                          f"{sum(numbers.values())} erreurs",
+                          right + other + sum(numbers.values()) >= made, ended)
+        _, told = self.run()
+        self.report.equal("noms : puis rien n'est effacé", told.get("deleted"), 0)
         refused = ", ".join(f"{count} refusé{'s' if count > 1 else ''} (erreur {number})"
                             for number, count in sorted(numbers.items()))
-        self.cells["noms difficiles"] = f"{right} de {made}" + (f" ; {refused}" if refused else "")
+        shown = f" ; {other} montrés sous un autre nom" if other else ""
+        self.cells["noms difficiles"] = f"{right} de {made}{shown}" + \
+            (f" ; {refused}" if refused else "")
+        for name in self.volume.renamed:
+            self.cells["noms difficiles"] += f" ; `{name.decode()}` y est pris pour un autre"
         if self.volume.deadly:
             self.cells["noms difficiles"] += f" ; {len(self.volume.deadly)} (`:`, `<`, `|`, " \
                 "contrôles, octets) arrêtent le pilote : la sauvegarde s'arrête et le dit"

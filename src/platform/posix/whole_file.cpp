@@ -4,6 +4,7 @@
 #include <cerrno>
 
 #include "platform/posix/native_path.h"
+#include "platform/posix/rights.h"
 #include "platform/posix/temporary_file.h"
 
 namespace coffrelune {
@@ -24,7 +25,7 @@ int keepOwnerAndMode(int fd, const struct stat& old) {
     if (fstat(fd, &now) != 0) return errno;
     const bool foreign = now.st_uid != old.st_uid || now.st_gid != old.st_gid;
     [[maybe_unused]] const int ignored = foreign ? fchown(fd, old.st_uid, old.st_gid) : 0;
-    return fchmod(fd, old.st_mode & 07777) == 0 || errno == EPERM ? 0 : errno;
+    return keepMode(fd, old.st_mode);
 }
 
 int statOld(int directory, const char* name, struct stat& old, bool& exists) {
