@@ -267,7 +267,37 @@ def calls_that_are_interrupted(place, report):
         holds(Silent(report), f"{call} : elle copie tout", place.copy, {"gros.bin": "n" * 400_000})
 
 
-SCENARIOS = (a_file_changes_before_its_copy, a_directory_changes_before_its_copy,
+def rights_alone(place, report):
+    """Des droits ou des attributs seuls : ceux d'un répertoire suivent, ceux d'un fichier attendent"""
+    settle(place)
+    backed_up(place, report, FILES)
+    mode = lambda name: os.stat(f"{place.copy}/{name}").st_mode & 0o7777
+    written = os.stat(f"{place.source}/sous").st_mtime_ns
+    old = mode("victime")
+    os.chmod(f"{place.source}/sous", 0o750)
+    os.chmod(f"{place.source}/victime", 0o600)
+    check(report, "droits seuls", back_up(place), 0, "Rien à sauvegarder")
+    report.equal("le répertoire a les nouveaux, et sa date",
+                 (mode("sous"), os.stat(f"{place.copy}/sous").st_mtime_ns), (0o750, written))
+    report.equal("le fichier garde les anciens", mode("victime"), old)
+    touch(f"{place.source}/victime", 7)
+    check(report, "avec une date nouvelle", back_up(place), 0)
+    report.equal("le fichier a les siens", mode("victime"), 0o600)
+    try:
+        os.setxattr(f"{place.source}/sous", "user.essai", b"valeur")
+    except OSError as error:
+        report.leave_out("attributs seuls", error)
+        return
+    write(f"{place.source}/autre", "autre, encore")
+    check(report, "attribut seul d'un répertoire", back_up(place), 0)
+    report.equal("il attend", os.listxattr(f"{place.copy}/sous"), [])
+    os.chmod(f"{place.source}/sous", 0o755)
+    write(f"{place.source}/autre", "autre, enfin")
+    check(report, "avec un droit nouveau", back_up(place), 0)
+    report.equal("il suit", os.getxattr(f"{place.copy}/sous", "user.essai"), b"valeur")
+
+
+SCENARIOS = (rights_alone, a_file_changes_before_its_copy, a_directory_changes_before_its_copy,
              a_locked_original, a_network_that_fails, calls_that_are_interrupted)
 
 
