@@ -6,6 +6,8 @@
 #include <wx/sizer.h>
 #include <wx/statline.h>
 
+#include <algorithm>
+
 #include "views/wx/accessible.h"
 #include "views/wx/basic_widgets.h"
 #include "views/wx/commands.h"
@@ -25,6 +27,22 @@ constexpr int narrow = 6;
 constexpr int resultPicture = 16;
 constexpr int noticePicture = 24;
 constexpr int leastText = 160;  // of a line that is shortened where the window is narrow
+
+/// A column that keeps the room of what it hides, less what is shown of another one: the two are
+/// never shown together.
+class SharedColumn final : public wxBoxSizer {
+  public:
+    explicit SharedColumn(wxSizer* other) : wxBoxSizer(wxVERTICAL), other_(other) {}
+
+    wxSize CalcMin() override {
+        wxSize least = wxBoxSizer::CalcMin();
+        least.y = std::max(0, least.y - other_->CalcMin().y);
+        return least;
+    }
+
+  private:
+    wxSizer* other_;
+};
 
 }  // namespace
 
@@ -271,8 +289,7 @@ wxSizer* MainView::makeProgram() {
     return sizer;
 }
 
-wxSizer* MainView::makeResults() {
-    ResultsArea& results = form_.results;
+wxSizer* MainView::makeSteps() {
     auto* sizer = new wxBoxSizer(wxVERTICAL);
     wxStaticText* title = makeText(peers_, page_, form_.steps.TitleLbl);
     title->SetFont(title->GetFont().Bold());
@@ -283,6 +300,14 @@ wxSizer* MainView::makeResults() {
         text->SetMinSize(wxSize(FromDIP(leastText), text->GetCharHeight()));
         sizer->Add(text, step);
     }
+    return sizer;
+}
+
+wxSizer* MainView::makeResults() {
+    ResultsArea& results = form_.results;
+    auto* sizer = new wxBoxSizer(wxVERTICAL);
+    wxSizer* steps = makeSteps();
+    sizer->Add(steps, wxSizerFlags().Expand());
     const auto addLine = [&](Picture& picture, Label& label, bool whole = true) {
         auto* line = new wxBoxSizer(wxHORIZONTAL);
         line->Add(makePicture(peers_, page_, picture, resultPicture),
@@ -304,14 +329,18 @@ wxSizer* MainView::makeResults() {
     count->AddSpacer(FromDIP(wide));
     count->Add(makeLink(peers_, page_, results.VoirErrLbl),
                wxSizerFlags().CentreVertical().ReserveSpaceEvenIfHidden());
-    sizer->Add(makeLogSearch(peers_, page_, results.search),
-               wxSizerFlags().Expand().Border(wxBOTTOM, FromDIP(narrow)));
+    // The steps are those of a backup, the list that of a comparison.
+    auto* comparison = new SharedColumn(steps);
+    comparison->Add(makeLogSearch(peers_, page_, results.search),
+                    wxSizerFlags().Expand().Border(wxBOTTOM, FromDIP(narrow)));
     wxDataViewCtrl* list =
         makeLog(peers_, page_, results.TxtCp, "Résultat de la comparaison", Follow::no);
     list->SetMinSize(FromDIP(wxSize(200, 100)));
-    sizer->Add(list, wxSizerFlags(1).Expand().ReserveSpaceEvenIfHidden());
-    sizer->Add(makeLine(peers_, page_, results.LblComp),
-               wxSizerFlags().Expand().Border(wxTOP, FromDIP(narrow)).ReserveSpaceEvenIfHidden());
+    comparison->Add(list, wxSizerFlags(1).Expand().ReserveSpaceEvenIfHidden());
+    comparison->Add(
+        makeLine(peers_, page_, results.LblComp),
+        wxSizerFlags().Expand().Border(wxTOP, FromDIP(narrow)).ReserveSpaceEvenIfHidden());
+    sizer->Add(comparison, wxSizerFlags(1).Expand());
     return sizer;
 }
 

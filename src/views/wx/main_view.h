@@ -39,6 +39,7 @@ class MainView final : public wxFrame {
     wxSizer* makeLaunch();
     wxSizer* makeSchedule();
     wxSizer* makeProgram();
+    wxSizer* makeSteps();
     wxSizer* makeResults();
     void applyPlace();
     void rememberState();
