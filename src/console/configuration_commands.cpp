@@ -1,8 +1,10 @@
 #include "console/preparation.h"
 #include "console/settings_commands.h"
 #include "console/settings_json.h"
+#include "platform/native/native_platform.h"
 #include "settings/choices.h"
 #include "settings/setting_names.h"
+#include "system/planned_runs.h"
 #include "system/text.h"
 
 namespace coffrelune::console {
@@ -10,6 +12,17 @@ namespace {
 
 std::string quoted(const std::string& name) {
     return "« " + visibleControls(name) + " »";
+}
+
+/// What became of the planned run, said after the change itself, which stands in any case.
+ExitStatus tellPlan(Session& session, const PlanFate& plan) {
+    const std::string text = visibleControls(plan.text);
+    if (plan.status.ok()) {
+        if (!text.empty()) session.terminal().say(text);
+        return ExitStatus::clean;
+    }
+    session.terminal().warn(text);
+    return ExitStatus::errors;
 }
 
 ExitStatus showConfigurations(Session& session, const Arguments& arguments) {
@@ -57,8 +70,13 @@ ExitStatus rename(Session& session, const Arguments::SettingsEdit& edit) {
     if (!system.configurationExists(from)) return refuseUnknown(session, from);
     const ConfigurationRefusal refusal = refusalToRename(system, from, to);
     if (refusal != ConfigurationRefusal::none) return refuse(session, textOf(refusal));
-    return conclude(session, renameConfiguration(system, from, to),
-                    "Configuration renommée : " + quoted(to));
+    const ExitStatus status = conclude(session, renameConfiguration(system, from, to),
+                                       "Configuration renommée : " + quoted(to));
+    // A list of errors may have kept its old name; the section has not.
+    if (!system.configurationExists(to)) return status;
+    const ExitStatus planned =
+        tellPlan(session, movePlan(*makeTaskScheduler(session.native()), from, to));
+    return status == ExitStatus::clean ? planned : status;
 }
 
 ExitStatus duplicate(Session& session, const Arguments::SettingsEdit& edit) {
@@ -81,8 +99,10 @@ ExitStatus erase(Session& session, const Arguments& arguments) {
     if (!isConfirmed(session, arguments, "Voulez-vous effacer cette configuration ?")) {
         return ExitStatus::interrupted;
     }
-    return conclude(session, eraseConfiguration(system, name),
-                    "Configuration effacée : " + quoted(name));
+    const ExitStatus status = conclude(session, eraseConfiguration(system, name),
+                                       "Configuration effacée : " + quoted(name));
+    if (status != ExitStatus::clean) return status;
+    return tellPlan(session, erasePlan(*makeTaskScheduler(session.native()), name));
 }
 
 ExitStatus describe(Session& session, const Arguments::SettingsEdit& edit) {

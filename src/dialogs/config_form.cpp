@@ -8,6 +8,7 @@
 #include "settings/choices.h"
 #include "settings/setting_names.h"
 #include "system/paths.h"
+#include "system/planned_runs.h"
 #include "system/sounds.h"
 #include "system/text.h"
 
@@ -37,7 +38,7 @@ constexpr std::array<const char*, 9> optionHelp = {
 
 }  // namespace
 
-ConfigForm::ConfigForm(SystemMod& system)
+ConfigForm::ConfigForm(SystemMod& system, TaskScheduler* tasks)
     : FichSonLbl{Label("Copie Ok"), Label("Copie Erreur")},
       Cmd{Button("OK"),
           Button("&Annuler"),
@@ -45,7 +46,8 @@ ConfigForm::ConfigForm(SystemMod& system)
           Button("Effacer"),
           Button("Test du signal sonore (Réussi)"),
           Button("Test du signal sonore (Erreur)")},
-      system_(system) {
+      system_(system),
+      tasks_(tasks) {
     setCaption("Configurations et options");
     Cmd[addCmd].setToolTip("Ajouter une configuration de sauvegarde");
     Cmd[eraseCmd].setToolTip("Supprimer une configuration de sauvegarde");
@@ -192,15 +194,25 @@ void ConfigForm::erase() {
             MessageButtons::ok);
         return;
     }
-    (void)eraseConfiguration(system_, name);  // what cannot be written is told by the window
+    eraseChosen(name);
+}
+
+void ConfigForm::eraseChosen(const std::string& name) {
+    const bool erased = eraseConfiguration(system_, name).ok();  // a failure is told by the window
     const std::vector<std::string>& entries = Liste.entries();
     const auto found = std::find(entries.begin(), entries.end(), name);
     // An entry with a description stays on view until the dialog opens again.
-    if (found == entries.end()) return;
-    const auto index = found - entries.begin();
-    listed_.erase(listed_.begin() + index);
-    Liste.remove(static_cast<int>(index));
-    Liste.select(0);
+    if (found != entries.end()) {
+        const auto index = found - entries.begin();
+        listed_.erase(listed_.begin() + index);
+        Liste.remove(static_cast<int>(index));
+        Liste.select(0);
+    }
+    if (!erased || tasks_ == nullptr) return;
+    const PlanFate plan = erasePlan(*tasks_, name);
+    if (plan.text.empty()) return;
+    say(plan.text, plan.status.ok() ? MessageIcon::information : MessageIcon::exclamation,
+        MessageButtons::ok);
 }
 
 // Where the cut made the name of another configuration, that one must not go instead. It may have

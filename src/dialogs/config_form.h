@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/input_controls.h"
+#include "platform/task_scheduler.h"
 #include "settings/configurations.h"
 
 namespace coffrelune {
@@ -14,7 +15,8 @@ namespace coffrelune {
 /// `SystemMod::pendingMaximumIndex`, which are the current ones unless OK changed them.
 class ConfigForm final : public Window {
   public:
-    explicit ConfigForm(SystemMod& system);
+    /// `tasks` is not owned; null where nothing can be planned.
+    explicit ConfigForm(SystemMod& system, TaskScheduler* tasks = nullptr);
 
     enum CmdIndex : std::size_t {
         okCmd,
@@ -55,6 +57,7 @@ class ConfigForm final : public Window {
     bool belongsToAnother(const std::string& name) const;
     void add();
     void erase();
+    void eraseChosen(const std::string& name);
     void play(std::size_t sound);
     void accept();
     void storeOptions();
@@ -62,6 +65,7 @@ class ConfigForm final : public Window {
     Answer say(const std::string& text, MessageIcon icon, MessageButtons buttons);
 
     SystemMod& system_;
+    TaskScheduler* tasks_;
     std::vector<ListedConfiguration> listed_;  // by position in Liste
 };
 

@@ -2,6 +2,7 @@
 
 #include "dialogs/config_form.h"
 #include "dialogs/text_dialogs.h"
+#include "system/planned_runs.h"
 #include "system/text.h"
 
 namespace coffrelune {
@@ -16,8 +17,9 @@ std::string failure(const std::string& what, const Status& status) {
 
 }  // namespace
 
-ConfigurationPanel::ConfigurationPanel(SystemMod& system, MainDialogs& dialogs, LineRows& rows)
-    : system_(system), dialogs_(dialogs), rows_(rows) {
+ConfigurationPanel::ConfigurationPanel(SystemMod& system, Desktop& desktop, MainDialogs& dialogs,
+                                       LineRows& rows)
+    : system_(system), tasks_(desktop.tasks), dialogs_(dialogs), rows_(rows) {
     ConfigCb.setToolTip("Choisir une autre configuration");
     ConfigCb.setSpokenName("Configuration");
     RenameCmd.setToolTip("Donner un autre nom à cette configuration");
@@ -43,7 +45,7 @@ void ConfigurationPanel::showName() {
 }
 
 void ConfigurationPanel::choose() {
-    ConfigForm form(system_);
+    ConfigForm form(system_, tasks_);
     dialogs_.show(form);
     // Without a name every later setting would have nowhere to go.
     const std::string chosen = system_.selectedConfiguration.empty()
@@ -98,11 +100,21 @@ void ConfigurationPanel::rename() {
     const bool bearsIt = system_.configurationName == to;
     if (bearsIt) takeConfiguration(system_, to);
     showName();
-    if (renamed.ok()) return;
-    dialogs_.say(failure(bearsIt ? "Une liste des erreurs a gardé l'ancien nom"
-                                 : "La configuration n'a pas pu être renommée",
-                         renamed),
-                 MessageIcon::exclamation, MessageButtons::ok, renameTitle);
+    if (!renamed.ok()) {
+        dialogs_.say(failure(bearsIt ? "Une liste des erreurs a gardé l'ancien nom"
+                                     : "La configuration n'a pas pu être renommée",
+                             renamed),
+                     MessageIcon::exclamation, MessageButtons::ok, renameTitle);
+    }
+    if (bearsIt) renamePlan(from, to);
+}
+
+void ConfigurationPanel::renamePlan(const std::string& from, const std::string& to) {
+    if (tasks_ == nullptr) return;
+    const PlanFate plan = movePlan(*tasks_, from, to);
+    if (plan.text.empty()) return;
+    dialogs_.say(plan.text, plan.status.ok() ? MessageIcon::information : MessageIcon::exclamation,
+                 MessageButtons::ok, renameTitle);
 }
 
 void ConfigurationPanel::duplicate() {

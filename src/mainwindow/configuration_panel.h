@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "mainwindow/line_rows.h"
+#include "platform/desktop_services.h"
 #include "platform/input_controls.h"
 #include "settings/configurations.h"
 
@@ -14,7 +15,7 @@ namespace coffrelune {
 /// choose, name, copy and describe it.
 class ConfigurationPanel {
   public:
-    ConfigurationPanel(SystemMod& system, MainDialogs& dialogs, LineRows& rows);
+    ConfigurationPanel(SystemMod& system, Desktop& desktop, MainDialogs& dialogs, LineRows& rows);
 
     Label ConfigLbl;   // "Travail (description)"
     ListBox ConfigCb;  // drop-down of all of them
@@ -34,6 +35,7 @@ class ConfigurationPanel {
   private:
     void pick();
     void rename();
+    void renamePlan(const std::string& from, const std::string& to);
     void duplicate();
     void load(const std::string& name);
     /// Empty when the dialog was cancelled or the name reserved.
@@ -41,6 +43,7 @@ class ConfigurationPanel {
     bool refused(ConfigurationRefusal refusal, const std::string& title);
 
     SystemMod& system_;
+    TaskScheduler* tasks_;
     MainDialogs& dialogs_;
     LineRows& rows_;
     std::vector<ListedConfiguration> listed_;  // by position in ConfigCb

@@ -32,7 +32,7 @@ MainForm::MainForm(SystemMod& system, Desktop& desktop)
       lineCommands(system, desktop, dialogs_, lines),
       drag(system, dialogs_, lines),
       destinations(system, desktop, dialogs_, lines),
-      configuration(system, dialogs_, lines),
+      configuration(system, desktop, dialogs_, lines),
       toolbar(system, desktop, dialogs_, lineCommands, configuration, destinations),
       schedule(system, desktop, dialogs_, Cmd[taskSchedulerCmd]),
       program(system, desktop, dialogs_),

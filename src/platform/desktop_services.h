@@ -66,7 +66,7 @@ struct Desktop {
     ShellService& shell;
     DriveInformation& driveInformation;
     RegistryService& registry;
-    TaskScheduler* tasks = nullptr;  // null where the desktop's own window is the way
+    TaskScheduler* tasks = nullptr;  // null where nothing can be planned
 };
 
 }  // namespace coffrelune

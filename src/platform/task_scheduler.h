@@ -24,6 +24,12 @@ struct PlannedEntry {
     std::string command;  // the same
 };
 
+/// Neighbouring words of a planned command, and what takes their place.
+struct WordChange {
+    std::vector<std::string> from;
+    std::vector<std::string> to;
+};
+
 /// The scheduler of the system. A configuration has one task at most, and nothing that somebody
 /// else has planned is ever touched.
 class TaskScheduler {
@@ -35,7 +41,13 @@ class TaskScheduler {
     virtual Status write(const PlannedTask& task, std::string& advice) = 0;
     /// 2 when nothing is planned.
     virtual Status read(const std::string& name, PlannedEntry& entry) = 0;
+    /// 2 when nothing is planned.
     virtual Status remove(const std::string& name) = 0;
+    /// Moves what is planned for `from` to `to`, in the place of what that one has: same times,
+    /// same command but for the first of `changes` whose words it holds. 2 when nothing is planned,
+    /// 13 when the command holds none of them, as somebody else may have written it: it stays then.
+    virtual Status rename(const std::string& from, const std::string& to,
+                          const std::vector<WordChange>& changes) = 0;
 };
 
 }  // namespace coffrelune

@@ -4,6 +4,18 @@
 #include "system/text.h"
 
 namespace coffrelune {
+namespace {
+
+std::string quoted(const std::string& name) {
+    return "« " + name + " »";
+}
+
+std::string wayOut(const Status& status, const std::string& name) {
+    return " (erreur " + std::to_string(status.code()) +
+           "). Pour la retirer : coffrelune-console planifier retirer --config \"" + name + "\"";
+}
+
+}  // namespace
 
 PlannedTask plannedConsole(const std::string& program, const std::string& configuration) {
     PlannedTask task;
@@ -19,6 +31,28 @@ PlannedTask plannedWindow(const std::string& program, const std::string& configu
     task.program = program;
     task.arguments = {"/Auto", "/" + configuration};
     return task;
+}
+
+PlanFate movePlan(TaskScheduler& scheduler, const std::string& from, const std::string& to) {
+    std::vector<WordChange> changes = {{{"--config", from}, {"--config", to}}};
+    // What follows a "/" on the command line of the windows is another name.
+    if (to.find('/') == std::string::npos) {
+        changes.push_back({{"/Auto", "/" + from}, {"/Auto", "/" + to}});
+    }
+    Status moved = scheduler.rename(from, to, changes);
+    if (moved.saysAbsent()) return {};
+    if (moved.ok())
+        return {moved, "La sauvegarde planifiée porte maintenant sur " + quoted(to) + "."};
+    return {moved, "La planification de " + quoted(from) + " n'a pas pu suivre le nouveau nom" +
+                       wayOut(moved, from)};
+}
+
+PlanFate erasePlan(TaskScheduler& scheduler, const std::string& name) {
+    Status removed = scheduler.remove(name);
+    if (removed.saysAbsent()) return {};
+    if (removed.ok()) return {removed, "La planification de " + quoted(name) + " est retirée."};
+    return {removed, "La planification de " + quoted(name) + " n'a pas pu être retirée" +
+                         wayOut(removed, name)};
 }
 
 std::string programBeside(const std::string& console) {

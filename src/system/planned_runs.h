@@ -14,6 +14,19 @@ PlannedTask plannedConsole(const std::string& program, const std::string& config
 /// The program with windows: "/Auto".
 PlannedTask plannedWindow(const std::string& program, const std::string& configuration);
 
+/// What became of a configuration's planned run, for the user; `text` is empty when it had none.
+struct PlanFate {
+    Status status;
+    std::string text;
+};
+
+/// After a configuration has been renamed: its planned run goes with it. One that cannot stays as
+/// it is.
+PlanFate movePlan(TaskScheduler& scheduler, const std::string& from, const std::string& to);
+
+/// After a configuration has been erased: its planned run has nothing left to save.
+PlanFate erasePlan(TaskScheduler& scheduler, const std::string& name);
+
 /// The program with windows that lies beside the console.
 std::string programBeside(const std::string& console);
 

@@ -214,4 +214,46 @@ def planning(place, report):
                  outcome.err, outcome)
 
 
-SCENARIOS = (reports, failures_reported, alert, hashes_of_many, hash_lists, planning)
+def planned_names(place, report):
+    """renommer ou effacer une configuration emmène ou retire ce qui est planifié pour elle"""
+    units = f"{place.root}/config/systemd/user"
+    place.language = {"PATH": f"{place.root}/outils:/usr/bin:/bin",
+                      "XDG_CONFIG_HOME": f"{place.root}/config"}
+    fake(place, "systemctl", f'echo "$@" >>"{place.root}/appels"')
+    place.write_line(name="Travail")
+    place.console("planifier", "ajouter", "--config", "travail", "--heure", "08:05", "--jours",
+                  "lundi")
+    outcome = place.console("configurations", "renommer", "travail", "le bureau")
+    report.check("renommée, et c'est dit", outcome.status == 0 and
+                 "La sauvegarde planifiée porte maintenant sur « Le bureau »." in
+                 outcome.out + outcome.err, outcome)
+    report.equal("le timer porte le nouveau nom", sorted(os.listdir(units)),
+                 ["coffrelune-Le_20bureau.service", "coffrelune-Le_20bureau.timer"])
+    service = read(f"{units}/coffrelune-Le_20bureau.service").decode()
+    report.check("et le nomme", '"--config" "Le bureau" "--ecraser"' in service, service)
+    report.check("à la même heure", "OnCalendar=Mon *-*-* 08:05:00" in
+                 read(f"{units}/coffrelune-Le_20bureau.timer").decode())
+    calls = read(f"{place.root}/appels").decode().splitlines()
+    report.check("il est en route, l'ancien arrêté", "--user restart coffrelune-Le_20bureau.timer"
+                 in calls and "--user disable --now coffrelune-Travail.timer" in calls, calls)
+    fake(place, "systemctl", 'case "$*" in *enable*) exit 1 ;; esac')
+    outcome = place.console("configurations", "renommer", "le bureau", "maison")
+    report.check("ce qui ne peut pas suivre est dit", outcome.status == 1 and
+                 "n'a pas pu suivre" in outcome.err and "planifier retirer" in outcome.err, outcome)
+    names = place.console("configurations").out
+    report.check("la configuration est renommée quand même", "Maison" in names, names)
+    report.equal("l'ancien timer est resté", sorted(os.listdir(units))[1:],
+                 ["coffrelune-Le_20bureau.timer"])
+    report.equal("le conseil donné marche", place.console("planifier", "retirer", "--config",
+                                                          "Le bureau").status, 0)
+    fake(place, "systemctl", "exit 0")
+    place.console("planifier", "ajouter", "--config", "maison", "--heure", "08:05")
+    place.console("configurations", "ajouter", "reste")
+    place.console("configurations", "choisir", "reste")
+    outcome = place.console("configurations", "effacer", "maison", "--confirmer")
+    report.check("effacée, et c'est dit", outcome.status == 0 and
+                 "La planification de « Maison » est retirée." in outcome.out + outcome.err, outcome)
+    report.equal("aucun timer n'en reste", os.listdir(units), [])
+
+
+SCENARIOS = (reports, failures_reported, alert, hashes_of_many, hash_lists, planning, planned_names)

@@ -309,6 +309,68 @@ TEST_F(ConfigurationPanelTest, ARenamingThatCannotBeStoredIsTold) {
     EXPECT_EQ(label(), "General");
 }
 
+class PlannedConfigurationTest : public ConfigurationPanelTest {
+  protected:
+    PlannedConfigurationTest() {
+        std::string advice;
+        PlannedTask task;
+        for (const char* name : {"General", "Travail"}) {
+            task.name = name;
+            task.arguments = {"/Auto", std::string("/") + name};
+            EXPECT_TRUE(memoryDesktop.tasks().write(task, advice).ok());
+        }
+    }
+    Texts planned() {
+        Texts names;
+        for (const auto& [name, task] : memoryDesktop.tasks().tasks()) names.push_back(name);
+        return names;
+    }
+};
+
+TEST_F(PlannedConfigurationTest, TakesItsPlanAlongToItsNewName) {
+    start(two);
+    user().answer(Answer::ok);
+    rename("maison");
+    EXPECT_THAT(planned(), ElementsAre("Maison", "Travail"));
+    EXPECT_THAT(lastMessage(), IsMessage("La sauvegarde planifiée porte maintenant sur « Maison ».",
+                                         "Renommer la configuration", MessageIcon::information));
+}
+
+TEST_F(PlannedConfigurationTest, IsRenamedAlsoWhenItsPlanStays) {
+    start(two);
+    memoryDesktop.tasks().fail(error_number::accessDenied);
+    user().answer(Answer::ok);
+    rename("maison");
+    EXPECT_EQ(label(), "Maison");
+    EXPECT_THAT(planned(), ElementsAre("General", "Travail"));
+    EXPECT_EQ(lastMessage().icon, MessageIcon::exclamation);
+}
+
+TEST_F(PlannedConfigurationTest, TakesItsPlanAway) {
+    start(two);
+    chooseIn([this](ConfigForm& dialog) {
+        dialog.Liste.pick(1);
+        user().answer(Answer::ok);  // erase it
+        user().answer(Answer::ok);  // what is told of the plan
+        dialog.Cmd[3].click();
+        dialog.Cmd[1].click();
+    });
+    EXPECT_THAT(planned(), ElementsAre("General"));
+    EXPECT_EQ(lastMessage().text, "La planification de « Travail » est retirée.");
+}
+
+TEST_F(PlannedConfigurationTest, KeepsItsPlanWhenItCannotBeErased) {
+    start(two);
+    disk().setInUse(settingsFile);
+    chooseIn([this](ConfigForm& dialog) {
+        dialog.Liste.pick(1);
+        user().answer(Answer::ok);
+        dialog.Cmd[3].click();
+        dialog.Cmd[1].click();
+    });
+    EXPECT_THAT(planned(), ElementsAre("General", "Travail"));
+}
+
 TEST_F(ConfigurationPanelTest, ADuplicateIsShownAndHasNeverRun) {
     start(two, "/travail");
     duplicate("maison");

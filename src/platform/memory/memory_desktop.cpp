@@ -1,5 +1,7 @@
 #include "platform/memory/memory_desktop.h"
 
+#include <algorithm>
+
 namespace coffrelune {
 namespace {
 
@@ -102,6 +104,25 @@ Status MemoryTaskScheduler::read(const std::string& name, PlannedEntry& entry) {
 Status MemoryTaskScheduler::remove(const std::string& name) {
     if (failure_ != 0) return Status::failure(failure_, name);
     return tasks_.erase(name) > 0 ? Status() : Status::failure(error_number::fileNotFound, name);
+}
+
+Status MemoryTaskScheduler::rename(const std::string& from, const std::string& to,
+                                   const std::vector<WordChange>& changes) {
+    const auto found = tasks_.find(from);
+    if (found == tasks_.end()) return Status::failure(error_number::fileNotFound, from);
+    if (failure_ != 0) return Status::failure(failure_, from);
+    PlannedTask task = found->second;
+    for (const auto& [old, now] : changes) {
+        const auto at =
+            std::search(task.arguments.begin(), task.arguments.end(), old.begin(), old.end());
+        if (at == task.arguments.end()) continue;
+        std::copy(now.begin(), now.end(), at);
+        task.name = to;
+        tasks_.erase(found);
+        tasks_[to] = task;
+        return {};
+    }
+    return Status::failure(error_number::invalidData, from);
 }
 
 }  // namespace coffrelune

@@ -104,9 +104,11 @@ class MemoryTaskScheduler final : public TaskScheduler {
     Status write(const PlannedTask& task, std::string& advice) override;
     Status read(const std::string& name, PlannedEntry& entry) override;
     Status remove(const std::string& name) override;
+    Status rename(const std::string& from, const std::string& to,
+                  const std::vector<WordChange>& changes) override;
 
     const std::map<std::string, PlannedTask>& tasks() const { return tasks_; }
-    /// What write() and remove() answer; 0 for success.
+    /// What write(), remove() and rename() answer; 0 for success.
     void fail(std::uint32_t number) { failure_ = number; }
 
   private:

@@ -121,6 +121,65 @@ TEST_F(TaskSchedulerTest, WritesOverNoCrontabThatCannotBeRead) {
     EXPECT_EQ(disk_.read("table"), "0 1 * * * ls\n");
 }
 
+std::vector<WordChange> toBureau() {
+    return {{{"--config", "Travail"}, {"--config", "Bureau"}}};
+}
+
+TEST(PlannedTexts, AreRenamedWithoutTouchingWhatElseTheUserWrote) {
+    const std::string service =
+        "# mine\nDescription=Coffrelune, sauvegarde de Travail\nNice=5\n"
+        "ExecStart=\"/bin/Travail\" \"--config\" \"Travail\" \"--rapport\" \"Travail\"\n";
+    EXPECT_EQ(serviceRenamed(service, "Travail", "Bureau", toBureau()),
+              "# mine\nDescription=Coffrelune, sauvegarde de Bureau\nNice=5\n"
+              "ExecStart=\"/bin/Travail\" \"--config\" \"Bureau\" \"--rapport\" \"Travail\"\n");
+    EXPECT_EQ(
+        serviceRenamed("ExecStart=/bin/c --config Travail\n", "Travail", "Bureau", toBureau()), "");
+    EXPECT_EQ(serviceRenamed("[Service]\n", "Travail", "Bureau", toBureau()), "");
+    EXPECT_EQ(timerRenamed("Description=Coffrelune, sauvegarde de Travail\nOnCalendar=hourly\n",
+                           "Travail", "Bureau"),
+              "Description=Coffrelune, sauvegarde de Bureau\nOnCalendar=hourly\n");
+}
+
+TEST_F(TaskSchedulerTest, RenamesATimerWithItsTimes) {
+    installManager("exit 0");
+    PlannedTask task = someTask();
+    task.days = {1, 7};
+    ASSERT_TRUE(write(task).ok());
+    ASSERT_TRUE(scheduler().rename("Travail", "Bureau", toBureau()).ok());
+    EXPECT_FALSE(isPlanned());
+    PlannedEntry moved;
+    ASSERT_TRUE(scheduler().read("Bureau", moved).ok());
+    EXPECT_EQ(moved.when, "Mon,Sun *-*-* 08:05:00");
+    EXPECT_EQ(moved.command, R"("/usr/bin/coffrelune-console" "sauvegarder" "--config" "Bureau")");
+}
+
+TEST_F(TaskSchedulerTest, RenamesALineOfTheCrontabInThePlaceOfAnotherOne) {
+    installManager("exit 1");
+    disk_.write("table", "0 1 * * * ls\n");
+    PlannedTask stale = someTask();
+    stale.name = "Bureau";
+    ASSERT_TRUE(write(stale).ok());
+    ASSERT_TRUE(write(someTask()).ok());
+    ASSERT_TRUE(scheduler().rename("Travail", "Bureau", toBureau()).ok());
+    EXPECT_EQ(disk_.read("table"),
+              "0 1 * * * ls\n# Coffrelune, sauvegarde planifiée de : Bureau\n"
+              "5 8 * * * '/usr/bin/coffrelune-console' 'sauvegarder' '--config' 'Bureau'\n");
+}
+
+TEST_F(TaskSchedulerTest, KeepsWhatItCannotRename) {
+    EXPECT_EQ(scheduler().rename("Travail", "Bureau", toBureau()).code(),
+              error_number::fileNotFound);
+    installManager("exit 0");
+    ASSERT_TRUE(write(someTask()).ok());
+    EXPECT_EQ(scheduler().rename("Travail", "Bureau", {}).code(), error_number::invalidData);
+    installManager("case \"$*\" in *enable*) exit 1 ;; esac");
+    EXPECT_EQ(scheduler().rename("Travail", "Bureau", toBureau()).code(),
+              error_number::generalFailure);
+    EXPECT_TRUE(isPlanned());
+    PlannedEntry none;
+    EXPECT_FALSE(scheduler().read("Bureau", none).ok());
+}
+
 TEST_F(TaskSchedulerTest, SaysThatThereIsNoScheduler) {
     options_.searchPath = disk_.at("nothing");
     EXPECT_EQ(write(someTask()).code(), error_number::notSupported);

@@ -39,6 +39,21 @@ TEST(ArgumentLine, ComesBackAsItsWords) {
               R"("C:\a b\\" "say \"x\"" C:\)");
 }
 
+TEST(TaskXml, IsRenamedWithoutTouchingItsTimes) {
+    PlannedTask task = someTask();
+    const std::vector<WordChange> changes = {{{"--config", task.name}, {"--config", "Bureau"}},
+                                             {{"/Auto", "/Travail & Cie"}, {"/Auto", "/À <nous>"}}};
+    const std::string xml =
+        taskXmlRenamed(taskXml(task, "2026-11-22"), task.name, "Bureau", changes);
+    EXPECT_THAT(xml, HasSubstr("<Description>Coffrelune, sauvegarde de Bureau<"));
+    EXPECT_THAT(xml, HasSubstr(R"(<Arguments>/Auto "/À &lt;nous&gt;"</Arguments>)"));
+    EXPECT_THAT(xml, HasSubstr("<StartBoundary>2026-11-22T08:05:00</StartBoundary>"));
+    EXPECT_EQ(taskXmlRenamed(taskXml(task, "2026-11-22"), task.name, "Bureau", {changes[0]}), "");
+    task.program = R"(C:\?\c.exe)";
+    EXPECT_EQ(taskXmlRenamed(taskXml(task, "2026-11-22"), task.name, "Bureau", changes), "")
+        << "a character was lost";
+}
+
 TEST(Win32TaskScheduler, PlansATaskAndTakesItBack) {
     Win32TaskScheduler scheduler;
     PlannedTask task = someTask();

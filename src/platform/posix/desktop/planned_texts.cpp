@@ -53,6 +53,36 @@ std::string cronWord(std::string_view word) {
     return quoted + "'";
 }
 
+std::string unitWords(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) text += (text.empty() ? "" : " ") + unitWord(word, true);
+    return text;
+}
+
+std::string cronWords(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) text += (text.empty() ? "" : " ") + cronWord(word);
+    return text;
+}
+
+/// The command with the first of `changes` that it holds; empty when it holds none.
+std::string commandChanged(const std::string& command, const std::vector<WordChange>& changes,
+                           std::string (*written)(const std::vector<std::string>& words)) {
+    for (const WordChange& change : changes) {
+        const std::string old = " " + written(change.from);
+        const auto at = command.find(old);
+        if (at == std::string::npos) continue;
+        const auto end = at + old.size();
+        if (end < command.size() && command[end] != ' ') continue;
+        return command.substr(0, at) + " " + written(change.to) + command.substr(end);
+    }
+    return {};
+}
+
+std::string titleOf(const std::string& name) {
+    return "Description=Coffrelune, sauvegarde de " + onOneLine(name);
+}
+
 std::string cronSchedule(const PlannedTask& task) {
     const auto number = [](const std::string& digits) { return std::to_string(std::stoi(digits)); };
     std::string days;
@@ -65,15 +95,11 @@ std::string cronSchedule(const PlannedTask& task) {
 
 std::string serviceText(const PlannedTask& task, const std::vector<std::string>& words,
                         const std::string& home) {
-    std::string command;
-    for (const std::string& word : words) {
-        command += (command.empty() ? "" : " ") + unitWord(word, true);
-    }
     std::string text = "# Écrit par Coffrelune (coffrelune-console planifier).\n[Unit]\n";
-    text += "Description=Coffrelune, sauvegarde de " + onOneLine(task.name) + "\n\n[Service]\n";
+    text += titleOf(task.name) + "\n\n[Service]\n";
     text += "Type=oneshot\n";
     if (!home.empty()) text += "Environment=" + unitWord("COFFRELUNE_HOME=" + home, false) + "\n";
-    return text + "ExecStart=" + command + "\n";
+    return text + "ExecStart=" + unitWords(words) + "\n";
 }
 
 std::string timerText(const PlannedTask& task) {
@@ -84,10 +110,9 @@ std::string timerText(const PlannedTask& task) {
             (days.empty() ? "" : ",") + std::string(names.at(static_cast<std::size_t>(day) - 1));
     }
     // A time that was missed, the computer being off, is made up for when it starts.
-    return "# Écrit par Coffrelune (coffrelune-console planifier).\n[Unit]\n"
-           "Description=Coffrelune, sauvegarde de " +
-           onOneLine(task.name) + "\n\n[Timer]\nOnCalendar=" + days + (days.empty() ? "" : " ") +
-           "*-*-* " + task.time + ":00\nPersistent=true\n\n[Install]\nWantedBy=timers.target\n";
+    return "# Écrit par Coffrelune (coffrelune-console planifier).\n[Unit]\n" + titleOf(task.name) +
+           "\n\n[Timer]\nOnCalendar=" + days + (days.empty() ? "" : " ") + "*-*-* " + task.time +
+           ":00\nPersistent=true\n\n[Install]\nWantedBy=timers.target\n";
 }
 
 std::string unitName(const std::string& name) {
@@ -127,8 +152,41 @@ std::string crontabWith(const std::string& crontab, const PlannedTask& task,
     std::string text = crontabWithout(crontab, task.name);
     text.append(mark).append(onOneLine(task.name)).append("\n").append(cronSchedule(task));
     if (!home.empty()) text += " COFFRELUNE_HOME=" + cronWord(home);
-    for (const std::string& word : words) text += " " + cronWord(word);
-    return text + "\n";
+    return text + " " + cronWords(words) + "\n";
+}
+
+std::string serviceRenamed(const std::string& service, const std::string& from,
+                           const std::string& to, const std::vector<WordChange>& changes) {
+    constexpr std::string_view key = "ExecStart=";
+    std::istringstream lines(service);
+    std::string text;
+    bool changed = false;
+    for (std::string line; std::getline(lines, line);) {
+        if (line == titleOf(from)) line = titleOf(to);
+        if (line.starts_with(key)) {
+            line = commandChanged(line, changes, unitWords);
+            changed = !line.empty();
+        }
+        text += line + "\n";
+    }
+    return changed ? text : std::string();
+}
+
+std::string timerRenamed(const std::string& timer, const std::string& from, const std::string& to) {
+    std::istringstream lines(timer);
+    std::string text;
+    for (std::string line; std::getline(lines, line);) {
+        text += (line == titleOf(from) ? titleOf(to) : line) + "\n";
+    }
+    return text;
+}
+
+std::string crontabRenamed(const std::string& crontab, const std::string& from,
+                           const std::string& to, const std::vector<WordChange>& changes) {
+    const std::string line = commandChanged(crontabLine(crontab, from), changes, cronWords);
+    if (line.empty()) return {};
+    std::string text = crontabWithout(crontabWithout(crontab, from), to);
+    return text.append(mark).append(onOneLine(to)).append("\n").append(line).append("\n");
 }
 
 std::string crontabLine(const std::string& crontab, const std::string& name) {

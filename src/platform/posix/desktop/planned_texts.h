@@ -26,6 +26,13 @@ std::string crontabWith(const std::string& crontab, const PlannedTask& task,
                         const std::vector<std::string>& words, const std::string& home);
 /// The user's crontab without the task of a configuration.
 std::string crontabWithout(const std::string& crontab, const std::string& name);
+/// The texts of a service and of the crontab after the task of `from` has become that of `to`: its
+/// titles, and the first of `changes` whose words its command holds. Empty when it holds none.
+std::string serviceRenamed(const std::string& service, const std::string& from,
+                           const std::string& to, const std::vector<WordChange>& changes);
+std::string timerRenamed(const std::string& timer, const std::string& from, const std::string& to);
+std::string crontabRenamed(const std::string& crontab, const std::string& from,
+                           const std::string& to, const std::vector<WordChange>& changes);
 /// The line that starts it; empty without one.
 std::string crontabLine(const std::string& crontab, const std::string& name);
 

@@ -76,7 +76,8 @@ Status PosixTaskScheduler::write(const PlannedTask& task, std::string& advice) {
     std::string crontab;
     const bool hasCrontab = readCrontab(crontab);
     if (hasManager()) {
-        Status written = writeTimer(task, words);
+        Status written =
+            writeTimer(task.name, serviceText(task, words, options_.home), timerText(task));
         // One of the two is enough.
         if (written.ok() && hasCrontab && !crontabLine(crontab, task.name).empty()) {
             written = writeCrontab(crontabWithout(crontab, task.name));
@@ -90,23 +91,23 @@ Status PosixTaskScheduler::write(const PlannedTask& task, std::string& advice) {
     return writeCrontab(crontabWith(crontab, task, words, options_.home));
 }
 
-Status PosixTaskScheduler::writeTimer(const PlannedTask& task,
-                                      const std::vector<std::string>& words) {
+Status PosixTaskScheduler::writeTimer(const std::string& name, const std::string& serviceUnit,
+                                      const std::string& timerUnit) {
     const std::string directory = joinNative(options_.configurationDirectory, "systemd/user");
     int error = makeDirectories(directory);
     const auto put = [&](const char* ending, const std::string& text) {
-        if (error == 0) error = writeWholeFile(unitPath(task.name, ending), text, Durability::now);
+        if (error == 0) error = writeWholeFile(unitPath(name, ending), text, Durability::now);
     };
-    put(".service", serviceText(task, words, options_.home));
-    put(".timer", timerText(task));
-    if (error != 0) return Status::failure(windowsError(error), task.name);
-    const std::string timer = unitName(task.name) + ".timer";
+    put(".service", serviceUnit);
+    put(".timer", timerUnit);
+    if (error != 0) return Status::failure(windowsError(error), name);
+    const std::string timer = unitName(name) + ".timer";
     // Started anew, so that another time than before counts at once.
     if (callManager({"daemon-reload"}) && callManager({"enable", timer}) &&
         callManager({"restart", timer})) {
         return {};
     }
-    (void)removeTimer(task.name);  // what is left would start nothing
+    (void)removeTimer(name);  // what is left would start nothing
     return Status::failure(error_number::generalFailure, timer);
 }
 
@@ -159,6 +160,35 @@ Status PosixTaskScheduler::remove(const std::string& name) {
     std::string crontab;
     if (!readCrontab(crontab) || crontabLine(crontab, name).empty()) return timer;
     return writeCrontab(crontabWithout(crontab, name));
+}
+
+Status PosixTaskScheduler::renameTimer(const std::string& from, const std::string& to,
+                                       const std::vector<WordChange>& changes) {
+    const std::string path = unitPath(from, ".timer");
+    if (path.empty() || access(path.c_str(), F_OK) != 0) {
+        return Status::failure(error_number::fileNotFound, from);
+    }
+    std::string timer;
+    std::string service;
+    const int error = readWholeFile(path, longest, timer);
+    if (error != 0) return Status::failure(windowsError(error), from);
+    // Without its service the timer starts nothing that is known here.
+    if (readWholeFile(unitPath(from, ".service"), longest, service) != 0) service.clear();
+    service = serviceRenamed(service, from, to, changes);
+    if (service.empty()) return Status::failure(error_number::invalidData, from);
+    Status written = writeTimer(to, service, timerRenamed(timer, from, to));
+    return written.ok() ? removeTimer(from) : written;
+}
+
+Status PosixTaskScheduler::rename(const std::string& from, const std::string& to,
+                                  const std::vector<WordChange>& changes) {
+    Status timer = renameTimer(from, to, changes);
+    if (!timer.saysAbsent()) return timer;
+    std::string crontab;
+    if (!readCrontab(crontab) || crontabLine(crontab, from).empty()) return timer;
+    const std::string renamed = crontabRenamed(crontab, from, to, changes);
+    if (renamed.empty()) return Status::failure(error_number::invalidData, from);
+    return writeCrontab(renamed);
 }
 
 }  // namespace coffrelune

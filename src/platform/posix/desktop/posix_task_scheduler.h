@@ -27,11 +27,17 @@ class PosixTaskScheduler final : public TaskScheduler {
     Status write(const PlannedTask& task, std::string& advice) override;
     Status read(const std::string& name, PlannedEntry& entry) override;
     Status remove(const std::string& name) override;
+    Status rename(const std::string& from, const std::string& to,
+                  const std::vector<WordChange>& changes) override;
 
   private:
     bool hasManager();
     bool callManager(const std::vector<std::string>& words);
-    Status writeTimer(const PlannedTask& task, const std::vector<std::string>& words);
+    /// Writes both units and starts the timer; leaves nothing when that fails.
+    Status writeTimer(const std::string& name, const std::string& service,
+                      const std::string& timer);
+    Status renameTimer(const std::string& from, const std::string& to,
+                       const std::vector<WordChange>& changes);
     Status removeTimer(const std::string& name);
     Status writeCrontab(const std::string& text);
     /// False where there is no crontab program, or it cannot be read; an absent one is empty.

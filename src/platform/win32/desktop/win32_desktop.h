@@ -5,6 +5,7 @@
 #include "platform/desktop_services.h"
 #include "platform/services.h"
 #include "platform/win32/desktop/win32_drive_information.h"
+#include "platform/win32/desktop/win32_task_scheduler.h"
 
 namespace coffrelune {
 
@@ -76,7 +77,7 @@ class Win32Desktop {
     Win32Desktop& operator=(const Win32Desktop&) = delete;
 
     /// References to the services of this object, which outlives them.
-    Desktop desktop() { return {shell_, driveInformation_, registry_}; }
+    Desktop desktop() { return {shell_, driveInformation_, registry_, &tasks_}; }
     SoundService& sounds() { return sounds_; }
 
   private:
@@ -84,6 +85,7 @@ class Win32Desktop {
     Win32Shell shell_;
     Win32DriveInformation driveInformation_;
     Win32Registry registry_;
+    Win32TaskScheduler tasks_;
     Win32Sounds sounds_;
 };
 

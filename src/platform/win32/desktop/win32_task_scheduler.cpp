@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <array>
+#include <optional>
 #include <string_view>
 
 #include "platform/win32/native_path.h"
@@ -40,12 +41,46 @@ std::string unescaped(std::string text) {
     return text;
 }
 
-std::string element(const std::string& xml, const std::string& name) {
+/// Where the text of an element stands.
+struct Span {
+    std::size_t begin = 0;
+    std::size_t length = 0;
+};
+
+std::optional<Span> spanOf(const std::string& xml, const std::string& name) {
     const std::string open = "<" + name + ">";
     const auto begin = xml.find(open);
     const auto end = xml.find("</" + name + ">");
     if (begin == std::string::npos || end == std::string::npos || end < begin) return {};
-    return unescaped(xml.substr(begin + open.size(), end - begin - open.size()));
+    return Span{begin + open.size(), end - begin - open.size()};
+}
+
+std::string element(const std::string& xml, const std::string& name) {
+    const auto span = spanOf(xml, name);
+    return span ? unescaped(xml.substr(span->begin, span->length)) : std::string();
+}
+
+void setElement(std::string& xml, const std::string& name, const std::string& text) {
+    if (const auto span = spanOf(xml, name)) xml.replace(span->begin, span->length, escaped(text));
+}
+
+std::string titleOf(const std::string& configuration) {
+    return "Coffrelune, sauvegarde de " + configuration;
+}
+
+/// The arguments with the first of `changes` that they hold; empty when they hold none.
+std::string argumentsChanged(const std::string& arguments, const std::vector<WordChange>& changes) {
+    const std::string line = " " + arguments + " ";
+    for (const WordChange& change : changes) {
+        const std::string old = " " + argumentLine(change.from) + " ";
+        const auto at = line.find(old);
+        if (at == std::string::npos) continue;
+        const std::string before = line.substr(0, at + 1);
+        const std::string after = line.substr(at + old.size() - 1);
+        const std::string changed = before + argumentLine(change.to) + after;
+        return changed.substr(1, changed.size() - 2);
+    }
+    return {};
 }
 
 /// Reads until the program has closed its end.
@@ -112,6 +147,23 @@ std::wstring writeTemporary(const std::string& xml) {
     return path.data();
 }
 
+/// The task as the scheduler writes it; empty without one.
+std::string query(const std::string& configuration) {
+    std::string output;
+    if (runScheduler("/Query /XML /TN " + quotedName(configuration), output) != 0) return {};
+    return AnsiCodePage(GetOEMCP()).decode(output);
+}
+
+Status create(const std::string& configuration, const std::string& xml) {
+    const std::wstring file = writeTemporary(xml);
+    if (file.empty()) return Status::failure(GetLastError(), configuration);
+    std::string output;
+    const DWORD status = runScheduler(
+        "/Create /F /TN " + quotedName(configuration) + " /XML \"" + narrow(file) + "\"", output);
+    DeleteFileW(file.c_str());  // one that stays is swept with the other temporaries
+    return status == 0 ? Status() : Status::failure(error_number::generalFailure, configuration);
+}
+
 }  // namespace
 
 std::string taskName(const std::string& configuration) {
@@ -159,8 +211,8 @@ std::string taskXml(const PlannedTask& task, const std::string& day) {
     }
     return R"(<?xml version="1.0" encoding="UTF-16"?>
 <Task version="1.2" xmlns="http://schemas.microsoft.com/windows/2004/02/mit/task">
-  <RegistrationInfo><Description>Coffrelune, sauvegarde de )" +
-           escaped(task.name) +
+  <RegistrationInfo><Description>)" +
+           escaped(titleOf(task.name)) +
            R"(</Description></RegistrationInfo>
   <Triggers><CalendarTrigger><StartBoundary>)" +
            day + "T" + task.time + R"(:00</StartBoundary><Enabled>true</Enabled>)" + rhythm +
@@ -174,6 +226,22 @@ std::string taskXml(const PlannedTask& task, const std::string& day) {
 )";
 }
 
+std::string taskXmlRenamed(const std::string& xml, const std::string& from, const std::string& to,
+                           const std::vector<WordChange>& changes) {
+    const std::string arguments = element(xml, "Arguments");
+    // The scheduler's program writes "?" for what its code page does not hold, which is no
+    // character of a path.
+    const bool lossy = (element(xml, "Command") + arguments).find('?') != std::string::npos;
+    const std::string changed = argumentsChanged(arguments, changes);
+    if (lossy || changed.empty()) return {};
+    std::string renamed = xml;
+    setElement(renamed, "Arguments", changed);
+    if (element(xml, "Description") == titleOf(from))
+        setElement(renamed, "Description", titleOf(to));
+    setElement(renamed, "URI", "\\Coffrelune\\" + taskName(to));
+    return renamed;
+}
+
 Status Win32TaskScheduler::write(const PlannedTask& task, std::string& advice) {
     SYSTEMTIME now{};
     GetLocalTime(&now);
@@ -183,22 +251,12 @@ Status Win32TaskScheduler::write(const PlannedTask& task, std::string& advice) {
     };
     const std::string day =
         digits(now.wYear, 4) + "-" + digits(now.wMonth, 2) + "-" + digits(now.wDay, 2);
-    const std::wstring file = writeTemporary(taskXml(task, day));
-    if (file.empty()) return Status::failure(GetLastError(), task.name);
-    std::string output;
-    const DWORD status = runScheduler(
-        "/Create /F /TN " + quotedName(task.name) + " /XML \"" + narrow(file) + "\"", output);
-    DeleteFileW(file.c_str());  // one that stays is swept with the other temporaries
     advice = "La tâche part pendant que votre session est ouverte.";
-    return status == 0 ? Status() : Status::failure(error_number::generalFailure, task.name);
+    return create(task.name, taskXml(task, day));
 }
 
 Status Win32TaskScheduler::read(const std::string& name, PlannedEntry& entry) {
-    std::string output;
-    if (runScheduler("/Query /XML /TN " + quotedName(name), output) != 0) {
-        return Status::failure(error_number::fileNotFound, name);
-    }
-    const std::string xml = AnsiCodePage(GetOEMCP()).decode(output);
+    const std::string xml = query(name);
     if (element(xml, "Command").empty()) return Status::failure(error_number::fileNotFound, name);
     std::string when = element(xml, "StartBoundary");
     const auto time = when.find('T');
@@ -219,6 +277,21 @@ Status Win32TaskScheduler::remove(const std::string& name) {
     const DWORD status = runScheduler("/Delete /F /TN " + quotedName(name), output);
     if (status == 0) return {};
     return found.ok() ? Status::failure(error_number::generalFailure, name) : found;
+}
+
+Status Win32TaskScheduler::rename(const std::string& from, const std::string& to,
+                                  const std::vector<WordChange>& changes) {
+    const std::string xml = query(from);
+    if (element(xml, "Command").empty()) return Status::failure(error_number::fileNotFound, from);
+    const std::string renamed = taskXmlRenamed(xml, from, to, changes);
+    if (renamed.empty()) return Status::failure(error_number::invalidData, from);
+    Status created = create(to, renamed);
+    // Two configurations may share the name of a task, which is then the new one already.
+    const std::wstring old = wide(taskName(from));
+    const std::wstring now = wide(taskName(to));
+    const bool same = CompareStringOrdinal(old.c_str(), -1, now.c_str(), -1, TRUE) == CSTR_EQUAL;
+    if (!created.ok() || same) return created;
+    return remove(from);
 }
 
 }  // namespace coffrelune
