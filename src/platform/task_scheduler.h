@@ -19,9 +19,10 @@ struct PlannedTask {
 
 /// What is planned for a configuration.
 struct PlannedEntry {
-    std::string place;    // "timer systemd /home/…"
-    std::string when;     // as the system's scheduler writes it
-    std::string command;  // the same
+    std::string place;         // "timer systemd /home/…"
+    std::string when;          // as the system's scheduler writes it
+    std::string command;       // the same
+    bool sameSettings = true;  // it works on the settings that this program has
 };
 
 /// Neighbouring words of a planned command, and what takes their place.

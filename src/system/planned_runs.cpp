@@ -10,6 +10,12 @@ std::string quoted(const std::string& name) {
     return "« " + name + " »";
 }
 
+/// Another copy of the program may have planned a run under the same name.
+bool hasPlan(TaskScheduler& scheduler, const std::string& name) {
+    PlannedEntry entry;
+    return scheduler.read(name, entry).ok() && entry.sameSettings;
+}
+
 std::string wayOut(const Status& status, const std::string& name) {
     return " (erreur " + std::to_string(status.code()) +
            "). Pour la retirer : coffrelune-console planifier retirer --config \"" + name + "\"";
@@ -34,13 +40,13 @@ PlannedTask plannedWindow(const std::string& program, const std::string& configu
 }
 
 PlanFate movePlan(TaskScheduler& scheduler, const std::string& from, const std::string& to) {
+    if (!hasPlan(scheduler, from)) return {};
     std::vector<WordChange> changes = {{{"--config", from}, {"--config", to}}};
     // What follows a "/" on the command line of the windows is another name.
     if (to.find('/') == std::string::npos) {
         changes.push_back({{"/Auto", "/" + from}, {"/Auto", "/" + to}});
     }
     Status moved = scheduler.rename(from, to, changes);
-    if (moved.saysAbsent()) return {};
     if (moved.ok())
         return {moved, "La sauvegarde planifiée porte maintenant sur " + quoted(to) + "."};
     return {moved, "La planification de " + quoted(from) + " n'a pas pu suivre le nouveau nom" +
@@ -48,8 +54,8 @@ PlanFate movePlan(TaskScheduler& scheduler, const std::string& from, const std::
 }
 
 PlanFate erasePlan(TaskScheduler& scheduler, const std::string& name) {
+    if (!hasPlan(scheduler, name)) return {};
     Status removed = scheduler.remove(name);
-    if (removed.saysAbsent()) return {};
     if (removed.ok()) return {removed, "La planification de " + quoted(name) + " est retirée."};
     return {removed, "La planification de " + quoted(name) + " n'a pas pu être retirée" +
                          wayOut(removed, name)};

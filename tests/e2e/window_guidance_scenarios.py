@@ -14,6 +14,15 @@ def says(program, part):
     return comes(lambda: any(part in text for text in program.main.labels()), 20)
 
 
+def stand_ins(place, *names):
+    """Puts programs of the desktop into a directory of the place, which only tell of their calls."""
+    tools = f"{place.root}/outils"
+    for name in names:
+        write(f"{tools}/{name}", f'#!/bin/sh\necho "{name} $*" >>"{place.root}/appels"\n')
+        os.chmod(f"{tools}/{name}", 0o755)
+    return tools
+
+
 def reasons(place, report):
     """Source absente, ligne pas cochée, tout à jour, destination absente : la fenêtre dit pourquoi"""
     write(f"{place.source}/a.txt", "a")
@@ -178,10 +187,7 @@ def helping_hands(place, report):
     """F1 ouvre le manuel, une vieille sauvegarde se dit, le système sauvegarde sans la fenêtre"""
     write(f"{place.source}/a.txt", "a")
     place.write_line(more="LastSaveOk=01/02/2020 10:00:00\nAutoTime=08:05\n")
-    tools = f"{place.root}/outils"
-    for name in ("xdg-open", "notify-send", "systemctl"):
-        write(f"{tools}/{name}", f'#!/bin/sh\necho "{name} $*" >>"{place.root}/appels"\n')
-        os.chmod(f"{tools}/{name}", 0o755)
+    tools = stand_ins(place, "xdg-open", "notify-send", "systemctl")
     calls = lambda: read(f"{place.root}/appels").decode() if os.path.exists(
         f"{place.root}/appels") else ""
     searched = {"PATH": f"{tools}:/usr/bin:/bin"}
@@ -208,4 +214,37 @@ def helping_hands(place, report):
         lambda: "Sauvegarde terminée General : 1 fichier(s) copié(s)." in calls(), 20), calls())
 
 
-SCENARIOS = (reasons, first_backup, spoken_backup, spoken_schedule, small_disk, helping_hands)
+def planned_names(place, report):
+    """Renommer ou effacer une configuration dans la fenêtre emmène ou retire ce qui est planifié"""
+    place.write_line(more="AutoTime=08:05\n[Bureau]\nSource0=\"C:\\Bureau\"\n")
+    stand_ins(place, "systemctl")
+    units = f"{place.root}/config/systemd/user"
+    program = place.open(more={"PATH": f"{place.root}/outils:/usr/bin:/bin"})
+    program.main.find("button", "Planificateur de tâches").press()
+    program.answer("Oui")
+    program.answer("OK")
+    program.main.find("button", "Renommer la configuration").press()
+    window = program.window("Renommer la configuration")
+    window.find("field").set("maison")
+    window.keys("Return")
+    report.equal("c'est dit", program.answer("OK").words,
+                 "La sauvegarde planifiée porte maintenant sur « Maison ».")
+    report.equal("le timer a le nouveau nom", sorted(os.listdir(units)),
+                 ["coffrelune-Maison.service", "coffrelune-Maison.timer"])
+    service = read(f"{units}/coffrelune-Maison.service").decode()
+    report.check("et le nomme", '"/Auto" "/Maison"' in service, service)
+    program.main.find("choice", "Configuration").select(1)
+    report.check("une autre configuration", says(program, "Bureau"))
+    program.command("Configurations et options")
+    window = program.window("Configurations et options")
+    table = window.find("list")
+    table.cell_at(table.entries().index("Maison"), 0).press()
+    window.find("button", "Effacer").press()
+    program.answer("OK")
+    report.equal("c'est dit aussi", program.answer("OK").text,
+                 "La planification de « Maison » est retirée.")
+    report.equal("il n'en reste rien", os.listdir(units), [])
+
+
+SCENARIOS = (reasons, first_backup, spoken_backup, spoken_schedule, small_disk, helping_hands,
+             planned_names)

@@ -64,6 +64,14 @@ TEST_F(PlannedRunsTest, GoWithTheirConfiguration) {
     EXPECT_EQ(scheduler_.tasks().size(), 1U);
 }
 
+TEST_F(PlannedRunsTest, OfAnotherCopyOfTheProgramAreLeftAlone) {
+    plan(plannedConsole("C:\\c", "Travail"));
+    scheduler_.belongToAnother();
+    EXPECT_EQ(movePlan(scheduler_, "Travail", "Bureau").text, "");
+    EXPECT_EQ(erasePlan(scheduler_, "Travail").text, "");
+    EXPECT_EQ(scheduler_.tasks().count("Travail"), 1U);
+}
+
 TEST_F(PlannedRunsTest, ThatStayAreTold) {
     plan(plannedConsole("C:\\c", "Travail"));
     scheduler_.fail(error_number::accessDenied);

@@ -110,8 +110,11 @@ class MemoryTaskScheduler final : public TaskScheduler {
     const std::map<std::string, PlannedTask>& tasks() const { return tasks_; }
     /// What write(), remove() and rename() answer; 0 for success.
     void fail(std::uint32_t number) { failure_ = number; }
+    /// What is planned belongs to another copy of the program.
+    void belongToAnother() { sameSettings_ = false; }
 
   private:
+    bool sameSettings_ = true;
     std::map<std::string, PlannedTask> tasks_;
     std::uint32_t failure_ = 0;
 };

@@ -166,6 +166,22 @@ TEST_F(TaskSchedulerTest, RenamesALineOfTheCrontabInThePlaceOfAnotherOne) {
               "5 8 * * * '/usr/bin/coffrelune-console' 'sauvegarder' '--config' 'Bureau'\n");
 }
 
+TEST_F(TaskSchedulerTest, KnowsWhoseSettingsATaskWorksOn) {
+    for (const char* manager : {"exit 0", "exit 1"}) {
+        installManager(manager);
+        for (const char* home : {"", "/h 5%"}) {
+            options_.home = home;
+            ASSERT_TRUE(write(someTask()).ok());
+            EXPECT_TRUE(entry().sameSettings) << manager << home;
+            options_.home = "/h";
+            EXPECT_FALSE(entry().sameSettings) << manager << home;
+        }
+        options_.home = "";
+        EXPECT_FALSE(entry().sameSettings) << manager;
+        ASSERT_TRUE(scheduler().remove("Travail").ok());
+    }
+}
+
 TEST_F(TaskSchedulerTest, KeepsWhatItCannotRename) {
     EXPECT_EQ(scheduler().rename("Travail", "Bureau", toBureau()).code(),
               error_number::fileNotFound);

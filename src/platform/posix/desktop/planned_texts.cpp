@@ -7,6 +7,7 @@
 namespace coffrelune {
 namespace {
 
+constexpr std::string_view homeVariable = "COFFRELUNE_HOME=";
 constexpr std::string_view mark = "# Coffrelune, sauvegarde planifiée de : ";
 
 std::string hexadecimal(char c) {
@@ -79,6 +80,10 @@ std::string commandChanged(const std::string& command, const std::vector<WordCha
     return {};
 }
 
+std::string homeWord(const std::string& home) {
+    return unitWord(std::string(homeVariable) + home, false);
+}
+
 std::string titleOf(const std::string& name) {
     return "Description=Coffrelune, sauvegarde de " + onOneLine(name);
 }
@@ -98,7 +103,7 @@ std::string serviceText(const PlannedTask& task, const std::vector<std::string>&
     std::string text = "# Écrit par Coffrelune (coffrelune-console planifier).\n[Unit]\n";
     text += titleOf(task.name) + "\n\n[Service]\n";
     text += "Type=oneshot\n";
-    if (!home.empty()) text += "Environment=" + unitWord("COFFRELUNE_HOME=" + home, false) + "\n";
+    if (!home.empty()) text += "Environment=" + homeWord(home) + "\n";
     return text + "ExecStart=" + unitWords(words) + "\n";
 }
 
@@ -151,7 +156,7 @@ std::string crontabWith(const std::string& crontab, const PlannedTask& task,
                         const std::vector<std::string>& words, const std::string& home) {
     std::string text = crontabWithout(crontab, task.name);
     text.append(mark).append(onOneLine(task.name)).append("\n").append(cronSchedule(task));
-    if (!home.empty()) text += " COFFRELUNE_HOME=" + cronWord(home);
+    if (!home.empty()) text += " " + std::string(homeVariable) + cronWord(home);
     return text + " " + cronWords(words) + "\n";
 }
 
@@ -187,6 +192,16 @@ std::string crontabRenamed(const std::string& crontab, const std::string& from,
     if (line.empty()) return {};
     std::string text = crontabWithout(crontabWithout(crontab, from), to);
     return text.append(mark).append(onOneLine(to)).append("\n").append(line).append("\n");
+}
+
+bool serviceHasHome(const std::string& service, const std::string& home) {
+    const std::string set = unitValue(service, "Environment");
+    return set == (home.empty() ? std::string() : homeWord(home));
+}
+
+bool cronCommandHasHome(const std::string& command, const std::string& home) {
+    if (home.empty()) return !command.starts_with(homeVariable);
+    return command.starts_with(std::string(homeVariable) + cronWord(home) + " ");
 }
 
 std::string crontabLine(const std::string& crontab, const std::string& name) {

@@ -33,6 +33,10 @@ std::string serviceRenamed(const std::string& service, const std::string& from,
 std::string timerRenamed(const std::string& timer, const std::string& from, const std::string& to);
 std::string crontabRenamed(const std::string& crontab, const std::string& from,
                            const std::string& to, const std::vector<WordChange>& changes);
+/// Whether a service, or the command of a crontab's line, is run with this value of
+/// COFFRELUNE_HOME (empty: with none).
+bool serviceHasHome(const std::string& service, const std::string& home);
+bool cronCommandHasHome(const std::string& command, const std::string& home);
 /// The line that starts it; empty without one.
 std::string crontabLine(const std::string& crontab, const std::string& name);
 

@@ -138,7 +138,7 @@ Status PosixTaskScheduler::read(const std::string& name, PlannedEntry& entry) {
         std::string service;
         (void)readWholeFile(unitPath(name, ".service"), longest, service);
         entry = {"timer systemd " + timer, unitValue(text, "OnCalendar"),
-                 unitValue(service, "ExecStart")};
+                 unitValue(service, "ExecStart"), serviceHasHome(service, options_.home)};
         return {};
     }
     if (!readCrontab(text)) text.clear();
@@ -150,7 +150,8 @@ Status PosixTaskScheduler::read(const std::string& name, PlannedEntry& entry) {
     if (line.empty() || end == std::string::npos) {
         return Status::failure(error_number::fileNotFound, name);
     }
-    entry = {"crontab", line.substr(0, end), line.substr(end + 1)};
+    const std::string command = line.substr(end + 1);
+    entry = {"crontab", line.substr(0, end), command, cronCommandHasHome(command, options_.home)};
     return {};
 }
 

@@ -154,6 +154,19 @@ std::string query(const std::string& configuration) {
     return AnsiCodePage(GetOEMCP()).decode(output);
 }
 
+/// Whether a program lies where this one does, and so has the same settings.
+bool isBeside(const std::string& command) {
+    std::array<wchar_t, 32768> own{};
+    const DWORD length = GetModuleFileNameW(nullptr, own.data(), static_cast<DWORD>(own.size()));
+    const auto directory = [](std::wstring path) {
+        if (!path.empty() && path.front() == L'"') path.erase(0, 1);
+        return path.substr(0, path.find_last_of(L'\\'));
+    };
+    const std::wstring here = directory(std::wstring(own.data(), length));
+    const std::wstring there = directory(wide(command));
+    return CompareStringOrdinal(here.c_str(), -1, there.c_str(), -1, TRUE) == CSTR_EQUAL;
+}
+
 Status create(const std::string& configuration, const std::string& xml) {
     const std::wstring file = writeTemporary(xml);
     if (file.empty()) return Status::failure(GetLastError(), configuration);
@@ -266,7 +279,8 @@ Status Win32TaskScheduler::read(const std::string& name, PlannedEntry& entry) {
         when += " " + week.substr(at + 1, week.find_first_of(" /", at) - at - 1);
     }
     entry = {"Planificateur de tâches, Coffrelune\\" + taskName(name), when,
-             element(xml, "Command") + " " + element(xml, "Arguments")};
+             element(xml, "Command") + " " + element(xml, "Arguments"),
+             isBeside(element(xml, "Command"))};
     return {};
 }
 
