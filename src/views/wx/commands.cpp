@@ -137,6 +137,8 @@ class LinkPeer final : public Peer {
   public:
     LinkPeer(ViewContext& context, LinkLabel& link, wxHyperlinkCtrl& widget)
         : Peer(context, link, widget), link_(link), widget_(widget) {
+        // A link that the toolkit draws has a colour of its own from the start.
+        if (widget.UseForegroundColour()) colour_ = widget.GetForegroundColour();
         widget.SetDropTarget(new LinkDrop(link));
         hideMissingAddress();
         widget.Bind(wxEVT_HYPERLINK,
@@ -165,7 +167,7 @@ class LinkPeer final : public Peer {
     void show() override {
         // Where the desktop draws links itself, its own style answers to the pointer.
         widget_.SetForegroundColour(
-            link_.hovered() ? wxSystemSettings::GetColour(wxSYS_COLOUR_BTNTEXT) : wxNullColour);
+            link_.hovered() ? wxSystemSettings::GetColour(wxSYS_COLOUR_BTNTEXT) : colour_);
         const wxString caption = toWx(link_.caption());
         if (caption.empty() || caption == widget_.GetLabel()) return;
         widget_.SetLabel(caption);
@@ -174,6 +176,7 @@ class LinkPeer final : public Peer {
 
     LinkLabel& link_;
     wxHyperlinkCtrl& widget_;
+    wxColour colour_;  // none where the desktop draws links itself
 };
 
 // A timer shows nothing, so nothing waits for the screen.
