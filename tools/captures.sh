@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Takes a picture of every window of the real program into docs/captures: in the usual theme, in the
-# dark one ("sombre-...") and at double density ("double-..."). It has to be root, for two small
-# volumes that nobody else sees. Usage: captures.sh [directory of the programs]
+# dark one ("sombre-..."), at double density ("double-...") and with text at 150 % ("texte-150-...").
+# It has to be root, for two small volumes that nobody else sees.
+# Usage: captures.sh [directory of the programs]
 set -euo pipefail
 
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
@@ -27,12 +28,13 @@ take() { /usr/bin/python3 "$root/tests/e2e/window_captures.py" --programs "$prog
 captures=$root/docs/captures
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-# Those of Windows are taken by its own scenarios.
+# Those of Windows are taken by tests/windows/windows_captures.py.
 find "$captures" -name '*.png' ! -name 'windows-*' -delete
 take "$captures"
 GTK_THEME=Adwaita:dark take "$work/sombre"
 GDK_SCALE=2 take "$work/double"
-for variant in sombre double; do
+GDK_DPI_SCALE=1.5 take "$work/texte-150"
+for variant in sombre double texte-150; do
     for picture in principale comparaison operation configurations message; do
         mv "$work/$variant/$picture.png" "$captures/$variant-$picture.png"
     done

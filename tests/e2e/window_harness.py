@@ -207,7 +207,7 @@ class WindowPlace(harness.Place):
 
     def environment(self):
         passed = ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR", "GSETTINGS_BACKEND",
-                  "GTK_THEME", "GDK_SCALE", "ASAN_OPTIONS")
+                  "GTK_THEME", "GDK_SCALE", "GDK_DPI_SCALE", "ASAN_OPTIONS")
         return {**super().environment(), "NO_AT_BRIDGE": "0",
                 "GTK_MODULES": "gail:atk-bridge", "XDG_CONFIG_HOME": f"{self.root}/config",
                 **{name: os.environ[name] for name in passed if name in os.environ}}

@@ -67,6 +67,20 @@ def fits(place, report):
             program.kill()
 
 
+def empty_height(place, report):
+    """Vide, la fenêtre n'est pas plus haute que remplie : les premiers pas prennent une place libre"""
+    place.write_line()
+    program = place.open()
+    report.check("elle est là", comes(lambda: program.main.active))
+    filled = program.main.children[0].extents[3]
+    program.kill()
+    place.write_settings("[General]\nModifie=1\n")
+    program = place.open()
+    report.check("vide, elle aussi", comes(lambda: program.main.active))
+    report.check("les pas se lisent", "Première sauvegarde :" in program.main.labels())
+    report.equal("et ne l'ont pas agrandie", program.main.children[0].extents[3], filled)
+
+
 def size_kept(place, report):
     """Fermée et rouverte, la fenêtre a la taille que l'utilisateur lui a donnée"""
     place.write_line()
@@ -89,4 +103,4 @@ def size_kept(place, report):
         lambda: program.main.extents[2:] == after), program.main.extents)
 
 
-SCENARIOS = (fits, size_kept)
+SCENARIOS = (fits, empty_height, size_kept)

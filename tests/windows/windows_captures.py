@@ -52,7 +52,7 @@ class Album:
     def __init__(self, place, report, output):
         self.output = output
         for i in range(40):
-            write(f"{place.source}/{2015 + i % 8}/lettre {i:02}.txt", "texte" * i)
+            write(f"{place.source}/{2015 + i % 8}/lettre {i:02}.txt", "texte" * (i + 1))
         # A directory where a file is to be copied is an error.
         os.makedirs(f"{place.copy}/2015/lettre 00.txt/en travers")
         place.write_settings(place.line().replace("[General]", "[Position]\nContinueOnError=-1\n"
