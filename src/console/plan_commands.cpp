@@ -21,7 +21,7 @@ ExitStatus planFailed(Session& session, const Status& status) {
 }
 
 void sayEntry(Terminal& terminal, const std::string& name, const PlannedEntry& entry) {
-    terminal.result(visibleControls(name) + " : " + entry.when);
+    terminal.result(visibleControls(name) + " : " + spokenPlan(entry.when));
     terminal.result("  dans : " + visibleControls(entry.place));
     terminal.result("  lance : " + visibleControls(entry.command));
 }

@@ -180,7 +180,7 @@ void Schedule::offerPlan() {
     };
     PlannedEntry entry;
     if (tasks.read(name, entry).ok()) {
-        if (!ask("« " + name + " » est planifiée (" + entry.when + "), dans :\n" + entry.place +
+        if (!ask("« " + name + " » est planifiée (" + spokenPlan(entry.when) + "), dans :\n" + entry.place +
                  "\n\nVoulez-vous retirer cette planification ?")) {
             return;
         }

@@ -89,6 +89,11 @@ RunNotice noticeOf(const SystemMod& system, ExitStatus status, const RunStatisti
                 files == 0 ? "tout est à jour." : std::to_string(files) + " fichier(s) copié(s).";
             break;
         case ExitStatus::errors:
+            if (missing && statistics.errors.empty()) {
+                notice.title = "Sauvegarde incomplète";
+                notice.text += "une source est introuvable.";
+                break;
+            }
             notice.title = "Sauvegarde terminée avec des erreurs";
             notice.text += std::to_string(statistics.errors.size()) + " erreur(s)";
             notice.text += missing ? ", une source est introuvable." : ".";

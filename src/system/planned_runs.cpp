@@ -1,5 +1,11 @@
 #include "system/planned_runs.h"
 
+#include <array>
+#include <sstream>
+#include <string_view>
+#include <vector>
+
+#include "system/date_time.h"
 #include "system/paths.h"
 #include "system/text.h"
 
@@ -8,6 +14,65 @@ namespace {
 
 std::string quoted(const std::string& name) {
     return "« " + name + " »";
+}
+
+/// A time and its days, as the schedulers write them ("Mon", "Monday", "1").
+struct Rhythm {
+    std::string time;
+    std::vector<std::string> days;  // none: every day
+};
+
+std::vector<std::string> split(const std::string& text, char at) {
+    std::vector<std::string> parts;
+    std::istringstream stream(text);
+    for (std::string part; std::getline(stream, part, at);) parts.push_back(part);
+    return parts;
+}
+
+std::string twoDigits(const std::string& number) {
+    return number.size() == 1 ? "0" + number : number;
+}
+
+/// Without a time when it is none of what the program writes.
+Rhythm rhythmOf(const std::string& when) {
+    const std::vector<std::string> words = split(when, ' ');
+    const std::size_t count = words.size();
+    // systemd: "Mon,Thu *-*-* 08:05:00"
+    if ((count == 2 || count == 3) && words[count - 2] == "*-*-*" &&
+        words.back().ends_with(":00")) {
+        const std::string& time = words.back();
+        return {time.substr(0, time.size() - 3),
+                count == 3 ? split(words[0], ',') : std::vector<std::string>()};
+    }
+    // cron: "5 8 * * 1,4"
+    if (count == 5 && words[2] == "*" && words[3] == "*") {
+        return {twoDigits(words[1]) + ":" + twoDigits(words[0]),
+                words[4] == "*" ? std::vector<std::string>() : split(words[4], ',')};
+    }
+    // Windows: "08:05 Monday Thursday"
+    if (count == 0) return {};
+    return {words[0], {words.begin() + 1, words.end()}};
+}
+
+/// Empty for what is no day.
+std::string dayName(const std::string& day) {
+    struct Day {
+        std::string_view number;
+        std::string_view english;
+        const char* french;
+    };
+    constexpr std::array<Day, 7> days = {{{"1", "Monday", "lundi"},
+                                          {"2", "Tuesday", "mardi"},
+                                          {"3", "Wednesday", "mercredi"},
+                                          {"4", "Thursday", "jeudi"},
+                                          {"5", "Friday", "vendredi"},
+                                          {"6", "Saturday", "samedi"},
+                                          {"7", "Sunday", "dimanche"}}};
+    for (const Day& known : days) {
+        const bool named = day == known.english || day == known.english.substr(0, 3);
+        if (named || day == known.number) return known.french;
+    }
+    return {};
 }
 
 /// Another copy of the program may have planned a run under the same name.
@@ -37,6 +102,19 @@ PlannedTask plannedWindow(const std::string& program, const std::string& configu
     task.program = program;
     task.arguments = {"/Auto", "/" + configuration};
     return task;
+}
+
+std::string spokenPlan(const std::string& when) {
+    const Rhythm rhythm = rhythmOf(when);
+    if (!isTimeOfDay(rhythm.time)) return when;
+    std::string days;
+    for (std::size_t i = 0; i < rhythm.days.size(); ++i) {
+        const std::string name = dayName(rhythm.days[i]);
+        if (name.empty()) return when;
+        if (i > 0) days += i + 1 == rhythm.days.size() ? " et " : ", ";
+        days += name;
+    }
+    return (days.empty() ? "chaque jour" : days) + " à " + rhythm.time;
 }
 
 PlanFate movePlan(TaskScheduler& scheduler, const std::string& from, const std::string& to) {

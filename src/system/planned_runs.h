@@ -14,6 +14,10 @@ PlannedTask plannedConsole(const std::string& program, const std::string& config
 /// The program with windows: "/Auto".
 PlannedTask plannedWindow(const std::string& program, const std::string& configuration);
 
+/// `when` of a PlannedEntry for a person: "chaque jour à 08:05", "lundi et jeudi à 08:05". What the
+/// program does not write itself stays as it is.
+std::string spokenPlan(const std::string& when);
+
 /// What became of a configuration's planned run, for the user; `text` is empty when it had none.
 struct PlanFate {
     Status status;

@@ -24,6 +24,23 @@ class PlannedRunsTest : public testing::Test {
     MemoryTaskScheduler scheduler_;
 };
 
+TEST(SpokenPlan, IsInWordsWhoeverWroteIt) {
+    for (const char* daily : {"*-*-* 08:05:00", "5 8 * * *", "08:05"}) {
+        EXPECT_EQ(spokenPlan(daily), "chaque jour à 08:05") << daily;
+    }
+    for (const char* two : {"Mon,Thu *-*-* 08:05:00", "5 8 * * 1,4", "08:05 Monday Thursday"}) {
+        EXPECT_EQ(spokenPlan(two), "lundi et jeudi à 08:05") << two;
+    }
+    EXPECT_EQ(spokenPlan("0 20 * * 2,3,7"), "mardi, mercredi et dimanche à 20:00");
+}
+
+TEST(SpokenPlan, StaysAsItIsWhenItIsSomebodyElses) {
+    for (const char* other : {"", "hourly", "Mon..Fri *-*-* 08:05:00", "*/5 8 * * *", "5 8 1 * *",
+                              "*-*-* 08:05:30", "5 8 * * 1-5", "08:05 Someday", "25:00"}) {
+        EXPECT_EQ(spokenPlan(other), other);
+    }
+}
+
 TEST_F(PlannedRunsTest, GoWithTheNewName) {
     plan(plannedConsole("C:\\c", "Travail"));
     const PlanFate fate = movePlan(scheduler_, "Travail", "Le bureau");
