@@ -5,7 +5,7 @@ import re
 import shutil
 import subprocess
 
-from harness import differences, names_below, read, touch, write
+from harness import differences, drive_path, names_below, read, touch, write
 
 
 def wrong_use(place, report):
@@ -66,6 +66,21 @@ def missing_source(place, report):
     report.equal("état 2", outcome.status, 2)
     report.check("le message la nomme", "nulle part" in outcome.err, outcome)
     report.equal("rien n'est créé", names_below(place.destination), set())
+
+
+def missing_pictures(place, report):
+    """« Mes images » absente, que la fenêtre tait : la console la dit comme toute source absente"""
+    write(f"{place.source}/a.txt", "a")
+    place.write_line(more=f"""Source1="{drive_path(place.root)}\\Mes images"
+Destination1="{drive_path(place.destination)}"
+Select1=1
+""")
+    outcome = place.console("sauvegarder", "--ecraser", "--json")
+    report.equal("état 1", outcome.status, 1)
+    report.check("le message la nomme", "Mes images est introuvable." in outcome.err, outcome)
+    missing = [line.get("sourceMissing") for line in (outcome.json() or {}).get("lines", [])]
+    report.equal("le JSON aussi", missing, [False, True])
+    report.check("le reste est copié", os.path.exists(f"{place.copy}/a.txt"))
 
 
 def missing_destination(place, report):
@@ -272,7 +287,8 @@ def replaces_read_only_copy(place, report):
     report.equal("diff ne trouve rien", differences(place.source, place.copy), [])
 
 
-SCENARIOS = (wrong_use, unknown_command, help_text, missing_source, missing_destination,
+SCENARIOS = (wrong_use, unknown_command, help_text, missing_source, missing_pictures,
+             missing_destination,
              new_destination, unreadable_continues, unreadable_stops, unreadable_text,
              unreadable_raw_name, unreadable_directory, unsearchable_directory, file_in_the_way,
              directory_in_the_way,

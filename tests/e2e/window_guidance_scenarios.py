@@ -66,6 +66,23 @@ Select2=0
     report.check("tout est à jour", says(program, "Tout est à jour"), program.main.labels())
 
 
+def silent_pictures(place, report):
+    """Sans « Mes images », la fenêtre sauvegarde le reste sans un message de plus"""
+    write(f"{place.source}/a.txt", "a")
+    place.write_line(more=f"""Source1="{drive_path(place.root)}\\Mes images"
+Destination1="{drive_path(place.destination)}"
+Select1=1
+""")
+    program = place.open()
+    program.launch("Sauvegarde")
+    message = program.answer("OK")
+    report.check("un seul message, celui de la fin",
+                 message.text.startswith("Sauvegarde terminée sans erreur."), message.text)
+    report.equal("le reste est copié", differences(place.source, place.copy), [])
+    report.check("rien d'autre ne s'ouvre", comes(lambda: len(program.windows) == 1),
+                 [window.name for window in program.windows])
+
+
 def first_backup(place, report):
     """Première sauvegarde au clavier seul, chaque pas par son nom accessible"""
     source = f"{place.root}/Documents"  # the screen's keyboard has no accents of its own
@@ -246,5 +263,5 @@ def planned_names(place, report):
     report.equal("il n'en reste rien", os.listdir(units), [])
 
 
-SCENARIOS = (reasons, first_backup, spoken_backup, spoken_schedule, small_disk, helping_hands,
+SCENARIOS = (reasons, silent_pictures, first_backup, spoken_backup, spoken_schedule, small_disk, helping_hands,
              planned_names)
