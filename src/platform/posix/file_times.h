@@ -30,8 +30,8 @@ bool tellsMountPoints(const struct statx& information);
 
 Lock lockOf(const struct statx& information);
 
-/// The times and the rest of an entry, all but its name. False for what is neither a file nor a
-/// directory nor a link: such things do not exist for the core.
+/// The times and the rest of an entry, all but its name, by which it may be hidden. False for what
+/// is neither a file nor a directory nor a link: such things do not exist for the core.
 bool fillEntry(const struct statx& information, std::string_view name, FileEntry& entry);
 
 /// What the volume of an open file or directory keeps of a modification time, by its type.
