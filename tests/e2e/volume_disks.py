@@ -53,6 +53,7 @@ class Volume:
     name = ""
     what = ""  # for people
     quick = False
+    late = False  # it may show names of before while it sends
     plain = False  # it takes names of ASCII alone
     deadly = ()  # names after which its driver answers no more
     renamed = ()  # names that its driver takes for others
@@ -310,7 +311,7 @@ class Rclone(Volume):
 class Webdav(Rclone):
     """A server of objects: whole files are sent, and none bears a time of the sender's."""
 
-    name, what = "rclone, WebDAV", "serveur d'objets sans dates"
+    name, what, late = "rclone, WebDAV", "serveur d'objets sans dates", True
     cache = ("--vfs-cache-mode", "writes", "--vfs-write-back", "0s", "--dir-cache-time", "1s")
 
     def make(self):

@@ -98,6 +98,8 @@ class Trial:
         words = [] if verb == "comparer" else ["--ecraser"]
         words += ["--confirmer"] if verb == "restaurer" else []
         outcome = self.place.console(verb, *words, "--json", *more)
+        if self.volume.late:
+            harness.wait_until(lambda: not leftovers(self.place.copy))
         return outcome, outcome.json() or {}
 
     def expect(self, what, files=None, outcome=("clean", "nothing"), verb="sauvegarder"):
