@@ -3,6 +3,7 @@
 #include <wx/timer.h>
 
 #include "views/wx/accessible.h"
+#include "views/wx/desktop.h"
 #include "views/wx/pictures.h"
 #include "views/wx/text.h"
 #include "views/wx/text_width.h"
@@ -294,6 +295,7 @@ wxBitmapButton* makeIconButton(Peers& peers, wxWindow* parent, Button& button,
     // The caption is there for those who ask for it, and takes no room.
     auto* widget = new wxBitmapButton(parent, wxID_ANY, peers.context.pictures.find(picture, size),
                                       wxDefaultPosition, wxDefaultSize, wxBU_NOTEXT);
+    drawDisabled(*widget, peers.context.pictures.findFaint(picture, size));
     widget->SetLabel(toWx(button.toolTip()));
     peers.add<ButtonPeer>(button, *widget, true);
     return widget;

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "views/wx/accessible.h"
+#include "views/wx/desktop.h"
 #include "views/wx/pictures.h"
 #include "views/wx/text.h"
 
@@ -54,6 +55,7 @@ class ToolbarPeer final : public Peer {
     void addTool(wxSizer& sizer, const CommandBar::Command& command) {
         auto* tool = new Tool(&widget_, command,
                               context().pictures.find("commande-" + command.key, toolSize));
+        drawDisabled(*tool, context().pictures.findFaint("commande-" + command.key, toolSize));
         // After the event, as for every button.
         tool->Bind(wxEVT_BUTTON, [this, tool](wxCommandEvent&) {
             makeCurrent(*tool);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+class wxAnyButton;
 class wxWindow;
 
 // What the windows ask of the desktop, which each system does in its own way.
@@ -19,6 +20,9 @@ bool canMakeWindows();
 
 /// A picture that the desktop has for one of its own things; empty when it knows none of the name.
 wxBitmapBundle systemPicture(const std::string& name);
+
+/// How a button looks while it is disabled, where the system does not fade its picture by itself.
+void drawDisabled(wxAnyButton& button, const wxBitmapBundle& faint);
 
 /// The system's chooser of a directory, with `includeFiles` also of a file. Native paths; `start`
 /// may be empty. Empty when cancelled.

@@ -142,6 +142,9 @@ wxString existing(const std::string& start) {
 
 }  // namespace
 
+// The desktop fades them itself.
+void drawDisabled(wxAnyButton& /*button*/, const wxBitmapBundle& /*faint*/) {}
+
 std::string chooseNativeFolder(wxWindow* parent, bool includeFiles, const std::string& prompt,
                                const std::string& start) {
     if (includeFiles) {

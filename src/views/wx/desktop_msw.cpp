@@ -1,5 +1,6 @@
 #include <windows.h>
 // After the above.
+#include <wx/anybutton.h>
 #include <wx/icon.h>
 #include <wx/window.h>
 
@@ -31,6 +32,11 @@ wxBitmapBundle systemPicture(const std::string& name) {
     wxBitmap bitmap;
     bitmap.CopyFromIcon(icon);
     return wxBitmapBundle::FromBitmap(bitmap);
+}
+
+// The toolkit's own fading is towards white, which stands out on a dark ground.
+void drawDisabled(wxAnyButton& button, const wxBitmapBundle& faint) {
+    button.SetBitmapDisabled(faint);
 }
 
 std::string chooseNativeFolder(wxWindow* parent, bool includeFiles, const std::string& prompt,

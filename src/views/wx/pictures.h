@@ -14,8 +14,11 @@ class Pictures {
   public:
     /// `size`: edge in density-independent pixels. Empty when there is no such drawing.
     const wxBitmapBundle& find(const std::string& name, int size);
+    /// The same for a control that is disabled: fainter on light and on dark ground.
+    const wxBitmapBundle& findFaint(const std::string& name, int size);
 
   private:
+    std::map<std::pair<std::string, int>, wxBitmapBundle> faint_;
     std::map<std::pair<std::string, int>, wxBitmapBundle> known_;
 };
 
