@@ -129,5 +129,30 @@ TEST_F(RunReport, SaysNothingOnAScreenOfAFolderThatWindowsHasMade) {
     EXPECT_EQ(exitStatus(RunEnd::nothing, statistics), ExitStatus::errors);
 }
 
+TEST_F(RunReport, TellsTheDesktopHowARunHasEnded) {
+    const auto told = [&](ExitStatus status) {
+        const RunNotice notice = noticeOf(system, status, statistics);
+        return notice.title + " | " + notice.text;
+    };
+    statistics.tallies.resize(2);
+    EXPECT_EQ(told(ExitStatus::clean), "Sauvegarde terminée | Travail : tout est à jour.");
+    statistics.tallies[0].files = 3;
+    EXPECT_EQ(told(ExitStatus::clean), "Sauvegarde terminée | Travail : 3 fichier(s) copié(s).");
+    statistics.errors.resize(2);
+    EXPECT_EQ(told(ExitStatus::errors),
+              "Sauvegarde terminée avec des erreurs | Travail : 2 erreur(s).");
+    statistics.tallies[1].sourceMissing = true;
+    EXPECT_EQ(told(ExitStatus::errors),
+              "Sauvegarde terminée avec des erreurs | Travail : 2 erreur(s), une source est "
+              "introuvable.");
+    statistics.errors.clear();
+    EXPECT_EQ(told(ExitStatus::errors),
+              "Sauvegarde incomplète | Travail : une source est introuvable.");
+    EXPECT_EQ(told(ExitStatus::wrongUse),
+              "Sauvegarde impossible | Travail : les réglages ne le permettent pas.");
+    EXPECT_EQ(told(ExitStatus::interrupted),
+              "Sauvegarde interrompue | Travail : elle n'est pas complète.");
+}
+
 }  // namespace
 }  // namespace coffrelune
