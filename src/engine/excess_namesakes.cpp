@@ -1,7 +1,5 @@
 // Which directory of the reference one of the cleaned tree stands for, where the volume of one of
 // them takes names of any case for one.
-#include <algorithm>
-
 #include "engine/excess_walk.h"
 #include "system/paths.h"
 #include "system/text.h"
@@ -30,8 +28,9 @@ bool ExcessWalk::enterReference(Place& place, const std::string& name, Place& be
     }
     // It may be the copy of a directory that its volume lists in another case.
     std::string namesake;
-    if (!gatherNames(place)) return false;
+    if (!gatherNames(place) || hides(place, Wanted::directories)) return false;
     if (place.names->all.contains(name) && findNamesake(place, name, below.cleaned, namesake)) {
+        tellKept(below.cleaned, path + " est un fichier, et un autre nom y mène aussi.");
         return false;
     }
     below.makesRoom = madeRoom_ = true;
@@ -40,25 +39,34 @@ bool ExcessWalk::enterReference(Place& place, const std::string& name, Place& be
 
 // A directory that its volume lists in another case than its original's is no excess one.
 bool ExcessWalk::enterNamesake(Place& place, const std::string& name, Place& below) {
-    if (!gatherNames(place) || mayBeMadeUp(name, Wanted::directories, place)) return false;
+    if (!gatherNames(place) || hides(place, Wanted::directories)) return false;
     std::string namesake;
     if (!place.names->all.contains(name) || !findNamesake(place, name, below.cleaned, namesake)) {
         return true;  // it has gone from the reference
     }
+    const std::string path = place.reference + namesake;
     FileEntry counterpart;
     const bool isThere =
-        !namesake.empty() &&
-        files_.lookUp(place.reference + namesake, LinkRule::refuse, counterpart).ok() &&
-        counterpart.isDirectory() && !counterpart.isLink() && !counterpart.mountPoint;
-    if (isThere) below.reference = place.reference + namesake + "\\";
-    return isThere;
+        !namesake.empty() && files_.lookUp(path, LinkRule::refuse, counterpart).ok();
+    if (!isThere || counterpart.isLink() || counterpart.mountPoint) {
+        tellKept(below.cleaned, !isThere               ? "nul ne peut dire ce que l'original en a."
+                                : counterpart.isLink() ? path + " est un lien."
+                                                       : path + " est un autre volume.");
+        return false;
+    }
+    if (counterpart.isDirectory()) {
+        below.reference = path + "\\";
+    } else {
+        below.makesRoom = madeRoom_ = true;
+    }
+    return true;
 }
 
 // Listed once, where a name is missing or a file is about to be deleted. False when they cannot be.
 bool ExcessWalk::gatherNames(Place& place) {
     if (place.names != nullptr) return true;
     std::unique_ptr<Directory> listing;
-    if (!listReference(place, Wanted::directories, listing)) return false;
+    if (!listReference(place, Wanted::everything, listing)) return false;
     auto names = std::make_unique<DirectoryNames>();
     for (FileEntry other; listing->next(other);) {
         if (!names->all.add(other.name)) (void)names->repeated.add(other.name);
@@ -68,13 +76,13 @@ bool ExcessWalk::gatherNames(Place& place) {
     return true;
 }
 
-// A directory of the reference of the same name in another case that is the directory `cleaned`,
-// or may be. Empty, and true, when nobody can tell.
+// An entry of the reference of the same name in another case that leads to the directory `cleaned`,
+// or may. Empty, and true, when nobody can tell.
 bool ExcessWalk::findNamesake(const Place& place, const std::string& name,
                               const std::string& cleaned, std::string& namesake) {
     namesake.clear();
     std::unique_ptr<Directory> listing;
-    if (!listReference(place, Wanted::directories, listing)) return true;
+    if (!listReference(place, Wanted::everything, listing)) return true;
     const std::string path = withoutTrailingBackslash(cleaned);
     for (FileEntry other; listing->next(other);) {
         if (other.name == name || !equalIgnoringCase(other.name, name)) continue;
@@ -94,6 +102,7 @@ bool ExcessWalk::isShared(Place& place) {
     if (*place.shared || place.reference.empty()) return *place.shared;
     const std::string name = splitPath(withoutTrailingBackslash(place.reference)).last;
     std::string namesake;
+    if (hides(*place.above, Wanted::directories)) return *(place.shared = true);
     place.shared =
         !gatherNames(*place.above) || (place.above->names->repeated.contains(name) &&
                                        findNamesake(*place.above, name, place.cleaned, namesake));
@@ -105,20 +114,17 @@ bool ExcessWalk::isShared(Place& place) {
     return *place.shared;
 }
 
-// A server makes up names for those that it does not show, and some volumes compose or decompose
-// accents: what is listed under a name that the reference lacks may be the copy of one that is not
-// listed.
-bool ExcessWalk::mayBeMadeUp(const std::string& name, Wanted kind, Place& place) {
-    const bool plain =
-        std::all_of(name.begin(), name.end(), [](char c) { return c != '~' && (c & 0x80) == 0; });
-    if (plain) return false;
-    std::optional<bool>& hides = kind == Wanted::files ? place.hidesFiles : place.hidesDirectories;
-    if (hides) return *hides;
-    hides = hidesNames(place, kind);
-    if (*hides) {
+// A server makes up names for those that it does not show; some volumes compose or decompose
+// accents, drop dots at the end, or know more letters in two cases than this program: what is
+// listed under a name that the reference lacks may be the copy of one that is not listed.
+bool ExcessWalk::hides(Place& place, Wanted kind) {
+    std::optional<bool>& known = kind == Wanted::files ? place.hidesFiles : place.hidesDirectories;
+    if (known) return *known;
+    known = hidesNames(place, kind);
+    if (*known) {
         tellKept(place.cleaned, "ce volume y montre certains noms autrement que l'original.");
     }
-    return *hides;
+    return *known;
 }
 
 // True when the cleaned directory finds a name of the reference that it does not list, or when

@@ -72,7 +72,7 @@ bool ExcessWalk::isSpelledOtherwise(const FileEntry& entry, Place& place) {
         if (!isListed(*listing, place)) return true;
         referenceNames_ = std::move(names);
     }
-    if (mayBeMadeUp(entry.name, Wanted::files, place)) return true;
+    if (hides(place, Wanted::files)) return true;
     if (!referenceNames_->contains(entry.name)) return false;
     if (!listReference(place, Wanted::files, listing)) return true;
     for (FileEntry other; listing->next(other);) {

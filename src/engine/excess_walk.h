@@ -91,7 +91,7 @@ class ExcessWalk {
     bool findNamesake(const Place& place, const std::string& name, const std::string& cleaned,
                       std::string& namesake);
     bool isShared(Place& place);
-    bool mayBeMadeUp(const std::string& name, Wanted kind, Place& place);
+    bool hides(Place& place, Wanted kind);
     bool hidesNames(const Place& place, Wanted kind);
     bool isLeftOutNow(const Place& place, const FileEntry& entry) const;
     bool isKnownMount(const std::string& path) const;

@@ -76,10 +76,21 @@ std::string dayName(const std::string& day) {
 }
 
 /// Another copy of the program may have planned a run under the same name.
-bool hasPlan(TaskScheduler& scheduler, const std::string& name) {
+enum class Plan { none, own, foreign };
+
+Plan planOf(TaskScheduler& scheduler, const std::string& name) {
     PlannedEntry entry;
-    return scheduler.read(name, entry).ok() && entry.sameSettings;
+    if (!scheduler.read(name, entry).ok()) return Plan::none;
+    return entry.sameSettings ? Plan::own : Plan::foreign;
 }
+
+std::string toldForeign(const std::string& name) {
+    return "Une sauvegarde de " + quoted(name) +
+           " est planifiée avec d'autres réglages, ou les mêmes atteints autrement : elle reste. ";
+}
+
+constexpr const char* shown =
+    "« coffrelune-console planifier » avec ces réglages la montre et la retire.";
 
 std::string wayOut(const Status& status, const std::string& name) {
     return " (erreur " + std::to_string(status.code()) +
@@ -118,7 +129,13 @@ std::string spokenPlan(const std::string& when) {
 }
 
 PlanFate movePlan(TaskScheduler& scheduler, const std::string& from, const std::string& to) {
-    if (!hasPlan(scheduler, from)) return {};
+    const Plan plan = planOf(scheduler, from);
+    if (plan == Plan::none) return {};
+    if (plan == Plan::foreign) return {{}, toldForeign(from) + shown};
+    if (planOf(scheduler, to) == Plan::foreign) {
+        return {Status::failure(error_number::alreadyExists, to),
+                toldForeign(to) + "Celle de " + quoted(from) + " n'a donc pas suivi. " + shown};
+    }
     std::vector<WordChange> changes = {{{"--config", from}, {"--config", to}}};
     // What follows a "/" on the command line of the windows is another name.
     if (to.find('/') == std::string::npos) {
@@ -132,7 +149,9 @@ PlanFate movePlan(TaskScheduler& scheduler, const std::string& from, const std::
 }
 
 PlanFate erasePlan(TaskScheduler& scheduler, const std::string& name) {
-    if (!hasPlan(scheduler, name)) return {};
+    const Plan plan = planOf(scheduler, name);
+    if (plan == Plan::none) return {};
+    if (plan == Plan::foreign) return {{}, toldForeign(name) + shown};
     Status removed = scheduler.remove(name);
     if (removed.ok()) return {removed, "La planification de " + quoted(name) + " est retirée."};
     return {removed, "La planification de " + quoted(name) + " n'a pas pu être retirée" +

@@ -83,10 +83,21 @@ TEST_F(PlannedRunsTest, GoWithTheirConfiguration) {
 
 TEST_F(PlannedRunsTest, OfAnotherCopyOfTheProgramAreLeftAlone) {
     plan(plannedConsole("C:\\c", "Travail"));
-    scheduler_.belongToAnother();
-    EXPECT_EQ(movePlan(scheduler_, "Travail", "Bureau").text, "");
-    EXPECT_EQ(erasePlan(scheduler_, "Travail").text, "");
+    scheduler_.belongToAnother("Travail");
+    EXPECT_THAT(movePlan(scheduler_, "Travail", "Bureau").text, HasSubstr("elle reste"));
+    EXPECT_THAT(erasePlan(scheduler_, "Travail").text, HasSubstr("elle reste"));
     EXPECT_EQ(scheduler_.tasks().count("Travail"), 1U);
+}
+
+TEST_F(PlannedRunsTest, AreNotMovedOntoThoseOfAnotherCopyOfTheProgram) {
+    plan(plannedConsole("C:\\c", "Travail"));
+    plan(plannedConsole("C:\\d", "Bureau"));
+    scheduler_.belongToAnother("Bureau");
+    const PlanFate fate = movePlan(scheduler_, "Travail", "Bureau");
+    EXPECT_EQ(fate.status.code(), error_number::alreadyExists);
+    EXPECT_THAT(fate.text, HasSubstr("Celle de « Travail » n'a donc pas suivi."));
+    EXPECT_EQ(scheduler_.tasks().at("Travail").program, "C:\\c");
+    EXPECT_EQ(scheduler_.tasks().at("Bureau").program, "C:\\d");
 }
 
 TEST_F(PlannedRunsTest, ThatStayAreTold) {

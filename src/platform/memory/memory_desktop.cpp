@@ -97,7 +97,7 @@ Status MemoryTaskScheduler::write(const PlannedTask& task, std::string&) {
 Status MemoryTaskScheduler::read(const std::string& name, PlannedEntry& entry) {
     const auto found = tasks_.find(name);
     if (found == tasks_.end()) return Status::failure(error_number::fileNotFound, name);
-    entry = {"mémoire", found->second.time, found->second.program, sameSettings_};
+    entry = {"mémoire", found->second.time, found->second.program, !foreign_.contains(name)};
     return {};
 }
 

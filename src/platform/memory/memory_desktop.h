@@ -110,11 +110,11 @@ class MemoryTaskScheduler final : public TaskScheduler {
     const std::map<std::string, PlannedTask>& tasks() const { return tasks_; }
     /// What write(), remove() and rename() answer; 0 for success.
     void fail(std::uint32_t number) { failure_ = number; }
-    /// What is planned belongs to another copy of the program.
-    void belongToAnother() { sameSettings_ = false; }
+    /// What is planned under a name belongs to another copy of the program.
+    void belongToAnother(const std::string& name) { foreign_.insert(name); }
 
   private:
-    bool sameSettings_ = true;
+    std::set<std::string> foreign_;
     std::map<std::string, PlannedTask> tasks_;
     std::uint32_t failure_ = 0;
 };

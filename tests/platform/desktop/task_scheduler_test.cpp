@@ -42,14 +42,42 @@ TEST(PlannedTexts, NameUnitsOfAnyConfiguration) {
 TEST(PlannedTexts, OfACrontabKeepWhatIsThere) {
     const std::string others = "# mine\n0 1 * * * ls\n";
     PlannedTask task = someTask();
-    const std::string with = crontabWith(others, task, {"/bin/c", "it's 5%"}, "");
-    EXPECT_EQ(crontabLine(with, "Travail"), R"(5 8 * * * '/bin/c' 'it'\''s 5'\%'')");
+    const std::string with = crontabWith(others, task, {"/bin/it's 5%", "--config", "Travail"}, "");
+    EXPECT_EQ(crontabLine(with, "Travail"),
+              R"(5 8 * * * '/bin/it'\''s 5'\%'' '--config' 'Travail')");
     task.days = {1, 4};
     task.time = "23:59";
-    const std::string again = crontabWith(with, task, {"/bin/c"}, "/home/h");
-    EXPECT_EQ(crontabLine(again, "Travail"), "59 23 * * 1,4 COFFRELUNE_HOME='/home/h' '/bin/c'");
+    const std::string again = crontabWith(with, task, {"/bin/c", "--config", "Travail"}, "/home/h");
+    EXPECT_EQ(crontabLine(again, "Travail"),
+              "59 23 * * 1,4 COFFRELUNE_HOME='/home/h' '/bin/c' '--config' 'Travail'");
     EXPECT_EQ(crontabWithout(again, "Travail"), others);
     EXPECT_EQ(crontabWithout(again, "Trav"), again);
+}
+
+TEST(PlannedTexts, OfACrontabAreOnlyThoseThatNameTheConfiguration) {
+    const std::string mark = "# Coffrelune, sauvegarde planifiée de : ";
+    const std::string own = "0 5 * * * /usr/local/bin/mon-travail\n";
+    const std::string photos = mark + "Photos\n5 8 * * * '/bin/c' '/Auto' '/Photos'\n";
+    for (const std::string& crontab : {mark + "Vieux\n" + own, mark + "Vieux\n" + photos}) {
+        EXPECT_EQ(crontabLine(crontab, "Vieux"), "");
+        EXPECT_EQ(mark + "Vieux\n" + crontabWithout(crontab, "Vieux"), crontab);
+    }
+    EXPECT_EQ(crontabLine(photos, "Photos"), "5 8 * * * '/bin/c' '/Auto' '/Photos'");
+    EXPECT_EQ(crontabWithout(photos, "Photos"), "");
+}
+
+TEST(PlannedTexts, OfAServiceKeepTheCommandsOfTheUser) {
+    const std::string service =
+        "[Service]\nExecStart=/bin/mount /disque\nExecStart=\"/bin/c\" \"--config\" \"Travail\"\n"
+        "ExecStart=/bin/umount /disque\n";
+    EXPECT_EQ(
+        serviceRenamed(service, "Travail", "Bureau",
+                       {{{"--config", "Travail"}, {"--config", "Bureau"}}}),
+        "[Service]\nExecStart=/bin/mount /disque\nExecStart=\"/bin/c\" \"--config\" \"Bureau\"\n"
+        "ExecStart=/bin/umount /disque\n");
+    EXPECT_EQ(serviceRenamed("[Service]\nExecStart=/bin/mount\n", "Travail", "Bureau",
+                             {{{"--config", "Travail"}, {"--config", "Bureau"}}}),
+              "");
 }
 
 class TaskSchedulerTest : public testing::Test {
@@ -158,6 +186,7 @@ TEST_F(TaskSchedulerTest, RenamesALineOfTheCrontabInThePlaceOfAnotherOne) {
     disk_.write("table", "0 1 * * * ls\n");
     PlannedTask stale = someTask();
     stale.name = "Bureau";
+    stale.arguments = {"sauvegarder", "--config", "Bureau"};
     ASSERT_TRUE(write(stale).ok());
     ASSERT_TRUE(write(someTask()).ok());
     ASSERT_TRUE(scheduler().rename("Travail", "Bureau", toBureau()).ok());

@@ -80,6 +80,13 @@ std::string commandChanged(const std::string& command, const std::vector<WordCha
     return {};
 }
 
+/// Whether a line of a crontab backs up this configuration: under a mark may stand one of the
+/// user's own, who has taken ours away.
+bool isLineOf(const std::string& line, const std::string& name) {
+    const std::vector<WordChange> words = {{{"--config", name}, {}}, {{"/Auto", "/" + name}, {}}};
+    return !commandChanged(line, words, cronWords).empty();
+}
+
 std::string homeWord(const std::string& home) {
     return unitWord(std::string(homeVariable) + home, false);
 }
@@ -142,12 +149,11 @@ std::string crontabWithout(const std::string& crontab, const std::string& name) 
     const std::string marked = std::string(mark) + onOneLine(name);
     std::istringstream lines(crontab);
     std::string kept;
+    bool announced = false;
     for (std::string line; std::getline(lines, line);) {
-        if (line == marked) {
-            std::getline(lines, line);  // the one that it announces
-            continue;
-        }
-        kept += line + "\n";
+        const bool isOurs = line == marked || (announced && isLineOf(line, name));
+        announced = line == marked;
+        if (!isOurs) kept += line + "\n";
     }
     return kept;
 }
@@ -168,11 +174,11 @@ std::string serviceRenamed(const std::string& service, const std::string& from,
     bool changed = false;
     for (std::string line; std::getline(lines, line);) {
         if (line == titleOf(from)) line = titleOf(to);
-        if (line.starts_with(key)) {
-            line = commandChanged(line, changes, unitWords);
-            changed = !line.empty();
-        }
-        text += line + "\n";
+        // Others of the user's own may stand beside it.
+        const std::string now =
+            line.starts_with(key) ? commandChanged(line, changes, unitWords) : std::string();
+        changed = changed || !now.empty();
+        text += (now.empty() ? line : now) + "\n";
     }
     return changed ? text : std::string();
 }
@@ -208,7 +214,9 @@ std::string crontabLine(const std::string& crontab, const std::string& name) {
     const std::string marked = std::string(mark) + onOneLine(name);
     std::istringstream lines(crontab);
     for (std::string line; std::getline(lines, line);) {
-        if (line == marked && std::getline(lines, line)) return line;
+        while (line == marked && std::getline(lines, line)) {
+            if (isLineOf(line, name)) return line;
+        }
     }
     return {};
 }

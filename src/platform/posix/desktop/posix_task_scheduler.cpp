@@ -169,6 +169,12 @@ Status PosixTaskScheduler::renameTimer(const std::string& from, const std::strin
     if (path.empty() || access(path.c_str(), F_OK) != 0) {
         return Status::failure(error_number::fileNotFound, from);
     }
+    // What `systemctl --user edit` has added is bound to the old name.
+    for (const char* added : {".timer.d", ".service.d"}) {
+        if (access(unitPath(from, added).c_str(), F_OK) == 0) {
+            return Status::failure(error_number::invalidData, from);
+        }
+    }
     std::string timer;
     std::string service;
     const int error = readWholeFile(path, longest, timer);
