@@ -167,6 +167,13 @@ bool isBeside(const std::string& command) {
     return CompareStringOrdinal(here.c_str(), -1, there.c_str(), -1, TRUE) == CSTR_EQUAL;
 }
 
+/// Several configurations may share the name of a task, which holds fewer characters than theirs.
+bool namesConfiguration(const std::string& xml, const std::string& name) {
+    const std::vector<WordChange> words = {{{"--config", name}, {"-"}},
+                                           {{"/Auto", "/" + name}, {"-"}}};
+    return !argumentsChanged(element(xml, "Arguments"), words).empty();
+}
+
 Status create(const std::string& configuration, const std::string& xml) {
     const std::wstring file = writeTemporary(xml);
     if (file.empty()) return Status::failure(GetLastError(), configuration);
@@ -280,7 +287,7 @@ Status Win32TaskScheduler::read(const std::string& name, PlannedEntry& entry) {
     }
     entry = {"Planificateur de tâches, Coffrelune\\" + taskName(name), when,
              element(xml, "Command") + " " + element(xml, "Arguments"),
-             isBeside(element(xml, "Command"))};
+             isBeside(element(xml, "Command")) && namesConfiguration(xml, name)};
     return {};
 }
 
