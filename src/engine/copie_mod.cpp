@@ -178,6 +178,7 @@ void CopieMod::look(const Place& place) {
     if (!pair.sourceStatus.ok()) return sourceNotListed(place, pair.sourceStatus);
     ++statistics_.directoriesRead;
     if (!pair.targetStatus.ok() && errors_.hasFailedInLine(place.source)) return;
+    if (pair.target != nullptr && isMixedWithSibling(place, *pair.target)) return;
     scanDirectory({place, *pair.source, pair.target.get()});
     if (run_.stopped()) return;
     const std::vector<std::string> names = subdirectories(place, *pair.source);
@@ -220,7 +221,7 @@ void CopieMod::walkTree(const Place& place) {
     ++statistics_.directoriesRead;
     std::unique_ptr<Directory> target;
     const std::int32_t createdBefore = statistics_.directoriesCreated;
-    if (!openTarget(place, target)) return;
+    if (!openTarget(place, target) || isMixedWithSibling(place, *target)) return;
     const bool isNew = statistics_.directoriesCreated != createdBefore;
     const bool hadRights = !isNew && target->hasRightsOf(*listing);
     const std::uint64_t addedBefore = queue_.added();
@@ -303,6 +304,15 @@ bool CopieMod::openTarget(const Place& place, std::unique_ptr<Directory>& target
     return true;
 }
 
+// Two directories whose copies are one, though their names differ in more than their case: files of
+// one name in both would replace each other.
+bool CopieMod::isMixedWithSibling(const Place& place, const Directory& target) {
+    const FileEntry* self = target.self();
+    if (place.siblings == nullptr || self == nullptr || place.siblings->add(self->id)) return false;
+    errors_.unread(error_number::alreadyExists, withoutTrailingBackslash(place.source));
+    return true;
+}
+
 // A mount in the written tree that shows what is read: one file would be written over another.
 bool CopieMod::leadsBack(const Place& place, const Directory& target) {
     const std::string path = withoutTrailingBackslash(place.destination);
@@ -338,12 +348,13 @@ CopieMod::Entered::~Entered() {
 
 void CopieMod::walkSubdirectories(const Place& place, const std::vector<std::string>& names) {
     FoldedNames handled;
+    SeenEntries targets;
     for (std::size_t i = 0; i < names.size(); ++i) {
         announce(names, i);
         if (run_.stopped()) return;
         if (!handled.add(names[i]) && isTaken(names[i], place, Wanted::directories)) continue;
         const Entered entered(paths_, names[i]);
-        walkTree({paths_.source, paths_.destination});
+        walkTree({paths_.source, paths_.destination, LinkRule::enter, &targets});
         display_.runPendingEvents();
     }
 }

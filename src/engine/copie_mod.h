@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -8,6 +9,7 @@
 #include "engine/copy_errors.h"
 #include "engine/copy_queue.h"
 #include "engine/file_copier.h"
+#include "engine/folded_names.h"
 #include "engine/line_roots.h"
 #include "engine/line_trees.h"
 #include "engine/progress.h"
@@ -33,6 +35,7 @@ class CopieMod {
         const std::string& source;
         const std::string& destination;
         LinkRule links = LinkRule::enter;  // only the roots of a line are links that are followed
+        SeenEntries* siblings = nullptr;   // the targets of the directories beside it
     };
 
     struct WalkPaths {
@@ -93,6 +96,9 @@ class CopieMod {
     void scanDirectory(const Pair& pair);
     bool keepsSome() const;
     bool findExisting(const FileEntry& entry, const Pair& pair, FileEntry& existing, bool& found);
+    bool sharesCopy(const FileEntry& entry, const FileEntry& existing, const Pair& pair);
+    std::set<std::string> sharers(const Pair& pair);
+    bool isMixedWithSibling(const Place& place, const Directory& target);
     void scanFile(const FileEntry& entry, const Pair& pair, FileEntry& existing);
     void verifyFile(const FileEntry& entry, const FileEntry* existing, const Place& place);
     void verifySingleFile(const FileEntry& entry);
@@ -120,6 +126,9 @@ class CopieMod {
     LineTrees* trees_ = nullptr;
     WalkPaths paths_;
     Pass pass_ = Pass::analysis;
+    // Names of originals whose copy is another's, by directory: the analysis finds them.
+    std::map<std::string, std::set<std::string>> sharers_;
+    SeenEntries copies_;                // of the files of one directory
     std::unique_ptr<WalkAhead> ahead_;  // where the pass changes nothing
     LeftOut leftOut_;
     DecisionOptions decision_;

@@ -38,9 +38,45 @@ bool CopieMod::isTaken(const std::string& name, const Place& place, Wanted kind)
     return false;
 }
 
+// Names that differ in more than their case may be one name to the volume of the copy as well:
+// accents composed in two ways, dots at the end, letters of other alphabets. Found by the analysis,
+// since to copy the first of them changes what the second one leads to.
+bool CopieMod::sharesCopy(const FileEntry& entry, const FileEntry& existing, const Pair& pair) {
+    if (pass_ == Pass::analysis && !copies_.add(existing.id) &&
+        !sharers_.contains(pair.place.source)) {
+        sharers_.emplace(pair.place.source, sharers(pair));
+    }
+    const auto known = sharers_.find(pair.place.source);
+    if (known == sharers_.end() || !known->second.contains(entry.name)) return false;
+    errors_.unread(error_number::alreadyExists, pair.place.source + entry.name);
+    return true;
+}
+
+// All but the first of those that lead to one entry, unless the copy lists as many names of it:
+// these are hard links.
+std::set<std::string> CopieMod::sharers(const Pair& pair) {
+    const Place& place = pair.place;
+    std::map<std::uint64_t, int> listed;
+    std::unique_ptr<Directory> listing;
+    const auto open = [&](const std::string& path, LinkRule links) {
+        return files_.openDirectory(path, links, Wanted::files, listing).ok();
+    };
+    if (!open(place.destination, targetLinks(place))) return {};
+    for (FileEntry copy; listing->next(copy);) ++listed[copy.id.file];
+    if (!listing->status().ok() || !open(place.source, place.links)) return {};
+    std::set<std::string> found;
+    for (FileEntry original; listing->next(original);) {
+        FileEntry copy;
+        if (!pair.target->lookUp(original.name, copy) || !copy.id.known()) continue;
+        if (--listed[copy.id.file] < 0) found.insert(original.name);
+    }
+    return found;
+}
+
 void CopieMod::scanDirectory(const Pair& pair) {
     constexpr std::size_t usual = 128;
     FoldedNames handled(usual);
+    copies_ = SeenEntries();
     const std::string& source = pair.place.source;
     FileEntry existing;  // kept from file to file, with the room for its name
     for (FileEntry entry; pair.source.next(entry);) {
@@ -85,6 +121,7 @@ void CopieMod::scanFile(const FileEntry& entry, const Pair& pair, FileEntry& exi
     }
     bool found = false;
     if (!findExisting(entry, pair, existing, found)) return;
+    if (found && sharesCopy(entry, existing, pair)) return;
     if (run_.verifying()) return verifyFile(entry, found ? &existing : nullptr, place);
     const bool analysing = pass_ == Pass::analysis;
     if (found && decision_.compare && analysing && run_.system.SuiviAnalyse != 0 &&

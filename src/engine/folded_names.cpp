@@ -11,7 +11,7 @@
 namespace coffrelune {
 namespace {
 
-// FNV-1a over the characters in lower case; never 0.
+// FNV-1a over the characters in lower case.
 std::uint64_t hashOf(std::string_view name) {
     std::uint64_t hash = 0xCBF29CE484222325;
     for (std::size_t position = 0; position < name.size();) {
@@ -19,8 +19,7 @@ std::uint64_t hashOf(std::string_view name) {
         hash *= 0x100000001B3;
     }
     // The low bits alone choose the slot.
-    hash ^= hash >> 32;
-    return hash == 0 ? 1 : hash;
+    return hash ^ hash >> 32;
 }
 
 // False when the directory of both lists both names; true when it lists one of them, which is then
@@ -59,38 +58,53 @@ std::optional<bool> areOne(FileService& files, const std::string& a, const std::
 
 }  // namespace
 
-bool FoldedNames::add(std::string_view name) {
+bool HashSet::add(std::uint64_t hash) {
     if (count_ * 2 >= slots_.size()) grow();
-    if (!insert(hashOf(name))) return false;
+    if (!insert(hash == 0 ? 1 : hash)) return false;
     ++count_;
     return true;
 }
 
-bool FoldedNames::contains(std::string_view name) const {
-    return !slots_.empty() && slots_[slotOf(hashOf(name))] != 0;
+bool HashSet::contains(std::uint64_t hash) const {
+    return !slots_.empty() && slots_[slotOf(hash == 0 ? 1 : hash)] != 0;
 }
 
 // Where the hash is, or would be.
-std::size_t FoldedNames::slotOf(std::uint64_t hash) const {
+std::size_t HashSet::slotOf(std::uint64_t hash) const {
     const std::size_t mask = slots_.size() - 1;
     std::size_t slot = hash & mask;
     while (slots_[slot] != 0 && slots_[slot] != hash) slot = (slot + 1) & mask;
     return slot;
 }
 
-bool FoldedNames::insert(std::uint64_t hash) {
+bool HashSet::insert(std::uint64_t hash) {
     std::uint64_t& slot = slots_[slotOf(hash)];
     const bool isNew = slot == 0;
     slot = hash;
     return isNew;
 }
 
-void FoldedNames::grow() {
+void HashSet::grow() {
     std::vector<std::uint64_t> old(2 * (slots_.empty() ? std::bit_ceil(expected_) : slots_.size()));
     old.swap(slots_);
     for (const std::uint64_t hash : old) {
         if (hash != 0) insert(hash);
     }
+}
+
+bool FoldedNames::add(std::string_view name) {
+    return names_.add(hashOf(name));
+}
+
+bool FoldedNames::contains(std::string_view name) const {
+    return names_.contains(hashOf(name));
+}
+
+bool SeenEntries::add(const FileId& id) {
+    if (!id.known()) return true;
+    // Neighbours differ in the low bits of their numbers, which choose the slot.
+    const std::uint64_t mixed = (id.file ^ id.volume << 40) * 0x9E3779B97F4A7C15;
+    return ids_.add(mixed ^ mixed >> 32);
 }
 
 bool isOneEntry(FileService& files, const std::string& a, const std::string& b) {

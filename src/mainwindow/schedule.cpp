@@ -180,8 +180,8 @@ void Schedule::offerPlan() {
     };
     PlannedEntry entry;
     if (tasks.read(name, entry).ok()) {
-        if (!ask("« " + name + " » est planifiée (" + spokenPlan(entry.when) + "), dans :\n" + entry.place +
-                 "\n\nVoulez-vous retirer cette planification ?")) {
+        if (!ask("« " + name + " » est planifiée (" + spokenPlan(entry.when) + "), dans :\n" +
+                 entry.place + "\n\nVoulez-vous retirer cette planification ?")) {
             return;
         }
         return tellPlan(tasks.remove(name), "La planification de « " + name + " » est retirée.");

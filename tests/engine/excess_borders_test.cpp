@@ -243,6 +243,42 @@ TEST_F(Borders, KeepACopyThatItsVolumeSpellsOtherwise) {
     EXPECT_FALSE(kept("G:\\Docs\\gone.txt"));
 }
 
+TEST_F(Borders, KeepEverythingBesideACopyThatOnlyItsVolumeSpellsOtherwise) {
+    disk().volume("G:\\").foldsCase = true;
+    disk().file("C:\\Docs\\Երևան.txt", "x");
+    disk().file("C:\\Docs\\Ծաղիկ\\a", "a");
+    disk().file("G:\\Docs\\երևան.txt", "x");
+    disk().file("G:\\Docs\\ծաղիկ\\a", "a");
+    disk().file("G:\\Docs\\ծաղիկ\\b", "of another directory, perhaps");
+    disk().file("G:\\Docs\\plain.txt", "gone, or listed under a name of its volume's own");
+    disk().file("G:\\Docs\\Juin\\gone", "x");
+    EXPECT_TRUE(run("C:\\Docs", "G:\\", 1));
+    for (const char* name : {"երևան.txt", "ծաղիկ\\a", "ծաղիկ\\b", "plain.txt", "Juin\\gone"}) {
+        EXPECT_TRUE(kept(std::string("G:\\Docs\\") + name)) << name;
+    }
+    EXPECT_THAT(
+        window.journal,
+        testing::Contains(testing::HasSubstr("ce volume y montre certains noms autrement")));
+}
+
+TEST_F(Borders, KeepWhatALinkOfTheSameNameInAnotherCaseStandsFor) {
+    disk().volume("G:\\").foldsCase = true;
+    disk().link("C:\\Docs\\Data", "C:\\Elsewhere");
+    disk().file("G:\\Docs\\data\\f", "x");
+    (void)run("C:\\Docs", "G:\\", 1);  // the link finds the directory in its way
+    EXPECT_TRUE(kept("G:\\Docs\\data\\f"));
+    EXPECT_THAT(window.journal, testing::Contains(testing::HasSubstr("Data est un lien.")));
+}
+
+TEST_F(Borders, MakeRoomForAFileOfTheSameNameInAnotherCase) {
+    disk().volume("G:\\").foldsCase = true;
+    disk().file("C:\\Docs\\Data", "a file");
+    disk().file("G:\\Docs\\data\\f", "x");
+    EXPECT_TRUE(run("C:\\Docs", "G:\\", 1));
+    EXPECT_FALSE(disk().exists("G:\\Docs\\data\\f"));
+    EXPECT_EQ(disk().content("G:\\Docs\\Data"), "a file");
+}
+
 TEST_F(Borders, DeleteAnotherSpellingWhereItIsAnotherFile) {
     disk().file("C:\\Docs\\Plan.txt", "plan");
     disk().file("F:\\Docs\\Plan.txt", "plan");

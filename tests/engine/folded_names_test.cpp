@@ -107,6 +107,30 @@ TEST_F(CaseBlindCopy, CountsTheSecondOfTwoFilesAndKeepsTheCopyOfTheFirst) {
     }
 }
 
+// The volume takes these for one name, and the program's own tables do not.
+TEST_F(CaseBlindCopy, CountsTheSecondOfTwoFilesThatOnlyTheVolumeTakesForOne) {
+    disk().file("C:\\Docs\\Երևան.txt", "first", fileTimeAt(2024, 5, 1));
+    disk().file("C:\\Docs\\երևան.txt", "second", fileTimeAt(2024, 6, 1));
+    const std::string refused = "Erreur: 183 - Fichier: C:\\Docs\\երևան.txt";
+    for (const bool firstRun : {true, false}) {
+        EngineBench::run("C:\\Docs", "F:\\");
+        EXPECT_EQ(disk().content("F:\\Docs\\Երևան.txt"), "first") << firstRun;
+        EXPECT_EQ(disk().content("F:\\Docs\\autre"), "x");
+        EXPECT_THAT(window.journal, testing::Each(refused)) << firstRun;
+        EXPECT_EQ(window.journal.size(), firstRun ? 1U : 2U) << "once for each run";
+    }
+}
+
+TEST_F(CaseBlindCopy, TakesHardLinksInTheCopyForWhatTheyAre) {
+    disk().file("C:\\Docs\\b", "b");
+    disk().file("F:\\Docs\\autre", "x");
+    disk().file("F:\\Docs\\b", "b");
+    disk().find("F:\\Docs\\b")->id = disk().find("F:\\Docs\\autre")->id;
+    analyse("C:\\Docs", "F:\\");
+    EXPECT_THAT(window.journal, IsEmpty());
+    EXPECT_EQ(statistics.errorCount, 0);
+}
+
 TEST_F(CaseBlindCopy, CountsTheSecondThoughItsTimeIsThatOfTheFirst) {
     disk().file("C:\\Docs\\PLAN.TXT", "other", fileTimeAt(2024, 5, 1));
     disk().file("F:\\Docs\\Plan.txt", "first", fileTimeAt(2024, 5, 1));

@@ -45,6 +45,9 @@ std::string foldCase(const std::string& name) {
         char32_t c = utf8::next(name, position);
         const bool latin = c >= 0xE0 && c <= 0xFE && c != 0xF7;
         if ((c >= 'a' && c <= 'z') || latin) c -= 0x20;
+        // As on many volumes; the program's own tables have no such letters.
+        const bool armenian = c >= 0x561 && c <= 0x586;
+        if (armenian) c -= 0x30;
         utf8::append(folded, c);
     }
     return folded;

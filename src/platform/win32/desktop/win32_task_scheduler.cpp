@@ -75,9 +75,8 @@ std::string argumentsChanged(const std::string& arguments, const std::vector<Wor
         const std::string old = " " + argumentLine(change.from) + " ";
         const auto at = line.find(old);
         if (at == std::string::npos) continue;
-        const std::string before = line.substr(0, at + 1);
-        const std::string after = line.substr(at + old.size() - 1);
-        const std::string changed = before + argumentLine(change.to) + after;
+        std::string changed = line.substr(0, at + 1);
+        changed.append(argumentLine(change.to)).append(line, at + old.size() - 1);
         return changed.substr(1, changed.size() - 2);
     }
     return {};
