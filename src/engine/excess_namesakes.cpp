@@ -132,7 +132,10 @@ bool ExcessWalk::hides(Place& place, Wanted kind) {
 bool ExcessWalk::hidesNames(const Place& place, Wanted kind) {
     FoldedNames listed;
     std::unique_ptr<Directory> listing;
-    if (!files_.openDirectory(place.cleaned, LinkRule::follow, kind, listing).ok()) return true;
+    // All of them: a directory may stand where the reference has a file of that very name.
+    const Status opened =
+        files_.openDirectory(place.cleaned, LinkRule::follow, Wanted::everything, listing);
+    if (!opened.ok()) return true;
     for (FileEntry entry; listing->next(entry);) (void)listed.add(entry.name);
     if (!listing->status().ok() || !listReference(place, kind, listing)) return true;
     for (FileEntry other; listing->next(other);) {
