@@ -58,9 +58,10 @@ TEST(PlannedTexts, OfACrontabAreOnlyThoseThatNameTheConfiguration) {
     const std::string mark = "# Coffrelune, sauvegarde planifiée de : ";
     const std::string own = "0 5 * * * /usr/local/bin/mon-travail\n";
     const std::string photos = mark + "Photos\n5 8 * * * '/bin/c' '/Auto' '/Photos'\n";
-    for (const std::string& crontab : {mark + "Vieux\n" + own, mark + "Vieux\n" + photos}) {
-        EXPECT_EQ(crontabLine(crontab, "Vieux"), "");
-        EXPECT_EQ(mark + "Vieux\n" + crontabWithout(crontab, "Vieux"), crontab);
+    const std::string stale = mark + "Vieux\n";
+    for (const std::string& below : {own, photos}) {
+        EXPECT_EQ(crontabLine(stale + below, "Vieux"), "");
+        EXPECT_EQ(crontabWithout(stale + below, "Vieux"), below);
     }
     EXPECT_EQ(crontabLine(photos, "Photos"), "5 8 * * * '/bin/c' '/Auto' '/Photos'");
     EXPECT_EQ(crontabWithout(photos, "Photos"), "");
