@@ -4,6 +4,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/copy_errors.h"
@@ -126,8 +127,9 @@ class CopieMod {
     LineTrees* trees_ = nullptr;
     WalkPaths paths_;
     Pass pass_ = Pass::analysis;
-    // Names of originals whose copy is another's, by directory: the analysis finds them.
-    std::map<std::string, std::set<std::string>> sharers_;
+    // Names of originals whose copy is another's, by directory and its target: the analysis finds
+    // them.
+    std::map<std::pair<std::string, std::string>, std::set<std::string>> sharers_;
     SeenEntries copies_;                // of the files of one directory
     std::unique_ptr<WalkAhead> ahead_;  // where the pass changes nothing
     LeftOut leftOut_;

@@ -42,11 +42,12 @@ bool CopieMod::isTaken(const std::string& name, const Place& place, Wanted kind)
 // accents composed in two ways, dots at the end, letters of other alphabets. Found by the analysis,
 // since to copy the first of them changes what the second one leads to.
 bool CopieMod::sharesCopy(const FileEntry& entry, const FileEntry& existing, const Pair& pair) {
-    if (pass_ == Pass::analysis && !copies_.add(existing.id) &&
-        !sharers_.contains(pair.place.source)) {
-        sharers_.emplace(pair.place.source, sharers(pair));
-    }
-    const auto known = sharers_.find(pair.place.source);
+    const bool repeated = pass_ == Pass::analysis && !copies_.add(existing.id);
+    if (!repeated && sharers_.empty()) return false;
+    // Another line may copy the same directory to another volume.
+    const std::pair<std::string, std::string> place(pair.place.source, pair.place.destination);
+    if (repeated && !sharers_.contains(place)) sharers_.emplace(place, sharers(pair));
+    const auto known = sharers_.find(place);
     if (known == sharers_.end() || !known->second.contains(entry.name)) return false;
     errors_.unread(error_number::alreadyExists, pair.place.source + entry.name);
     return true;

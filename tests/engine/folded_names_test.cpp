@@ -121,6 +121,18 @@ TEST_F(CaseBlindCopy, CountsTheSecondOfTwoFilesThatOnlyTheVolumeTakesForOne) {
     }
 }
 
+TEST_F(CaseBlindCopy, RefusesNoneOfThemOnAnotherVolumeThatTellsThem) {
+    for (const char* name : {"Երևան.txt", "երևան.txt"}) {
+        disk().file(std::string("C:\\Docs\\") + name, "newer", fileTimeAt(2024, 6, 1));
+        disk().file(std::string("G:\\Docs\\") + name, "older", fileTimeAt(2024, 5, 1));
+    }
+    disk().file("F:\\Docs\\Երևան.txt", "older", fileTimeAt(2024, 5, 1));
+    EngineBench::run("C:\\Docs", "F:\\");
+    EngineBench::run("C:\\Docs", "G:\\");
+    EXPECT_EQ(disk().content("G:\\Docs\\Երևան.txt"), "newer");
+    EXPECT_EQ(disk().content("G:\\Docs\\երևան.txt"), "newer");
+}
+
 TEST_F(CaseBlindCopy, TakesHardLinksInTheCopyForWhatTheyAre) {
     disk().file("C:\\Docs\\b", "b");
     disk().file("F:\\Docs\\autre", "x");
