@@ -32,7 +32,7 @@ std::string inPlainSpelling(std::string_view text);
 /// copied, counted or deleted as an excess file. The names are the same on every system: a medium
 /// that goes from one to another speaks to both.
 enum class OwnFile {
-    temporary,    // ".tmp": an unfinished copy
+    temporary,    // ".tmp": an unfinished copy, or a directory of them that has no place yet
     certificate,  // ".copie": in the root of a copy, what it is a copy of
     restoreMark,  // ".restauration": in the root of an original, while a restore is unfinished
     lock,         // ".verrou": a tree that a run writes to, where the system has no other lock
@@ -46,6 +46,12 @@ std::string ownFileName(OwnFile kind, std::uint64_t number);
 
 inline bool isTemporaryName(std::string_view name) {
     return ownFileKind(name) == OwnFile::temporary;
+}
+
+/// Whether an entry of that name is the program's own. A directory that bears the name of one of
+/// the other kinds is its user's.
+inline bool isOwnEntry(std::string_view name, bool isDirectory) {
+    return isDirectory ? isTemporaryName(name) : ownFileKind(name).has_value();
 }
 
 }  // namespace coffrelune

@@ -1,12 +1,14 @@
 #include <functional>
 
 #include "contract/contract_fixture.h"
+#include "platform/names.h"
 
 namespace coffrelune {
 namespace {
 
 using testing::AnyOf;
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 constexpr std::size_t largestChunk = std::size_t{16} << 20;
 constexpr std::size_t severalChunks = largestChunk + (std::size_t{4} << 20) + 12345;
@@ -265,6 +267,36 @@ TEST_P(CopyContract, LeftoversAreHiddenAndRemoved) {
     EXPECT_THAT(system().names(directory()), ElementsAre("a.txt"));
     EXPECT_TRUE(holds(at("a.txt"), "abc"));
     EXPECT_TRUE(files().removeLeftovers(directory()).ok());
+}
+
+TEST_P(CopyContract, LeftDirectoriesOfUnfinishedCopiesAreHiddenAndRemoved) {
+    make("a.txt", "abc", oldTime);
+    const std::string left = at(ownFileName(OwnFile::temporary, 7));
+    system().makeDirectory(left);
+    system().makeFile(left + "\\b.txt", "half", oldTime);
+    EXPECT_THAT(listed(directory()), ElementsAre("a.txt"));
+    EXPECT_THAT(listed(directory(), Wanted::directories), IsEmpty());
+    EXPECT_TRUE(files().removeLeftovers(directory()).ok());
+    EXPECT_THAT(system().names(directory()), ElementsAre("a.txt"));
+}
+
+TEST_P(CopyContract, ADirectoryWithDirectoriesIsNoLeftover) {
+    const std::string name = ownFileName(OwnFile::temporary, 7);
+    system().makeDirectory(at(name));
+    system().makeFile(at(name) + "\\a.txt", "abc", oldTime);
+    system().makeDirectory(at(name) + "\\sous");
+    EXPECT_TRUE(files().removeLeftovers(directory()).ok());
+    EXPECT_THAT(system().names(directory()), ElementsAre(name));
+    EXPECT_TRUE(holds(at(name) + "\\a.txt", "abc"));
+}
+
+TEST_P(CopyContract, ADirectoryIsRemovedWithTheUnfinishedOnesInIt) {
+    system().makeDirectory(at("vieux"));
+    const std::string left = at("vieux\\" + ownFileName(OwnFile::temporary, 7));
+    system().makeDirectory(left);
+    system().makeFile(left + "\\b.txt", "half", oldTime);
+    EXPECT_TRUE(files().removeDirectory(at("vieux")).ok());
+    EXPECT_THAT(system().names(directory()), IsEmpty());
 }
 
 TEST_P(CopyContract, RemovingLeftoversOfAMissingDirectoryFails) {

@@ -20,7 +20,7 @@ MemoryDirectory::MemoryDirectory(const MemoryDisk& disk, const MemoryPlace& plac
 
 bool MemoryDirectory::gives(const MemoryNode& node) const {
     if (wanted_ == Wanted::nothing) return false;
-    if (!node.isDirectory() && ownFileKind(node.name())) return false;
+    if (isOwnEntry(node.name(), node.isDirectory())) return false;
     if (wanted_ != Wanted::everything && node.isDirectory() != (wanted_ == Wanted::directories)) {
         return false;
     }

@@ -6,12 +6,14 @@
 namespace coffrelune {
 namespace {
 
-bool isOwnFile(const MemoryNode& node) {
-    return !node.isDirectory() && ownFileKind(node.name()).has_value();
+bool isTemporary(const MemoryNode& node) {
+    const auto isFile = [](const auto& child) { return !child->isDirectory(); };
+    const auto& children = node.children();
+    return isTemporaryName(node.name()) && std::all_of(children.begin(), children.end(), isFile);
 }
 
-bool isTemporary(const MemoryNode& node) {
-    return !node.isDirectory() && isTemporaryName(node.name());
+bool isOwnFile(const MemoryNode& node) {
+    return isTemporary(node) || (!node.isDirectory() && ownFileKind(node.name()).has_value());
 }
 
 TreePlace placeOf(const MemoryPlace& place) {

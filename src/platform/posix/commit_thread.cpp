@@ -25,17 +25,18 @@ bool isSame(const struct statx& a, const struct statx& b) {
 
 /// Takes a name that nothing bears: EEXIST when somebody has taken it.
 int takeNewName(const WaitingCopy& copy) {
-    const int directory = copy.target->directory();
+    const int made = copy.target->directory();
+    const int directory = copy.target->namer().directory;
     const char* from = copy.temporary.c_str();
     const char* to = copy.name.c_str();
-    if (renameat2(directory, from, directory, to, RENAME_NOREPLACE) == 0) return 0;
+    if (renameat2(made, from, directory, to, RENAME_NOREPLACE) == 0) return 0;
     if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP) return errno;
     // A file system that does not know the question: what comes between the two calls is lost.
     struct statx taken {};
     const int error = statEntry(directory, to, false, taken);
     if (error == 0) return EEXIST;
     if (error != ENOENT) return error;
-    return renameat(directory, from, directory, to) == 0 ? 0 : errno;
+    return renameat(made, from, directory, to) == 0 ? 0 : errno;
 }
 
 /// Volumes for which a name is none answer in several ways, as if something else were wrong.
@@ -156,17 +157,41 @@ void CommitThread::commitWaiting(std::unique_lock<std::mutex>& lock) {
 
 void CommitThread::commitGroup(Group& group) {
     const int flushed = group.copies.empty() ? 0 : flushVolumes();
-    for (WaitingCopy& copy : group.copies) {
+    for (auto first = group.copies.begin(); first != group.copies.end();) {
+        const auto last = std::find_if(first, group.copies.end(), [&](const WaitingCopy& copy) {
+            return copy.target != first->target;
+        });
+        nameCopies({first, last}, flushed);
+        first = last;
+    }
+}
+
+/// Of one target, one after the other. What was not flushed is gone before the directory may get
+/// its name.
+void CommitThread::nameCopies(std::span<WaitingCopy> copies, int flushed) {
+    bool any = false;
+    for (WaitingCopy& copy : copies) {
         copy.error = failed_ ? ECANCELED : flushed;
         if (copy.error == 0) copy.error = flushErrorSince(copy.begun);
-        if (copy.error == 0) copy.error = giveName(copy);
+        if (copy.error != 0) giveUp(copy);
+        any = any || copy.error == 0;
+    }
+    const bool inPlace = any && copies.front().target->takePlace();
+    for (WaitingCopy& copy : copies) {
+        if (copy.error != 0) continue;
+        const bool isNamed = inPlace && copy.bearsName();
+        copy.error = failed_ ? ECANCELED : 0;
+        if (copy.error == 0 && !isNamed) copy.error = giveName(copy);
         if (isNameRefused(copy)) copy.error = EILSEQ;
         if (copy.error == 0) checkTime(copy);
-        if (copy.error == 0) continue;
-        // Nothing more can be done about a leftover that stays: a later run removes it.
-        unlinkat(copy.target->directory(), copy.temporary.c_str(), 0);
-        failed_ = failed_ || afterFailure_ == AfterFailure::stop;
+        if (copy.error != 0) giveUp(copy);
     }
+}
+
+/// Nothing more can be done about a leftover that stays: a later run removes it.
+void CommitThread::giveUp(const WaitingCopy& copy) {
+    unlinkat(copy.target->directory(), copy.temporary.c_str(), 0);
+    failed_ = failed_ || afterFailure_ == AfterFailure::stop;
 }
 
 /// The first file of a volume tells of the others.
@@ -174,7 +199,7 @@ void CommitThread::checkTime(const WaitingCopy& copy) {
     if (!copy.stamp) return;
     Naming& naming = namings_[copy.target->device()];
     if (naming == Naming::keeps || (naming == Naming::unknown && !isOrdinary(*copy.stamp))) return;
-    const int directory = copy.target->directory();
+    const int directory = copy.target->namer().directory;
     const StampState state = checkStamp(directory, copy.name.c_str(), *copy.stamp);
     // A time that many a volume cannot hold says nothing of those of the other files.
     const bool loses = state == StampState::lost && isOrdinary(*copy.stamp);
@@ -220,18 +245,18 @@ int CommitThread::flushErrorSince(std::uint64_t begun) const {
 
 int CommitThread::giveName(WaitingCopy& copy) const {
     const CopyTarget& target = *copy.target;
-    return changeIn(target.holder(), [&] {
+    const Holder& holder = target.namer();
+    return changeIn(holder, [&] {
         if (!copy.old) return takeNewName(copy);
         struct statx now {};
-        const int error = target.checkOld(copy.name.c_str(), now);
+        const int error = target.checkOld(holder, copy.name.c_str(), now);
         if (error == ENOENT) return takeNewName(copy);
         if (error != 0) return error;
         // Somebody has written there while the copy waited; the next run decides anew.
         if (!isSame(*copy.old, now)) return ETXTBSY;
-        const int directory = target.directory();
-        return renameat(directory, copy.temporary.c_str(), directory, copy.name.c_str()) == 0
-                   ? 0
-                   : errno;
+        const char* from = copy.temporary.c_str();
+        return renameat(target.directory(), from, holder.directory, copy.name.c_str()) == 0 ? 0
+                                                                                            : errno;
     });
 }
 

@@ -10,6 +10,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
@@ -25,12 +26,14 @@ namespace coffrelune {
 struct WaitingCopy {
     std::uint64_t ticket = 0;
     std::shared_ptr<CopyTarget> target;
-    std::string temporary;  // native names in the target
-    std::string name;
+    std::string temporary;            // native names in the target
+    std::string name;                 // the same where it was made under its own
     std::optional<struct statx> old;  // what it replaces; nothing when it is new
     std::optional<Stamp> stamp;       // that it must bear under its name
     std::uint64_t begun = 0;          // failedFlushes() before its first write
     int error = 0;                    // an errno value, once it is through
+
+    bool bearsName() const { return temporary == name; }
 };
 
 /// A volume that is written to. Opened before the first write: the system tells a late write error
@@ -84,6 +87,8 @@ class CommitThread {
     void run();
     void commitWaiting(std::unique_lock<std::mutex>& lock);
     void commitGroup(Group& group);
+    void nameCopies(std::span<WaitingCopy> copies, int flushed);
+    void giveUp(const WaitingCopy& copy);
     int flushVolumes();
     int flushErrorSince(std::uint64_t begun) const;
     int giveName(WaitingCopy& copy) const;

@@ -18,10 +18,25 @@ CopyTarget::CopyTarget(UniqueFd directory, dev_t device, Place place)
     holder_.held = place_.hold != nullptr;
 }
 
+void CopyTarget::stage(std::uint64_t number) {
+    staged_ = StagedDirectory::beside(holder_.directory, place_, number);
+    if (staged_ == nullptr) return;
+    stage_.directory = staged_->fd();
+    stage_.held = holder_.held;
+}
+
+bool CopyTarget::takePlace() {
+    return staged_ != nullptr && !staged_->inPlace() && staged_->takePlace() == 0;
+}
+
+const Holder& CopyTarget::namer() const {
+    return staged_ != nullptr && staged_->inPlace() ? stage_ : holder_;
+}
+
 void CopyTarget::bar(TreeLocks& locks) {
     UniqueFd readable;
     const int error = changeIn(
-        holder_, [&] { return openEntry(directory(), ".", O_RDONLY | O_DIRECTORY, readable); });
+        maker(), [&] { return openEntry(directory(), ".", O_RDONLY | O_DIRECTORY, readable); });
     // Where it cannot be barred, leftovers might be taken away too early: an error, and no loss.
     if (error != 0) return;
     (void)claim_.take(locks, readable.get(), TreeUse::write);
@@ -34,7 +49,7 @@ int CopyTarget::create(const char* name, const struct stat& original, mode_t mas
     const bool own =
         usual_ != Usual::nothing && ownerOf(original) == Owner{last_.user, last_.group};
     const mode_t mode = own ? original.st_mode & 0777 : S_IRUSR | S_IWUSR;
-    const int error = changeIn(holder_, [&] {
+    const int error = changeIn(maker(), [&] {
         fd.reset(openat(directory(), name, flags | O_CLOEXEC, mode));
         return fd.valid() ? 0 : errno;
     });
@@ -55,8 +70,9 @@ int CopyTarget::create(const char* name, const struct stat& original, mode_t mas
     return 0;
 }
 
-int CopyTarget::checkOld(const char* name, struct statx& old) const {
-    const int error = changeIn(holder_, [&] { return statEntry(directory(), name, false, old); });
+int CopyTarget::checkOld(const Holder& holder, const char* name, struct statx& old) const {
+    const int error =
+        changeIn(holder, [&] { return statEntry(holder.directory, name, false, old); });
     if (error != 0 || S_ISLNK(old.stx_mode)) return error;
     if (lockOf(old) != Lock::none) return EPERM;  // known before a byte is written
     return S_ISREG(old.stx_mode) && (old.stx_mode & S_IWUSR) != 0 ? 0 : EACCES;

@@ -3,26 +3,45 @@
 #include <sys/stat.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
 #include "platform/posix/copy_writer.h"
 #include "platform/posix/hold.h"
 #include "platform/posix/place.h"
+#include "platform/posix/staged_directory.h"
 
 namespace coffrelune {
 
 /// A directory that files are copied into. It stays open, and barred to other processes that clear
-/// leftovers, until the last of them has its name.
+/// leftovers, until the last of them has its name. One that is empty may be filled beside its place
+/// (StagedDirectory): its first files have their names there, and it gets its own with theirs.
 class CopyTarget {
   public:
     /// `directory`: open, O_PATH will do; lies on `device`.
     CopyTarget(UniqueFd directory, dev_t device, Place place);
 
-    int directory() const { return holder_.directory; }
-    const Holder& holder() const { return holder_; }
+    /// Where files are made.
+    int directory() const { return maker().directory; }
+    const Holder& maker() const { return staged_ != nullptr ? stage_ : holder_; }
     const Place& place() const { return place_; }
     dev_t device() const { return device_; }
+
+    /// From here on its files are made beside it, where that can be; before bar(), for a directory
+    /// that is empty. `number` makes the name.
+    void stage(std::uint64_t number);
+    /// Whether the next file is to be made under its own name.
+    bool givesNames() const { return staged_ != nullptr && !sealed_; }
+    /// What comes after this has to wait for its name as in any other directory: what was made so
+    /// far is being flushed.
+    void seal() { sealed_ = true; }
+
+    /// On the thread that commits: all the files that were made before seal() bear their names, in
+    /// one step, when this is true. Otherwise each of them still needs it.
+    bool takePlace();
+    /// The same thread: where files get their names.
+    const Holder& namer() const;
 
     /// On the thread that uses `locks`, like the destruction of this object.
     void bar(TreeLocks& locks);
@@ -35,7 +54,7 @@ class CopyTarget {
 
     /// Success when a copy may take the place of what `name` is: of files and links, never of
     /// anything else or of a read-only file. 0 or an errno value, ENOENT when nothing bears it.
-    int checkOld(const char* name, struct statx& old) const;
+    int checkOld(const Holder& holder, const char* name, struct statx& old) const;
 
   private:
     /// What is known of the files that are created here.
@@ -48,6 +67,9 @@ class CopyTarget {
 
     Place place_;
     Holder holder_;  // the directory itself; its name is empty
+    Holder stage_;   // what stands for it until it is full
+    std::unique_ptr<StagedDirectory> staged_;
+    bool sealed_ = false;
     dev_t device_;
     TreeClaim claim_;
     bool handsDown_ = false;  // an access list to what is made in it

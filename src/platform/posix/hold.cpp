@@ -114,6 +114,12 @@ bool countsSubdirectories(int directory) {
            volume.f_type == TMPFS_MAGIC;
 }
 
+bool replacesDirectories(int directory) {
+    struct statfs volume {};
+    if (fstatfs(directory, &volume) != 0) return false;
+    return volume.f_type == BTRFS_SUPER_MAGIC || countsSubdirectories(directory);
+}
+
 Waypoints::Waypoint Waypoints::find(std::string_view path) {
     const std::lock_guard<std::mutex> lock(mutex_);
     const auto isOnTheWay = [&](const Waypoint& point) {

@@ -53,6 +53,7 @@ struct Hold {
     dev_t device = 0;
     bool counted = true;  // its volume counts the names of a directory, so that none tells its end
     bool countsSubdirectories = false;  // each adds a name to the two that a directory has itself
+    bool replacesDirectories = false;   // an empty one by another, in one step
     Descent descent = Descent::kernel;
     std::unique_ptr<Waypoints> waypoints = std::make_unique<Waypoints>();
 };
@@ -60,6 +61,10 @@ struct Hold {
 /// Whether the volume of an open directory counts subdirectories among a directory's names: those
 /// of this system that are known to, others may say anything.
 bool countsSubdirectories(int directory);
+
+/// Whether the volume of an open directory is one of those of this system that are known to rename
+/// a directory over an empty one in one step.
+bool replacesDirectories(int directory);
 
 /// Opens `path`, which is below the hold and has no "..", without passing a link: ELOOP. The last
 /// component may be a link only where `flags` say O_PATH and O_NOFOLLOW. 0 or an errno value.

@@ -23,6 +23,11 @@ const dirent64* Listing::next() {
     return nullptr;
 }
 
+std::size_t Listing::entriesAhead() const {
+    constexpr std::size_t usual = 32;  // bytes of one with a short name
+    return (filled_ - position_) / usual;
+}
+
 /// To list leaves the time of the last access alone where the system allows that, to the owner and
 /// to root. Asked of the open directory: to open it so would fail for everybody else.
 void Listing::begin() {

@@ -22,6 +22,9 @@ class Listing {
     /// failure.
     const dirent64* next();
 
+    /// How many have been read and not given yet, about.
+    std::size_t entriesAhead() const;
+
     /// What ended the listing: 0 or an errno value.
     int error() const { return error_; }
 

@@ -27,14 +27,15 @@ int visitNames(int directory, Visit visit) {
     return listing.error();
 }
 
-/// A file or a link under one of the program's own names; a directory of such a name is its user's.
 std::optional<OwnFile> kindOf(int directory, const dirent64& entry) {
     const std::optional<OwnFile> kind = ownFileKind(entry.d_name);
     struct stat information {};
     if (!kind || fstatat(directory, entry.d_name, &information, AT_SYMLINK_NOFOLLOW) != 0) {
         return {};
     }
-    return S_ISREG(information.st_mode) || S_ISLNK(information.st_mode) ? kind : std::nullopt;
+    const bool isDirectory = S_ISDIR(information.st_mode);
+    const bool isFile = S_ISREG(information.st_mode) || S_ISLNK(information.st_mode);
+    return (isDirectory || isFile) && isOwnEntry(entry.d_name, isDirectory) ? kind : std::nullopt;
 }
 
 int removeEntry(int directory, const char* name) {

@@ -5,7 +5,7 @@
 
 namespace coffrelune {
 
-/// Removes the temporaries in an open directory that no running process writes. A file whose lock
+/// Removes the temporaries in an open directory that no running process writes. One whose lock
 /// cannot be tested stays. 0 or an errno value.
 int removeTemporaries(int directory);
 

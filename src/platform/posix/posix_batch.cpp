@@ -22,6 +22,9 @@ constexpr std::uint64_t groupBytes = 256U << 20;
 constexpr std::chrono::seconds groupAge{1};
 constexpr std::size_t manyWaiting = 3 * groupFiles;
 
+// A directory that is made beside its place takes a dozen calls, and saves one for each file.
+constexpr std::size_t worthStaging = 16;
+
 mode_t processMask() {
     const mode_t mask = umask(0);
     umask(mask);
@@ -40,6 +43,12 @@ std::size_t mostTargets() {
 /// What waits holds blocks and descriptors, which it gives back once it is finished.
 bool givesRoom(int error) {
     return error == ENOSPC || error == EDQUOT || error == EMFILE || error == ENFILE;
+}
+
+/// What another name may mend.
+bool isNameProblem(int error) {
+    return error == EEXIST || error == EINVAL || error == ENOENT || error == EILSEQ ||
+           error == ENAMETOOLONG;
 }
 
 /// Programs that serve a volume without links may answer that their own request has failed.
@@ -105,12 +114,16 @@ Status PosixBatch::add(const CopyRequest& request, std::uint64_t& ticket) {
 }
 
 /// The directory that is written to, opened for as long as its files wait.
-int PosixBatch::targetOf(PosixDirectory& directory) {
+int PosixBatch::targetOf(const CopyRequest& request) {
+    // Every open directory of this service is one of its own.
+    auto& directory = static_cast<PosixDirectory&>(request.target);
     std::shared_ptr<CopyTarget> target;
     const int error = directory.shareTarget(target);
     if (error != 0 || target == target_) return error;
     targets_.add(target);
     makeRoom();
+    const bool many = static_cast<PosixDirectory&>(request.source).hasMore(worthStaging);
+    if (many && request.isNew && directory.isStillEmpty()) target->stage(token_++);
     target->bar(locks_);
     if (!thread_.knows(target->device())) {
         FlushPoint point;
@@ -140,8 +153,7 @@ void PosixBatch::makeRoom() {
 
 /// Leaves nothing behind when it fails.
 int PosixBatch::tryCopy(const CopyRequest& request, WaitingCopy& waiting) {
-    // Every open directory of this service is one of its own.
-    int error = targetOf(static_cast<PosixDirectory&>(request.target));
+    int error = targetOf(request);
     if (error != 0) return error;
     waiting = {};
     waiting.begun = thread_.failedFlushes();
@@ -157,7 +169,7 @@ int PosixBatch::tryCopy(const CopyRequest& request, WaitingCopy& waiting) {
 int PosixBatch::copy(const CopyRequest& request, WaitingCopy& waiting) {
     if (!request.isNew) {
         struct statx old {};
-        const int error = target_->checkOld(waiting.name.c_str(), old);
+        const int error = target_->checkOld(target_->maker(), waiting.name.c_str(), old);
         const FileId id{deviceOf(old), old.stx_ino};
         if (error == 0 && id == request.entry.id) return ETXTBSY;  // onto itself
         if (error == 0) waiting.old = old;
@@ -197,18 +209,31 @@ int PosixBatch::openOriginal(int source, const char* name, UniqueFd& input, stru
     return fstat(input.get(), &before) == 0 ? 0 : errno;
 }
 
+/// Makes a file or a link: under its own name where that shows it to nobody yet. A name that is
+/// taken there by another original, or refused, is told when the copy would get it.
+template <typename Make>
+int PosixBatch::make(WaitingCopy& waiting, Make make) {
+    int error = EEXIST;
+    std::string name = waiting.name;
+    if (target_->givesNames()) error = make(name.c_str());
+    // Twice: by the rarest of chances, one of these is taken as well.
+    for (int attempt = 0; attempt < 2 && isNameProblem(error); ++attempt) {
+        name = ownFileName(OwnFile::temporary, token_++);
+        error = make(name.c_str());
+    }
+    // One that was made and could not be looked at is there all the same.
+    waiting.temporary = std::move(name);
+    return error;
+}
+
 int PosixBatch::write(int input, struct stat before, const CopyRequest& request,
                       WaitingCopy& waiting) {
     if (request.writable) before.st_mode |= S_IWUSR;
     UniqueFd output;
     NewFile made;
-    std::string name = temporaryName();
-    int error = target_->create(name.c_str(), before, mask_, output, made);
-    if (error == EEXIST) {  // by the rarest of chances
-        name = temporaryName();
-        error = target_->create(name.c_str(), before, mask_, output, made);
-    }
-    if (output.valid()) waiting.temporary = std::move(name);
+    int error = make(waiting, [&](const char* name) {
+        return target_->create(name, before, mask_, output, made);
+    });
     if (error == 0) error = writer_.write(input, before, output.get(), made, request.observer);
     if (error == 0) waiting.stamp = writer_.stamp();
     // A late write error may show at the closing.
@@ -225,18 +250,18 @@ int PosixBatch::copyLink(int source, const CopyRequest& request, WaitingCopy& wa
     int error = readLink(source, waiting.name.c_str(), text);
     if (error != 0) return error;
     const int directory = target_->directory();
-    const std::string name = temporaryName();
-    error = changeIn(target_->holder(), [&] {
-        return symlinkat(text.c_str(), directory, name.c_str()) == 0 ? 0 : errno;
+    error = make(waiting, [&](const char* name) {
+        return changeIn(target_->maker(),
+                        [&] { return symlinkat(text.c_str(), directory, name) == 0 ? 0 : errno; });
     });
     if (isLinkRefused(error)) return copyLinkTarget(source, request, link, waiting);
     if (error != 0) return error;
-    waiting.temporary = name;
+    const char* name = waiting.temporary.c_str();
     // Where a link cannot be stamped, what it leads to would be changed.
     const bool changeable = changesLinks(*target_);
-    if (changeable) error = giveAway(directory, name.c_str(), ownerOf(link));
+    if (changeable) error = giveAway(directory, name, ownerOf(link));
     if (changeable && error == 0) {
-        error = stamp({directory, name.c_str()}, link.st_atim, link.st_mtim, timeStepAt(directory));
+        error = stamp({directory, name}, link.st_atim, link.st_mtim, timeStepAt(directory));
     }
     if (error == 0 && request.observer != nullptr) request.observer->chunkFinished(text.size());
     return error;
@@ -266,12 +291,9 @@ int PosixBatch::copyLinkTarget(int source, const CopyRequest& request, const str
     return write(input.get(), before, request, waiting);
 }
 
-std::string PosixBatch::temporaryName() {
-    return ownFileName(OwnFile::temporary, token_++);
-}
-
 void PosixBatch::handOver(bool last) {
     if (group_.empty() && !last) return;
+    for (const WaitingCopy& copy : group_) copy.target->seal();
     thread_.commit(std::exchange(group_, {}), last);
     groupBytes_ = 0;
 }

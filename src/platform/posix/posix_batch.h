@@ -40,7 +40,7 @@ class PosixBatch final : public CopyBatch {
     }
 
   private:
-    int targetOf(PosixDirectory& directory);
+    int targetOf(const CopyRequest& request);
     int tryCopy(const CopyRequest& request, WaitingCopy& waiting);
     int copy(const CopyRequest& request, WaitingCopy& waiting);
     int copyFile(PosixDirectory& directory, int source, const CopyRequest& request,
@@ -51,7 +51,8 @@ class PosixBatch final : public CopyBatch {
     int copyLinkTarget(int source, const CopyRequest& request, const struct stat& link,
                        WaitingCopy& copy);
     int write(int input, struct stat before, const CopyRequest& request, WaitingCopy& copy);
-    std::string temporaryName();
+    template <typename Make>
+    int make(WaitingCopy& waiting, Make make);
     void handOver(bool last);
     void tellDone();
     void makeRoom();

@@ -157,7 +157,7 @@ bool PosixDirectory::describe(int directory, const char* name, unsigned char kin
         entry.id = {};
         entry.unreadable = true;
     }
-    return entry.isDirectory() ? !isPseudoMount(entry) : !ownFileKind(name).has_value();
+    return !isOwnEntry(name, entry.isDirectory()) && !isPseudoMount(entry);
 }
 
 /// A file that is to be copied is opened anyway: to look at it then costs a call less.
@@ -223,6 +223,11 @@ std::vector<FileEntry> PosixDirectory::takeDirectories() {
     }
     directories_.clear();
     return found;
+}
+
+bool PosixDirectory::hasMore(std::size_t count) const {
+    const std::size_t listed = ahead_.size() - nextAhead_;
+    return listed + (listing_ ? listing_->entriesAhead() : 0) >= count;
 }
 
 int PosixDirectory::reach(UniqueFd& again, int& fd) const {

@@ -51,6 +51,12 @@ class PosixDirectory final : public Directory {
     /// Looks the next files of a listing up before they are asked for, in its order.
     void lookAhead(const PosixDirectory& listing);
 
+    /// Whether a listing of it has about `count` more entries, as far as they were read.
+    bool hasMore(std::size_t count) const;
+
+    /// Nothing has been made in it, or was found there, since it was seen to be empty.
+    bool isStillEmpty();
+
     /// The directory as one that files are copied into. 0 or an errno value.
     int shareTarget(std::shared_ptr<CopyTarget>& target);
 
@@ -87,7 +93,6 @@ class PosixDirectory final : public Directory {
     bool describe(int directory, const char* name, unsigned char kind, FileEntry& entry);
     bool fill(const struct statx& information, std::string_view name, FileEntry& entry) const;
     bool isPseudoMount(const FileEntry& entry) const;
-    bool isStillEmpty();
     bool isEmpty() const;
     void readAheadAndClose();
     void close();

@@ -159,6 +159,7 @@ Status PosixFiles::hold(const std::string& root, std::unique_ptr<HeldTree>& held
     hold->device = information.st_dev;
     hold->counted = information.st_nlink > 0;
     hold->countsSubdirectories = countsSubdirectories(hold->directory.get());
+    hold->replacesDirectories = replacesDirectories(hold->directory.get());
     hold->descent = descent_;
     TreePlace tree = treePlaceOf(hold->directory.get(), place.native, mounts_);
     held = std::make_unique<PosixHeldTree>(std::move(hold), std::move(tree), holds_, locks_);

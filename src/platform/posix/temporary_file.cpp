@@ -10,6 +10,7 @@
 #include <ctime>
 
 #include "platform/names.h"
+#include "platform/posix/staged_directory.h"
 
 namespace coffrelune {
 namespace {
@@ -116,6 +117,8 @@ int removeTemporary(int directory, const char* name) {
     if (S_ISREG(information.st_mode)) {
         lock = openForLock(directory, name);
         if (!lock.valid() || lockNow(lock.get()) != 0) return 0;
+    } else if (S_ISDIR(information.st_mode)) {
+        return removeStaged(directory, name);
     } else if (!S_ISLNK(information.st_mode)) {
         return 0;
     }

@@ -47,8 +47,8 @@ class TemporaryFile {
     int directory_ = -1;
 };
 
-/// Removes one temporary, file or link, unless a running process writes it. A file whose lock
-/// cannot be tested stays. 0 or an errno value.
+/// Removes one temporary, file, link or directory, unless a running process writes it. A file whose
+/// lock cannot be tested stays. 0 or an errno value.
 int removeTemporary(int directory, const char* name);
 
 }  // namespace coffrelune

@@ -139,15 +139,15 @@ std::uint32_t removeOwnFiles(const NativePath& directory) {
     if (error != 0) return error;
     for (FileEntry entry; listing.next(entry);) {
         if (entry.name == "." || entry.name == "..") continue;
-        if (entry.isDirectory() || !ownFileKind(entry.name)) return ERROR_DIR_NOT_EMPTY;
-        own.push_back(directory.child(wide(entry.name)));
+        if (!isOwnEntry(entry.name, entry.isDirectory())) return ERROR_DIR_NOT_EMPTY;
+        if (!entry.isDirectory()) own.push_back(directory.child(wide(entry.name)));
     }
     if (listing.error() != 0) return listing.error();
     if (listing.leftSomethingOut()) return ERROR_DIR_NOT_EMPTY;
     for (const NativePath& path : own) {
         if (removeUnlessWritten(path) != 0) return ERROR_DIR_NOT_EMPTY;
     }
-    return 0;
+    return removeTemporaries(directory);  // the directories among them
 }
 
 }  // namespace

@@ -170,12 +170,38 @@ std::uint32_t removeUnlessWritten(const NativePath& path) {
     return left == INVALID_FILE_ATTRIBUTES ? 0 : ERROR_ACCESS_DENIED;
 }
 
+namespace {
+
+/// A directory of unfinished copies: other systems make them. One with directories in it is none.
+std::uint32_t removeStaged(const NativePath& directory) {
+    Listing listing;
+    std::vector<NativePath> files;
+    const std::uint32_t error = listing.open(directory, L"*");
+    if (error != 0) return error;
+    for (FileEntry entry; listing.next(entry);) {
+        if (entry.name == "." || entry.name == "..") continue;
+        if (entry.isDirectory()) return 0;
+        files.push_back(directory.child(wide(entry.name)));
+    }
+    if (listing.error() != 0 || listing.leftSomethingOut()) return listing.error();
+    for (const NativePath& path : files) {
+        const std::uint32_t removal = removeUnlessWritten(path);
+        if (removal != 0) return removal;
+    }
+    return RemoveDirectoryW(directory.text.c_str()) != 0 ? 0 : GetLastError();
+}
+
+}  // namespace
+
 std::uint32_t removeTemporaries(const NativePath& directory) {
     Listing listing;
     std::uint32_t failure = listing.open(directory, ownPattern);
     for (FileEntry entry; listing.next(entry);) {
-        if (entry.isDirectory() || !isTemporaryName(entry.name)) continue;
-        const std::uint32_t error = removeUnlessWritten(directory.child(wide(entry.name)));
+        const bool isLink = entry.isDirectory() && entry.isLink();
+        if (isLink || !isTemporaryName(entry.name)) continue;
+        const NativePath path = directory.child(wide(entry.name));
+        const std::uint32_t error =
+            entry.isDirectory() ? removeStaged(path) : removeUnlessWritten(path);
         if (error != 0 && error != ERROR_SHARING_VIOLATION) failure = error;
     }
     return failure != 0 ? failure : listing.error();

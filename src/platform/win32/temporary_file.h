@@ -85,7 +85,8 @@ std::uint32_t encryptionOf(const std::optional<FileEntry>& entry);
 /// Removes one of the program's own files, read-only or not. 32 when a process holds it open.
 std::uint32_t removeUnlessWritten(const NativePath& path);
 
-/// Removes the temporaries in a directory that no running process writes. 0 or a system error.
+/// Removes the temporaries in a directory, files and directories of them, that no running process
+/// writes. 0 or a system error.
 std::uint32_t removeTemporaries(const NativePath& directory);
 
 /// Adds the names of marks and certificates in a directory. 0 or a system error.

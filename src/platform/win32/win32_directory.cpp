@@ -59,9 +59,8 @@ bool Win32Directory::complete(FileEntry& entry) const {
 }
 
 bool Win32Directory::isWanted(const FileEntry& entry) const {
-    if (isDots(entry.name)) return false;
-    if (entry.isDirectory()) return wanted_ != Wanted::files;
-    return wanted_ != Wanted::directories && !ownFileKind(entry.name);
+    if (isDots(entry.name) || isOwnEntry(entry.name, entry.isDirectory())) return false;
+    return wanted_ != (entry.isDirectory() ? Wanted::files : Wanted::directories);
 }
 
 bool Win32Directory::isShut(const std::string& name) const {

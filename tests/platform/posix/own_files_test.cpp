@@ -33,7 +33,9 @@ TEST(OwnFiles, LeftoversGoAwayAndFilesInTheMakingStay) {
     disk.write(".~coffrelune-00000000000000aa.tmp", "half");
     chmod(disk.write(".~coffrelune-00000000000000ab.tmp", "half").c_str(), 0444);
     ASSERT_EQ(symlink("x", disk.at(".~coffrelune-00000000000000ac.tmp").c_str()), 0);
-    disk.makeDirectory(".~coffrelune-00000000000000ad.tmp");
+    disk.makeDirectory(".~coffrelune-00000000000000ad.tmp/sub");
+    disk.makeDirectory(".~coffrelune-00000000000000ae.tmp");
+    disk.write(".~coffrelune-00000000000000ae.tmp/a", "half");
     disk.write("~coffrelune-0000000000000000.tmp", "of the user");
 
     EXPECT_EQ(removeTemporaries(directory.get()), 0);
