@@ -18,11 +18,6 @@
 namespace coffrelune {
 namespace {
 
-bool isSame(const struct statx& a, const struct statx& b) {
-    return a.stx_ino == b.stx_ino && a.stx_size == b.stx_size &&
-           a.stx_mtime.tv_sec == b.stx_mtime.tv_sec && a.stx_mtime.tv_nsec == b.stx_mtime.tv_nsec;
-}
-
 /// Takes a name that nothing bears: EEXIST when somebody has taken it.
 int takeNewName(const WaitingCopy& copy) {
     const int made = copy.target->directory();
@@ -253,7 +248,7 @@ int CommitThread::giveName(WaitingCopy& copy) const {
         if (error == ENOENT) return takeNewName(copy);
         if (error != 0) return error;
         // Somebody has written there while the copy waited; the next run decides anew.
-        if (!isSame(*copy.old, now)) return ETXTBSY;
+        if (*copy.old != OldFile(now)) return ETXTBSY;
         const char* from = copy.temporary.c_str();
         return renameat(target.directory(), from, holder.directory, copy.name.c_str()) == 0 ? 0
                                                                                             : errno;

@@ -22,16 +22,31 @@
 
 namespace coffrelune {
 
+/// What tells that a file is the one that was there, unchanged. Thousands of them wait.
+struct OldFile {
+    std::uint64_t number = 0;  // of its inode
+    std::uint64_t size = 0;
+    std::int64_t seconds = 0;  // of its last write
+    std::uint32_t nanoseconds = 0;
+
+    explicit OldFile(const struct statx& information)
+        : number(information.stx_ino),
+          size(information.stx_size),
+          seconds(information.stx_mtime.tv_sec),
+          nanoseconds(information.stx_mtime.tv_nsec) {}
+    bool operator==(const OldFile&) const = default;
+};
+
 /// A copy that waits for its name.
 struct WaitingCopy {
     std::uint64_t ticket = 0;
     std::shared_ptr<CopyTarget> target;
-    std::string temporary;            // native names in the target
-    std::string name;                 // the same where it was made under its own
-    std::optional<struct statx> old;  // what it replaces; nothing when it is new
-    std::optional<Stamp> stamp;       // that it must bear under its name
-    std::uint64_t begun = 0;          // failedFlushes() before its first write
-    int error = 0;                    // an errno value, once it is through
+    std::string temporary;       // native names in the target
+    std::string name;            // the same where it was made under its own
+    std::optional<OldFile> old;  // what it replaces; nothing when it is new
+    std::optional<Stamp> stamp;  // that it must bear under its name
+    std::uint64_t begun = 0;     // failedFlushes() before its first write
+    int error = 0;               // an errno value, once it is through
 
     bool bearsName() const { return temporary == name; }
 };

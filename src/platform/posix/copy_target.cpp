@@ -73,7 +73,11 @@ int CopyTarget::create(const char* name, const struct stat& original, mode_t mas
 int CopyTarget::checkOld(const Holder& holder, const char* name, struct statx& old) const {
     const int error =
         changeIn(holder, [&] { return statEntry(holder.directory, name, false, old); });
-    if (error != 0 || S_ISLNK(old.stx_mode)) return error;
+    return error != 0 ? error : mayReplace(old);
+}
+
+int mayReplace(const struct statx& old) {
+    if (S_ISLNK(old.stx_mode)) return 0;
     if (lockOf(old) != Lock::none) return EPERM;  // known before a byte is written
     return S_ISREG(old.stx_mode) && (old.stx_mode & S_IWUSR) != 0 ? 0 : EACCES;
 }

@@ -52,8 +52,8 @@ class CopyTarget {
     int create(const char* name, const struct stat& original, mode_t mask, UniqueFd& fd,
                NewFile& made);
 
-    /// Success when a copy may take the place of what `name` is: of files and links, never of
-    /// anything else or of a read-only file. 0 or an errno value, ENOENT when nothing bears it.
+    /// Looks at what `name` is, and says whether a copy may replace it. 0 or an errno value, ENOENT
+    /// when nothing bears it.
     int checkOld(const Holder& holder, const char* name, struct statx& old) const;
 
   private:
@@ -77,6 +77,10 @@ class CopyTarget {
     mode_t seen_ = 0;  // that was asked for when `usual_` was found out: others may fare otherwise
     NewFile last_;
 };
+
+/// Success when a copy may take the place of something: of files and links, never of anything else
+/// or of a read-only file. 0 or an errno value.
+int mayReplace(const struct statx& old);
 
 /// The directories that the batches of one file service have open.
 class CopyTargets {

@@ -16,11 +16,14 @@
 namespace coffrelune {
 namespace {
 
-// What a flush costs is shared by a group; what a kill can cost is one group at most.
+// What a flush costs is shared by a group.
 constexpr std::size_t groupFiles = 1000;
 constexpr std::uint64_t groupBytes = 256U << 20;
 constexpr std::chrono::seconds groupAge{1};
-constexpr std::size_t manyWaiting = 3 * groupFiles;
+
+// A disk that is slower than the copying takes what has come meanwhile with one flush: the more may
+// wait for it, the fewer flushes there are. Some hundred bytes each, and what a kill can cost.
+constexpr std::size_t manyWaiting = 20 * groupFiles;
 
 // A directory that is made beside its place takes a dozen calls, and saves one for each file.
 constexpr std::size_t worthStaging = 16;
@@ -31,7 +34,7 @@ mode_t processMask() {
     return mask;
 }
 
-/// Each of them keeps two descriptors, of which the program may have few.
+/// Each of them keeps up to four descriptors, of which the program may have few.
 std::size_t mostTargets() {
     constexpr std::size_t fewest = 4;
     constexpr std::size_t most = 128;
@@ -166,13 +169,21 @@ int PosixBatch::tryCopy(const CopyRequest& request, WaitingCopy& waiting) {
     return error;
 }
 
+/// What the caller has just looked up need not be asked for again.
+int PosixBatch::lookAtOld(const CopyRequest& request, const std::string& name,
+                          struct statx& old) const {
+    auto& target = static_cast<PosixDirectory&>(request.target);
+    if (target.takeLooked(request.entry.name, old)) return mayReplace(old);
+    return target_->checkOld(target_->maker(), name.c_str(), old);
+}
+
 int PosixBatch::copy(const CopyRequest& request, WaitingCopy& waiting) {
     if (!request.isNew) {
         struct statx old {};
-        const int error = target_->checkOld(target_->maker(), waiting.name.c_str(), old);
+        const int error = lookAtOld(request, waiting.name, old);
         const FileId id{deviceOf(old), old.stx_ino};
         if (error == 0 && id == request.entry.id) return ETXTBSY;  // onto itself
-        if (error == 0) waiting.old = old;
+        if (error == 0) waiting.old.emplace(old);
         if (error != 0 && error != ENOENT) return error;
     }
     auto& source = static_cast<PosixDirectory&>(request.source);

@@ -42,6 +42,7 @@ class PosixBatch final : public CopyBatch {
   private:
     int targetOf(const CopyRequest& request);
     int tryCopy(const CopyRequest& request, WaitingCopy& waiting);
+    int lookAtOld(const CopyRequest& request, const std::string& name, struct statx& old) const;
     int copy(const CopyRequest& request, WaitingCopy& waiting);
     int copyFile(PosixDirectory& directory, int source, const CopyRequest& request,
                  WaitingCopy& copy);

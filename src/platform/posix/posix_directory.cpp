@@ -190,6 +190,13 @@ bool PosixDirectory::takeOpened(const std::string& name, UniqueFd& fd, struct st
     return true;
 }
 
+bool PosixDirectory::takeLooked(const std::string& name, struct statx& information) {
+    const bool known = !looked_.empty() && looked_ == name;
+    if (known) information = lookedAt_;
+    looked_.clear();
+    return known;
+}
+
 /// Everything but the name.
 bool PosixDirectory::fill(const struct statx& information, std::string_view name,
                           FileEntry& entry) const {
@@ -306,6 +313,10 @@ int PosixDirectory::ask(const std::string& name, FileEntry& found) {
                            ? statEntry(fd, name.c_str(), false, information)
                            : statEntry(fd, toNativeName(name).c_str(), false, information);
     if (looked != 0) return looked;
+    if (wanted_ == Wanted::nothing) {  // what is found may be about to be replaced
+        looked_ = name;
+        lookedAt_ = information;
+    }
     return fill(information, name, found) ? 0 : ENOENT;
 }
 

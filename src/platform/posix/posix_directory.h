@@ -64,6 +64,10 @@ class PosixDirectory final : public Directory {
     /// not opened.
     bool takeOpened(const std::string& name, UniqueFd& fd, struct stat& information);
 
+    /// What the last look-up found under `name`; false where that was another name. Told once, so
+    /// that whoever comes back later asks the system.
+    bool takeLooked(const std::string& name, struct statx& information);
+
     /// A descriptor of it for ...at() calls; `again` owns it where it has been closed meanwhile.
     /// 0 or an errno value.
     int reach(UniqueFd& again, int& fd) const;
@@ -116,6 +120,8 @@ class PosixDirectory final : public Directory {
     std::shared_ptr<CopyTarget> target_;
     bool expectsCopy_ = false;
     OpenedFile opened_;
+    std::string looked_;  // the name, in the core's form; empty: nothing was found
+    struct statx lookedAt_ {};
     std::optional<std::uint64_t> emptyAt_;  // value of changes_ when it was seen to be empty
     bool askedEmpty_ = false;
     Status status_;
