@@ -15,7 +15,7 @@ import sys
 
 from harness import Report, drive_path, read, touch, write
 from loss_harness import BACKUP, RESTORE, marks
-from sweep_harness import (KILLED, Verdict, Workshop, certificates, damaged_certificates,
+from sweep_harness import (KILLED, Snapshot, Verdict, Workshop, certificates, damaged_certificates,
                            default_programs, difference, emptied, files_of, finish, lying_times,
                            planted, played, says_complete, stamps, strangers, temporaries)
 
@@ -58,8 +58,17 @@ class Scene:
     then = {}     # written to the source since
     gone = ()     # removed from the source since
     status = 0    # of an undisturbed run
+    start = None  # what was laid
 
     def prepare(self, place):
+        """The same start each time."""
+        if self.start is None:
+            self.lay(place)
+            self.start = Snapshot(place.source, place.destination, place.home)
+        else:
+            self.start.bring_back()
+
+    def lay(self, place):
         for directory in (place.source, place.destination, place.home):
             emptied(directory)
         settle(place, self.synchro)
@@ -196,8 +205,8 @@ class ErrorList(Scene):
     synchro = 0
     status = 1
 
-    def prepare(self, place):
-        super().prepare(place)
+    def lay(self, place):
+        super().lay(place)
         for name in ("a.txt", "sous/b.txt"):
             os.remove(f"{place.copy}/{name}")
             os.makedirs(f"{place.copy}/{name}")
@@ -223,8 +232,8 @@ class Certificate(Scene):
 
     name = "certificat"
 
-    def prepare(self, place):
-        super().prepare(place)
+    def lay(self, place):
+        super().lay(place)
         settle(place, self.synchro, "[General]\n")
         text = read(place.settings).decode("cp1252")
         text = text.replace("Confirmation=1\r\n", "Confirmation=1\r\nRepExclu0_Mode=2\r\n"
@@ -253,7 +262,7 @@ class SingleFile(Scene):
     before = {"seul.bin": BIG}
     then = {"seul.bin": "n" * 280_000}
 
-    def prepare(self, place):
+    def lay(self, place):
         source = place.source
         place.source = f"{source}/seul.bin"
         settle(place)

@@ -3,14 +3,16 @@
 errors, and from one moment on all those of the copy's volume; each error is counted and named, no
 run says that it was clean when it was not, and nothing goes that should stay.
 
-Usage: fault_sweep.py [--programs DIRECTORY] [--sample N] [--seed N] [WORD]
---sample tries N faults of each scene only, chosen by the seed; WORD picks scenes.
+Usage: fault_sweep.py [--programs DIRECTORY] [--sample N] [--seed N] [--from SCENE:NUMBER] [WORD]...
+--sample tries N faults of each scene only, chosen by the seed; the WORDs pick scenes. What is cut
+off says with which --from it goes on.
 """
 
 import errno
 import os
 import re
 import sys
+import traceback
 
 from crash_sweep import Delete, New, Overwrite, Restore, SingleFile, state_of
 from harness import read
@@ -208,13 +210,14 @@ def chosen_of(faults, sample, chance):
     return [chance.choice(groups[chance.choice(keys)]) for _ in range(sample)]
 
 
-def sweep(shop, scene, report, sample, chance):
+def sweep(shop, scene, report, course):
     place = shop.place()
-    faults = faults_of(shop, scene, place)
-    chosen = faults if sample is None else chosen_of(faults, sample, chance)
+    chosen = faults = faults_of(shop, scene, place)
+    if course.sample is not None:
+        chosen = chosen_of(faults, course.sample, course.chance(scene))
     verdict = Verdict(report)
     visited = 0
-    for fault in chosen:
+    for fault in course.trials(scene, verdict, chosen):
         try:
             visited += play(shop, scene, place, fault, verdict)
         except OSError as error:

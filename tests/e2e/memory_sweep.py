@@ -3,8 +3,9 @@
 so in French and ends, or counts an error and goes on; nothing is lost, and the next run makes all
 right.
 
-Usage: memory_sweep.py [--programs DIRECTORY] [--sample N] [--seed N] [WORD]
---sample tries N allocations of each scene only; WORD picks scenes.
+Usage: memory_sweep.py [--programs DIRECTORY] [--sample N] [--seed N] [--from SCENE:NUMBER] [WORD]...
+--sample tries N allocations of each scene only; the WORDs pick scenes. What is cut off says with
+which --from it goes on.
 """
 
 import sys
@@ -41,21 +42,20 @@ def play(shop, scene, place, number, onwards, verdict):
     return told
 
 
-def sweep(shop, scene, report, sample, chance):
+def sweep(shop, scene, report, course):
     place = shop.place()
     verdict = Verdict(report)
     scene.prepare(place)
     outcome, most = allocations(shop, scene, place)
     verdict.expect(outcome.status == scene.status, f"{scene.name} : sans panne", outcome)
-    numbers = range(1, most + 1)
-    if sample is not None:
-        numbers = sorted(chance.sample(numbers, min(sample, most)))
+    chosen = [(number, onwards) for number in range(1, most + 1) for onwards in (0, 1)]
+    if course.sample is not None:
+        chosen = sorted(course.chance(scene).sample(chosen, min(course.sample, len(chosen))))
     visited = said = 0
-    for number in numbers:
-        for onwards in (0, 1) if sample is None else (chance.randrange(2),):
-            said += play(shop, scene, place, number, onwards, verdict)
-            visited += 1
-    verdict.expect(said > 0, f"{scene.name} : le texte n'est jamais venu")
+    for number, onwards in course.trials(scene, verdict, chosen):
+        said += play(shop, scene, place, number, onwards, verdict)
+        visited += 1
+    verdict.expect(said > 0 or not visited, f"{scene.name} : le texte n'est jamais venu")
     verdict.close(f"{scene.name}, {most} allocations, {said} fins dites", visited)
     place.remove()
 

@@ -64,7 +64,7 @@ class Tree:
                 if name.startswith(OWN):
                     self.own_file(path)
                 else:
-                    relative = os.path.relpath(path, root)
+                    relative = path[len(root) + 1:]
                     self.versions[relative] = version_of(files, relative, path)
 
     def own_file(self, path):
@@ -330,6 +330,8 @@ class Session:
         for number in ENDINGS:
             harness.signal.signal(number, leave)
         print(f"graine : {self.asked.seed}")
+        # The other tree, too, lies where nothing else makes it wait.
+        tempfile.tempdir = self.asked.place
         if os.geteuid() == 0:
             recorded_disk.live_apart()
 

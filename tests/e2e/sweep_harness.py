@@ -8,11 +8,12 @@ import random
 import re
 import shutil
 import signal
+import stat
 import tempfile
 import traceback
 
 from harness import Place, Report, read, touch, write
-from loss_harness import OLDER, OWN, run, tree, why_no_mount
+from loss_harness import OLDER, OWN, run, why_no_mount
 
 KILLED = (-signal.SIGKILL, 128 + signal.SIGKILL)
 
@@ -116,22 +117,106 @@ def planted(root, files, seconds=OLDER):
             touch(path, seconds)
 
 
+def below(root, prefix=""):
+    """Relative path and entry of everything below a directory that is none itself; nothing of a
+    directory that is not there."""
+    try:
+        entries = list(os.scandir(f"{root}/{prefix}"))
+    except (FileNotFoundError, NotADirectoryError):
+        return
+    for entry in entries:
+        if entry.is_dir(follow_symlinks=False):
+            yield from below(root, f"{prefix}{entry.name}/")
+        else:
+            yield prefix + entry.name, entry
+
+
+def users_files(root):
+    """The same without the program's own files."""
+    return ((name, entry) for name, entry in below(root)
+            if not (entry.name.startswith(".~") and OWN.fullmatch(entry.name)))
+
+
 def files_of(root):
     """Relative path to content of every file and link; nothing of a directory that is not there.
     A directory that has become empty stays, and is no part of it."""
-    return {name: content for name, content in tree(root).items() if not name.endswith("/")}
+    found = {}
+    for name, entry in users_files(root):
+        if entry.is_symlink():
+            found[name] = "-> " + os.readlink(entry.path)
+        else:
+            found[name] = (read(entry.path).decode(errors="replace") if entry.is_file() else "?")
+    return found
 
 
 def stamps(root):
-    """Last-write times of every file below."""
-    return {os.path.relpath(f"{directory}/{name}", root):
-            os.lstat(f"{directory}/{name}").st_mtime_ns // 100
-            for directory, _, files in os.walk(root) for name in files if not OWN.fullmatch(name)}
+    """Last-write times of every file and link below."""
+    return {name: entry.stat(follow_symlinks=False).st_mtime_ns // 100
+            for name, entry in users_files(root)}
 
 
 def temporaries(*roots):
-    return sorted(f"{directory}/{name}" for root in roots for directory, _, files in os.walk(root)
-                  for name in files if OWN.fullmatch(name) and name.endswith(".tmp"))
+    return sorted(entry.path for root in roots for _, entry in below(root)
+                  if OWN.fullmatch(entry.name) and entry.name.endswith(".tmp"))
+
+
+class Snapshot:
+    """What stands below some directories, to be brought back without the runs that made it. The
+    directories themselves stay: a copy knows its place by them."""
+
+    def __init__(self, *roots):
+        self.roots = {root: self.entries(root) for root in roots}
+
+    def entries(self, root):
+        """Relative path to (kind and rights, last-write time, content), each directory before what
+        it holds."""
+        found = {}
+        for directory, below_it, files in os.walk(root):
+            for name in ["", *below_it, *files] if directory == root else [*below_it, *files]:
+                path = f"{directory}/{name}".rstrip("/")
+                found[path[len(root):]] = self.entry(path)
+        return found
+
+    @staticmethod
+    def entry(path):
+        status = os.lstat(path)
+        content = None
+        if stat.S_ISLNK(status.st_mode):
+            content = os.readlink(path)
+        elif stat.S_ISREG(status.st_mode):
+            content = read(path)
+        return status.st_mode, status.st_mtime_ns, content
+
+    def bring_back(self):
+        for root, entries in self.roots.items():
+            now = self.entries(root)
+            for name in sorted(now, reverse=True):
+                if name not in entries or stat.S_IFMT(now[name][0]) != stat.S_IFMT(
+                        entries[name][0]):
+                    is_directory = stat.S_ISDIR(now.pop(name)[0])
+                    (os.rmdir if is_directory else os.remove)(root + name)
+            for name, entry in entries.items():
+                if now.get(name) != entry and not stat.S_ISDIR(entry[0]):
+                    self.put(root + name, *entry)
+                elif name not in now:
+                    os.mkdir(root + name)
+            for name in sorted(entries, reverse=True):
+                mode, time, _ = entries[name]
+                if stat.S_ISDIR(mode):
+                    os.chmod(root + name, stat.S_IMODE(mode))
+                    os.utime(root + name, ns=(time, time))
+
+    @staticmethod
+    def put(path, mode, time, content):
+        with contextlib.suppress(FileNotFoundError):
+            os.remove(path)
+        if stat.S_ISLNK(mode):
+            os.symlink(content, path)
+        else:
+            with open(path, "wb") as file:
+                file.write(content)
+            os.chmod(path, stat.S_IMODE(mode))
+        os.utime(path, ns=(time, time), follow_symlinks=False)
 
 
 def certificates(root):
@@ -208,6 +293,38 @@ def finish(report):
     return 0 if report.failed == 0 and report.passed > 0 else 1
 
 
+class Course:
+    """How far a sweep has come. One that is cut off says from where to take it up."""
+
+    EACH = 1000  # trials after which it is said anyhow
+
+    def __init__(self, seed, sample, start):
+        self.seed, self.sample = seed, sample
+        self.skipped_to, _, number = start.rpartition(":")
+        self.first = int(number or 0)
+        self.at = "rien n'était commencé"
+        signal.signal(signal.SIGTERM, signal.default_int_handler)
+
+    def begins(self, scene):
+        """Whether a scene is played, as none is before the one where it is to begin."""
+        if self.skipped_to and scene.name != self.skipped_to:
+            return False
+        self.skipped_to = ""
+        return True
+
+    def chance(self, scene):
+        return random.Random(f"{self.seed} {scene.name}")
+
+    def trials(self, scene, verdict, chosen):
+        first, self.first = self.first, 0
+        for number, trial in enumerate(chosen[first:], first):
+            self.at = (f"{scene.name}, {number - first} essais, {verdict.faults} fautes ; la suite :"
+                       f" --seed {self.seed} --from '{scene.name}:{number}'")
+            if number > first and number % self.EACH == 0:
+                print(f"    {number} de {len(chosen)} : {self.at}", flush=True)
+            yield trial
+
+
 def sampled(name, scenes, sweep):
     """Plays a sweep over scenes, or over those that the command line names, of each call or of a
     sample of them. Gives the exit status."""
@@ -215,19 +332,23 @@ def sampled(name, scenes, sweep):
     parser.add_argument("--programs", default=default_programs())
     parser.add_argument("--sample", type=int)
     parser.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1 << 32))
-    parser.add_argument("word", nargs="?", default="")
+    parser.add_argument("--from", dest="start", default="", metavar="SCENE:NUMBER")
+    parser.add_argument("words", nargs="*", metavar="WORD")
     arguments = parser.parse_args()
     report = Report()
-    print(f"graine : {arguments.seed}")
-    chance = random.Random(arguments.seed)
+    print(f"graine : {arguments.seed}", flush=True)
+    course = Course(arguments.seed, arguments.sample, arguments.start)
     with Workshop(os.path.abspath(arguments.programs)) as shop:
         if shop.why_not:
             report.leave_out(name, shop.why_not)
             return finish(report)
-        for scene in scenes:
-            if arguments.word in scene.name:
-                played(report, scene, lambda made: sweep(shop, made, report, arguments.sample,
-                                                         chance))
+        try:
+            for scene in scenes:
+                wanted = not arguments.words or any(word in scene.name for word in arguments.words)
+                if wanted and course.begins(scene):
+                    played(report, scene, lambda made: sweep(shop, made, report, course))
+        except KeyboardInterrupt:
+            report.check(f"{name} va à son terme", False, course.at)
     return finish(report)
 
 
