@@ -139,6 +139,15 @@ class New(Scene):
     then = {**OLD, **ADDED}
 
 
+class Filled(Scene):
+    """De nouveaux répertoires, pleins de fichiers"""
+
+    name = "répertoires pleins"
+    then = {**{f"lot/f{number}": f"lot {number}" for number in range(26)},
+            **{f"sous/lot/f{number}": f"autre {number}" for number in range(26)},
+            "sous/lot/lien": "-> f3"}
+
+
 class Overwrite(Scene):
     """Tout a changé"""
 
@@ -285,7 +294,7 @@ class SingleFile(Scene):
         return files_of(place.destination) == files_of(place.source)
 
 
-SCENES = (New, Overwrite, Delete, Restore, RestoreThenBackup, Settings, ErrorList, Certificate,
+SCENES = (New, Filled, Overwrite, Delete, Restore, RestoreThenBackup, Settings, ErrorList, Certificate,
           SingleFile)
 
 

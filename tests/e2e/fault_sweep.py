@@ -14,7 +14,7 @@ import re
 import sys
 import traceback
 
-from crash_sweep import Delete, New, Overwrite, Restore, SingleFile, state_of
+from crash_sweep import Delete, Filled, New, Overwrite, Restore, SingleFile, state_of
 from harness import read
 from loss_harness import KEPT
 from sweep_harness import (Verdict, difference, error_lines, files_of, sampled, says_complete,
@@ -36,6 +36,10 @@ class Faulty:
 
 class NewFault(Faulty, New):
     """Une première sauvegarde"""
+
+
+class FilledFault(Faulty, Filled):
+    """De nouveaux répertoires, pleins de fichiers"""
 
 
 class OverwriteFault(Faulty, Overwrite):
@@ -79,7 +83,7 @@ class SingleFault(SingleFile):
     """La ligne d'un seul fichier"""
 
 
-SCENES = (NewFault, OverwriteFault, OverwriteAlone, DeleteFault, DeleteAlone, RestoreFault,
+SCENES = (NewFault, FilledFault, OverwriteFault, OverwriteAlone, DeleteFault, DeleteAlone, RestoreFault,
           RestoreAlone, SingleFault)
 
 

@@ -103,6 +103,7 @@ def tree(root):
     that hold nothing end with a slash. The program's own files are left out."""
     found = {}
     for directory, names, files in os.walk(root):
+        names[:] = [name for name in names if not OWN.fullmatch(name)]
         for name in files + [name for name in names if os.path.islink(f"{directory}/{name}")]:
             path = f"{directory}/{name}"
             if OWN.fullmatch(name):

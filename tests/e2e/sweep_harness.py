@@ -132,9 +132,9 @@ def below(root, prefix=""):
 
 
 def users_files(root):
-    """The same without the program's own files."""
-    return ((name, entry) for name, entry in below(root)
-            if not (entry.name.startswith(".~") and OWN.fullmatch(entry.name)))
+    """The same without the program's own files and directories."""
+    return ((name, entry) for name, entry in below(root) if ".~" not in name
+            or not any(OWN.fullmatch(part) for part in name.split("/")))
 
 
 def files_of(root):
@@ -156,8 +156,9 @@ def stamps(root):
 
 
 def temporaries(*roots):
-    return sorted(entry.path for root in roots for _, entry in below(root)
-                  if OWN.fullmatch(entry.name) and entry.name.endswith(".tmp"))
+    return sorted(f"{directory}/{name}" for root in roots
+                  for directory, below_it, files in os.walk(root) for name in below_it + files
+                  if OWN.fullmatch(name) and name.endswith(".tmp"))
 
 
 class Snapshot:
