@@ -46,7 +46,7 @@ CASES = (Case("premières copies"),
          Case("restauration", replaced=True, restored=True),
          Case("restauration, excédentaires effacés", replaced=True, in_step=True, gone=True,
               restored=True))
-SHORT_CASES = (CASES[3], CASES[5])
+SHORT_CASES = (CASES[2], CASES[3], CASES[5])
 
 
 class Tree:
