@@ -43,6 +43,7 @@ class Program:
         return status == (1 if operation == DIFFERING else 0)
 
     leads = None  # the program whose copy it looks at, where it makes none
+    copies = True  # it makes a copy that can be compared with its original
 
 
 class Ours(Program):
@@ -104,6 +105,24 @@ class Loop(Program):
         name = f"deux stat, {threads} fil{'s' if threads > 1 else ''}"
         super().__init__(name, {NOTHING: [tool, str(threads), "{s}", "{t}"]})
         self.leads = leads
+
+
+class InOneGo(Program):
+    """As many bytes in one file, flushed: what the disk alone asks of whoever makes a copy safe."""
+
+    copies = False
+
+    def __init__(self):
+        super().__init__("autant d'octets d'un trait, vidés", {FIRST: []})
+        self.bytes = {}
+
+    def prepare(self, source, target):
+        self.bytes[source] = sum(os.lstat(os.path.join(directory, name)).st_size
+                                 for directory, _, names in os.walk(source) for name in names)
+
+    def words(self, operation, source, target):
+        return shell('mkdir "$1" && head -c "$2" /dev/zero > "$1/octets" && sync -f "$1"',
+                     target, str(self.bytes[source]))
 
 
 def core(path):

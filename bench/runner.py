@@ -207,13 +207,14 @@ class Rounds:
     def check(self, number, operation):
         """Every copy is what the original is; its bytes are read once."""
         for contender in self.contenders:
-            if contender.program.leads or not contender.program.does(operation):
+            program = contender.program
+            if program.leads or not program.copies or not program.does(operation):
                 continue
             with_bytes = number == 0 and contender.tree.files <= 100_000
             wrong = trees.difference(contender.source, contender.target, with_bytes)
             if wrong:
-                self.runner.fault(f"{self.trial.name} : {contender.program.name}, tour "
-                                  f"{number + 1} : {wrong}")
+                self.runner.fault(f"{self.trial.name} : {program.name}, tour {number + 1} : "
+                                  f"{wrong}")
             else:
                 self.runner.copies += 1
         sys.stdout.flush()

@@ -42,7 +42,7 @@ def everything():
               fresh=False),
         Trial("repos, froid", hundred, rest, (*UPDATES, "loops"), cold=True, rounds=5,
               fresh=False),
-        Trial("petits", thirty, copy, COPIES, rounds=9),
+        Trial("petits", thirty, copy, (*COPIES, p.InOneGo()), rounds=9),
         Trial("petits, un cœur", thirty, copy, COPIES, cores=1, rounds=5),
         Trial("petits, tmpfs", thirty, copy, COPIES, disk="tmpfs", rounds=7),
         Trial("petits, froid", thirty, copy, COPIES, cold=True, rounds=5),
