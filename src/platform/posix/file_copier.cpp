@@ -161,7 +161,7 @@ Status PosixFileCopier::copyLink(const Job& job, const struct statx& link) {
     // links. A second attempt is then enough.
     error = placeLink(text, job.to, link);
     if (error == ENOENT || error == EEXIST) error = placeLink(text, job.to, link);
-    if (error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EIO) {
+    if (isLinkRefusalAt(error, job.to.directory)) {
         struct statx target {};
         if (statEntry(job.from.fd(), job.from.name(), true, target) != 0 ||
             !S_ISREG(target.stx_mode)) {

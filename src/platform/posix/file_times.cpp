@@ -163,6 +163,18 @@ bool keepsLinkTimes(int directory) {
     return kept;
 }
 
+bool isLinkRefusal(int error, std::int64_t fileSystemType) {
+    if (error == EIO) return fileSystemType == FUSE_SUPER_MAGIC;
+    return error == EPERM || error == EOPNOTSUPP || error == ENOSYS;
+}
+
+bool isLinkRefusalAt(int error, int directory) {
+    struct statfs volume {};
+    // Of a volume that cannot be asked, an error stays an error.
+    const bool told = error == EIO && fstatfs(directory, &volume) == 0;
+    return isLinkRefusal(error, told ? volume.f_type : 0);
+}
+
 void matchTime(int directory, const struct stat& original) {
     struct stat now {};
     if (fstat(directory, &now) != 0) return;

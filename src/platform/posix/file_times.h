@@ -64,6 +64,14 @@ struct Stamp {
 /// again.
 bool keepsLinkTimes(int directory);
 
+/// Whether a volume of this type (statfs f_type) that answers so to the making of a link holds
+/// none. Programs that serve a volume may say that their own request has failed; from a disk that
+/// is an error like any other.
+bool isLinkRefusal(int error, std::int64_t fileSystemType);
+
+/// The same of the volume of an open directory.
+bool isLinkRefusalAt(int error, int directory);
+
 /// Gives an open directory (O_PATH will do) the times of its original, where they differ. A volume
 /// that refuses keeps its own, which decide nothing.
 void matchTime(int directory, const struct stat& original);

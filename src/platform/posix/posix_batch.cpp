@@ -54,11 +54,6 @@ bool isNameProblem(int error) {
            error == ENAMETOOLONG;
 }
 
-/// Programs that serve a volume without links may answer that their own request has failed.
-bool isLinkRefused(int error) {
-    return error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EIO;
-}
-
 /// To flush takes a directory that is open for reading. One that may be written to need not let
 /// anybody read it; the root of its tree, on the same volume, stands in for it then.
 int openFlushPoint(const CopyTarget& target, UniqueFd& fd) {
@@ -265,7 +260,7 @@ int PosixBatch::copyLink(int source, const CopyRequest& request, WaitingCopy& wa
         return changeIn(target_->maker(),
                         [&] { return symlinkat(text.c_str(), directory, name) == 0 ? 0 : errno; });
     });
-    if (isLinkRefused(error)) return copyLinkTarget(source, request, link, waiting);
+    if (isLinkRefusalAt(error, directory)) return copyLinkTarget(source, request, link, waiting);
     if (error != 0) return error;
     const char* name = waiting.temporary.c_str();
     // Where a link cannot be stamped, what it leads to would be changed.

@@ -92,6 +92,22 @@ TEST(FileTimes, StampOmitsWhatIsNotKnown) {
     EXPECT_EQ(disk.stat("a").st_atim.tv_sec, 7);
 }
 
+TEST(Links, AreRefusedByVolumesThatHoldNone) {
+    for (const int error : {EPERM, EOPNOTSUPP, ENOSYS}) {
+        EXPECT_TRUE(isLinkRefusal(error, EXT4_SUPER_MAGIC)) << error;
+    }
+    EXPECT_TRUE(isLinkRefusal(EIO, FUSE_SUPER_MAGIC));
+}
+
+TEST(Links, ThatADiskFailsToStoreAreAnError) {
+    EXPECT_FALSE(isLinkRefusal(EIO, EXT4_SUPER_MAGIC));
+    EXPECT_FALSE(isLinkRefusal(ENOSPC, FUSE_SUPER_MAGIC));
+    const TemporaryDirectory disk;
+    const UniqueFd fd(open(disk.at().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    EXPECT_FALSE(isLinkRefusalAt(EIO, fd.get()));
+    EXPECT_TRUE(isLinkRefusalAt(EPERM, fd.get()));
+}
+
 struct statx informationOf(mode_t mode) {
     struct statx information {};
     information.stx_mode = static_cast<std::uint16_t>(mode);
