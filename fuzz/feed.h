@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace coffrelune::fuzz {
 
@@ -41,6 +42,22 @@ class Feed {
     std::string bytes_;
     std::string_view rest_;
 };
+
+/// Places to cut a text at: around each line end, and some that the text itself chooses. All of
+/// them would take most of the time, and the next input has others.
+inline std::vector<std::size_t> cutsOf(std::string_view text) {
+    constexpr int elsewhere = 4;
+    std::vector<std::size_t> cuts = {0};
+    std::uint64_t number = text.size();
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        number = number * 0x100000001B3 + static_cast<unsigned char>(text[at]);
+        if (text[at] == '\n') cuts.insert(cuts.end(), {at, at + 1});
+    }
+    for (int i = 0; i < elsewhere && !text.empty(); ++i, number /= 1021) {
+        cuts.push_back(number % text.size());
+    }
+    return cuts;
+}
 
 /// Ends the fuzzer with the promise that did not hold.
 inline void expect(bool holds, const char* promise) {

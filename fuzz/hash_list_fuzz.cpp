@@ -24,7 +24,8 @@ void makeOne(Feed& feed) {
     }
     const std::string text = hashListText(list);
     expect(readHashList(text) == list, "a list comes back as it was");
-    for (std::size_t size = 0; size < text.size(); ++size) {
+    for (const std::size_t size : cutsOf(text)) {
+        if (size == text.size()) continue;
         expect(!readHashList(text.substr(0, size)), "a list that is cut is none");
     }
 }
@@ -33,7 +34,6 @@ void makeOne(Feed& feed) {
 }  // namespace coffrelune::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
-    if (size > 600) return 0;  // every cut of it is tried
     coffrelune::fuzz::Feed feed(bytes, size);
     coffrelune::fuzz::readAny(feed.text());
     coffrelune::fuzz::makeOne(feed);

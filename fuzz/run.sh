@@ -2,19 +2,20 @@
 # Runs the fuzzers under AddressSanitizer and UndefinedBehaviorSanitizer, each from its kept corpus,
 # and prints a line for each, then the counts. Usage:
 #   fuzz/run.sh [SECONDS]  [TARGET]...         so long each (10)
-#   fuzz/run.sh --executions N [TARGET]...     so many inputs each
-# What they find lies in build/linux-fuzz/found/TARGET/, and beside it each input that breaks a
+#   fuzz/run.sh --executions N [TARGET]...     until each program has had so many inputs
+# The executions of a program are kept beside what it has found: one that is cut off is taken up
+# where it was, and one that is built anew begins again. What they find lies in build/linux-fuzz/found/TARGET/, and beside it each input that breaks a
 # promise: `build/linux-fuzz/bin/TARGET_fuzz FILE` plays it again.
 set -uo pipefail
 
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 cd "$root" || exit 1
-limit=(-max_total_time=10)
+seconds=10 wanted=
 if [[ ${1-} == --executions ]]; then
-    limit=(-runs="${2?Usage : fuzz/run.sh --executions N}")
+    wanted=${2?Usage : fuzz/run.sh --executions N}
     shift 2
 elif [[ ${1-} =~ ^[0-9]+$ ]]; then
-    limit=(-max_total_time="$1")
+    seconds=$1
     shift
 fi
 targets=("$@")
@@ -30,25 +31,45 @@ tools/build.sh linux-fuzz || exit 1
 found=build/linux-fuzz/found
 logs=$(mktemp -d)
 trap 'rm -rf "$logs"' EXIT
-fuzz() {
+# Where an allocation was made is told when its input is played again. A small store of freed memory
+# is left: a large one costs more than the program itself.
+export ASAN_OPTIONS=malloc_context_size=1:quarantine_size_mb=8
+# Short inputs: what they mean together is seen soon, and many fit into a second.
+# A promise that does not hold, an overrun, an endless loop or too much memory end it.
+fuzz_once() {
     local target=$1 log=$logs/$1
-    mkdir -p "$found/$target"
-    # Short inputs: what they mean together is seen soon, and many fit into a second.
-    # A promise that does not hold, an overrun, an endless loop or too much memory end it.
-    "build/linux-fuzz/bin/${target}_fuzz" "${limit[@]}" -max_len=320 -timeout=20 -rss_limit_mb=2048 \
+    shift
+    "build/linux-fuzz/bin/${target}_fuzz" "$@" -max_len=320 -timeout=20 -rss_limit_mb=2048 \
         -print_final_stats=1 -artifact_prefix="$found/$target-" "$found/$target" \
         "fuzz/corpus/$target" >"$log" 2>&1
-    local status=$? executions
+    status=$?
     executions=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
-    if ((status == 0)); then
-        echo "ok $target : $executions exécutions"
+    total=$((total + ${executions:-0}))
+    echo "$total" >"$tally"
+}
+fuzz() {
+    local target=$1 status=0 executions total=0 tally left
+    mkdir -p "$found/$target"
+    tally=$found/$target-$(cksum <"build/linux-fuzz/bin/${target}_fuzz" | cut -d ' ' -f 1).total
+    [[ ! -f $tally ]] || total=$(<"$tally")
+    if [[ -z $wanted ]]; then
+        fuzz_once "$target" -max_total_time="$seconds"
     else
-        grep -aE '^FAUTE|^SUMMARY|^ERROR|runtime error|Test unit written' "$log" | sed 's/^/    /'
+        while ((status == 0 && (left = wanted - total) > 0)); do
+            fuzz_once "$target" -runs=$((left < slice ? left : slice))
+        done
+    fi
+    if ((status == 0)); then
+        echo "ok $target : ${executions:-0} exécutions, $total en tout"
+    else
+        grep -aE '^FAUTE|^SUMMARY|^ERROR|runtime error|Test unit written' "$logs/$target" |
+            sed 's/^/    /'
         echo "FAUTE fuzz $target (état $status)"
     fi
 }
-export -f fuzz
-export found logs
+slice=100000
+export -f fuzz fuzz_once
+export found logs seconds wanted slice
 
 passed=0
 failed=0
