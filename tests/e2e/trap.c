@@ -42,8 +42,13 @@ static atomic_long allocations;
 static long starved = -1; /* until main(): what stands before it has nobody to say so yet */
 static long (*system_call)(long, ...);
 
+/* Other libraries may begin, and call, before this one. */
+static void find_system_call(void) {
+    if (!system_call) system_call = (long (*)(long, ...))dlsym(RTLD_NEXT, "syscall");
+}
+
 __attribute__((constructor)) static void start(void) {
-    system_call = (long (*)(long, ...))dlsym(RTLD_NEXT, "syscall");
+    find_system_call();
     const char *text = getenv("TRAP_AT");
     trapped = text ? atol(text) : 0;
     text = getenv("TRAP_DO");
@@ -125,6 +130,7 @@ static int trap(int kind, const char *call, int fd, const char *name) {
     if (fd >= 0 && fd <= 2 && !name) return GO_ON;
     int saved = errno;
     char path[PATH_MAX];
+    find_system_call();
     path_of(fd, name, path);
     if (below && strncmp(path, below, strlen(below))) {
         errno = saved;
@@ -180,6 +186,7 @@ long syscall(long number, ...) {
     long a = va_arg(more, long), b = va_arg(more, long), c = va_arg(more, long);
     long d = va_arg(more, long), e = va_arg(more, long), f = va_arg(more, long);
     va_end(more);
+    find_system_call();
     if (number == SYS_openat2) STOP(READS, "openat2", (int)a, (const char *)b, -1);
     return system_call(number, a, b, c, d, e, f);
 }
