@@ -3,7 +3,8 @@
 errors, and from one moment on all those of the copy's volume; each error is counted and named, no
 run says that it was clean when it was not, and nothing goes that should stay.
 
-Usage: fault_sweep.py [--programs DIRECTORY] [--sample N] [--seed N] [--from SCENE:NUMBER] [WORD]...
+Usage: fault_sweep.py [--programs DIRECTORY] [--sample N] [--seed N] [--from SCENE:NUMBER]
+                      [WORD]...
 --sample tries N faults of each scene only, chosen by the seed; the WORDs pick scenes. What is cut
 off says with which --from it goes on.
 """

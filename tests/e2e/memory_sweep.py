@@ -3,7 +3,8 @@
 so in French and ends, or counts an error and goes on; nothing is lost, and the next run makes all
 right.
 
-Usage: memory_sweep.py [--programs DIRECTORY] [--sample N] [--seed N] [--from SCENE:NUMBER] [WORD]...
+Usage: memory_sweep.py [--programs DIRECTORY] [--sample N] [--seed N] [--from SCENE:NUMBER]
+                       [WORD]...
 --sample tries N allocations of each scene only; the WORDs pick scenes. What is cut off says with
 which --from it goes on.
 """

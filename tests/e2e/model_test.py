@@ -3,7 +3,8 @@
 exist where: an original and two copies on volumes that come and go. A version of a file may leave a
 tree only when the model knows why. A sequence that fails is shortened as far as it still fails.
 
-Usage: model_test.py [--programs DIRECTORY] [--sequences N] [--seed N] [--play FILE]
+Usage: model_test.py [--programs DIRECTORY] [--sequences N] [--seed N] [--from N] [--play FILE]
+--from leaves out the first ones of that seed: what is cut off says where it goes on.
 """
 
 import argparse
@@ -14,6 +15,7 @@ import os
 import random
 import re
 import shutil
+import signal
 import sys
 
 from harness import Report, drive_path, read
@@ -406,14 +408,19 @@ def shortened(world, actions):
     return actions
 
 
-def play(world, report, count, seed):
-    failures = 0
-    for number in range(count):
-        if number and number % 500 == 0:
+def play(world, report, first, count, seed):
+    failures = played = 0
+    for number in range(first, count):
+        if played and number % 500 == 0:
             print(f"    {number} suites, {failures} fautes, {world.counts}", flush=True)
-        chance = random.Random(f"{seed}/{number}")
-        actions = sequence(chance)
-        reason = broken(world, actions)
+        actions = sequence(random.Random(f"{seed}/{number}"))
+        try:
+            reason = broken(world, actions)
+        except KeyboardInterrupt:
+            report.check("le modèle va à son terme", False,
+                         f"la suite : --seed {seed} --from {number} --sequences {count}")
+            break
+        played += 1
         if reason is None:
             continue
         failures += 1
@@ -426,8 +433,8 @@ def play(world, report, count, seed):
             break
     told = ", ".join(f"{what} {found}" for what, found in sorted(world.counts.items()))
     print(f"    {told}")
-    report.check(f"modèle : {number + 1} suites, {failures} fautes", failures == 0)
-    if count >= 100:
+    report.check(f"modèle : {played} suites, {failures} fautes", failures == 0)
+    if played >= 100:
         for what in ("effacés d'une copie", "effacés de l'original", "tués",
                      "restaurations sans erreur"):
             report.check(f"modèle : il y en a eu ({what})", world.counts.get(what, 0) > 0)
@@ -438,11 +445,13 @@ def main():
     parser.add_argument("--programs", default=default_programs())
     parser.add_argument("--sequences", type=int, default=200)
     parser.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1 << 32))
+    parser.add_argument("--from", dest="first", type=int, default=0)
     parser.add_argument("--play", help="un fichier qui contient une suite, telle qu'affichée")
     arguments = parser.parse_args()
     report = Report()
     report.scenario = "modèle"
-    print(f"graine : {arguments.seed}")
+    print(f"graine : {arguments.seed}", flush=True)
+    signal.signal(signal.SIGTERM, signal.default_int_handler)
     with Workshop(os.path.abspath(arguments.programs)) as shop:
         if shop.why_not:
             report.leave_out("model_test", shop.why_not)
@@ -456,7 +465,8 @@ def main():
                     reason = broken(world, ast.literal_eval(file.read()))
                 report.check("la suite", reason is None, reason)
             else:
-                play(world, report, arguments.sequences, arguments.seed)
+                play(world, report, arguments.first, arguments.sequences,
+                     arguments.seed)
         finally:
             world.close()
     return finish(report)

@@ -319,8 +319,8 @@ class Course:
     def trials(self, scene, verdict, chosen):
         first, self.first = self.first, 0
         for number, trial in enumerate(chosen[first:], first):
-            self.at = (f"{scene.name}, {number - first} essais, {verdict.faults} fautes ; la suite :"
-                       f" --seed {self.seed} --from '{scene.name}:{number}'")
+            done = f"{scene.name}, {number - first} essais, {verdict.faults} fautes"
+            self.at = f"{done} ; la suite : --seed {self.seed} --from '{scene.name}:{number}'"
             if number > first and number % self.EACH == 0:
                 print(f"    {number} de {len(chosen)} : {self.at}", flush=True)
             yield trial
