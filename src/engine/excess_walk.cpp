@@ -21,6 +21,7 @@ void ExcessWalk::protect(const std::vector<RunLine>& lines) {
         add(line.index, true, line.roots.copy());
     }
     const std::string& home = run_.system.homeDirectory;
+    homePath_ = home.empty() ? home : files_.resolve(withoutTrailingBackslash(home));
     if (home.empty() || !files_.identify(home, home_).ok()) home_ = FileId{};
 }
 
@@ -165,10 +166,10 @@ void ExcessWalk::tellKept(const std::string& directory, const std::string& reaso
                              withoutTrailingBackslash(directory) + " : " + reason);
 }
 
+// One place has several paths; and a volume may give it another identity each time it is asked.
 bool ExcessWalk::isProtected(const std::string& path, const FileEntry& entry) const {
     return std::any_of(protected_.begin(), protected_.end(), [&](const Protected& place) {
-        if (entry.id.known() && place.id.known()) return entry.id == place.id;
-        return path == place.path;
+        return path == place.path || (entry.id.known() && entry.id == place.id);
     });
 }
 
@@ -232,6 +233,7 @@ void ExcessWalk::walk(Place& place) {
 }
 
 bool ExcessWalk::holdsSettings(const Place& place) {
+    if (withoutTrailingBackslash(place.cleaned) == homePath_) return true;
     FileId id;
     return home_.known() && files_.identify(place.cleaned, id).ok() && id == home_;
 }

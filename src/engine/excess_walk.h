@@ -107,6 +107,7 @@ class ExcessWalk {
     LineGuard guard_;
     std::vector<Protected> protected_;
     FileId home_;                                         // of the settings
+    std::string homePath_;                                // resolved
     std::map<int, std::optional<Objection>> objections_;  // by line index
 
     // Of the current line.

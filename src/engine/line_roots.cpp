@@ -122,8 +122,8 @@ bool LineGuard::anyAncestorIs(std::string path, const FileId& id) {
 }
 
 bool LineGuard::isTarget(const std::string& path, const FileEntry& entry) const {
-    if (entry.id.known() && target_.known()) return entry.id == target_;
-    return path == targetPath_;
+    // A volume may give it another identity each time it is asked.
+    return path == targetPath_ || (entry.id.known() && entry.id == target_);
 }
 
 }  // namespace coffrelune

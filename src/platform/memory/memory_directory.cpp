@@ -33,7 +33,7 @@ bool MemoryDirectory::isThere(const MemoryNode& node) const {
 
 bool MemoryDirectory::nextDots(FileEntry& entry) {
     if (dots_ == 2) return false;
-    entry = node_->entry();
+    entry = volume_.shown(*node_, node_->name());
     entry.name = dots_++ == 0 ? "." : "..";
     return true;
 }
@@ -47,7 +47,7 @@ bool MemoryDirectory::next(FileEntry& entry) {
     while (next_ < listing_.size()) {
         const MemoryNode& node = *listing_[next_++];
         if (!gives(node)) continue;
-        entry = node.entry();
+        entry = volume_.shown(node, node.name());
         if (!node.nameAlone) return true;
         entry.size = 0;
         entry.times = {};
@@ -62,7 +62,8 @@ std::vector<FileEntry> MemoryDirectory::takeDirectories() {
     std::vector<FileEntry> directories;
     if (!status_.ok()) return directories;
     for (const MemoryNode::Pointer& node : listing_) {
-        if (node->isDirectory() && isThere(*node)) directories.push_back(node->entry());
+        if (!node->isDirectory() || !isThere(*node)) continue;
+        directories.push_back(volume_.shown(*node, node->name()));
     }
     return directories;
 }
@@ -71,7 +72,7 @@ bool MemoryDirectory::lookUp(const std::string& name, FileEntry& entry) {
     calls_.push_back("find " + path_ + name);
     const MemoryNode::Pointer node = node_->find(disk_.key(volume_, name));
     if (node == nullptr || !volume_.present) return false;
-    entry = node->entry();
+    entry = volume_.shown(*node, name);
     return true;
 }
 

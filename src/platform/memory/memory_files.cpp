@@ -17,6 +17,12 @@ std::string nameOf(const std::string& call) {
     return call.substr(0, call.find(' '));
 }
 
+// What a path asks for, however the disk spells it.
+std::string lastName(const std::string& path) {
+    const MemoryPath parts = splitMemoryPath(path);
+    return parts.components.empty() ? std::string() : parts.components.back();
+}
+
 }  // namespace
 
 void MemoryFiles::record(const char* name, const std::string& path, const std::string& more) {
@@ -114,7 +120,7 @@ Status MemoryFiles::lookUp(const std::string& path, LinkRule links, FileEntry& e
     record("lookUp", path);
     MemoryPlace place;
     Status status = existing(path, links, place);
-    if (status.ok()) entry = place.node->entry();
+    if (status.ok()) entry = place.volume->shown(*place.node, lastName(path));
     return status;
 }
 
@@ -122,7 +128,7 @@ Status MemoryFiles::identify(const std::string& path, FileId& id) {
     record("identify", path);
     MemoryPlace place;
     Status status = existing(path, LinkRule::follow, place);
-    if (status.ok()) id = place.node->id;
+    if (status.ok()) id = place.volume->shown(*place.node, lastName(path)).id;
     return status;
 }
 

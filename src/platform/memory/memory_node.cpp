@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <functional>
 
 #include "platform/characters.h"
 #include "platform/names.h"
@@ -65,6 +66,13 @@ std::uint64_t sizeBelow(const MemoryNode& node) {
 
 std::uint64_t MemoryVolume::usedBytes() const {
     return sizeBelow(*top);
+}
+
+FileEntry MemoryVolume::shown(const MemoryNode& node, const std::string& name) const {
+    FileEntry entry = node.entry();
+    if (numbering == Numbering::byName) entry.id.file ^= std::hash<std::string>()(name);
+    if (numbering == Numbering::anew) entry.id.file = ++asked_;
+    return entry;
 }
 
 FileEntry MemoryNode::entry() const {

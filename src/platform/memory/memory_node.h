@@ -93,6 +93,13 @@ class MemoryNode : public std::enable_shared_from_this<MemoryNode> {
     std::unordered_map<std::string, Pointer> index_;
 };
 
+/// What a volume numbers an entry with.
+enum class Numbering {
+    kept,    // its identity, whoever asks
+    byName,  // made up for each name that it is asked by
+    anew,    // made up at each question
+};
+
 /// One drive or network share.
 struct MemoryVolume {
     std::string root;              // "C:\" or "\\server\share"
@@ -103,17 +110,23 @@ struct MemoryVolume {
     bool foldsCase = false;        // names without their case; before its first file
     bool holdsLinks = true;        // false: as FAT
     bool holdsRights = true;       // of directories; false: as FAT
-    TimeGrid times;                // that its files can bear
-    bool keepsTimes = true;        // false: a file bears the time of its writing
-    std::string identity;          // stable text, "" when the system tells none
+    Numbering numbering = Numbering::kept;
+    TimeGrid times;                         // that its files can bear
+    bool keepsTimes = true;                 // false: a file bears the time of its writing
+    std::string identity;                   // stable text, "" when the system tells none
     std::optional<std::uint64_t> capacity;  // bytes of all its files; 112 beyond
     MemoryNode::Pointer top;
 
     std::uint64_t usedBytes() const;
+    /// What it tells of an entry that it was asked for by `name`, or that it lists.
+    FileEntry shown(const MemoryNode& node, const std::string& name) const;
     /// What a file bears that is given the time `wanted` at the moment `now`.
     std::uint64_t heldTime(std::uint64_t wanted, std::uint64_t now) const {
         return keepsTimes ? times.held(wanted) : now;
     }
+
+  private:
+    mutable std::uint64_t asked_ = 0;  // while it makes up numbers
 };
 
 }  // namespace coffrelune

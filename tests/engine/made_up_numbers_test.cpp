@@ -1,0 +1,127 @@
+// Volumes that make up the numbers of their entries, for each name or at each question: what a run
+// keeps does not hang on them.
+#include "engine/engine_fixture.h"
+
+namespace coffrelune {
+namespace {
+
+using testing::Contains;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+// C:\Docs copied to F:\, which makes up its numbers.
+class MadeUpNumbers : public Engine, public testing::WithParamInterface<Numbering> {
+  protected:
+    MadeUpNumbers() {
+        system.options.SynchroCopie = -1;
+        system.options.ContinueOnError = -1;
+        disk().directory("H:\\Coffrelune");  // for the settings
+        disk().volume("F:\\").numbering = GetParam();
+        for (const char* name : {"a", "Sous\\b", "Sous\\Plus bas\\c", "Été.txt"}) {
+            disk().file(std::string("C:\\Docs\\") + name, name);
+        }
+    }
+    bool backUp() {
+        window.journal.clear();
+        startAgain();
+        return run("C:\\Docs", "F:\\");
+    }
+    bool kept(const std::string& path) { return disk().exists(path); }
+};
+
+INSTANTIATE_TEST_SUITE_P(Volumes, MadeUpNumbers,
+                         testing::Values(Numbering::byName, Numbering::anew), [](const auto& told) {
+                             return told.param == Numbering::byName ? "ByName" : "Anew";
+                         });
+
+TEST_P(MadeUpNumbers, DeleteNoCopyOfAnOriginal) {
+    for (int times = 0; times < 3; ++times) {
+        EXPECT_TRUE(backUp()) << times;
+        EXPECT_EQ(statistics.filesRemoved, 0) << times;
+        EXPECT_THAT(window.journal, IsEmpty()) << times;
+        EXPECT_EQ(list("C:\\Docs").size(), list("F:\\Docs").size()) << times;
+    }
+}
+
+TEST_P(MadeUpNumbers, LetWhatHasGoneBeDeletedAndNothingElse) {
+    EXPECT_TRUE(backUp());
+    disk().remove("C:\\Docs\\Sous\\b");
+    disk().file("C:\\Docs\\a", "changed", fileTimeAt(2024, 5, 1));
+    EXPECT_TRUE(backUp());
+    EXPECT_FALSE(kept("F:\\Docs\\Sous\\b"));
+    EXPECT_EQ(statistics.filesRemoved, 1);
+    EXPECT_EQ(disk().content("F:\\Docs\\a"), "changed");
+    EXPECT_EQ(disk().content("F:\\Docs\\Sous\\Plus bas\\c"), "Sous\\Plus bas\\c");
+}
+
+TEST_P(MadeUpNumbers, KeepACopyThatIsListedInAnotherCase) {
+    disk().volume("F:\\").foldsCase = true;
+    disk().file("F:\\Docs\\ÉTÉ.TXT", "Été.txt");
+    disk().file("F:\\Docs\\SOUS\\B", "Sous\\b");
+    for (int times = 0; times < 2; ++times) {
+        (void)backUp();
+        EXPECT_EQ(statistics.filesRemoved, 0) << times;
+        EXPECT_EQ(disk().content("F:\\Docs\\Été.txt"), "Été.txt");
+        EXPECT_EQ(disk().content("F:\\Docs\\Sous\\b"), "Sous\\b");
+    }
+}
+
+TEST_P(MadeUpNumbers, KeepTheCopyOfTheFirstOfTwoNamesThatAreOneThere) {
+    disk().volume("F:\\").foldsCase = true;
+    disk().file("C:\\Docs\\ÉTÉ.TXT", "the second", fileTimeAt(2024, 6, 1));
+    for (int times = 0; times < 2; ++times) {
+        EXPECT_FALSE(backUp());
+        EXPECT_EQ(disk().content("F:\\Docs\\Été.txt"), "Été.txt") << times;
+        EXPECT_THAT(window.journal, Contains("Erreur: 183 - Fichier: C:\\Docs\\ÉTÉ.TXT")) << times;
+        EXPECT_EQ(statistics.filesRemoved, 0) << times;
+    }
+}
+
+// Found by look-ups of names that it does not list, whatever their numbers.
+TEST_P(MadeUpNumbers, KeepWhatIsListedUnderANameOfItsOwn) {
+    disk().volume("F:\\").foldsCase = true;
+    disk().file("C:\\Docs\\Երևան.txt", "x");
+    disk().file("F:\\Docs\\երևան.txt", "x");
+    disk().file("C:\\Docs\\Ծաղիկ\\a", "a");
+    disk().file("F:\\Docs\\ծաղիկ\\a", "a");
+    (void)backUp();
+    EXPECT_TRUE(kept("F:\\Docs\\երևան.txt"));
+    EXPECT_TRUE(kept("F:\\Docs\\ծաղիկ\\a"));
+    EXPECT_EQ(statistics.filesRemoved, 0);
+}
+
+TEST_P(MadeUpNumbers, KeepTheCopyThatAnotherLineHasThere) {
+    EXPECT_TRUE(backUp());
+    disk().file("C:\\lettre.txt", "letter");
+    disk().file("F:\\Docs\\lettre.txt", "letter");
+    disk().file("F:\\Docs\\gone", "x");
+    startAgain();
+    (void)clean(lineRoots("C:\\Docs", "F:\\", Layout::normal),
+                {lineRoots("C:\\lettre.txt", "F:\\Docs", Layout::normal)});
+    EXPECT_TRUE(kept("F:\\Docs\\lettre.txt"));
+    EXPECT_FALSE(kept("F:\\Docs\\gone"));
+}
+
+TEST_P(MadeUpNumbers, KeepTheSettings) {
+    EXPECT_TRUE(backUp());
+    system.homeDirectory = "F:\\Docs\\Programme";
+    disk().file("F:\\Docs\\Programme\\Coffrelune.ini", "[Position]");
+    disk().file("F:\\Docs\\Autre\\gone", "x");
+    EXPECT_TRUE(backUp());
+    EXPECT_TRUE(kept("F:\\Docs\\Programme\\Coffrelune.ini"));
+    EXPECT_FALSE(kept("F:\\Docs\\Autre\\gone"));
+}
+
+TEST_P(MadeUpNumbers, LetNoRunEnterItsOwnCopy) {
+    disk().file("F:\\Tout\\a", "a");
+    disk().directory("F:\\Tout\\Sauve");
+    for (int times = 0; times < 2; ++times) {
+        startAgain();
+        EXPECT_TRUE(run("F:\\Tout", "F:\\Tout\\Sauve"));
+        EXPECT_TRUE(kept("F:\\Tout\\Sauve\\Tout\\a"));
+        EXPECT_FALSE(kept("F:\\Tout\\Sauve\\Tout\\Sauve\\Tout")) << times;
+    }
+}
+
+}  // namespace
+}  // namespace coffrelune
