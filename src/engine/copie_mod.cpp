@@ -26,7 +26,8 @@ CopieMod::CopieMod(RunState& run, CopyErrors& errors)
       progress_(run),
       copier_(run.system, progress_),
       queue_(run, errors, progress_, copier_),
-      guard_(run.files()) {}
+      guard_(run.files()),
+      restored_(run.files()) {}
 
 void CopieMod::walkLine(LineTrees& trees, Pass pass) {
     trees_ = &trees;

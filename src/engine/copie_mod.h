@@ -14,6 +14,7 @@
 #include "engine/line_roots.h"
 #include "engine/line_trees.h"
 #include "engine/progress.h"
+#include "engine/restored_names.h"
 #include "engine/rules.h"
 
 namespace coffrelune {
@@ -86,6 +87,7 @@ class CopieMod {
     DirectoryPair pairOf(const Place& place) const;
     bool leadsBack(const Place& place, const Directory& target);
     bool mayBeOwn(const FileEntry& entry, const Place& place);
+    std::string otherOwner(const FileEntry& entry, const Place& place);
     bool createMissingTarget(const Place& place, const Status& opened);
     bool isBlocked(const Place& place);
     void showTreeCounts();
@@ -121,6 +123,8 @@ class CopieMod {
     FileCopier copier_;
     CopyQueue queue_;
     LineGuard guard_;
+    RestoredNames restored_;
+    std::set<std::string> kept_;         // that a restore does not replace, and told
     std::set<std::string> toldVolumes_;  // that they do not hold the times of files
 
     // Of the line and pass in progress.

@@ -181,18 +181,34 @@ void CopieMod::verifyFile(const FileEntry& entry, const FileEntry* existing, con
                 place);
 }
 
-// Of two originals with one copy, that copy holds one file of each name, and nobody can say whose:
-// a restore would put it in the place of the other's only one.
+// What a restore puts in the place of a file must be that file's own copy: the file may be nowhere
+// else.
 bool CopieMod::mayBeOwn(const FileEntry& entry, const Place& place) {
-    if (run_.comparing() || trees_->backsUp() || !trees_->isMixed()) return true;
+    if (run_.comparing() || trees_->backsUp()) return true;
     const std::string path = place.destination + entry.name;
-    errors_.keptExcess(path +
-                           " est conservé : la copie est aussi celle d'une autre sauvegarde, d'où "
-                           "vient peut-être " +
-                           place.source + entry.name +
-                           ". Pour le remettre, renommez d'abord celui qui est conservé.",
-                       error_number::invalidData, path);
-    return false;
+    const auto keep = [&](const std::string& reason, std::uint32_t number) {
+        if (!kept_.insert(path).second) return false;  // each pass asks once more
+        errors_.keptExcess(path + " est conservé : " + reason +
+                               ". Pour le remettre, renommez d'abord celui qui est conservé.",
+                           number, path);
+        return false;
+    };
+    // That copy holds one file of each name, and nobody can say whose.
+    if (trees_->isMixed()) {
+        return keep("la copie est aussi celle d'une autre sauvegarde, d'où vient peut-être " +
+                        place.source + entry.name,
+                    error_number::invalidData);
+    }
+    const std::string owner = otherOwner(entry, place);
+    return owner.empty() || keep("ce que la copie montre sous ce nom est peut-être celle de " +
+                                     owner + ", que son volume n'en distingue pas",
+                                 error_number::alreadyExists);
+}
+
+std::string CopieMod::otherOwner(const FileEntry& entry, const Place& place) {
+    const std::size_t root = withTrailingBackslash(roots().source).size();
+    const std::string above = restored_.otherOwnerAbove(place.source, place.destination, root);
+    return above.empty() ? restored_.otherOwner(place.source, place.destination, entry) : above;
 }
 
 void CopieMod::analyseFile(const FileEntry& entry, const Decision& decision, const Place& place) {

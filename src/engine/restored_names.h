@@ -1,0 +1,52 @@
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/folded_names.h"
+#include "platform/file_service.h"
+
+namespace coffrelune {
+
+/// Whose copy an entry of a copy is. A volume that takes two names for one has kept one of the two
+/// originals, and may list it under the name of the other: brought back by that name, it would take
+/// the place of a file that is nowhere else. Directories end with a backslash.
+class RestoredNames {
+  public:
+    explicit RestoredNames(FileService& files) : files_(files) {}
+
+    /// The path of another original whose copy may be what the directory `copy` lists as `entry`;
+    /// empty when there is none. The directory itself when nobody can tell.
+    std::string otherOwner(const std::string& copy, const std::string& originals,
+                           const FileEntry& entry);
+    /// The same of the directories on the way to `copy`, from the `root`-th character of its path.
+    std::string otherOwnerAbove(const std::string& copy, const std::string& originals,
+                                std::size_t root);
+
+  private:
+    using Numbers = std::set<std::pair<std::uint64_t, std::uint64_t>>;
+    // An original that the copy finds by its name and lists under another.
+    struct Hidden {
+        std::string name;
+        FileEntry copy;
+        bool known = false;     // what the copy is
+        bool numbered = false;  // the copy lists what bears its number
+    };
+
+    bool gather(const std::string& copy, const std::string& originals);
+    bool listCopy(const std::string& copy, HashSet& names, Numbers& numbers);
+    static bool mayBeOne(const Hidden& hidden, const FileEntry& entry);
+
+    FileService& files_;
+    using Places =
+        std::pair<std::string, std::string>;  // a directory of the copy, and its original
+    Places gathered_;                         // that `hidden_` tells of
+    bool complete_ = false;
+    std::vector<Hidden> hidden_;
+    std::map<Places, std::string> above_;  // what was found
+};
+
+}  // namespace coffrelune
