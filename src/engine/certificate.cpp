@@ -88,6 +88,9 @@ void readCertificateFile(FileService& files, const std::string& directory, const
     const Status read = files.readWhole(joinPath(directory, name), largest, text);
     std::optional<Certificate> certificate;
     if (read.ok()) certificate = readCertificate(text);
+    const bool isForeign = read.code() == error_number::accessDenied ||
+                           read.code() == error_number::fileTooLarge || read.saysAbsent();
+    if (!read.ok() && !isForeign && marks.failure.ok()) marks.failure = read;
     if (certificate) {
         marks.certificates.push_back({name, std::move(*certificate)});
     } else {

@@ -45,6 +45,7 @@ struct DirectoryMarks {
     std::vector<Named> certificates;
     std::vector<std::string> unreadable;    // names of certificates that say nothing
     std::vector<std::string> restoreMarks;  // names of the marks of unfinished restores
+    Status failure;                         // of the disk, in reading one of them
 
     bool empty() const {
         return certificates.empty() && unreadable.empty() && restoreMarks.empty();

@@ -65,7 +65,9 @@ bool LineTrees::claim(HeldTree& tree, TreeUse use, const std::string& root) {
 
 void LineTrees::readCopy() {
     // A directory whose names cannot be listed bears, for all that is known, the mark of others.
-    if (!readMarks(files_, roots().copy(), copyMarks_).ok()) copyMarks_.unreadable.push_back("");
+    const Status read = readMarks(files_, roots().copy(), copyMarks_);
+    if (!read.ok()) copyMarks_.unreadable.emplace_back();
+    if (!read.ok()) copyMarks_.failure = read;
     const Certificate* own = certificate();
     if (own == nullptr) return;
     foundComplete_ = backsUp() && own->complete;

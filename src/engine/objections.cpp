@@ -37,6 +37,7 @@ Verdict unfinishedOriginal(FileService& files, const std::string& original) {
         // A directory above that may not be listed belongs to somebody else.
         if (!read.ok() && place != original) continue;
         if (!read.ok()) return unreadable(read, place);
+        if (!marks.failure.ok()) return unreadable(marks.failure, place);
         if (!marks.restoreMarks.empty()) {
             // What the user confirms is this original, not a tree that reaches beyond it.
             const bool isOwn = place == original;
@@ -159,6 +160,9 @@ bool mayDeleteExcess(RunState& run) {
 }
 
 Verdict objectionTo(FileService& files, const LineTrees& trees) {
+    // Marks that the disk does not give say nothing of whose they are.
+    const Status& failure = trees.copyMarks().failure;
+    if (!failure.ok()) return unreadable(failure, trees.roots().copy());
     if (!trees.backsUp()) {
         Verdict answer = noProof(trees);
         return answer ? answer : othersFiles(files, trees);

@@ -70,6 +70,13 @@ TEST_F(Objections, AreNoneToAPairThatWasSavedWell) {
     expectNone(back);
 }
 
+TEST_F(Objections, NameTheFailureOfADiskThatDoesNotGiveItsMarks) {
+    disk().find(ownPath())->readError = error_number::ioDevice;
+    for (const LineRoots& roots : {backup, back}) {
+        expect(roots, copy + " ne peut pas être examiné.", copy, false, error_number::ioDevice);
+    }
+}
+
 // ---- to a backup
 
 TEST_F(Objections, AreNoneToABackupThatHasNoCertificateYet) {
