@@ -12,11 +12,12 @@ import fcntl
 import os
 import shutil
 import signal
+import struct
 import sys
 
 from harness import Report, read, run_all, touch, write
 from loss_harness import (BACKUP, OLDER, Halted, back_up, backed_up, check, faulty, holds, marks,
-                          needs, settle, traced, tree, why_no_trace)
+                          needs, settle, traced, tree, why_no_root, why_no_trace)
 
 SOME, ALL = (1, 4, 7), range(1, 16)  # of the looks at an entry
 FILES = {"victime": "ancien contenu", "autre": "autre", "sous/plus bas": "plus bas"}
@@ -297,8 +298,69 @@ def rights_alone(place, report):
     report.equal("il suit", os.getxattr(f"{place.copy}/sous", "user.essai"), b"valeur")
 
 
-SCENARIOS = (rights_alone, a_file_changes_before_its_copy, a_directory_changes_before_its_copy,
-             a_locked_original, a_network_that_fails, calls_that_are_interrupted)
+# The owner may do all, another user and the group read and enter: the mode is 750 with or without.
+ACCESS = struct.pack("<I", 2) + b"".join(
+    struct.pack("<HHI", tag, rights, number)
+    for tag, rights, number in ((1, 7, 0xFFFFFFFF), (2, 5, 65533), (4, 5, 0xFFFFFFFF),
+                                (16, 5, 0xFFFFFFFF), (32, 0, 0xFFFFFFFF)))
+
+
+def attribute_of(path, name):
+    try:
+        return os.getxattr(path, name)
+    except OSError:
+        return None
+
+
+# What changes alone: how, how it is seen, and whether the next run carries that of a directory.
+ALONE = {
+    "mode": (lambda path: os.chmod(path, 0o710), lambda path: os.stat(path).st_mode & 0o7777, True),
+    "propriétaire": (lambda path: os.chown(path, 65533, -1), lambda path: os.stat(path).st_uid, True),
+    "groupe": (lambda path: os.chown(path, -1, 65533), lambda path: os.stat(path).st_gid, True),
+    "attribut": (lambda path: os.setxattr(path, "user.essai", b"valeur"),
+                 lambda path: attribute_of(path, "user.essai"), False),
+    "ACL": (lambda path: os.setxattr(path, "system.posix_acl_access", ACCESS),
+            lambda path: attribute_of(path, "system.posix_acl_access"), False),
+}
+
+
+@needs(why_no_root)
+def one_thing_alone(place, report):
+    """Mode, propriétaire, attribut, ACL seuls : du répertoire les droits suivent, le reste attend"""
+    settle(place)
+    for name in ALONE:
+        write(f"{place.source}/dossier {name}/dedans", name)
+        write(f"{place.source}/fichier {name}", name)
+        for kind in ("dossier", "fichier"):
+            os.chmod(f"{place.source}/{kind} {name}", 0o750)
+            touch(f"{place.source}/{kind} {name}", OLDER)
+    check(report, "première sauvegarde", back_up(place), 0)
+    changed = []
+    for name, (change, _, _) in ALONE.items():
+        try:
+            for kind in ("dossier", "fichier"):
+                change(f"{place.source}/{kind} {name}")
+            changed.append(name)
+        except OSError as error:
+            report.leave_out(f"{name} seul", error)
+    state = lambda root, kind, name: ALONE[name][1](f"{root}/{kind} {name}")
+    carried = lambda kind: [name for name in changed if state(place.copy, kind, name) ==
+                            state(place.source, kind, name)]
+    check(report, "rien que cela", back_up(place), 0, "Rien à sauvegarder")
+    report.equal("ce qu'un répertoire a déjà", carried("dossier"),
+                 [name for name in changed if ALONE[name][2]])
+    report.equal("ce qu'un fichier a déjà", carried("fichier"), [])
+    for name in ALONE:
+        for kind in ("dossier", "fichier"):
+            touch(f"{place.source}/{kind} {name}", 7)
+    check(report, "avec une date nouvelle", back_up(place), 0)
+    for kind in ("dossier", "fichier"):
+        report.equal(f"{kind} : tout a suivi", carried(kind), changed)
+
+
+SCENARIOS = (rights_alone, one_thing_alone, a_file_changes_before_its_copy,
+             a_directory_changes_before_its_copy, a_locked_original, a_network_that_fails,
+             calls_that_are_interrupted)
 
 
 def main():

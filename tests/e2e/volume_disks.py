@@ -7,8 +7,11 @@ import shutil
 import signal
 import socket
 import subprocess
+import sys
 import tempfile
 import time
+
+import passing_volume
 
 PATIENCE = 30
 
@@ -102,7 +105,12 @@ class Volume:
         self.mount()
 
     def close(self):
-        self.unmount()
+        try:
+            self.unmount()
+        finally:
+            self.end_servers()
+
+    def end_servers(self):
         for server in self.servers:
             if server.poll() is None:
                 with contextlib.suppress(ProcessLookupError):
@@ -211,6 +219,30 @@ class Tmpfs(Volume):
 
     def again(self):
         """It would lose everything."""
+
+
+class Passing(Volume):
+    """A directory shown by a program that is as odd as it is told to be (passing_volume.py)."""
+
+    names, numbers = "exact", "kept"
+
+    def make(self):
+        if not os.path.exists("/dev/fuse"):
+            raise Refused("le système n'a pas FUSE")
+        self.backing = self.directory("montre")
+        self.control = os.path.join(self.base, "fautes")
+        with open(self.control, "wb") as file:
+            file.write(bytes(passing_volume.Faults.SHAPE.size))
+        self.faults = passing_volume.Faults(self.control)
+
+    def mount(self):
+        words = [sys.executable, passing_volume.__file__, self.backing, self.control, self.point,
+                 self.names, self.numbers]
+        self.servers.append(subprocess.Popen(words, stdin=subprocess.DEVNULL,
+                                             stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                                             start_new_session=True))
+        if not self.servers[-1].stdout.readline():
+            raise Refused("le système ne laisse pas monter par FUSE")
 
 
 class Bindfs(Volume):
