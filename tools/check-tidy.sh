@@ -47,8 +47,7 @@ seed=$(
 # "KEY PATH" for each source of a database.
 keys() { "$tools/tidy_inputs.py" keys "$work/$1" "$seed"; }
 
-# The largest first, so that no long one is left to run alone at the end.
-find src tests -name '*.cpp' -printf '%s %p\n' | sort -rn | cut -d' ' -f2- >"$work/files"
+find src tests -name '*.cpp' | sort >"$work/files"
 keys linux >"$work/linux.keys" && keys windows >"$work/windows.keys" || exit 1
 while read -r file; do
     place=windows
@@ -65,7 +64,7 @@ done <"$work/files"
 touch "$work"/{known,unknown,wanted,verdicts}
 
 tidy() {
-    local place=${1%% *} file=${1#* } log
+    local place=$1 file=$2 log
     log=$(mktemp -p "$work")
     if clang-tidy-14 -p "$work/$place" --quiet "$file" >"$log" 2>&1; then
         echo "ok clang-tidy $file" | tee -a "$work/verdicts"
@@ -75,8 +74,33 @@ tidy() {
         echo "FAUTE clang-tidy $file" | tee -a "$work/verdicts"
     fi
 }
-export -f tidy
-xargs -a "$work/unknown" -d '\n' -r -P "$(nproc)" -I '{}' bash -c 'tidy "$1"' _ '{}'
+# Judges sources of one folder as a single one: most of the time goes into the headers, which they
+# share. Where that finds anything, or they do not compile together, halves are judged, and in the end
+# each source alone: only that says that one is bad.
+judge() {
+    local place=$1 batch name
+    shift
+    if (($# == 1)); then
+        tidy "$place" "$1"
+        return
+    fi
+    batch=$(mktemp -d -p "$work")
+    if name=$("$tools/tidy_inputs.py" batch "$work/$place" "$batch" "$@") &&
+        clang-tidy-14 -p "$batch" --vfsoverlay="$batch/overlay.yaml" --quiet "$name" >/dev/null 2>&1; then
+        printf 'ok clang-tidy %s\n' "$@" | tee -a "$work/verdicts"
+    else
+        judge "$place" "${@:1:$#/2}"
+        judge "$place" "${@:$#/2+1}"
+    fi
+}
+export tools
+export -f judge tidy
+for place in linux windows; do
+    sed -n "s/^$place //p" "$work/unknown" | "$tools/tidy_inputs.py" groups "$work/$place" 24 |
+        sed "s/^/$place\t/"
+done >"$work/groups"
+xargs -a "$work/groups" -d '\n' -r -P "$(nproc)" -I '{}' \
+    bash -c 'IFS=$'"'\\t'"' read -ra words <<<"$1" && judge "${words[@]}"' _ '{}'
 
 # A file that was changed meanwhile may have been judged in either state: that verdict is not kept.
 if [[ -s $work/wanted ]] && mkdir -p "$cache"; then

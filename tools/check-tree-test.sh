@@ -29,7 +29,7 @@ sound_tree() {
         for file in src/engine/walk.cpp src/platform/posix/files.cpp src/console/main.cpp \
             tests/engine/walk_test.cpp; do
             printf '{ "file": "%s" },\n' "$tree/$file"
-        done
+        done | sed '$s/,$//'
         echo ']'
     } >"$tree/build/linux-debug/compile_commands.json"
     printf '#include <windows.h>\n' >"$tree/src/platform/win32/files.cpp"

@@ -5,7 +5,8 @@ set -uo pipefail
 # The last command of a pipe runs in this shell, so that its counts are kept.
 shopt -s lastpipe
 
-root=${1-$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)}
+tools=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
+root=${1-$(cd "$tools/.." && pwd)}
 cd "$root" || exit 1
 # The build of the checks or that of daily work, whichever was configured last.
 database=build/linux-asan/compile_commands.json
@@ -39,13 +40,12 @@ code() {
 
 # ---- what is on the disk is in the build ----------------------------------------------------
 
-compiled() { grep -o '"file": "[^"]*"' "$1" | cut -d'"' -f4; }
 not_compiled() {
     if [[ ! -f $1 ]]; then
         echo "$1 est absent"
         return
     fi
-    comm -23 <(sort) <(compiled "$1" | while read -r file; do realpath --relative-to=. "$file"; done | sort)
+    comm -23 <(sort) <("$tools/tidy_inputs.py" sources "$1" | sort)
 }
 # What only Windows compiles is looked for in its own build, where there is one.
 for_windows='^(src/platform|tests/platform|tests/views/terminal)/win32/|/win32_[^/]*\.cpp$|_msw\.cpp$|/main_windows\.cpp$'
