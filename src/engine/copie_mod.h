@@ -87,7 +87,7 @@ class CopieMod {
     DirectoryPair pairOf(const Place& place) const;
     bool leadsBack(const Place& place, const Directory& target);
     bool mayBeOwn(const FileEntry& entry, const Place& place);
-    std::string otherOwner(const FileEntry& entry, const Place& place);
+    RestoredNames::Owner otherOwner(const FileEntry& entry, const Place& place);
     bool createMissingTarget(const Place& place, const Status& opened);
     bool isBlocked(const Place& place);
     void showTreeCounts();

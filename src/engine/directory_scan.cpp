@@ -199,16 +199,18 @@ bool CopieMod::mayBeOwn(const FileEntry& entry, const Place& place) {
                         place.source + entry.name,
                     error_number::invalidData);
     }
-    const std::string owner = otherOwner(entry, place);
-    return owner.empty() || keep("ce que la copie montre sous ce nom est peut-être celle de " +
-                                     owner + ", que son volume n'en distingue pas",
-                                 error_number::alreadyExists);
+    const RestoredNames::Owner owner = otherOwner(entry, place);
+    if (!owner.failure.ok()) errors_.unread(owner.failure.code(), place.source + entry.name);
+    if (owner.path.empty()) return owner.failure.ok();
+    return keep("ce que la copie montre sous ce nom est peut-être celle de " + owner.path +
+                    ", que son volume n'en distingue pas",
+                error_number::alreadyExists);
 }
 
-std::string CopieMod::otherOwner(const FileEntry& entry, const Place& place) {
+RestoredNames::Owner CopieMod::otherOwner(const FileEntry& entry, const Place& place) {
     const std::size_t root = withTrailingBackslash(roots().source).size();
-    const std::string above = restored_.otherOwnerAbove(place.source, place.destination, root);
-    return above.empty() ? restored_.otherOwner(place.source, place.destination, entry) : above;
+    RestoredNames::Owner above = restored_.otherOwnerAbove(place.source, place.destination, root);
+    return above.isNone() ? restored_.otherOwner(place.source, place.destination, entry) : above;
 }
 
 void CopieMod::analyseFile(const FileEntry& entry, const Decision& decision, const Place& place) {

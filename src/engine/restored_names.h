@@ -18,13 +18,18 @@ class RestoredNames {
   public:
     explicit RestoredNames(FileService& files) : files_(files) {}
 
-    /// The path of another original whose copy may be what the directory `copy` lists as `entry`;
-    /// empty when there is none. The directory itself when nobody can tell.
-    std::string otherOwner(const std::string& copy, const std::string& originals,
-                           const FileEntry& entry);
+    /// Empty when there is none; a failure when nobody can tell.
+    struct Owner {
+        std::string path;
+        Status failure;
+
+        bool isNone() const { return path.empty() && failure.ok(); }
+    };
+
+    /// Another original whose copy may be what the directory `copy` lists as `entry`.
+    Owner otherOwner(const std::string& copy, const std::string& originals, const FileEntry& entry);
     /// The same of the directories on the way to `copy`, from the `root`-th character of its path.
-    std::string otherOwnerAbove(const std::string& copy, const std::string& originals,
-                                std::size_t root);
+    Owner otherOwnerAbove(const std::string& copy, const std::string& originals, std::size_t root);
 
   private:
     using Numbers = std::set<std::pair<std::uint64_t, std::uint64_t>>;
@@ -32,21 +37,20 @@ class RestoredNames {
     struct Hidden {
         std::string name;
         FileEntry copy;
-        bool known = false;     // what the copy is
         bool numbered = false;  // the copy lists what bears its number
     };
 
-    bool gather(const std::string& copy, const std::string& originals);
-    bool listCopy(const std::string& copy, HashSet& names, Numbers& numbers);
+    Status gather(const std::string& copy, const std::string& originals);
+    Status listCopy(const std::string& copy, HashSet& names, Numbers& numbers);
     static bool mayBeOne(const Hidden& hidden, const FileEntry& entry);
 
     FileService& files_;
     using Places =
         std::pair<std::string, std::string>;  // a directory of the copy, and its original
     Places gathered_;                         // that `hidden_` tells of
-    bool complete_ = false;
+    Status failure_;                          // to gather them
     std::vector<Hidden> hidden_;
-    std::map<Places, std::string> above_;  // what was found
+    std::map<Places, Owner> above_;  // what was found
 };
 
 }  // namespace coffrelune

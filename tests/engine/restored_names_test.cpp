@@ -90,7 +90,7 @@ TEST_F(NamesOfCopies, AreDoubtedWhenTheyCannotBeLookedUpOrListed) {
     faulty.fail("lookUp", "F:\\Docs\\later", error_number::ioDevice);
     (void)bringBack();
     EXPECT_EQ(disk().content("C:\\Docs\\plan"), "newer");
-    EXPECT_TRUE(told("celle de C:\\Docs\\later"));
+    EXPECT_THAT(window.journal, Contains("Erreur: 1117 - Fichier: F:\\Docs\\plan"));
 }
 
 }  // namespace
