@@ -6,7 +6,6 @@ namespace coffrelune {
 namespace {
 
 using testing::Contains;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 // C:\Docs copied to F:\, which makes up its numbers.

@@ -8,7 +8,6 @@ namespace coffrelune {
 namespace {
 
 using testing::Contains;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 // F: takes the two names for one, lists it as the second, and holds the copy of the first.
