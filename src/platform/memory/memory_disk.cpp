@@ -306,7 +306,7 @@ void MemoryDisk::setUsedByAnother(const std::string& path, std::optional<TreeUse
     assert(node != nullptr);
     auto& claims = node->claims;
     claims.erase(std::remove_if(claims.begin(), claims.end(),
-                                [](const TreeClaim& claim) { return claim.process == nullptr; }),
+                                [](const TreeUser& claim) { return claim.process == nullptr; }),
                  claims.end());
     if (use) claims.push_back({nullptr, nullptr, *use});
 }

@@ -50,9 +50,9 @@ MemoryHeldTree::~MemoryHeldTree() {
 }
 
 void MemoryHeldTree::giveUpClaim() {
-    std::vector<TreeClaim>& claims = hold_.node->claims;
+    std::vector<TreeUser>& claims = hold_.node->claims;
     claims.erase(std::remove_if(claims.begin(), claims.end(),
-                                [this](const TreeClaim& claim) { return claim.hold == this; }),
+                                [this](const TreeUser& claim) { return claim.hold == this; }),
                  claims.end());
 }
 
@@ -61,7 +61,7 @@ Status MemoryHeldTree::claim(TreeUse use) {
     if (!hold_.volume->present) {
         return Status::failure(error_number::deviceDoesNotExist, hold_.root);
     }
-    for (const TreeClaim& other : hold_.node->claims) {
+    for (const TreeUser& other : hold_.node->claims) {
         // What has been claimed is kept: a writer that reads stays a writer.
         if (other.hold == this && other.use == TreeUse::write) return {};
         const bool agree = use == TreeUse::read && other.use == TreeUse::read;

@@ -26,7 +26,7 @@ MemoryPath splitMemoryPath(const std::string& path);
 std::string foldCase(const std::string& name);
 
 /// A process that uses a tree.
-struct TreeClaim {
+struct TreeUser {
     const void* process;  // null for a process that exists only in a test
     const void* hold;
     TreeUse use;
@@ -54,7 +54,7 @@ class MemoryNode : public std::enable_shared_from_this<MemoryNode> {
     Lock lock = Lock::none;          // what it tells; `writeError` is what it does
     bool beingWritten = false;       // a temporary that a running process holds open
     bool mountPoint = false;         // a directory that shows another volume
-    std::vector<TreeClaim> claims;   // of a directory
+    std::vector<TreeUser> claims;    // of a directory
 
     static constexpr std::uint32_t usualMode = 0755;
     static constexpr std::uint32_t ownerOnlyMode = 0700;
