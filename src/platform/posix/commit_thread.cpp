@@ -69,7 +69,7 @@ CommitThread::~CommitThread() {
     if (thread_.joinable()) thread_.join();
     for (const Group& group : groups_) {
         for (const WaitingCopy& copy : group.copies) {
-            unlinkat(copy.target->directory(), copy.temporary.c_str(), 0);
+            copy.target->discard(copy.temporary);
         }
     }
 }
@@ -183,9 +183,8 @@ void CommitThread::nameCopies(std::span<WaitingCopy> copies, int flushed) {
     }
 }
 
-/// Nothing more can be done about a leftover that stays: a later run removes it.
 void CommitThread::giveUp(const WaitingCopy& copy) {
-    unlinkat(copy.target->directory(), copy.temporary.c_str(), 0);
+    copy.target->discard(copy.temporary);
     failed_ = failed_ || afterFailure_ == AfterFailure::stop;
 }
 

@@ -1,10 +1,12 @@
 #include "platform/posix/copy_target.h"
 
 #include <fcntl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 
+#include "platform/names.h"
 #include "platform/posix/extra_attributes.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/rights.h"
@@ -18,15 +20,21 @@ CopyTarget::CopyTarget(UniqueFd directory, dev_t device, Place place)
     holder_.held = place_.hold != nullptr;
 }
 
-void CopyTarget::stage(std::uint64_t number) {
-    staged_ = StagedDirectory::beside(holder_.directory, place_, number);
+void CopyTarget::stage(NewDirectories& ours, std::uint64_t number) {
+    staged_ = StagedDirectory::beside(holder_.directory, place_, ours, number);
     if (staged_ == nullptr) return;
     stage_.directory = staged_->fd();
     stage_.held = holder_.held;
 }
 
 bool CopyTarget::takePlace() {
-    return staged_ != nullptr && !staged_->inPlace() && staged_->takePlace() == 0;
+    return staged_ != nullptr && !spoiled_ && !staged_->inPlace() && staged_->takePlace() == 0;
+}
+
+void CopyTarget::discard(const std::string& name) {
+    const bool gone = unlinkat(directory(), name.c_str(), 0) == 0 || errno == ENOENT;
+    // Under a name of our own, a later run removes it.
+    if (!gone && !isTemporaryName(name)) spoiled_ = true;
 }
 
 const Holder& CopyTarget::namer() const {

@@ -30,12 +30,16 @@ class CopyTarget {
 
     /// From here on its files are made beside it, where that can be; before bar(), for a directory
     /// that is empty. `number` makes the name.
-    void stage(std::uint64_t number);
+    void stage(NewDirectories& ours, std::uint64_t number);
     /// Whether the next file is to be made under its own name.
     bool givesNames() const { return staged_ != nullptr && !sealed_; }
     /// What comes after this has to wait for its name as in any other directory: what was made so
     /// far is being flushed.
     void seal() { sealed_ = true; }
+
+    /// Takes away what was made under `name`. One that stays under a file's own name must never get
+    /// its place with the others.
+    void discard(const std::string& name);
 
     /// On the thread that commits: all the files that were made before seal() bear their names, in
     /// one step, when this is true. Otherwise each of them still needs it.
@@ -70,6 +74,7 @@ class CopyTarget {
     Holder stage_;   // what stands for it until it is full
     std::unique_ptr<StagedDirectory> staged_;
     bool sealed_ = false;
+    bool spoiled_ = false;  // something half made could not be taken away
     dev_t device_;
     TreeClaim claim_;
     bool handsDown_ = false;  // an access list to what is made in it

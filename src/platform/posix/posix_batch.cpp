@@ -67,11 +67,12 @@ int openFlushPoint(const CopyTarget& target, UniqueFd& fd) {
 }  // namespace
 
 PosixBatch::PosixBatch(AfterFailure afterFailure, CopyEvents& events, TreeLocks& locks,
-                       CopyTargets& targets, const std::atomic<bool>& abandoned,
-                       std::atomic<std::uint64_t>& changes)
+                       CopyTargets& targets, NewDirectories& made,
+                       const std::atomic<bool>& abandoned, std::atomic<std::uint64_t>& changes)
     : events_(events),
       locks_(locks),
       targets_(targets),
+      made_(made),
       abandoned_(abandoned),
       changes_(changes),
       writer_(abandoned),
@@ -83,7 +84,7 @@ PosixBatch::PosixBatch(AfterFailure afterFailure, CopyEvents& events, TreeLocks&
 
 PosixBatch::~PosixBatch() {
     for (const WaitingCopy& copy : group_) {
-        unlinkat(copy.target->directory(), copy.temporary.c_str(), 0);
+        copy.target->discard(copy.temporary);
     }
 }
 
@@ -121,7 +122,7 @@ int PosixBatch::targetOf(const CopyRequest& request) {
     targets_.add(target);
     makeRoom();
     const bool many = static_cast<PosixDirectory&>(request.source).hasMore(worthStaging);
-    if (many && request.isNew && directory.isStillEmpty()) target->stage(token_++);
+    if (many && request.isNew && directory.isStillEmpty()) target->stage(made_, token_++);
     target->bar(locks_);
     if (!thread_.knows(target->device())) {
         FlushPoint point;
@@ -159,7 +160,7 @@ int PosixBatch::tryCopy(const CopyRequest& request, WaitingCopy& waiting) {
     waiting.name = toNativeName(request.entry.name);
     error = copy(request, waiting);
     if (error != 0 && !waiting.temporary.empty()) {
-        unlinkat(target_->directory(), waiting.temporary.c_str(), 0);
+        target_->discard(waiting.temporary);
     }
     return error;
 }
@@ -227,8 +228,7 @@ int PosixBatch::make(WaitingCopy& waiting, Make make) {
         name = ownFileName(OwnFile::temporary, token_++);
         error = make(name.c_str());
     }
-    // One that was made and could not be looked at is there all the same.
-    waiting.temporary = std::move(name);
+    if (error == 0) waiting.temporary = std::move(name);
     return error;
 }
 
@@ -238,7 +238,9 @@ int PosixBatch::write(int input, struct stat before, const CopyRequest& request,
     UniqueFd output;
     NewFile made;
     int error = make(waiting, [&](const char* name) {
-        return target_->create(name, before, mask_, output, made);
+        const int failure = target_->create(name, before, mask_, output, made);
+        if (output.valid()) waiting.temporary = name;
+        return failure;
     });
     if (error == 0) error = writer_.write(input, before, output.get(), made, request.observer);
     if (error == 0) waiting.stamp = writer_.stamp();

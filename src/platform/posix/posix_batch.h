@@ -26,7 +26,7 @@ class PosixBatch final : public CopyBatch {
     /// All of them outlive this. `abandoned` ends copies. `changes` is counted up when names have
     /// appeared: see PosixDirectory.
     PosixBatch(AfterFailure afterFailure, CopyEvents& events, TreeLocks& locks,
-               CopyTargets& targets, const std::atomic<bool>& abandoned,
+               CopyTargets& targets, NewDirectories& made, const std::atomic<bool>& abandoned,
                std::atomic<std::uint64_t>& changes);
 
     PosixBatch(const PosixBatch&) = delete;
@@ -61,6 +61,7 @@ class PosixBatch final : public CopyBatch {
     CopyEvents& events_;
     TreeLocks& locks_;
     CopyTargets& targets_;
+    NewDirectories& made_;
     const std::atomic<bool>& abandoned_;
     std::atomic<std::uint64_t>& changes_;
     CopyWriter writer_;

@@ -255,6 +255,11 @@ Status PosixFiles::createDirectory(const std::string& path, DirectoryAccess acce
     const int error = changeIn(
         holder, [&] { return mkdirat(holder.directory, holder.entry(), mode) == 0 ? 0 : errno; });
     if (error == 0 && access == DirectoryAccess::ownerOnly) closed_.insert(withoutSlash(path));
+    struct stat made {};
+    const int flags = AT_SYMLINK_NOFOLLOW;
+    if (error == 0 && fstatat(holder.directory, holder.entry(), &made, flags) == 0) {
+        made_.add(made);
+    }
     return error == 0 ? Status() : systemFailure(refusalOf(error, holder), path);
 }
 
@@ -311,7 +316,7 @@ Status PosixFiles::copyFile(const std::string& source, const std::string& destin
 
 std::unique_ptr<CopyBatch> PosixFiles::startBatch(const std::string&, AfterFailure afterFailure,
                                                   CopyEvents& events) {
-    return std::make_unique<PosixBatch>(afterFailure, events, *locks_, targets_,
+    return std::make_unique<PosixBatch>(afterFailure, events, *locks_, targets_, made_,
                                         copier_.abandoned(), changes_);
 }
 

@@ -73,6 +73,7 @@ class PosixFiles final : public FileService {
     std::set<std::string> closed_;
     PosixFileCopier copier_;
     CopyTargets targets_;
+    NewDirectories made_;
     std::atomic<int> openDirectories_ = 0;
     std::atomic<std::uint64_t> changes_ = 0;  // of names, by this service
 };

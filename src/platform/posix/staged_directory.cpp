@@ -52,12 +52,22 @@ bool becomesLike(const struct stat& wanted, int model, int made) {
     const bool sameOwner = now.st_uid == wanted.st_uid && now.st_gid == wanted.st_gid;
     if (!sameOwner || now.st_dev != wanted.st_dev) return false;
     const mode_t mode = wanted.st_mode & everyRight;
-    if ((now.st_mode & everyRight) != mode && fchmod(made, mode) != 0) return false;
+    if ((now.st_mode & everyRight) != mode) {
+        // Who is not of its group is not given every bit.
+        const bool given = fchmod(made, mode) == 0 && fstat(made, &now) == 0;
+        if (!given || (now.st_mode & everyRight) != mode) return false;
+    }
     if (switchesOf(model) != switchesOf(made)) return false;
     std::string modelNames;
     std::string madeNames;
     return attributesOf(model, modelNames) && attributesOf(made, madeNames) &&
            modelNames == madeNames && !isGivenByHand(modelNames);
+}
+
+bool isUntouched(const struct stat& before, const struct stat& now) {
+    return now.st_ino == before.st_ino && now.st_dev == before.st_dev &&
+           now.st_ctim.tv_sec == before.st_ctim.tv_sec &&
+           now.st_ctim.tv_nsec == before.st_ctim.tv_nsec;
 }
 
 /// The directory above, and that it still has `wanted` under `name`.
@@ -70,15 +80,29 @@ bool openParent(int directory, const std::string& name, const struct stat& wante
 
 }  // namespace
 
+void NewDirectories::add(const struct stat& directory) {
+    all_.emplace_back(directory.st_dev, directory.st_ino);
+    sorted_ = false;
+}
+
+bool NewDirectories::contains(const struct stat& directory) {
+    if (!sorted_) std::sort(all_.begin(), all_.end());
+    sorted_ = true;
+    return std::binary_search(all_.begin(), all_.end(),
+                              std::pair(directory.st_dev, directory.st_ino));
+}
+
 std::unique_ptr<StagedDirectory> StagedDirectory::beside(int target, const Place& place,
+                                                         NewDirectories& ours,
                                                          std::uint64_t number) {
     const Hold* hold = place.hold.get();
     if (hold == nullptr || !hold->replacesDirectories || place.native == hold->native) return {};
     struct stat wanted {};
     if (fstat(target, &wanted) != 0 || wanted.st_dev != hold->device) return {};
-    if ((wanted.st_mode & S_IRWXU) != S_IRWXU) return {};
+    if ((wanted.st_mode & S_IRWXU) != S_IRWXU || !ours.contains(wanted)) return {};
     UniqueFd model;
     std::unique_ptr<StagedDirectory> staged(new StagedDirectory);
+    staged->other_ = wanted;
     staged->place_ = place.native.substr(place.native.rfind('/') + 1);
     if (openEntry(target, ".", O_RDONLY | O_DIRECTORY, model) != 0) return {};
     if (!openParent(target, staged->place_, wanted, staged->parent_)) return {};
@@ -98,6 +122,10 @@ StagedDirectory::~StagedDirectory() {
 
 int StagedDirectory::takePlace() {
     const int parent = parent_.get();
+    // Rights that were given to the other since would be lost with it.
+    struct stat now {};
+    if (fstatat(parent, place_.c_str(), &now, AT_SYMLINK_NOFOLLOW) != 0) return errno;
+    if (!isUntouched(other_, now)) return ESTALE;
     if (renameat(parent, name_.c_str(), parent, place_.c_str()) != 0) return errno;
     name_.clear();
     return 0;

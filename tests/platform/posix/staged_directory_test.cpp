@@ -37,7 +37,8 @@ class StagedCopy : public testing::Test, private CopyEvents {
   protected:
     void SetUp() override {
         disk_.makeDirectory("de");
-        disk_.makeDirectory("arbre/vers");
+        disk_.makeDirectory("arbre");
+        ASSERT_TRUE(files().createDirectory("D:\\arbre\\vers", DirectoryAccess::usual).ok());
         for (int i = 0; i < fileCount; ++i) disk_.write("de/" + nameOf(i), nameOf(i));
         const UniqueFd fd(::open(disk_.at().c_str(), O_RDONLY | O_DIRECTORY));
         if (!replacesDirectories(fd.get())) GTEST_SKIP() << "volume without such directories";
@@ -50,7 +51,7 @@ class StagedCopy : public testing::Test, private CopyEvents {
         return names;
     }
 
-    FileService& files() { return platform_.files(); }
+    FileService& files() { return platform_->files(); }
 
     /// What stands beside the target under names of our own.
     std::vector<std::string> unfinished() const {
@@ -99,7 +100,8 @@ class StagedCopy : public testing::Test, private CopyEvents {
     void waiting() override {}
 
     TemporaryDirectory disk_;
-    PosixPlatform platform_{std::vector<PathRoot>{PathRoot::drive('D', disk_.at())}};
+    PosixPlatform own_{std::vector<PathRoot>{PathRoot::drive('D', disk_.at())}};
+    PosixPlatform* platform_ = &own_;
     std::unique_ptr<HeldTree> held_;
     std::vector<std::uint32_t> codes_;
 };
@@ -188,6 +190,49 @@ TEST_F(StagedCopy, DirectoryWithAttributesOfItsOwnIsFilledInItsPlace) {
     EXPECT_EQ(disk_.names("arbre/vers"), allNames());
 }
 
+TEST_F(StagedCopy, DirectoryThatWasThereBeforeIsFilledInItsPlace) {
+    ASSERT_EQ(rmdir(disk_.at("arbre/vers").c_str()), 0);
+    disk_.makeDirectory("arbre/autre");  // so that no number is used again
+    disk_.makeDirectory("arbre/vers");
+    const ino_t before = disk_.stat("arbre/vers").st_ino;
+    PosixPlatform later{std::vector<PathRoot>{PathRoot::drive('D', disk_.at())}};
+    platform_ = &later;
+    std::vector<std::string> beside = {"?"};
+    copyAll([&] { beside = unfinished(); });
+    EXPECT_THAT(beside, IsEmpty());
+    EXPECT_EQ(disk_.stat("arbre/vers").st_ino, before);
+    EXPECT_EQ(disk_.names("arbre/vers"), allNames());
+    held_.reset();
+}
+
+TEST_F(StagedCopy, RightsThatItGetsMeanwhileStay) {
+    copyAll([&] { ASSERT_EQ(chmod(disk_.at("arbre/vers").c_str(), 0700), 0); });
+    EXPECT_EQ(disk_.stat("arbre/vers").st_mode & 07777, 0700U);
+    EXPECT_EQ(disk_.names("arbre/vers"), allNames());
+    EXPECT_THAT(unfinished(), IsEmpty());
+}
+
+TEST_F(StagedCopy, WhatCannotBeTakenAwayNeverGetsItsPlaceWithTheOthers) {
+    const auto hold = std::make_shared<Hold>();
+    hold->native = disk_.at("arbre");
+    hold->device = disk_.stat("arbre").st_dev;
+    hold->replacesDirectories = true;
+    Place place;
+    place.native = disk_.at("arbre/vers");
+    place.hold = hold;
+    UniqueFd fd(::open(place.native.c_str(), O_RDONLY | O_DIRECTORY));
+    CopyTarget target(std::move(fd), hold->device, place);
+    NewDirectories ours;
+    ours.add(disk_.stat("arbre/vers"));
+    target.stage(ours, 1);
+    ASSERT_TRUE(target.givesNames());
+    ASSERT_EQ(mkdirat(target.directory(), "half", 0700), 0);  // no unlink removes it
+    target.discard("half");
+    EXPECT_FALSE(target.takePlace());
+    EXPECT_THAT(disk_.names("arbre/vers"), IsEmpty());
+    ASSERT_EQ(unlinkat(target.directory(), "half", AT_REMOVEDIR), 0);
+}
+
 TEST_F(StagedCopy, FewFilesAreCopiedInTheirPlace) {
     for (int i = 8; i < fileCount; ++i) unlink(disk_.at("de/" + nameOf(i)).c_str());
     std::vector<std::string> beside = {"?"};
@@ -209,7 +254,9 @@ TEST_F(StagedCopy, RootOfTheTreeStaysTheDirectoryThatIsHeld) {
     hold->replacesDirectories = true;
     place.hold = hold;
     const UniqueFd fd(::open(place.native.c_str(), O_RDONLY | O_DIRECTORY));
-    EXPECT_EQ(StagedDirectory::beside(fd.get(), place, 1), nullptr);
+    NewDirectories ours;
+    ours.add(disk_.stat("arbre"));
+    EXPECT_EQ(StagedDirectory::beside(fd.get(), place, ours, 1), nullptr);
     EXPECT_EQ(disk_.stat("arbre").st_ino, before);
     EXPECT_THAT(disk_.names("arbre"), IsEmpty());
 }
