@@ -16,6 +16,12 @@ std::pair<std::uint64_t, std::uint64_t> numberOf(const FileEntry& entry) {
     return {entry.id.volume, entry.id.file};
 }
 
+// A name that the volume cannot hold has no copy there.
+bool cannotBeThere(const Status& looked) {
+    return looked.saysAbsent() || looked.code() == error_number::invalidName ||
+           looked.code() == error_number::nameTooLong;
+}
+
 }  // namespace
 
 RestoredNames::Owner RestoredNames::otherOwner(const std::string& copy,
@@ -66,7 +72,7 @@ Status RestoredNames::gather(const std::string& copy, const std::string& origina
         if (names.contains(hashOf(original.name))) continue;
         Hidden hidden;
         Status found = files_.lookUp(copy + original.name, LinkRule::refuse, hidden.copy);
-        if (found.saysAbsent()) continue;
+        if (cannotBeThere(found)) continue;
         if (!found.ok()) return found;
         hidden.name = original.name;
         hidden.numbered = hidden.copy.id.known() && numbers.contains(numberOf(hidden.copy));

@@ -92,5 +92,16 @@ TEST_F(NamesOfCopies, AreDoubtedWhenTheyCannotBeLookedUpOrListed) {
     EXPECT_THAT(window.journal, Contains("Erreur: 1117 - Fichier: F:\\Docs\\plan"));
 }
 
+TEST_F(NamesOfCopies, AreTrustedBesideNamesThatTheVolumeCannotHold) {
+    disk().remove("F:\\Docs\\երևան.txt");
+    for (const std::uint32_t refusal : {error_number::invalidName, error_number::nameTooLong}) {
+        disk().file("C:\\Docs\\odd", "in no copy");
+        disk().file("C:\\Docs\\plan", "newer", fileTimeAt(2024, 6, 1));
+        faulty.fail("lookUp", "F:\\Docs\\odd", refusal);
+        EXPECT_TRUE(bringBack());
+        EXPECT_EQ(disk().content("C:\\Docs\\plan"), "plan");
+    }
+}
+
 }  // namespace
 }  // namespace coffrelune
