@@ -224,7 +224,8 @@ int PosixBatch::make(WaitingCopy& waiting, Make make) {
     std::string name = waiting.name;
     if (target_->givesNames()) error = make(name.c_str());
     // Twice: by the rarest of chances, one of these is taken as well.
-    for (int attempt = 0; attempt < 2 && isNameProblem(error); ++attempt) {
+    const auto isAnswered = [&] { return !waiting.temporary.empty() || !isNameProblem(error); };
+    for (int attempt = 0; attempt < 2 && !isAnswered(); ++attempt) {
         name = ownFileName(OwnFile::temporary, token_++);
         error = make(name.c_str());
     }
