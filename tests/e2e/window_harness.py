@@ -250,6 +250,12 @@ class WindowPlace(harness.Place):
         value = re.search(rf"^{re.escape(name)}=(.*)$", found.group(1), re.M) if found else None
         return value.group(1).strip('"') if value else ""
 
+    @forgiving("")
+    def shown(self):
+        """What its programs show, a window a line."""
+        return "\n".join(f"{window} : {window.labels()} {window.find_all('button')}"
+                         for program in self.started for window in program.windows)
+
     def remove(self):
         for program in self.started:
             program.kill()
@@ -266,7 +272,8 @@ def run_all(scenarios, programs, report, screen, captures=None):
         try:
             scenario(place, report)
         except Exception:  # pylint: disable=broad-except  # the next scenarios are still worth it
-            report.check(f"{scenario.__name__} va à son terme", False, traceback.format_exc())
+            report.check(f"{scenario.__name__} va à son terme", False,
+                         traceback.format_exc() + place.shown())
         finally:
             if report.failed > failed and captures:
                 os.makedirs(captures, exist_ok=True)
