@@ -86,9 +86,11 @@ Verdict othersFiles(FileService& files, const LineTrees& trees) {
     const std::string wayOut =
         " Donnez à chaque sauvegarde une destination à elle. Si l'autre n'existe plus, effacez le "
         "fichier caché « .~coffrelune-….copie » qui en reste.";
-    if (trees.backsUp() && trees.isShared()) {
-        return Objection{"une autre sauvegarde a sa copie au même endroit." + wayOut,
-                         error_number::invalidData, tree};
+    if (trees.isShared()) {
+        const std::string why =
+            trees.backsUp() ? "une autre sauvegarde a sa copie au même endroit."
+                            : trees.roots().copy() + " est aussi la copie d'une autre sauvegarde.";
+        return Objection{why + wayOut, error_number::invalidData, tree};
     }
     std::vector<std::string> places = ancestorsOf(files.resolve(tree));
     if (!trees.backsUp()) places.insert(places.begin(), tree);

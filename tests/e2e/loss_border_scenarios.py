@@ -197,6 +197,27 @@ def bare_mount_point_as_source(place, report):
 
 
 @needs(why_no_mount)
+def bare_mount_point_on_a_lettered_disk(place, report):
+    """Le même sur un disque qui a une lettre : deux originaux y ont la même copie, rien n'est effacé"""
+    with disk(place, "source") as point:
+        original = f"{point}/Photos"
+        plant(original, {"oublié.txt": "sous le montage"})
+        copy = f"{place.destination}/Photos"
+        settle(place, ("C:" + original.replace("/", "\\"), place.destination))
+        with mounted(original):
+            plant(original, FILES, OLDER)
+            check(report, "monté", back_up(place), 0)
+        check(report, "absent", back_up(place), 1, KEPT, "une autre sauvegarde")
+        report.equal("la copie a tout", {**FILES, **tree(copy)}, tree(copy))
+        write(f"{original}/neuf.txt", "n")
+        check(report, "absent, restauration", restore(place), 1, KEPT,
+              "est aussi la copie d'une autre sauvegarde")
+        report.equal("le fichier neuf reste", read(f"{original}/neuf.txt"), b"n")
+        report.equal("le fichier sous le montage reste", read(f"{original}/oublié.txt"),
+                     "sous le montage".encode())
+
+
+@needs(why_no_mount)
 def source_drive_unplugged(place, report):
     """Le lecteur de la source débranché : sa copie reste, et c'est dit"""
     with disk(place, "source") as point:
@@ -344,6 +365,7 @@ SCENARIOS = (directory_becomes_a_link_whose_disk_is_away, copy_root_is_a_link, o
              link_in_the_copy, source_mounted_inside_its_copy,
              other_directory_mounted_inside_the_copy, copy_mounted_inside_its_original,
              volume_inside_the_original, volume_mounted_after_the_backup,
-             volume_unmounted_in_mid_run, bare_mount_point_as_source, source_drive_unplugged,
-             bare_destination, destination_lazily_unmounted, read_only_copy,
-             directory_swapped_for_a_link, original_removed_in_mid_run)
+             volume_unmounted_in_mid_run, bare_mount_point_as_source,
+             bare_mount_point_on_a_lettered_disk, source_drive_unplugged, bare_destination,
+             destination_lazily_unmounted, read_only_copy, directory_swapped_for_a_link,
+             original_removed_in_mid_run)

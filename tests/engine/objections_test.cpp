@@ -176,9 +176,17 @@ TEST_F(Objections, SpeakOfACopyInsideThatOfAnotherPair) {
 TEST_F(Objections, AskARestoreForItsCertificate) {
     disk().remove(ownPath());
     expect(back, "rien ne dit que F:\\Save\\Docs est la copie complète de C:\\Data\\Docs", copy);
-    putOther(copy, true);
+    const std::string other = putOther(copy, true);
     expect(back, "rien ne dit que", copy);
     EXPECT_TRUE(run(backup));
+    disk().remove(other);
+    expectNone(back);
+}
+
+TEST_F(Objections, SpeakOfARestoreFromACopyThatIsAnotherPairsToo) {
+    const std::string other = putOther(copy, true);
+    expect(back, copy + " est aussi la copie d'une autre sauvegarde", original);
+    disk().remove(other);
     expectNone(back);
 }
 
