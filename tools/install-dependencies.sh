@@ -10,7 +10,7 @@ test_packages=(ccache libgtest-dev libgmock-dev clang-14 libclang-rt-14-dev clan
                python3 xvfb icewm at-spi2-core dbus-daemon python3-gi gir1.2-atspi-2.0 xdotool x11-utils
                imagemagick libfaketime rsync strace xfsprogs bindfs appstream desktop-file-utils man-db)
 windows_packages=(cmake ninja-build libcli11-dev nlohmann-json3-dev libxxhash-dev googletest make xz-utils
-                  g++-mingw-w64-x86-64-posix wine wine64 locales xvfb xdotool python3)
+                  g++-mingw-w64-x86-64-posix clang-14 lld-14 wine wine64 locales xvfb xdotool python3)
 
 package_packages=(python3 librsvg2-bin dpkg-dev nsis lintian appstream desktop-file-utils man-db)
 

@@ -281,6 +281,15 @@ class Element:
     def focus(self):
         return self.node.get_component_iface().grab_focus()
 
+    @forgiving(False)
+    def take(self):
+        """Selects it among its neighbours; False until that is seen."""
+        captions = [child.name for child in self.parent.children]
+        face = self.parent.node.get_selection_iface()
+        if face is not None and self.name in captions:
+            face.select_child(captions.index(self.name))
+        return self.selected
+
     def select(self, index):
         """Selects a child: a tab, an entry of a list or of a drop-down list."""
         face = self.node.get_selection_iface()

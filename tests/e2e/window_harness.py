@@ -37,9 +37,16 @@ def matches(place, report, key, pattern):
 
 
 def is_message(window):
-    """Whether a window shows a text and buttons, and nothing else that can be worked."""
+    """Whether a window shows a text and buttons, and nothing else that can be worked. A program
+    that is busy answers for a part of a window only: what is seen has to be seen twice."""
     kinds = ("tab", "field", "list", "checkbox", "option", "choice", "progress")
-    return window.has("button") and not any(window.has(kind) for kind in kinds)
+
+    def seen():
+        return [button.name for button in window.find_all("button")], window.labels()
+
+    before = seen()
+    return (before[0] and not any(window.has(kind) for kind in kinds) and seen() == before and
+            not any(window.has(kind) for kind in kinds))
 
 
 class Message:
@@ -120,10 +127,10 @@ class Program:
                   f"{title} se ferme")
 
     def show_tab(self, name):
-        tab = self.main.find("tab", name)
-        siblings = tab.parent.children
-        tab.parent.select(next(i for i, other in enumerate(siblings) if other.name == name))
-        self.wait(lambda: self.main.find("tab", name).selected, f"l'onglet {name}")
+        def shown():
+            tab = self.main.find("tab", name)
+            return tab.selected or tab.take()
+        self.wait(shown, f"l'onglet {name}")
 
     def command(self, tool_tip):
         """A command of the toolbar."""
