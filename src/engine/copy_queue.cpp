@@ -28,8 +28,10 @@ bool CopyQueue::add(const Wish& wish) {
     // A file that failed counts too: the percentage measures how far the run has come.
     addBytes(run_.statistics.bytesDone, wish.entry.size);
     if (copied.ok()) {
-        waiting_.push_back(
-            {ticket, wish.sourceDirectory, wish.entry.name, wish.entry.size, wish.found, {}});
+        if (directory_ == nullptr || *directory_ != wish.sourceDirectory) {
+            directory_ = std::make_shared<const std::string>(wish.sourceDirectory);
+        }
+        waiting_.push_back({ticket, directory_, wish.entry.name, wish.entry.size, wish.found, {}});
     } else {
         if (copied.code() == error_number::accessDenied) explain(target, wish.targetDirectory);
         errors_.failed(copied.code(), source, wish.sourceDirectory);
@@ -61,17 +63,18 @@ Status CopyQueue::copyOnce(const Wish& wish, const std::string& source, const st
 void CopyQueue::committed(std::uint64_t, const Status& status) {
     // In the order in which they were added, one call each.
     const Waiting copy = std::move(waiting_.front());
+    const std::string& directory = *copy.directory;
     waiting_.pop_front();
     if (status.ok()) {
         LineTally& tally = run_.tally(line_);
         ++tally.files;
         tally.bytes += copy.size;
         run_.record({copy.replaces ? FileOutcome::replaced : FileOutcome::copied, line_,
-                     copy.directory + copy.name, copy.size});
+                     directory + copy.name, copy.size});
     } else if (status.code() == error_number::requestAborted) {
         run_.control.interruptionRequested = true;
     } else {
-        errors_.failed(status.code(), copy.directory + copy.name, copy.directory);
+        errors_.failed(status.code(), directory + copy.name, directory);
     }
     // A volume that refuses keeps its own rights.
     for (const auto& [source, target] : copy.matches) (void)files_.matchDirectory(source, target);

@@ -52,7 +52,7 @@ class CopyQueue final : private CopyEvents {
   private:
     struct Waiting {
         std::uint64_t ticket = 0;
-        std::string directory;  // of the original, with its backslash
+        std::shared_ptr<const std::string> directory;  // of the original, with its backslash
         std::string name;
         std::uint64_t size = 0;
         bool replaces = false;
@@ -73,6 +73,7 @@ class CopyQueue final : private CopyEvents {
     int line_ = 0;
     std::string root_;
     std::deque<Waiting> waiting_;
+    std::shared_ptr<const std::string> directory_;  // of the last one: thousands may share it
     std::uint64_t added_ = 0;
     std::set<std::string> explained_;  // directories that are locked
     std::unique_ptr<CopyBatch> batch_;

@@ -15,7 +15,7 @@ from harness import Report, run_all, times_of, write
 
 FILES = 100_000
 ALONE = 20_000  # of one directory, in the short form
-LIMIT = 30 * 1024  # KiB of resident memory
+LIMIT = 20 * 1024  # KiB of resident memory
 EACH = 40 / 1024  # KiB more of it for each name of one directory
 
 # The peak of a child includes the moment before its exec, when it still is a copy of its parent: a
@@ -60,7 +60,7 @@ def measured(place, report, name, copied, limit):
 
 
 def hundred_thousand_files(place, report):
-    """100 000 fichiers en moins de 30 Mo de mémoire"""
+    """100 000 fichiers en moins de 20 Mo de mémoire"""
     plant(place)
     measured(place, report, "première sauvegarde", FILES, LIMIT)
     measured(place, report, "deuxième sauvegarde", 0, LIMIT)

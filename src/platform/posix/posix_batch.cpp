@@ -22,8 +22,8 @@ constexpr std::uint64_t groupBytes = 256U << 20;
 constexpr std::chrono::seconds groupAge{1};
 
 // A disk that is slower than the copying takes what has come meanwhile with one flush: the more may
-// wait for it, the fewer flushes there are. Some hundred bytes each, and what a kill can cost.
-constexpr std::size_t manyWaiting = 20 * groupFiles;
+// wait for it, the fewer flushes there are. A kilobyte each, and what a kill can cost.
+constexpr std::size_t manyWaiting = 8 * groupFiles;
 
 // A directory that is made beside its place takes a dozen calls, and saves one for each file.
 constexpr std::size_t worthStaging = 16;
@@ -90,6 +90,7 @@ PosixBatch::~PosixBatch() {
 
 Status PosixBatch::add(const CopyRequest& request, std::uint64_t& ticket) {
     tellDone();
+    if (group_.empty()) makeRoom();  // also within one directory, which may have a million files
     if (abandoned_.load(std::memory_order_relaxed)) {
         return systemFailure(ECANCELED, request.sourcePath);
     }
