@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 
+#include "platform/posix/interrupted.h"
 #include "platform/posix/whole_file.h"
 
 namespace coffrelune {
@@ -108,8 +109,8 @@ int DataCopier::copyChunk(std::uint64_t size, std::uint64_t& copied) {
 
 int DataCopier::sendChunk(std::uint64_t size, std::uint64_t& copied) {
     while (copied < size) {
-        const ssize_t count = sendfile(destination_, source_, nullptr, size - copied);
-        if (count < 0 && errno == EINTR) continue;
+        const ssize_t count =
+            uninterrupted([&] { return sendfile(destination_, source_, nullptr, size - copied); });
         if (count < 0) return errno;
         if (count == 0) break;
         copied += static_cast<std::uint64_t>(count);
@@ -120,8 +121,7 @@ int DataCopier::sendChunk(std::uint64_t size, std::uint64_t& copied) {
 int DataCopier::readChunk(std::uint64_t size, std::uint64_t& copied) {
     while (copied < size) {
         const auto wanted = std::min<std::uint64_t>(size - copied, buffer_.size());
-        const ssize_t count = read(source_, buffer_.data(), wanted);
-        if (count < 0 && errno == EINTR) continue;
+        const ssize_t count = uninterrupted([&] { return read(source_, buffer_.data(), wanted); });
         if (count < 0) return errno;
         if (count == 0) break;
         const int error = writeAll(destination_, buffer_.data(), static_cast<std::size_t>(count));

@@ -13,6 +13,7 @@
 #include <climits>
 #include <string_view>
 
+#include "platform/posix/interrupted.h"
 #include "platform/posix/native_path.h"
 
 namespace coffrelune {
@@ -57,11 +58,9 @@ int openAtOnce(int directory, const std::string& path, int flags, UniqueFd& fd) 
     open_how how{};
     how.flags = static_cast<std::uint64_t>(flags | O_CLOEXEC);
     how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS;
-    for (;;) {
-        fd.reset(static_cast<int>(syscall(SYS_openat2, directory, path.c_str(), &how, sizeof how)));
-        if (fd.valid()) return 0;
-        if (errno != EINTR) return errno;
-    }
+    fd.reset(static_cast<int>(uninterrupted(
+        [&] { return syscall(SYS_openat2, directory, path.c_str(), &how, sizeof how); })));
+    return fd.valid() ? 0 : errno;
 }
 
 int openPiece(const Hold& hold, int directory, const std::string& path, int flags, UniqueFd& fd) {
@@ -175,10 +174,8 @@ namespace {
 
 /// False when another process stands in the way.
 bool lockNow(int directory, int operation) {
-    while (flock(directory, operation | LOCK_NB) != 0) {
-        if (errno != EINTR) return errno != EWOULDBLOCK;
-    }
-    return true;
+    const int locked = uninterrupted([&] { return flock(directory, operation | LOCK_NB); });
+    return locked == 0 || errno != EWOULDBLOCK;
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <string_view>
 
+#include "platform/posix/interrupted.h"
+
 namespace coffrelune {
 namespace {
 
@@ -38,10 +40,8 @@ void Listing::begin() {
 bool Listing::fill() {
     if (ended_) return false;
     if (block_ == nullptr) begin();
-    ssize_t size = 0;
-    do {
-        size = getdents64(directory_.get(), block_.get(), blockSize);
-    } while (size < 0 && errno == EINTR);
+    const ssize_t size =
+        uninterrupted([&] { return getdents64(directory_.get(), block_.get(), blockSize); });
     ended_ = size <= 0;
     // A directory that was removed while it is open has come to its end.
     if (size < 0 && errno != ENOENT) error_ = errno;

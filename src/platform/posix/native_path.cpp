@@ -7,6 +7,8 @@
 #include <climits>
 #include <deque>
 
+#include "platform/posix/interrupted.h"
+
 namespace coffrelune {
 namespace {
 
@@ -42,11 +44,8 @@ ShortPath::ShortPath(const std::string& path) : path_(path.c_str()) {
 }
 
 int openEntry(int directory, const char* name, int flags, UniqueFd& fd) {
-    for (;;) {
-        fd.reset(openat(directory, name, flags | O_CLOEXEC));
-        if (fd.valid()) return 0;
-        if (errno != EINTR) return errno;
-    }
+    fd.reset(uninterrupted([&] { return openat(directory, name, flags | O_CLOEXEC); }));
+    return fd.valid() ? 0 : errno;
 }
 
 int openQuietly(int directory, const char* name, int flags, UniqueFd& fd) {
@@ -65,10 +64,9 @@ int statEntry(int directory, const char* name, bool follow, struct statx& inform
     const int flags = AT_NO_AUTOMOUNT | what;
     constexpr unsigned wanted = STATX_BASIC_STATS | STATX_BTIME;
     // A server may be interrupted as it answers.
-    while (::statx(directory, name, flags, wanted, &information) != 0) {
-        if (errno != EINTR) return errno;
-    }
-    return 0;
+    const int looked =
+        uninterrupted([&] { return ::statx(directory, name, flags, wanted, &information); });
+    return looked == 0 ? 0 : errno;
 }
 
 int statPath(const std::string& path, bool follow, struct statx& information) {

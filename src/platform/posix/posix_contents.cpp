@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <climits>
 
+#include "platform/posix/interrupted.h"
 #include "platform/posix/place.h"
 
 namespace coffrelune {
@@ -21,8 +22,8 @@ class FileContent final : public Content {
     Status read(std::span<char> buffer, std::size_t& length) override {
         length = 0;
         while (length < buffer.size()) {
-            const ssize_t count = ::read(fd_.get(), &buffer[length], buffer.size() - length);
-            if (count < 0 && errno == EINTR) continue;
+            const ssize_t count = uninterrupted(
+                [&] { return ::read(fd_.get(), &buffer[length], buffer.size() - length); });
             if (count < 0) return failureAt(errno, place_);
             if (count == 0) return {};
             length += static_cast<std::size_t>(count);

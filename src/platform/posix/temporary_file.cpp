@@ -10,16 +10,14 @@
 #include <ctime>
 
 #include "platform/names.h"
+#include "platform/posix/interrupted.h"
 #include "platform/posix/staged_directory.h"
 
 namespace coffrelune {
 namespace {
 
 int lockNow(int fd) {
-    while (flock(fd, LOCK_EX | LOCK_NB) != 0) {
-        if (errno != EINTR) return errno;
-    }
-    return 0;
+    return uninterrupted([&] { return flock(fd, LOCK_EX | LOCK_NB); }) == 0 ? 0 : errno;
 }
 
 /// A network file system locks only what is open for writing; a copy that was finished but for its
@@ -75,9 +73,7 @@ int TemporaryFile::create(int directory, mode_t mode) {
 int TemporaryFile::tryCreate(mode_t mode) {
     std::string name = makeTemporaryName();
     constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-    do {
-        file_.reset(openat(directory_, name.c_str(), flags, mode));
-    } while (!file_.valid() && errno == EINTR);
+    file_.reset(uninterrupted([&] { return openat(directory_, name.c_str(), flags, mode); }));
     if (!file_.valid()) return errno;
     const int locked = lockNow(file_.get());
     if (locked == EWOULDBLOCK || fstat(file_.get(), &information_) != 0 ||

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "platform/posix/interrupted.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/rights.h"
 #include "platform/posix/temporary_file.h"
@@ -39,8 +40,7 @@ int statOld(int directory, const char* name, struct stat& old, bool& exists) {
 
 int writeAll(int fd, const char* bytes, std::size_t size) {
     while (size > 0) {
-        const ssize_t written = write(fd, bytes, size);
-        if (written < 0 && errno == EINTR) continue;
+        const ssize_t written = uninterrupted([&] { return write(fd, bytes, size); });
         if (written < 0) return errno;
         bytes += written;
         size -= static_cast<std::size_t>(written);
@@ -73,13 +73,13 @@ int readWholeEntry(int directory, const char* name, bool follow, std::uint64_t l
         const std::size_t done = bytes.size();
         bytes.resize(done + std::max<std::size_t>(
                                 4096, kind.stx_size - std::min<std::size_t>(done, kind.stx_size)));
-        const ssize_t count = read(fd.get(), bytes.data() + done, bytes.size() - done);
+        const ssize_t count =
+            uninterrupted([&] { return read(fd.get(), bytes.data() + done, bytes.size() - done); });
         error = count < 0 ? errno : 0;
         // Only its name can say that a file is not there: who reads "absent" writes a new one.
         if (error == ENOENT || error == ENOTDIR) error = EIO;
         bytes.resize(done + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
         if (bytes.size() > limit) error = EFBIG;
-        if (error == EINTR) continue;
         if (error != 0) bytes.clear();
         if (error != 0 || count == 0) return error;
     }

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <csignal>
 
+#include "platform/posix/interrupted.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/whole_file.h"
 
@@ -159,8 +160,8 @@ std::string contentOf(const UniqueFd& file) {
     std::array<char, 4096> buffer{};
     if (lseek(file.get(), 0, SEEK_SET) != 0) return text;
     for (;;) {
-        const ssize_t count = read(file.get(), buffer.data(), buffer.size());
-        if (count < 0 && errno == EINTR) continue;
+        const ssize_t count =
+            uninterrupted([&] { return read(file.get(), buffer.data(), buffer.size()); });
         if (count <= 0) return text;
         text.append(buffer.data(), static_cast<std::size_t>(count));
     }
