@@ -83,12 +83,15 @@ int matchRights(int directory, const struct stat& original) {
     struct stat now {};
     if (fstat(directory, &now) != 0) return errno;
     // The owner first: to be given away takes some mode bits.
-    const bool foreign = ownerOf(now) != ownerOf(original);
-    int error = foreign ? giveAway(directory, "", ownerOf(original)) : 0;
-    if (error != 0) return error;
+    if (ownerOf(now) != ownerOf(original)) {
+        const int given = giveAway(directory, "", ownerOf(original));
+        if (given != 0) return given;
+        if (fstat(directory, &now) != 0) return errno;
+    }
     const mode_t mode = original.st_mode & everyRight;
-    if (!foreign && (now.st_mode & everyRight) == mode) return 0;
-    error = changeMode(directory, mode);
+    // To set even the same one would take setgid from a directory of a group of others.
+    if ((now.st_mode & everyRight) == mode) return 0;
+    const int error = changeMode(directory, mode);
     return saysNoSuchRights(error) ? 0 : error;
 }
 

@@ -98,6 +98,26 @@ TEST_F(Rights, OfASomebodyElsesDirectoryStayAsTheyAre) {
     EXPECT_EQ(mode("copie"), 0755U);
 }
 
+// The kernel takes it from a directory whose mode is changed by somebody outside its group.
+TEST_F(Rights, SetgidForAGroupOfOthersStaysAsLongAsNoOtherRightIsToBeGiven) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs a directory of a foreign group";
+    constexpr gid_t foreign = 65533;
+    disk_.makeDirectory("original");
+    disk_.makeDirectory("copie");
+    ASSERT_EQ(chown(disk_.at("copie").c_str(), nobody, foreign), 0);
+    setMode("original", 02750);
+    const auto match = [&](mode_t before) {
+        setMode("copie", before);
+        const WithoutPrivileges user;
+        EXPECT_TRUE(files().matchDirectory("D:\\original", "D:\\copie").ok());
+    };
+    match(02750);
+    EXPECT_EQ(mode("copie"), 02750U);
+    match(02700);
+    EXPECT_EQ(mode("copie"), 0750U);
+    ASSERT_EQ(disk_.stat("copie").st_gid, foreign);
+}
+
 TEST_F(Rights, FilesAndLinksAreTheirOwnersWhenRootCopiesThem) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can give files away";
     disk_.write("a", "abc");
