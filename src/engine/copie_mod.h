@@ -100,6 +100,8 @@ class CopieMod {
     bool keepsSome() const;
     bool findExisting(const FileEntry& entry, const Pair& pair, FileEntry& existing, bool& found);
     bool sharesCopy(const FileEntry& entry, const FileEntry& existing, const Pair& pair);
+    void noteLook(const FileEntry& existing, const Decision& decision);
+    void noteSharers(const Pair& pair);
     std::set<std::string> sharers(const Pair& pair);
     bool isMixedWithSibling(const Place& place, const Directory& target);
     void scanFile(const FileEntry& entry, const Pair& pair, FileEntry& existing);
@@ -135,6 +137,9 @@ class CopieMod {
     // them.
     std::map<std::pair<std::string, std::string>, std::set<std::string>> sharers_;
     SeenEntries copies_;                // of the files of one directory
+    HashSet looks_;                     // of these copies
+    bool alike_ = false;                // two of them look the same
+    bool replaces_ = false;             // one is to be replaced
     std::unique_ptr<WalkAhead> ahead_;  // where the pass changes nothing
     LeftOut leftOut_;
     DecisionOptions decision_;

@@ -1,4 +1,6 @@
 // The files of one directory: what each of them is compared with, and what becomes of it.
+#include <functional>
+
 #include "engine/content_check.h"
 #include "engine/copie_mod.h"
 #include "engine/folded_names.h"
@@ -19,6 +21,34 @@ std::string_view unchangedReason(const FileEntry& source, const FileEntry& exist
 std::string_view withoutBlank(std::string_view status) {
     return status.starts_with(' ') ? status.substr(1) : status;
 }
+
+// The same for two names of one entry, whatever numbers its volume makes up for each.
+std::uint64_t lookOf(const FileEntry& entry) {
+    std::uint64_t hash = entry.size;
+    for (const std::uint64_t time : {entry.times.lastWrite, entry.times.creation}) {
+        hash = (hash ^ time) * 0x9E3779B97F4A7C15;
+        hash ^= hash >> 32;
+    }
+    return hash;
+}
+
+// What a directory lists, to tell how many originals lead to one entry of it.
+struct ListedEntries {
+    std::map<std::uint64_t, int> numbers;  // how many entries bear each
+    std::map<std::uint64_t, int> looks;
+    HashSet names;
+
+    static std::uint64_t hashOf(const std::string& name) { return std::hash<std::string>()(name); }
+
+    Status add(Directory& listing) {
+        for (FileEntry entry; listing.next(entry);) {
+            ++numbers[entry.id.file];
+            ++looks[lookOf(entry)];
+            (void)names.add(hashOf(entry.name));
+        }
+        return listing.status();
+    }
+};
 
 }  // namespace
 
@@ -53,23 +83,48 @@ bool CopieMod::sharesCopy(const FileEntry& entry, const FileEntry& existing, con
     return true;
 }
 
+// Some volumes number an entry anew for each name that it is asked by. There, two names of one
+// entry look alike, and one of them is to be replaced.
+void CopieMod::noteLook(const FileEntry& existing, const Decision& decision) {
+    const bool isNew = looks_.add(lookOf(existing));
+    alike_ = alike_ || !isNew;
+    replaces_ = replaces_ || decision.copy;
+}
+
+// Asked where some files look alike and some are to be replaced, which is rare.
+void CopieMod::noteSharers(const Pair& pair) {
+    const std::pair<std::string, std::string> place(pair.place.source, pair.place.destination);
+    if (!alike_ || !replaces_ || sharers_.contains(place)) return;
+    std::set<std::string> found = sharers(pair);
+    if (!found.empty()) sharers_.emplace(place, std::move(found));
+}
+
 // All but the first of those that lead to one entry, unless the copy lists as many names of it:
-// these are hard links.
+// these are hard links. Where numbers are made up, what the copy lists under the name of an
+// original is that original's.
 std::set<std::string> CopieMod::sharers(const Pair& pair) {
     const Place& place = pair.place;
-    std::map<std::uint64_t, int> listed;
+    ListedEntries listed;
     std::unique_ptr<Directory> listing;
     const auto open = [&](const std::string& path, LinkRule links) {
         return files_.openDirectory(path, links, Wanted::files, listing).ok();
     };
     if (!open(place.destination, targetLinks(place))) return {};
-    for (FileEntry copy; listing->next(copy);) ++listed[copy.id.file];
-    if (!listing->status().ok() || !open(place.source, place.links)) return {};
+    if (!listed.add(*listing).ok() || !open(place.source, place.links)) return {};
     std::set<std::string> found;
+    std::vector<std::pair<std::string, std::uint64_t>> hidden;  // with what they look like
     for (FileEntry original; listing->next(original);) {
         FileEntry copy;
-        if (!pair.target->lookUp(original.name, copy) || !copy.id.known()) continue;
-        if (--listed[copy.id.file] < 0) found.insert(original.name);
+        if (!pair.target->lookUp(original.name, copy)) continue;
+        const auto number = listed.numbers.find(copy.id.file);
+        const bool isNumbered = copy.id.known() && number != listed.numbers.end();
+        const bool isListed = listed.names.contains(ListedEntries::hashOf(original.name));
+        if (isNumbered && --number->second < 0) found.insert(original.name);
+        if (isListed) --listed.looks[lookOf(copy)];
+        if (!isNumbered && !isListed) hidden.emplace_back(original.name, lookOf(copy));
+    }
+    for (const auto& [name, look] : hidden) {
+        if (--listed.looks[look] < 0) found.insert(name);
     }
     return found;
 }
@@ -78,6 +133,8 @@ void CopieMod::scanDirectory(const Pair& pair) {
     constexpr std::size_t usual = 128;
     FoldedNames handled(usual);
     copies_ = SeenEntries();
+    looks_ = HashSet();
+    alike_ = replaces_ = false;
     const std::string& source = pair.place.source;
     FileEntry existing;  // kept from file to file, with the room for its name
     for (FileEntry entry; pair.source.next(entry);) {
@@ -89,35 +146,45 @@ void CopieMod::scanDirectory(const Pair& pair) {
         display_.runPendingEvents();
         if (run_.stopped()) return;
     }
+    noteSharers(pair);
     if (!pair.source.status().ok()) {
         errors_.failedOnce(pair.source.status().code(), withoutTrailingBackslash(source));
     }
 }
 
-// A failed look-up passes for absence, which is right where everything is replaced anyway. Where
-// the user may want a file kept, only the certain absence lets the copy take its name unasked.
+// Where the user may want a file kept, only the certain absence lets the copy take its name
+// unasked.
 bool CopieMod::keepsSome() const {
     return run_.control.askBeforeReplacing || run_.switches.keepExisting || decision_.newerOnly;
 }
 
-// False when nobody can tell what bears the name; that has been counted.
+// False when nobody can tell what bears the name; that has been counted. What passes for absent in
+// a directory where a look-up has failed may be there, so it is asked for by its path.
 bool CopieMod::findExisting(const FileEntry& entry, const Pair& pair, FileEntry& existing,
                             bool& found) {
     const Place& place = pair.place;
     found = pair.target != nullptr && pair.target->lookUp(entry.name, existing);
-    if (found || pass_ != Pass::copy || !keepsSome()) return true;
+    const bool doubted = pair.target != nullptr && !pair.target->status().ok();
+    const bool asksAgain =
+        pass_ == Pass::copy ? doubted || keepsSome() : doubted && run_.comparing();
+    if (found || !asksAgain) return true;
     const Status status = files_.lookUp(place.destination + entry.name, LinkRule::refuse, existing);
     found = status.ok();
     if (found || status.saysAbsent()) return true;
-    errors_.failed(status.code(), place.source + entry.name, place.source);
+    const std::string source = place.source + entry.name;
+    if (pass_ == Pass::copy) {
+        errors_.failed(status.code(), source, place.source);
+    } else {
+        errors_.unread(status.code(), source);
+    }
     return false;
 }
 
 void CopieMod::scanFile(const FileEntry& entry, const Pair& pair, FileEntry& existing) {
     const Place& place = pair.place;
     // Listed, but not to be looked at: its age is unknown, and no rule may take it for up to date.
-    if (entry.unreadable) {
-        errors_.unread(error_number::accessDenied, place.source + entry.name);
+    if (entry.isUnreadable()) {
+        errors_.unread(entry.failure, place.source + entry.name);
         return;
     }
     bool found = false;
@@ -132,6 +199,7 @@ void CopieMod::scanFile(const FileEntry& entry, const Pair& pair, FileEntry& exi
     }
     const Decision decision = decide(entry, found ? &existing : nullptr, decision_);
     if (pass_ == Pass::copy) pair.source.expectCopy(decision.copy);  // like its neighbour
+    if (found && analysing && !run_.comparing()) noteLook(existing, decision);
     if (!decision.copy) {
         if (analysing && run_.keepsRecord()) {
             skip(place.source + entry.name, entry, unchangedReason(entry, existing));

@@ -31,7 +31,7 @@ void ExcessWalk::handle(const FileEntry& entry, Directory* reference, Place& pla
         return;
     }
     // Of unknown age: nobody can say whether it differs.
-    if (!known || entry.unreadable || step_ == Step::count) return;
+    if (!known || entry.isUnreadable() || step_ == Step::count) return;
     // What the copy pass would leave alone is none of those that it replaces: with `RecentSeul` a
     // newer file of the copy is kept.
     DecisionOptions back = decision_;

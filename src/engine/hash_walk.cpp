@@ -78,8 +78,8 @@ void HashWalk::handle(const FileEntry& entry, const std::string& directory) {
     if (isSystemFile(entry.name)) return;
     const std::string path = directory + entry.name;
     run_.display.showFile(path);
-    if (entry.unreadable) {
-        errors_.unread(error_number::accessDenied, path);
+    if (entry.isUnreadable()) {
+        errors_.unread(entry.failure, path);
         keepKnown(path);
     } else if (work_.checks) {
         check(entry, path);

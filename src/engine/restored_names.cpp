@@ -1,5 +1,6 @@
 #include "engine/restored_names.h"
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 
@@ -75,7 +76,8 @@ Status RestoredNames::gather(const std::string& copy, const std::string& origina
         if (cannotBeThere(found)) continue;
         if (!found.ok()) return found;
         hidden.name = original.name;
-        hidden.numbered = hidden.copy.id.known() && numbers.contains(numberOf(hidden.copy));
+        hidden.numbered = hidden.copy.id.known() &&
+                          std::binary_search(numbers.begin(), numbers.end(), numberOf(hidden.copy));
         hidden_.push_back(std::move(hidden));
     }
     return listing->status();
@@ -87,8 +89,9 @@ Status RestoredNames::listCopy(const std::string& copy, HashSet& names, Numbers&
     if (!status.ok()) return status;
     for (FileEntry entry; listing->next(entry);) {
         (void)names.add(hashOf(entry.name));
-        (void)numbers.insert(numberOf(entry));
+        numbers.push_back(numberOf(entry));
     }
+    std::sort(numbers.begin(), numbers.end());
     return listing->status();
 }
 

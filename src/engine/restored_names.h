@@ -1,7 +1,6 @@
 #pragma once
 
 #include <map>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,7 +31,8 @@ class RestoredNames {
     Owner otherOwnerAbove(const std::string& copy, const std::string& originals, std::size_t root);
 
   private:
-    using Numbers = std::set<std::pair<std::uint64_t, std::uint64_t>>;
+    // Of a directory that may hold a million entries: in order once they are all there.
+    using Numbers = std::vector<std::pair<std::uint64_t, std::uint64_t>>;
     // An original that the copy finds by its name and lists under another.
     struct Hidden {
         std::string name;

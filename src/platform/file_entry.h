@@ -47,13 +47,14 @@ struct FileEntry {
     std::uint32_t attributes = 0;
     std::uint64_t size = 0;  // bytes; for a link the length of its text
     FileTimes times;
-    FileId id;                // may be unknown where a listing does not give it
-    bool unreadable = false;  // listed by its name alone: size and times are not known
+    FileId id;                  // may be unknown where a listing does not give it
+    std::uint32_t failure = 0;  // why it is listed by its name alone, size and times unknown
     bool mountPoint = false;  // a directory that shows another volume, or another place of this one
 
     Lock lock = Lock::none;
 
     bool isDirectory() const { return (attributes & attribute::directory) != 0; }
+    bool isUnreadable() const { return failure != 0; }
     bool isReadOnly() const { return (attributes & attribute::readOnly) != 0; }
     bool isLink() const { return (attributes & attribute::link) != 0; }
 };

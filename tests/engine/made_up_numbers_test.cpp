@@ -6,6 +6,7 @@ namespace coffrelune {
 namespace {
 
 using testing::Contains;
+using testing::ElementsAre;
 using testing::IsEmpty;
 
 // C:\Docs copied to F:\, which makes up its numbers.
@@ -74,6 +75,63 @@ TEST_P(MadeUpNumbers, KeepTheCopyOfTheFirstOfTwoNamesThatAreOneThere) {
         EXPECT_THAT(window.journal, Contains("Erreur: 183 - Fichier: C:\\Docs\\ÉTÉ.TXT")) << times;
         EXPECT_EQ(statistics.filesRemoved, 0) << times;
     }
+}
+
+// The program's own tables hold them apart.
+class OtherAlphabet : public MadeUpNumbers {
+  protected:
+    OtherAlphabet() {
+        disk().volume("F:\\").foldsCase = true;
+        first("first", 1);
+        second("the second", 2);
+    }
+    void first(const std::string& text, int month) { put("C:\\Docs\\Երևան.txt", text, month); }
+    void second(const std::string& text, int month) { put("C:\\Docs\\երևան.txt", text, month); }
+    void put(const std::string& path, const std::string& text, int month) {
+        disk().file(path, text, fileTimeAt(2024, month, 1));
+    }
+    std::optional<std::string> copy() { return disk().content("F:\\Docs\\Երևան.txt"); }
+    void expectTheSecondIsTold() {
+        EXPECT_FALSE(backUp());
+        EXPECT_THAT(window.journal, ElementsAre("Erreur: 183 - Fichier: C:\\Docs\\երևան.txt"));
+        EXPECT_EQ(statistics.filesRemoved, 0);
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Volumes, OtherAlphabet, testing::Values(Numbering::byName));
+
+TEST_P(OtherAlphabet, LetsTheTwoNotReplaceEachOther) {
+    for (int times = 0; times < 3; ++times) {
+        expectTheSecondIsTold();
+        EXPECT_EQ(copy(), "first") << times;
+    }
+    second("the second, changed", 3);
+    expectTheSecondIsTold();
+    EXPECT_EQ(copy(), "first");
+    first("first, changed", 4);
+    expectTheSecondIsTold();
+    EXPECT_EQ(copy(), "first, changed");
+}
+
+TEST_P(OtherAlphabet, LetsTheOtherOneIntoItsPlaceOnceTheFirstHasGone) {
+    expectTheSecondIsTold();
+    disk().remove("C:\\Docs\\Երևան.txt");
+    EXPECT_TRUE(backUp());
+    EXPECT_EQ(copy(), "the second");
+}
+
+TEST_P(OtherAlphabet, DoubtsNoneThatOnlyLookAlike) {
+    disk().remove("C:\\Docs\\երևան.txt");
+    put("C:\\Docs\\Ծաղիկ.txt", "first", 1);
+    EXPECT_TRUE(backUp());
+    // Listed by the volume in a spelling of its own.
+    disk().remove("F:\\Docs\\Ծաղիկ.txt");
+    put("F:\\Docs\\ծաղիկ.txt", "first", 1);
+    put("C:\\Docs\\Ծաղիկ.txt", "other", 5);
+    first("again", 5);
+    EXPECT_TRUE(backUp());
+    EXPECT_EQ(disk().content("F:\\Docs\\ծաղիկ.txt"), "other");
+    EXPECT_EQ(copy(), "again");
 }
 
 // Found by look-ups of names that it does not list, whatever their numbers.

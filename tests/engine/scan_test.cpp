@@ -172,6 +172,49 @@ TEST_F(Engine, NamesOnceAFileThatTheListingCouldNotLookAt) {
     EXPECT_EQ(disk().content("F:\\Docs\\b"), "x");
 }
 
+TEST_F(Engine, TellsWhyTheListingCouldNotLookAtAFile) {
+    MemoryNode& file = disk().file("C:\\Docs\\a", "new");
+    file.nameAlone = true;
+    file.readError = error_number::deviceDoesNotExist;
+    run("C:\\Docs", "F:\\");
+    EXPECT_THAT(window.journal, ElementsAre("Erreur: 55 - Fichier: C:\\Docs\\a"));
+}
+
+// A copy that a look-up did not find for a fault of the volume's is no missing one.
+class DoubtfulLookUp : public Engine {
+  protected:
+    DoubtfulLookUp() {
+        disk().file("C:\\Docs\\a", "new", old + 1);
+        disk().file("F:\\Docs\\a", "old", old);
+        disk().file("C:\\Docs\\b", "b", old);
+        system.options.ContinueOnError = -1;
+        faulty.fail("find", "F:\\Docs\\a", error_number::networkNameDeleted);
+    }
+    void failAgain() { faulty.fail("lookUp", "F:\\Docs\\a", error_number::ioDevice); }
+};
+
+TEST_F(DoubtfulLookUp, IsToldAsWhatItIsAndTheCopyStays) {
+    failAgain();
+    run("C:\\Docs", "F:\\");
+    EXPECT_THAT(window.journal, ElementsAre("Erreur: 1117 - Fichier: C:\\Docs\\a"));
+    EXPECT_EQ(disk().content("F:\\Docs\\a"), "old");
+    EXPECT_EQ(disk().content("F:\\Docs\\b"), "b") << "whose absence is certain";
+}
+
+TEST_F(DoubtfulLookUp, IsNoErrorWhenTheNextOneFinds) {
+    run("C:\\Docs", "F:\\");
+    EXPECT_EQ(disk().content("F:\\Docs\\a"), "new");
+    EXPECT_EQ(statistics.errorCount, 0);
+}
+
+TEST_F(DoubtfulLookUp, SaysInAComparisonNotThatNothingIsThere) {
+    failAgain();
+    system.operationKind = OperationKind::comparison;
+    analyse("C:\\Docs", "F:\\");
+    EXPECT_THAT(window.comparison, ElementsAre("F:\\Docs\\b n'existe pas"));
+    EXPECT_EQ(window.journal.front(), "Erreur: 1117 - Fichier: C:\\Docs\\a");
+}
+
 TEST_F(Scan, HasNothingLeftAfterARun) {
     run("C:\\Docs", "F:\\");
     statistics.totalBytes = 0;

@@ -23,7 +23,10 @@ class FaultyFiles::FaultyDirectory final : public Directory {
         return failure_.ok() && inner_->next(entry);
     }
 
-    const Status& status() const override { return failure_.ok() ? inner_->status() : failure_; }
+    const Status& status() const override {
+        if (!failure_.ok()) return failure_;
+        return lookFailure_.ok() ? inner_->status() : lookFailure_;
+    }
 
     std::vector<FileEntry> takeDirectories() override {
         return failure_.ok() ? inner_->takeDirectories() : std::vector<FileEntry>();
@@ -32,14 +35,18 @@ class FaultyFiles::FaultyDirectory final : public Directory {
     Directory& inner() { return *inner_; }
 
     bool lookUp(const std::string& name, FileEntry& entry) override {
-        return files_.enter("find", joined(path_, name)).ok() && inner_->lookUp(name, entry);
+        const Status failure = files_.enter("find", joined(path_, name));
+        if (failure.ok()) return inner_->lookUp(name, entry);
+        if (!failure.saysAbsent()) lookFailure_ = failure;
+        return false;
     }
 
   private:
     FaultyFiles& files_;
     std::string path_;
     std::unique_ptr<Directory> inner_;
-    Status failure_;
+    Status failure_;      // the listing broke off
+    Status lookFailure_;  // "no such entry" is not to be trusted
 };
 
 class FaultyFiles::FaultyTree final : public HeldTree {

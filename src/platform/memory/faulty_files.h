@@ -12,9 +12,9 @@ namespace coffrelune {
 /// Forwards to another file service and fails the calls that a test chooses; a failed call is not
 /// forwarded. Counts each call that can fail: every function of FileService except resolve and
 /// abandonCopies, of an open directory "next" (the listing breaks off) and "find" (lookUp tells
-/// that there is no such entry), of a held tree "claim", "flush" and "measureTimes", and of a batch
-/// "copyFile" (a file is added), "commit" (counted when it is added; it is told as failed in its
-/// turn) and "finish".
+/// that there is no such entry, and status() that this is not to be trusted), of a held tree
+/// "claim", "flush" and "measureTimes", and of a batch "copyFile" (a file is added), "commit"
+/// (counted when it is added; it is told as failed in its turn) and "finish".
 class FaultyFiles final : public FileService {
   public:
     static constexpr int always = -1;

@@ -52,7 +52,7 @@ bool MemoryDirectory::next(FileEntry& entry) {
         entry.size = 0;
         entry.times = {};
         entry.id = {};
-        entry.unreadable = true;
+        entry.failure = node.readError != 0 ? node.readError : error_number::accessDenied;
         return true;
     }
     return false;

@@ -111,7 +111,7 @@ bool fillEntry(const struct statx& information, std::string_view name, FileEntry
     entry.id = {deviceOf(information), information.stx_ino};
     entry.mountPoint = S_ISDIR(mode) && (information.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
     entry.lock = lockOf(information);
-    entry.unreadable = false;
+    entry.failure = 0;
     return true;
 }
 

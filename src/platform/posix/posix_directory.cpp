@@ -155,7 +155,7 @@ bool PosixDirectory::describe(int directory, const char* name, unsigned char kin
         entry.mountPoint = false;
         entry.times = {};
         entry.id = {};
-        entry.unreadable = true;
+        entry.failure = windowsError(error);
     }
     return !isOwnEntry(name, entry.isDirectory()) && !isPseudoMount(entry);
 }

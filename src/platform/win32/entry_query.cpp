@@ -36,7 +36,7 @@ void fill(const Record& record, DWORD tag, FileEntry& entry) {
     entry.times = {unitsOf(record.ftCreationTime), unitsOf(record.ftLastAccessTime),
                    unitsOf(record.ftLastWriteTime)};
     entry.id = {};
-    entry.unreadable = false;
+    entry.failure = 0;
 }
 
 /// False for what no listing gives.

@@ -95,8 +95,11 @@ TEST_F(FaultyFilesTest, LookUpInADirectoryMayFail) {
     std::unique_ptr<Directory> opened;
     ASSERT_TRUE(faulty.openDirectory("C:\\", LinkRule::follow, Wanted::files, opened).ok());
     FileEntry found;
+    EXPECT_TRUE(opened->status().ok());
     EXPECT_FALSE(opened->lookUp("a", found));
     EXPECT_TRUE(opened->lookUp("b", found));
+    EXPECT_EQ(opened->status().code(), 5U);
+    EXPECT_TRUE(opened->next(found)) << "the listing goes on";
 }
 
 TEST_F(FaultyFilesTest, ForwardsAndFailsTheCallsOfAHeldTree) {

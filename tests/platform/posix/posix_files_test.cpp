@@ -63,12 +63,12 @@ TEST_F(PosixFilesTest, ListingMarksWhatItCouldNotLookAt) {
                         .ok());
         ASSERT_TRUE(directory->next(entry));
         EXPECT_EQ(entry.name, "a");
-        EXPECT_TRUE(entry.unreadable);
+        EXPECT_EQ(entry.failure, error_number::accessDenied);
     }
     chmod(disk_.at("noms seuls").c_str(), 0755);
     // The same record serves for the next entry.
     ASSERT_TRUE(files().lookUp("D:\\noms seuls\\a", LinkRule::refuse, entry).ok());
-    EXPECT_FALSE(entry.unreadable);
+    EXPECT_FALSE(entry.isUnreadable());
 }
 
 TEST_F(PosixFilesTest, FileOfTheFirstMomentIsNoneThatCouldNotBeLookedAt) {
@@ -77,9 +77,9 @@ TEST_F(PosixFilesTest, FileOfTheFirstMomentIsNoneThatCouldNotBeLookedAt) {
     std::unique_ptr<Directory> directory;
     ASSERT_TRUE(files().openDirectory("D:\\", LinkRule::refuse, Wanted::files, directory).ok());
     FileEntry entry;
-    entry.unreadable = true;
+    entry.failure = error_number::accessDenied;
     ASSERT_TRUE(directory->next(entry));
-    EXPECT_FALSE(entry.unreadable);
+    EXPECT_FALSE(entry.isUnreadable());
 }
 
 TEST_F(PosixFilesTest, DirectoryThatMayNotBeReadStillServesLookUps) {
