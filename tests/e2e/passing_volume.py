@@ -9,7 +9,6 @@ entry is asked by; "anew", another one at each question. CONTROL: see Faults.
 """
 
 import contextlib
-import ctypes
 import errno
 import mmap
 import os
@@ -18,11 +17,12 @@ import sys
 import time
 import unicodedata
 
+import fuse_server
+
 LOOKUP, GETATTR, SETATTR, READLINK, SYMLINK, MKDIR, UNLINK, RMDIR = 1, 3, 4, 5, 6, 9, 10, 11
 RENAME, OPEN, READ, WRITE, STATFS, RELEASE, FSYNC, FLUSH, INIT = 12, 14, 15, 16, 17, 18, 20, 25, 26
 OPENDIR, READDIR, RELEASEDIR, FSYNCDIR, CREATE, DESTROY = 27, 28, 29, 30, 35, 38
 RENAME2, SYNCFS = 45, 50
-UNANSWERED = (2, 36, 42)  # who forgets an entry or gives up a call waits for no answer
 NOTHING_TO_DO = (FLUSH, FSYNC, FSYNCDIR, SYNCFS, RELEASEDIR, DESTROY)
 ROOT = 1
 LARGEST = 1 << 17
@@ -79,7 +79,7 @@ class Faults:
 
 
 class Volume:
-    """Answers the kernel, one request at a time."""
+    """Answers the kernel."""
 
     def __init__(self, backing, faults, names, numbers):
         self.same, self.kept = NAMES[names]
@@ -98,36 +98,10 @@ class Volume:
             READ: self.read, WRITE: self.write, RELEASE: self.release, OPENDIR: self.open_directory,
             READDIR: self.read_directory, STATFS: self.statfs}
 
-    def mount(self, directory):
-        self.kernel = os.open("/dev/fuse", os.O_RDWR)
-        options = f"fd={self.kernel},rootmode=40000,user_id=0,group_id=0,max_read={LARGEST}"
-        libc = ctypes.CDLL(None, use_errno=True)
-        if libc.mount(b"essai", os.fsencode(directory), b"fuse", 0, options.encode()):
-            raise OSError(ctypes.get_errno(), f"mount {directory}")
-
-    def serve(self):
-        while True:
-            try:
-                request = os.read(self.kernel, LARGEST + 8192)
-            except OSError as error:
-                if error.errno == errno.ENODEV:  # unmounted
-                    return
-                continue
-            _, call, unique, node = struct.unpack_from("<IIQQ", request)
-            if call in UNANSWERED:
-                continue
-            try:
-                number, answer = 0, self.answer(call, node, request[40:])
-            except OSError as error:
-                number, answer = error.errno, b""
-            with contextlib.suppress(OSError):  # nobody waits for it any more
-                os.write(self.kernel, struct.pack("<IiQ", 16 + len(answer), -number, unique) +
-                         answer)
-
     def answer(self, call, node, body):
         self.faults.meet(call)
         if call in self.calls:
-            return self.calls[call](node, body)
+            return self.calls[call](node, bytes(body))
         if call in NOTHING_TO_DO:
             return b""
         raise OSError(errno.ENOSYS, "")
@@ -329,9 +303,9 @@ class Volume:
 def main():
     backing, control, directory, names, numbers = sys.argv[1:]
     volume = Volume(backing, Faults(control), names, numbers)
-    volume.mount(directory)
+    server = fuse_server.Server("essai", directory, LARGEST)
     print("prêt", flush=True)
-    volume.serve()
+    server.serve(volume.answer)
 
 
 if __name__ == "__main__":

@@ -8,8 +8,6 @@ CONTROL says how the disk fares: from one written record to another it refuses s
 A record of LOG is (kind, offset, length), and the bytes that were written.
 """
 
-import contextlib
-import ctypes
 import errno
 import mmap
 import os
@@ -17,66 +15,39 @@ import stat
 import struct
 import sys
 
+import fuse_server
+
 GOOD, NO_FLUSH, NO_WRITE, GONE, FULL = range(5)
 WRITE, FLUSH, REFUSED = 1, 2, 3
 CONTROL = struct.Struct("<BQQ")  # how it fares, from which number of records on, until which
 RECORD = struct.Struct("<BQQ")
 NAME = "disque"
 
-LOOKUP, FORGET, GETATTR, SETATTR, OPEN, READ, WRITE_CALL, STATFS = 1, 2, 3, 4, 14, 15, 16, 17
+LOOKUP, GETATTR, SETATTR, OPEN, READ, WRITE_CALL, STATFS = 1, 3, 4, 14, 15, 16, 17
 RELEASE, FSYNC, FLUSH_CALL, INIT, OPENDIR, READDIR, RELEASEDIR = 18, 20, 25, 26, 27, 28, 29
-INTERRUPT, DESTROY, BATCH_FORGET = 36, 38, 42
-UNANSWERED = (FORGET, BATCH_FORGET, INTERRUPT)
+DESTROY = 38
 ROOT, FILE = 1, 2
 LARGEST = 1 << 20
 ASYNC_READ, BIG_WRITES, MAX_PAGES = 1, 1 << 5, 1 << 22
 DIRECT_IO = 1  # each write comes at once, as it was made
 
 
-class Refused(Exception):
+class Refused(OSError):
     """What a call is answered with instead."""
 
     def __init__(self, number):
-        super().__init__(number)
-        self.number = number
+        super().__init__(number, "as told")
 
 
 class Recorder:
-    """Answers the kernel, one request at a time: the log has them in the order of their answers."""
+    """Answers the kernel: the log has the requests in the order of their answers."""
 
-    def __init__(self, backing, log, control, directory):
+    def __init__(self, backing, log, control):
         self.backing = os.open(backing, os.O_RDWR)
         self.log = os.open(log, os.O_WRONLY | os.O_APPEND)
         with open(control, "r+b") as file:
             self.control = mmap.mmap(file.fileno(), CONTROL.size)
         self.records = 0
-        self.kernel = os.open("/dev/fuse", os.O_RDWR)
-        options = f"fd={self.kernel},rootmode=40000,user_id=0,group_id=0,max_read={LARGEST}"
-        libc = ctypes.CDLL(None, use_errno=True)
-        if libc.mount(b"enregistreur", directory.encode(), b"fuse", 0, options.encode()):
-            raise OSError(ctypes.get_errno(), f"mount {directory}")
-
-    def serve(self):
-        while True:
-            try:
-                request = os.read(self.kernel, LARGEST + 4096)
-            except OSError as error:
-                if error.errno == errno.ENODEV:  # unmounted
-                    return
-                if error.errno in (errno.EINTR, errno.ENOENT, errno.EAGAIN):
-                    continue
-                raise
-            _, code, unique, node = struct.unpack_from("<IIQQ", request)
-            body = memoryview(request)[40:]
-            if code in UNANSWERED:
-                continue
-            try:
-                number, answer = 0, self.answer(code, node, body)
-            except Refused as refused:
-                number, answer = refused.number, b""
-            with contextlib.suppress(FileNotFoundError):  # nobody waits for it any more
-                os.write(self.kernel, struct.pack("<IiQ", 16 + len(answer), -number, unique)
-                         + answer)
 
     def answer(self, code, node, body):
         calls = {INIT: self.init, LOOKUP: self.lookup, READ: self.read, WRITE_CALL: self.write,
@@ -139,9 +110,11 @@ class Recorder:
 
 
 def main():
-    recorder = Recorder(*sys.argv[1:5])
+    backing, log, control, directory = sys.argv[1:5]
+    recorder = Recorder(backing, log, control)
+    server = fuse_server.Server("enregistreur", directory, LARGEST)
     print("prêt", flush=True)
-    recorder.serve()
+    server.serve(recorder.answer, Refused)
 
 
 if __name__ == "__main__":
