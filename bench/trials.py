@@ -55,6 +55,10 @@ def everything():
         Trial("creux", of(trees.sparse, "creux", 4, GIB), copy, SPARSE, rounds=3),
         Trial("un répertoire", of(trees.one_directory, "un répertoire", 100_000),
               (p.FIRST, p.NOTHING), COPIES, rounds=3),
+        Trial("un répertoire d'un million", of(trees.one_directory, "dix mille ensemble", 10_000)
+              + of(trees.one_directory, "cent mille ensemble", 100_000)
+              + of(trees.one_directory, "un million ensemble", 1_000_000),
+              (p.FIRST, p.NOTHING, p.COMPARE), ("ours", "other"), rounds=3),
         Trial("profondeur", of(trees.deep, "20 niveaux", 20, 100)
               + of(trees.deep, "2000 niveaux", 2000, 1), (p.FIRST, p.NOTHING, p.COMPARE),
               ("ours", "other"), rounds=3),
@@ -85,6 +89,9 @@ def short():
         Trial("mélange", of(trees.mixed, "mélange", 10), copy, COPIES, rounds=1),
         Trial("grands", of(trees.large, "grands", 2, 3 << 20), copy, COPIES, rounds=1),
         Trial("creux", of(trees.sparse, "creux", 1, 128 << 20), copy, SPARSE, rounds=1),
+        Trial("un répertoire d'un million", of(trees.one_directory, "trente ensemble", 30)
+              + of(trees.one_directory, "trois cents ensemble", 300),
+              (p.FIRST, p.NOTHING), ("ours",), rounds=1),
         Trial("profondeur", of(trees.deep, "20 niveaux", 20, 2)
               + of(trees.deep, "40 niveaux", 40, 1), (p.FIRST, p.NOTHING), ("ours",), rounds=1),
         Trial("lignes", few, (p.FIRST, p.NOTHING), ("lines",), rounds=1),
