@@ -305,15 +305,6 @@ bool CopieMod::openTarget(const Place& place, std::unique_ptr<Directory>& target
     return true;
 }
 
-// Two directories whose copies are one, though their names differ in more than their case: files of
-// one name in both would replace each other.
-bool CopieMod::isMixedWithSibling(const Place& place, const Directory& target) {
-    const FileEntry* self = target.self();
-    if (place.siblings == nullptr || self == nullptr || place.siblings->add(self->id)) return false;
-    errors_.unread(error_number::alreadyExists, withoutTrailingBackslash(place.source));
-    return true;
-}
-
 // A mount in the written tree that shows what is read: one file would be written over another.
 bool CopieMod::leadsBack(const Place& place, const Directory& target) {
     const std::string path = withoutTrailingBackslash(place.destination);
@@ -349,13 +340,13 @@ CopieMod::Entered::~Entered() {
 
 void CopieMod::walkSubdirectories(const Place& place, const std::vector<std::string>& names) {
     FoldedNames handled;
-    SeenEntries targets;
+    Siblings siblings{names};
     for (std::size_t i = 0; i < names.size(); ++i) {
         announce(names, i);
         if (run_.stopped()) return;
         if (!handled.add(names[i]) && isTaken(names[i], place, Wanted::directories)) continue;
         const Entered entered(paths_, names[i]);
-        walkTree({paths_.source, paths_.destination, LinkRule::enter, &targets});
+        walkTree({paths_.source, paths_.destination, LinkRule::enter, &siblings});
         display_.runPendingEvents();
     }
 }

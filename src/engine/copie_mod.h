@@ -10,12 +10,12 @@
 #include "engine/copy_errors.h"
 #include "engine/copy_queue.h"
 #include "engine/file_copier.h"
-#include "engine/folded_names.h"
 #include "engine/line_roots.h"
 #include "engine/line_trees.h"
 #include "engine/progress.h"
 #include "engine/restored_names.h"
 #include "engine/rules.h"
+#include "engine/shared_copies.h"
 
 namespace coffrelune {
 
@@ -37,7 +37,7 @@ class CopieMod {
         const std::string& source;
         const std::string& destination;
         LinkRule links = LinkRule::enter;  // only the roots of a line are links that are followed
-        SeenEntries* siblings = nullptr;   // the targets of the directories beside it
+        Siblings* siblings = nullptr;
     };
 
     struct WalkPaths {
@@ -100,10 +100,10 @@ class CopieMod {
     bool keepsSome() const;
     bool findExisting(const FileEntry& entry, const Pair& pair, FileEntry& existing, bool& found);
     bool sharesCopy(const FileEntry& entry, const FileEntry& existing, const Pair& pair);
-    void noteLook(const FileEntry& existing, const Decision& decision);
     void noteSharers(const Pair& pair);
     std::set<std::string> sharers(const Pair& pair);
     bool isMixedWithSibling(const Place& place, const Directory& target);
+    void compareSiblings(const Place& place);
     void scanFile(const FileEntry& entry, const Pair& pair, FileEntry& existing);
     void verifyFile(const FileEntry& entry, const FileEntry* existing, const Place& place);
     void verifySingleFile(const FileEntry& entry);
@@ -137,9 +137,8 @@ class CopieMod {
     // them.
     std::map<std::pair<std::string, std::string>, std::set<std::string>> sharers_;
     SeenEntries copies_;                // of the files of one directory
-    HashSet looks_;                     // of these copies
-    bool alike_ = false;                // two of them look the same
-    bool replaces_ = false;             // one is to be replaced
+    FileLooks looks_;                   // of the same
+    std::set<std::string> mixed_;       // copies of directories that are another's: the same
     std::unique_ptr<WalkAhead> ahead_;  // where the pass changes nothing
     LeftOut leftOut_;
     DecisionOptions decision_;

@@ -1,12 +1,8 @@
 // The files of one directory: what each of them is compared with, and what becomes of it.
-#include <functional>
-
 #include "engine/content_check.h"
 #include "engine/copie_mod.h"
-#include "engine/folded_names.h"
 #include "engine/replacement.h"
 #include "system/paths.h"
-#include "system/text.h"
 
 namespace coffrelune {
 namespace {
@@ -22,119 +18,13 @@ std::string_view withoutBlank(std::string_view status) {
     return status.starts_with(' ') ? status.substr(1) : status;
 }
 
-// The same for two names of one entry, whatever numbers its volume makes up for each.
-std::uint64_t lookOf(const FileEntry& entry) {
-    std::uint64_t hash = entry.size;
-    for (const std::uint64_t time : {entry.times.lastWrite, entry.times.creation}) {
-        hash = (hash ^ time) * 0x9E3779B97F4A7C15;
-        hash ^= hash >> 32;
-    }
-    return hash;
-}
-
-// What a directory lists, to tell how many originals lead to one entry of it.
-struct ListedEntries {
-    std::map<std::uint64_t, int> numbers;  // how many entries bear each
-    std::map<std::uint64_t, int> looks;
-    HashSet names;
-
-    static std::uint64_t hashOf(const std::string& name) { return std::hash<std::string>()(name); }
-
-    Status add(Directory& listing) {
-        for (FileEntry entry; listing.next(entry);) {
-            ++numbers[entry.id.file];
-            ++looks[lookOf(entry)];
-            (void)names.add(hashOf(entry.name));
-        }
-        return listing.status();
-    }
-};
-
 }  // namespace
-
-// Two names that differ in their case alone are one name to many volumes: the copy of the second
-// would replace that of the first, run after run, and both would count as saved. Asked for names
-// that came up again without their case, which is rare, so the source may be listed once more.
-bool CopieMod::isTaken(const std::string& name, const Place& place, Wanted kind) {
-    queue_.settle();  // the copy of the first one shows whether they are one
-    std::unique_ptr<Directory> listing;
-    if (!files_.openDirectory(place.source, place.links, kind, listing).ok()) return false;
-    for (FileEntry other; listing->next(other);) {
-        if (other.name == name || !equalIgnoringCase(other.name, name)) continue;
-        if (!isOneEntry(files_, place.destination + other.name, place.destination + name)) continue;
-        errors_.unread(error_number::alreadyExists, place.source + name);
-        return true;
-    }
-    return false;
-}
-
-// Names that differ in more than their case may be one name to the volume of the copy as well:
-// accents composed in two ways, dots at the end, letters of other alphabets. Found by the analysis,
-// since to copy the first of them changes what the second one leads to.
-bool CopieMod::sharesCopy(const FileEntry& entry, const FileEntry& existing, const Pair& pair) {
-    const bool repeated = pass_ == Pass::analysis && !copies_.add(existing.id);
-    if (!repeated && sharers_.empty()) return false;
-    // Another line may copy the same directory to another volume.
-    const std::pair<std::string, std::string> place(pair.place.source, pair.place.destination);
-    if (repeated && !sharers_.contains(place)) sharers_.emplace(place, sharers(pair));
-    const auto known = sharers_.find(place);
-    if (known == sharers_.end() || !known->second.contains(entry.name)) return false;
-    errors_.unread(error_number::alreadyExists, pair.place.source + entry.name);
-    return true;
-}
-
-// Some volumes number an entry anew for each name that it is asked by. There, two names of one
-// entry look alike, and one of them is to be replaced.
-void CopieMod::noteLook(const FileEntry& existing, const Decision& decision) {
-    const bool isNew = looks_.add(lookOf(existing));
-    alike_ = alike_ || !isNew;
-    replaces_ = replaces_ || decision.copy;
-}
-
-// Asked where some files look alike and some are to be replaced, which is rare.
-void CopieMod::noteSharers(const Pair& pair) {
-    const std::pair<std::string, std::string> place(pair.place.source, pair.place.destination);
-    if (!alike_ || !replaces_ || sharers_.contains(place)) return;
-    std::set<std::string> found = sharers(pair);
-    if (!found.empty()) sharers_.emplace(place, std::move(found));
-}
-
-// All but the first of those that lead to one entry, unless the copy lists as many names of it:
-// these are hard links. Where numbers are made up, what the copy lists under the name of an
-// original is that original's.
-std::set<std::string> CopieMod::sharers(const Pair& pair) {
-    const Place& place = pair.place;
-    ListedEntries listed;
-    std::unique_ptr<Directory> listing;
-    const auto open = [&](const std::string& path, LinkRule links) {
-        return files_.openDirectory(path, links, Wanted::files, listing).ok();
-    };
-    if (!open(place.destination, targetLinks(place))) return {};
-    if (!listed.add(*listing).ok() || !open(place.source, place.links)) return {};
-    std::set<std::string> found;
-    std::vector<std::pair<std::string, std::uint64_t>> hidden;  // with what they look like
-    for (FileEntry original; listing->next(original);) {
-        FileEntry copy;
-        if (!pair.target->lookUp(original.name, copy)) continue;
-        const auto number = listed.numbers.find(copy.id.file);
-        const bool isNumbered = copy.id.known() && number != listed.numbers.end();
-        const bool isListed = listed.names.contains(ListedEntries::hashOf(original.name));
-        if (isNumbered && --number->second < 0) found.insert(original.name);
-        if (isListed) --listed.looks[lookOf(copy)];
-        if (!isNumbered && !isListed) hidden.emplace_back(original.name, lookOf(copy));
-    }
-    for (const auto& [name, look] : hidden) {
-        if (--listed.looks[look] < 0) found.insert(name);
-    }
-    return found;
-}
 
 void CopieMod::scanDirectory(const Pair& pair) {
     constexpr std::size_t usual = 128;
     FoldedNames handled(usual);
     copies_ = SeenEntries();
-    looks_ = HashSet();
-    alike_ = replaces_ = false;
+    looks_ = FileLooks();
     const std::string& source = pair.place.source;
     FileEntry existing;  // kept from file to file, with the room for its name
     for (FileEntry entry; pair.source.next(entry);) {
@@ -199,7 +89,7 @@ void CopieMod::scanFile(const FileEntry& entry, const Pair& pair, FileEntry& exi
     }
     const Decision decision = decide(entry, found ? &existing : nullptr, decision_);
     if (pass_ == Pass::copy) pair.source.expectCopy(decision.copy);  // like its neighbour
-    if (found && analysing && !run_.comparing()) noteLook(existing, decision);
+    if (found && analysing && !run_.comparing()) looks_.note(existing, decision.copy);
     if (!decision.copy) {
         if (analysing && run_.keepsRecord()) {
             skip(place.source + entry.name, entry, unchangedReason(entry, existing));

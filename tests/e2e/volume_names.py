@@ -5,7 +5,7 @@ that make up the numbers of their entries. Called by volumes.py."""
 import os
 
 import harness
-from volume_disks import Passing, command
+from volume_disks import Exfat, Passing, command
 from volume_limits import contents, leftovers, names_of_errors, numbers
 
 # Two files that the volume takes for one, two directories, a file and a directory of a name that it
@@ -159,6 +159,30 @@ def made_up_numbers(volume, place, report):
     report.equal("restauration : tout est revenu", contents(place.source), new)
 
 
+def other_alphabet(volume, place, report):
+    """Two pairs of originals that its driver takes for one and numbers by the name asked for."""
+    place.write_line("ContinueOnError=-1\nSynchroCopie=-1\nDatesArrondies=-1\n")
+    names = ("Երևան", "երևան", "ԾԱՂԻԿ/a", "ծաղիկ/a", "plan")
+    for age, name in enumerate(names):
+        harness.write(f"{place.source}/{name}", f"texte {name}" * (age + 1))
+        harness.touch(f"{place.source}/{name}", age * 10)
+    first = None
+    for what in ("première", "seconde", "troisième"):
+        outcome = place.console("sauvegarder", "--ecraser", "--json")
+        report.equal(f"{what} : l'erreur 183 seule", numbers(outcome), [183])
+        named = [name.lower() for name in names_of_errors(outcome)]
+        report.equal(f"{what} : un de chaque paire est nommé", sorted(named), ["երևան", "ծաղիկ"])
+        found = contents(place.copy)
+        report.equal(f"{what} : la copie est la même", found, first or found)
+        report.equal(f"{what} : trois copies", len(found), 3)
+        first = found
+        volume.again()
+
+
+class ExfatAlphabets(Exfat):
+    name, quick = "exfat, autres alphabets", True
+
+
 class Dots(Passing):
     name, names, quick = "points à la fin confondus", "points", True
 
@@ -175,9 +199,22 @@ class ByName(Passing):
     name, numbers = "numéros par nom", "by-name"
 
 
+class DotsByName(Dots):
+    name, numbers = "points confondus, numéros par nom", "by-name"
+
+
+class AccentsByName(Accents):
+    name, numbers = "accents confondus, numéros par nom", "by-name"
+
+
+class LettersByName(Letters):
+    name, numbers, quick = "lettres confondues, numéros par nom", "by-name", True
+
+
 class Anew(Passing):
     name, numbers, quick = "numéros sans cesse nouveaux", "anew", True
 
 
 CASES = ((Dots, folded), (Accents, folded), (Letters, folded), (ByName, made_up_numbers),
-         (Anew, made_up_numbers))
+         (Anew, made_up_numbers), (DotsByName, folded), (AccentsByName, folded),
+         (LettersByName, folded), (ExfatAlphabets, other_alphabet))

@@ -1,0 +1,98 @@
+#include "engine/shared_copies.h"
+
+#include <gmock/gmock.h>
+
+namespace coffrelune {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+FileEntry entry(const std::string& name, std::uint64_t number, std::uint64_t date) {
+    FileEntry made;
+    made.name = name;
+    made.id = {1, number};
+    made.times.lastWrite = date;
+    return made;
+}
+
+class Listing final : public Directory {
+  public:
+    explicit Listing(std::vector<FileEntry> entries) : entries_(std::move(entries)) {}
+    bool next(FileEntry& entry) override {
+        if (next_ == entries_.size()) return false;
+        entry = entries_[next_++];
+        return true;
+    }
+    const Status& status() const override { return status_; }
+    std::vector<FileEntry> takeDirectories() override { return {}; }
+    bool lookUp(const std::string&, FileEntry&) override { return false; }
+
+  private:
+    std::vector<FileEntry> entries_;
+    std::size_t next_ = 0;
+    Status status_;
+};
+
+/// Those that share an entry, of originals in the order in which they are read, each with what its
+/// name leads to.
+std::set<std::string> sharers(std::vector<FileEntry> listed, const std::vector<FileEntry>& found) {
+    ListedEntries entries;
+    Listing listing(std::move(listed));
+    EXPECT_TRUE(entries.add(listing).ok());
+    for (const FileEntry& copy : found) entries.lead(copy.name, copy);
+    return entries.sharers();
+}
+
+TEST(ListedEntries, AreSharedByAllButTheFirstThatLeadToTheirNumber) {
+    EXPECT_THAT(sharers({entry("E", 7, 1)}, {entry("e.", 7, 1), entry("E", 7, 1)}),
+                ElementsAre("E"));
+}
+
+TEST(ListedEntries, AreNotSharedByHardLinksOrFilesThatOnlyLookAlike) {
+    const std::vector<FileEntry> links = {entry("a", 7, 1), entry("b", 7, 1)};
+    EXPECT_THAT(sharers(links, links), IsEmpty());
+    const std::vector<FileEntry> alike = {entry("a", 7, 1), entry("b", 8, 1)};
+    EXPECT_THAT(sharers(alike, alike), IsEmpty());
+}
+
+TEST(ListedEntries, AreSharedByTheFirstThatLooksSoWhereNumbersAreMadeUp) {
+    EXPECT_THAT(sharers({entry("E", 7, 1)}, {entry("E", 7, 1), entry("e", 8, 1)}),
+                ElementsAre("e"));
+    EXPECT_THAT(sharers({entry("E", 7, 1)}, {entry("e", 8, 1), entry("E", 7, 1)}),
+                ElementsAre("E"));
+    EXPECT_THAT(sharers({entry("E~1", 7, 1)}, {entry("e", 8, 1), entry("E", 9, 1)}),
+                ElementsAre("E"));
+}
+
+TEST(ListedEntries, BelongToTheirNamesWhereSeveralLookAlike) {
+    EXPECT_THAT(sharers({entry("A", 7, 1), entry("B", 8, 1)},
+                        {entry("a", 9, 1), entry("A", 7, 1), entry("B", 8, 1)}),
+                ElementsAre("a"));
+}
+
+TEST(ListedEntries, LeaveOneThatIsShownUnderAnotherNameItsCopy) {
+    EXPECT_THAT(sharers({entry("E", 7, 1), entry("B", 8, 2)}, {entry("e", 9, 1), entry("B", 8, 2)}),
+                IsEmpty());
+    EXPECT_THAT(sharers({entry("B", 8, 2)}, {entry("of another kind", 9, 1)}), IsEmpty());
+}
+
+TEST(FileLooks, AreDoubtfulWhereSomeAreAlikeAndSomeReplaced) {
+    FileLooks looks;
+    looks.note(entry("a", 1, 1), true);
+    EXPECT_FALSE(looks.areDoubtful());
+    looks.note(entry("b", 2, 2), false);
+    EXPECT_FALSE(looks.areDoubtful());
+    looks.note(entry("c", 3, 2), false);
+    EXPECT_TRUE(looks.areDoubtful());
+}
+
+TEST(Names, MayBeFoldedWhereOneIsNotPlain) {
+    EXPECT_FALSE(mayBeFolded({"plan", "Plan B", "a.txt"}));
+    for (const char* name : {"été", "R.E.M.", "fin ", "PROGRA~1"}) {
+        EXPECT_TRUE(mayBeFolded({"plan", name})) << name;
+    }
+}
+
+}  // namespace
+}  // namespace coffrelune
