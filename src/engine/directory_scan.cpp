@@ -190,9 +190,8 @@ void CopieMod::copyFile(const FileEntry& entry, const FileEntry* existing, const
                         const Pair& pair) {
     const Place& place = pair.place;
     progress_.startFile(entry.name, place.source, place.destination);
-    // What is not new replaces something that was found.
-    const bool asks = !decision.isNew && run_.control.askBeforeReplacing;
-    if (asks &&
+    const bool replaces = existing != nullptr && !decision.isNew;
+    if (replaces && run_.control.askBeforeReplacing &&
         !mayReplace(describeReplacement(run_.system, place.destination, *existing, entry))) {
         if (!run_.stopped()) skip(place.source + entry.name, entry, keptReason);
         return;
