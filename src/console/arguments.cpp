@@ -257,15 +257,29 @@ int show(const CLI::App& app, const CLI::Success& asked) {
 
 }  // namespace
 
-std::optional<Arguments> parseArguments(const std::vector<std::string>& words, int& exitStatus) {
-    Arguments arguments;
-    CLI::App app("Coffrelune dans un terminal : sauvegarde, restauration et comparaison",
-                 "coffrelune-console");
+struct ArgumentParser::Language {
+    Arguments arguments;  // where the options write
+    CLI::App app{"Coffrelune dans un terminal : sauvegarde, restauration et comparaison",
+                 "coffrelune-console"};
+};
+
+ArgumentParser::ArgumentParser() : language_(std::make_unique<Language>()) {
+    CLI::App& app = language_->app;
     speakFrench(app);
     app.set_version_flag("--version", versionText(), "Affiche la version");
     app.require_subcommand(1);
     app.footer(exitStatuses);
-    addCommands(app, arguments);
+    addCommands(app, language_->arguments);
+}
+
+ArgumentParser::~ArgumentParser() = default;
+
+std::optional<Arguments> ArgumentParser::parse(const std::vector<std::string>& words,
+                                               int& exitStatus) {
+    CLI::App& app = language_->app;
+    const Arguments& arguments = language_->arguments;
+    language_->arguments = {};
+    app.clear();
     try {
         // Taken from its end; the program's name is no argument.
         std::vector<std::string> reversed(words.rbegin(), words.rend());
@@ -282,6 +296,10 @@ std::optional<Arguments> parseArguments(const std::vector<std::string>& words, i
     if (wrong.empty()) return arguments;
     exitStatus = refuse(wrong);
     return std::nullopt;
+}
+
+std::optional<Arguments> parseArguments(const std::vector<std::string>& words, int& exitStatus) {
+    return ArgumentParser().parse(words, exitStatus);
 }
 
 }  // namespace coffrelune::console

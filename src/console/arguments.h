@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -61,6 +62,8 @@ struct Arguments {
         std::vector<std::string> removed;
         bool clears = false;
         std::vector<std::string> assignments;  // "Clé=valeur"
+
+        bool operator==(const SettingsEdit&) const = default;
     };
     SettingsEdit edit;
 
@@ -69,10 +72,31 @@ struct Arguments {
         std::string time;       // "hh:nn"
         std::vector<int> days;  // 1 Monday to 7 Sunday; none: every day
         bool withWindows = false;
+
+        bool operator==(const Plan&) const = default;
     };
     Plan plan;
 
     bool direct() const { return !source.empty(); }
+    bool operator==(const Arguments&) const = default;
+};
+
+/// The language of the command line. It costs more to describe than a line to read: who reads
+/// several lines keeps it. What one line says changes nothing of the next.
+class ArgumentParser {
+  public:
+    ArgumentParser();
+    ArgumentParser(const ArgumentParser&) = delete;
+    ArgumentParser& operator=(const ArgumentParser&) = delete;
+    ~ArgumentParser();
+
+    /// See parseArguments().
+    std::optional<Arguments> parse(const std::vector<std::string>& words, int& exitStatus);
+
+  private:
+    struct Language;
+
+    std::unique_ptr<Language> language_;
 };
 
 /// Reads the command line, whose first word is the program's name. When there is nothing to run

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace coffrelune::console {
@@ -47,6 +48,36 @@ TEST_F(ArgumentsTest, BackupAloneLeavesEverythingToTheSettings) {
     EXPECT_FALSE(arguments->keep);
     EXPECT_FALSE(arguments->journal);
     EXPECT_FALSE(arguments->json);
+}
+
+TEST(ArgumentParserTest, KeepsNothingOfTheLinesBefore) {
+    const std::vector<std::vector<std::string>> lines = {
+        {"", "sauvegarder", "--config", "a", "--ecraser", "--rapport", "r"},
+        {"", "lignes", "exclusions", "1", "--ajouter", "x", "--vider"},
+        {"", "lignes", "exclusions"},
+        {"", "planifier", "ajouter", "--heure", "12:30", "--jours", "lundi,jeudi"},
+        {"", "resultats", "--alerte", "7"},
+        {"", "sauvegarder", "--inconnue"},
+        {"", "sauvegarder", "--help"},
+        {"", "sauvegarder"},
+        {""},
+    };
+    ArgumentParser kept;
+    const auto said = [](ArgumentParser& parser, const std::vector<std::string>& words) {
+        int status = -1;
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        const auto arguments = parser.parse(words, status);
+        const std::string output = testing::internal::GetCapturedStdout();
+        return std::tuple(arguments, status, output, testing::internal::GetCapturedStderr());
+    };
+    for (const auto& before : lines) {
+        for (const auto& words : lines) {
+            (void)said(kept, before);
+            ArgumentParser fresh;
+            EXPECT_TRUE(said(kept, words) == said(fresh, words)) << testing::PrintToString(words);
+        }
+    }
 }
 
 TEST_F(ArgumentsTest, TakesAConfiguration) {
