@@ -64,6 +64,10 @@ bool Windows1252::encode(const std::string& utf8, std::string& bytes) const {
 }
 
 std::string Windows1252::decode(const std::string& bytes) const {
+    // Nearly every line is ASCII, which the code page shares with UTF-8.
+    if (std::none_of(bytes.begin(), bytes.end(), [](char c) { return (c & 0x80) != 0; })) {
+        return bytes;
+    }
     std::string text;
     text.reserve(bytes.size());
     for (const char c : bytes) {
