@@ -2,6 +2,7 @@
 
 #include "feed.h"
 #include "operation/errors.h"
+#include "plain_files.h"
 #include "platform/memory/memory_platform.h"
 #include "system/text.h"
 
@@ -26,8 +27,8 @@ std::string endedOnce(std::string text) {
 
 void run(Feed& feed) {
     MemoryPlatform memory;
-    memory.disk().directory("C:\\");
-    Platform platform = memory.platform();
+    PlainFiles files;
+    Platform platform = memory.platform(files);
     SystemMod system(platform, {"", "C:\\", 3, 5});
     system.configurationName = feed.text();
     if (system.configurationName.size() > 200) return;  // no file can bear such a name
@@ -37,7 +38,7 @@ void run(Feed& feed) {
                fileName.find_first_of("<>|\\/*:?\"") == std::string::npos,
            "the list lies beside the settings");
     const std::string bytes = feed.rest();
-    memory.disk().file(path, bytes);
+    expect(files.writeWhole(path, bytes, Durability::now).ok(), "the list is there");
     {
         const VisuErrFrm window(system);
         const std::string text = platform.ansi.decode(bytes);

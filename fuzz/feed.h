@@ -17,7 +17,7 @@ class Feed {
     static constexpr char separator = '\x1E';
 
     Feed(const std::uint8_t* bytes, std::size_t size) {
-        for (std::size_t i = 0; i < size; ++i) bytes_.push_back(static_cast<char>(bytes[i]));
+        bytes_.assign(bytes, bytes + size);
         rest_ = bytes_;
     }
     Feed(const Feed&) = delete;
@@ -43,17 +43,24 @@ class Feed {
     std::string_view rest_;
 };
 
-/// Places to cut a text at: around each line end, and some that the text itself chooses. All of
-/// them would take most of the time, and the next input has others.
+/// Places to cut a text at: around its last line end and around two others, and two more, which the
+/// text itself chooses. All of them would take most of the time, and the next input has others.
 inline std::vector<std::size_t> cutsOf(std::string_view text) {
-    constexpr int elsewhere = 4;
+    constexpr int ofEach = 2;
+    constexpr std::uint64_t step = 1021;
     std::vector<std::size_t> cuts = {0};
+    std::vector<std::size_t> ends;
     std::uint64_t number = text.size();
     for (std::size_t at = 0; at < text.size(); ++at) {
         number = number * 0x100000001B3 + static_cast<unsigned char>(text[at]);
-        if (text[at] == '\n') cuts.insert(cuts.end(), {at, at + 1});
+        if (text[at] == '\n') ends.push_back(at);
     }
-    for (int i = 0; i < elsewhere && !text.empty(); ++i, number /= 1021) {
+    const auto addEnd = [&](std::size_t end) { cuts.insert(cuts.end(), {end, end + 1}); };
+    if (!ends.empty()) addEnd(ends.back());
+    for (int i = 0; i < ofEach && ends.size() > 1; ++i, number /= step) {
+        addEnd(ends[number % (ends.size() - 1)]);
+    }
+    for (int i = 0; i < ofEach && !text.empty(); ++i, number /= step) {
         cuts.push_back(number % text.size());
     }
     return cuts;
