@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "platform/held_tree.h"
 #include "platform/win32/native_path.h"
@@ -33,7 +34,13 @@ VolumeKind volumeKindOf(void* handle);
 /// file, but takes rights that few users have on a fixed disk, and shares do not know it: each
 /// file is then flushed by itself.
 class VolumeFlush {
+    enum class Way { undecided, volume, journal, each };
+
   public:
+    VolumeFlush() = default;
+    /// For a volume that is open already, and is flushed as a whole.
+    explicit VolumeFlush(UniqueHandle volume) : way_(Way::volume), volume_(std::move(volume)) {}
+
     /// The program is about to write to the volume, below `root`, which it holds as `handle`.
     void expectWrite(const NativePath& root, void* handle);
 
@@ -50,8 +57,6 @@ class VolumeFlush {
     std::uint32_t flush();
 
   private:
-    enum class Way { undecided, volume, journal, each };
-
     void decide(const NativePath& root, void* handle);
 
     Way way_ = Way::undecided;

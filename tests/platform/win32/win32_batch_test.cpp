@@ -135,6 +135,58 @@ TEST_F(Win32BatchTest, LeavesNothingOfAGroupThatIsFlushedWhenItIsDestroyed) {
     EXPECT_THAT(disk::names(at("vers")), IsEmpty());
 }
 
+/// A volume that refuses to be flushed as a whole until the first file that it has cost is told.
+class FailingFlush : public Win32BatchTest {
+  protected:
+    FailingFlush() {
+        for (const char* name : {"a", "b", "c"}) original(name);
+        hold();
+        Win32Place place;
+        EXPECT_TRUE(places_.reach(at("vers"), place).ok());
+        hold_ = place.hold;
+        // Nothing of that kind can be flushed, whoever asks.
+        *hold_->flush = VolumeFlush(UniqueHandle(CreateEventW(nullptr, FALSE, FALSE, nullptr)));
+        start({1, never, never});
+    }
+
+    void committed(std::uint64_t ticket, const Status& status) override {
+        Win32BatchTest::committed(ticket, status);
+        if (isMended_ || status.ok()) return;
+        isMended_ = true;
+        disk::makeFile(at("sain"), "");
+        *hold_->flush = VolumeFlush(openShared(wide(at("sain")), GENERIC_WRITE, 0));
+    }
+
+    static constexpr std::uint32_t failure = ERROR_INVALID_HANDLE;
+    std::shared_ptr<Win32Hold> hold_;
+    bool isMended_ = false;
+};
+
+TEST_F(FailingFlush, GivesNoNameToItsOwnFiles) {
+    EXPECT_EQ(add("a"), 0U);
+    finish();
+    EXPECT_THAT(told, ElementsAre(Pair(1, failure)));
+    EXPECT_THAT(disk::names(at("vers")), IsEmpty());
+}
+
+TEST_F(FailingFlush, GivesNoNameToAFileThatWasBegunBeforeItFailed) {
+    EXPECT_EQ(add("a"), 0U);
+    EXPECT_EQ(add("b"), 0U);
+    EXPECT_THAT(told, IsEmpty());
+    finish();
+    EXPECT_THAT(told, ElementsAre(Pair(1, failure), Pair(2, failure)));
+    EXPECT_THAT(disk::names(at("vers")), IsEmpty());
+}
+
+TEST_F(FailingFlush, LetsLaterFilesHaveTheirNames) {
+    EXPECT_EQ(add("a"), 0U);
+    finish();
+    EXPECT_EQ(add("c"), 0U);
+    finish();
+    EXPECT_THAT(told, ElementsAre(Pair(1, failure), Pair(2, 0U)));
+    EXPECT_THAT(disk::names(at("vers")), ElementsAre("c"));
+}
+
 TEST_F(Win32BatchTest, MakesFilesSafeBelowAHold) {
     for (const char* name : {"a", "b"}) original(name);
     disk::makeFile(to("b"), "old", oldTime);
