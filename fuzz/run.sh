@@ -12,7 +12,7 @@ set -uo pipefail
 
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 cd "$root" || exit 1
-seconds=10 wanted= built=
+seconds=10 wanted='' built=''
 if [[ ${1-} == --built ]]; then
     built=1
     shift
