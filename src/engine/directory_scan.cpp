@@ -24,7 +24,7 @@ void CopieMod::scanDirectory(const Pair& pair) {
     constexpr std::size_t usual = 128;
     FoldedNames handled(usual);
     copies_ = SeenEntries();
-    looks_ = FileLooks();
+    looks_.clear();
     const std::string& source = pair.place.source;
     FileEntry existing;  // kept from file to file, with the room for its name
     for (FileEntry entry; pair.source.next(entry);) {

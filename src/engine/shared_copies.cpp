@@ -63,6 +63,18 @@ std::set<std::string> ListedEntries::sharers() {
     return std::move(sharers_);
 }
 
+// Only where something is replaced is the rest worth its time.
+bool FileLooks::areDoubtful() {
+    if (!replaces_) return false;
+    std::sort(seen_.begin(), seen_.end());
+    return std::adjacent_find(seen_.begin(), seen_.end()) != seen_.end();
+}
+
+void FileLooks::clear() {
+    seen_.clear();
+    replaces_ = false;
+}
+
 bool mayBeFolded(const std::vector<std::string>& names) {
     const auto isOdd = [](const std::string& name) {
         const auto isOddCharacter = [](char c) { return c < ' ' || c > '}'; };

@@ -46,15 +46,15 @@ class ListedEntries {
 class FileLooks {
   public:
     void note(const FileEntry& copy, bool isReplaced) {
-        alike_ = !seen_.add(lookOf(copy)) || alike_;
+        seen_.push_back(lookOf(copy));
         replaces_ = replaces_ || isReplaced;
     }
-    /// Some look alike and some are to be replaced, which is rare.
-    bool areDoubtful() const { return alike_ && replaces_; }
+    /// Some are to be replaced and some look alike, which is rare.
+    bool areDoubtful();
+    void clear();
 
   private:
-    HashSet seen_;
-    bool alike_ = false;
+    std::vector<std::uint64_t> seen_;
     bool replaces_ = false;
 };
 
