@@ -269,12 +269,11 @@ Status PosixFiles::matchDirectory(const std::string& source, const std::string& 
     Status status = open(source, O_PATH | O_NOFOLLOW, from);
     if (status.ok()) status = open(target, O_PATH | O_NOFOLLOW, to);
     if (!status.ok()) return status;
-    struct stat original {};
-    if (fstat(from.fd.get(), &original) != 0) return systemFailure(errno, source);
+    const struct stat original = statOf(from.information);
     const bool isNew = closed_.erase(withoutSlash(target)) != 0;
     int error = 0;
-    if (keepsRights(from.fd.get())) {
-        error = matchRights(to.fd.get(), original);
+    if (keepsRights(from.fd.get(), original.st_dev)) {
+        error = matchRights(to.fd.get(), statOf(to.information), original);
         const bool known = attributeVolumes_.know(from.fd.get(), deviceOf(from.information)) &&
                            attributeVolumes_.know(to.fd.get(), deviceOf(to.information));
         if (error == 0 && known) error = matchExtras(from.fd.get(), to.fd.get());

@@ -57,19 +57,18 @@ int keepMode(int fd, mode_t mode) {
     return 0;
 }
 
-bool keepsRights(int directory) {
+bool keepsRights(int directory, dev_t device) {
     // Magic numbers of statfs(2): FAT, exFAT, the two of NTFS, SMB 1 and 2, HFS, ISO 9660, UDF.
     constexpr std::array<std::uint32_t, 9> without = {0x4D44,     0x2011BAB0, 0x5346544E,
                                                       0x7366746E, 0xFF534D42, 0xFE534D42,
                                                       0x4244,     0x9660,     0x15013346};
     constexpr std::uint32_t userSpace = 0x65735546;
     struct statfs volume {};
-    struct stat information {};
-    if (fstatfs(directory, &volume) != 0 || fstat(directory, &information) != 0) return true;
+    if (fstatfs(directory, &volume) != 0) return true;
     const auto type = static_cast<std::uint32_t>(volume.f_type);
     if (std::find(without.begin(), without.end(), type) != without.end()) return false;
     // A program that serves a disk (its device has a number of a driver) serves a foreign format.
-    return type != userSpace || major(information.st_dev) == 0;
+    return type != userSpace || major(device) == 0;
 }
 
 int openToAll(int directory) {
@@ -79,9 +78,7 @@ int openToAll(int directory) {
     return saysNoSuchRights(error) ? 0 : error;
 }
 
-int matchRights(int directory, const struct stat& original) {
-    struct stat now {};
-    if (fstat(directory, &now) != 0) return errno;
+int matchRights(int directory, struct stat now, const struct stat& original) {
     // The owner first: to be given away takes some mode bits.
     if (ownerOf(now) != ownerOf(original)) {
         const int given = giveAway(directory, "", ownerOf(original));

@@ -43,11 +43,12 @@ int keepMode(int fd, mode_t mode);
 
 /// False for the volumes (FAT and its like, shares of Windows) that make up modes and owners for
 /// everything in them: what they show is nobody's wish.
-bool keepsRights(int directory);
+/// `directory` is open on `device`.
+bool keepsRights(int directory, dev_t device);
 
 /// Gives an open directory (O_PATH will do) the owner and the mode of another, where they differ
-/// and the volume knows such rights. 0 or an errno value.
-int matchRights(int directory, const struct stat& original);
+/// and the volume knows such rights. `now`: how it is. 0 or an errno value.
+int matchRights(int directory, struct stat now, const struct stat& original);
 
 /// Gives an open directory the mode that the system gives to new ones. 0 or an errno value.
 int openToAll(int directory);
