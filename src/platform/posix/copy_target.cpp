@@ -42,6 +42,10 @@ const Holder& CopyTarget::namer() const {
 }
 
 void CopyTarget::bar(TreeLocks& locks) {
+    if (staged_ != nullptr) {  // open for reading, and without access lists
+        (void)claim_.take(locks, staged_->fd(), TreeUse::write);
+        return;
+    }
     UniqueFd readable;
     const int error = changeIn(
         maker(), [&] { return openEntry(directory(), ".", O_RDONLY | O_DIRECTORY, readable); });
