@@ -56,7 +56,7 @@ fuzz_once() {
     local target=$1 log=$logs/$1
     shift
     "build/linux-fuzz/bin/${target}_fuzz" "$@" -max_len="$(longest "$target")" -timeout=120 \
-        -rss_limit_mb=2048 -reload=0 -print_final_stats=1 -artifact_prefix="$found/$target-" "$found/$target" \
+        -report_slow_units=120 -rss_limit_mb=2048 -reload=0 -print_final_stats=1 -artifact_prefix="$found/$target-" "$found/$target" \
         "fuzz/corpus/$target" >"$log" 2>&1
     status=$?
     executions=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
