@@ -156,7 +156,7 @@ def counted(found, names):
     for name in names:
         some = [record for record in found.records + found.calls if record["essai"] == name]
         checks.append((f"« {name} » est mesuré", bool(some)))
-    if not costs.why_no_calls():
+    if found.calls and not costs.why_no_calls():
         ours = [tables.calls_per_file(record) for record in found.calls
                 if record["programme"] == OURS]
         checks.append(("les appels par fichier sont comptés",
