@@ -2,8 +2,8 @@
 """Works the real window program through the accessibility bus, on a display of its own, and prints
 a line for each check, then the counts.
 
-Usage: window_scenario.py [--programs DIRECTORY] [--captures DIRECTORY] [--part K/N] [WORD]
-With WORD, only the scenarios whose name contains it; with --part 1/2 or 2/2, every second one, so
+Usage: window_scenario.py [--programs DIRECTORY] [--captures DIRECTORY] [--share K/N] [WORD]
+With WORD, only the scenarios whose name contains it; with --share 1/2 or 2/2, every second one, so
 that two of these share the work. With --captures, the screen is kept there as it was when a
 scenario failed. The system's own Python is needed: it has the bindings of the bus.
 """
@@ -43,8 +43,8 @@ def run(arguments, report):
     try:
         scenarios = [scenario for module in MODULES for scenario in module.SCENARIOS
                      if arguments.word in scenario.__name__]
-        part, parts = map(int, arguments.part.split("/"))
-        scenarios = scenarios[part - 1::parts]
+        share, shares = map(int, arguments.share.split("/"))
+        scenarios = scenarios[share - 1::shares]
         run_all(scenarios, os.path.abspath(arguments.programs), report, screen, arguments.captures)
     finally:
         screen.close()
@@ -55,7 +55,7 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--programs", default=os.path.join(root, "build/linux-release/bin"))
     parser.add_argument("--captures")
-    parser.add_argument("--part", default="1/1")
+    parser.add_argument("--share", default="1/1")
     parser.add_argument("word", nargs="?", default="")
     arguments = parser.parse_args()
 
