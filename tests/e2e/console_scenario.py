@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Drives the real programs on real files, and prints a line for each check, then the counts.
 
-Usage: console_scenario.py [--programs DIRECTORY] [WORD]
-With WORD, only the scenarios whose name contains it.
+Usage: console_scenario.py [--programs DIRECTORY] [--sealed] [WORD]
+With WORD, only the scenarios whose name contains it. With --sealed, the programs find the originals
+on a read-only mount: nothing is written there.
 """
 
 import argparse
@@ -36,10 +37,30 @@ MODULES = (copy_scenarios, question_scenarios, error_scenarios, drive_scenarios,
            change_scenarios)
 
 
+# What these show is itself about what lies in the originals or is mounted there; the run without the
+# option plays them.
+UNSEALED = {copy_scenarios.destination_inside_source: "la copie y est",
+            loss_border_scenarios.source_mounted_inside_its_copy: "il s'agit de leur montage"}
+
+
+def run_sealed(scenarios, arguments, report):
+    reason = harness.SealedPlace.why_not()
+    if reason:
+        report.leave_out("les originaux en lecture seule", reason)
+        return
+    for scenario in (scenario for scenario in scenarios if scenario in UNSEALED):
+        print(f"(seulement sans --sealed : {scenario.__name__}, {UNSEALED[scenario]})")
+    harness.run_all([scenario for scenario in scenarios if scenario not in UNSEALED],
+                    os.path.abspath(arguments.programs), report, harness.SealedPlace)
+    count = harness.SealedPlace.sealed
+    report.check(f"les originaux étaient en lecture seule ({count} programmes)", count > 0)
+
+
 def main():
     root = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
     parser = argparse.ArgumentParser()
     parser.add_argument("--programs", default=os.path.join(root, "build/linux-release/bin"))
+    parser.add_argument("--sealed", action="store_true")
     parser.add_argument("word", nargs="?", default="")
     arguments = parser.parse_args()
 
@@ -53,7 +74,9 @@ def main():
     for program in ("coffrelune-console", "coffrelune"):
         path = os.path.join(arguments.programs, program)
         report.check(f"{program} est construit", os.access(path, os.X_OK), path)
-    if report.failed == 0:
+    if report.failed == 0 and arguments.sealed:
+        run_sealed(scenarios, arguments, report)
+    elif report.failed == 0:
         harness.run_all(scenarios, os.path.abspath(arguments.programs), report)
     print(f"{report.passed} réussis, {report.failed} échoués, {report.left_out} laissés")
     return 0 if report.failed == 0 else 1

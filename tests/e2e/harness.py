@@ -229,6 +229,42 @@ Confirmation=1
             return file.read()
 
 
+SEAL = 'mount --rbind "$0" "$0" && mount -o remount,bind,ro "$0" && exec "$@"'
+
+
+class SealedPlace(Place):
+    """A place whose programs find the originals on a read-only mount, unless they restore. The
+    mount is theirs alone: the scenario still writes there, also while they run."""
+
+    sealed = 0  # programs that have been started so
+
+    def start(self, program, *arguments, **options):
+        if program == "coffrelune-console" and self.seals(arguments):
+            type(self).sealed += 1
+            words = (self.source, os.path.join(self.programs, program), *arguments)
+            return super().start("/usr/bin/unshare", "--mount", "--propagation", "slave",
+                                 "/bin/sh", "-c", SEAL, *words, **options)
+        return super().start(program, *arguments, **options)
+
+    def seals(self, arguments):
+        """Whether this run writes nothing into the directory of the originals. What a user keeps
+        there himself, as his settings or the copy, is another thing; so is the mark of a restore,
+        which goes when he confirms the original."""
+        reads = arguments and arguments[0] in ("sauvegarder", "comparer", "verifier")
+        reads = reads and "--confirmer-source" not in arguments
+        inside = any(f"{path}/".startswith(f"{self.source}/")
+                     for path in (self.home, self.destination))
+        return reads and not inside and not self.user and os.path.isdir(self.source)
+
+    @staticmethod
+    def why_not():
+        """What is missing for it."""
+        if os.geteuid() != 0:
+            return "il faut root, pour monter"
+        made = subprocess.run(["unshare", "--mount", "true"], capture_output=True, check=False)
+        return "" if made.returncode == 0 else "unshare --mount n'est pas permis"
+
+
 def wait(process):
     """The outcome of a started program, which is ended when it hangs."""
     try:
