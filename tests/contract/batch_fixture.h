@@ -1,30 +1,16 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "contract/contract_fixture.h"
+#include "platform/at_first_chunk.h"
 
 namespace coffrelune {
 
 inline constexpr std::size_t largestChunk = std::size_t{16} << 20;
 inline constexpr std::size_t severalChunks = largestChunk + (std::size_t{4} << 20) + 12345;
-
-/// Lets a test act while a file is read.
-class AtFirstChunk final : public CopyObserver {
-  public:
-    explicit AtFirstChunk(std::function<void()> act) : act_(std::move(act)) {}
-
-    void chunkFinished(std::uint64_t) override {
-        if (act_) std::exchange(act_, nullptr)();
-    }
-
-  private:
-    std::function<void()> act_;
-};
 
 /// What a test adds beside the name of a file.
 struct Wish {

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 
+#include "platform/at_first_chunk.h"
 #include "platform/names.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/own_files.h"
@@ -19,18 +20,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr int fileCount = 40;
-
-/// Acts once, while a file is copied.
-class AtFirstChunk final : public CopyObserver {
-  public:
-    explicit AtFirstChunk(std::function<void()> act) : act_(std::move(act)) {}
-    void chunkFinished(std::uint64_t) override {
-        if (act_) std::exchange(act_, nullptr)();
-    }
-
-  private:
-    std::function<void()> act_;
-};
 
 /// Copies "de" with its many files into the empty "arbre/vers", below a hold of "arbre".
 class StagedCopy : public testing::Test, private CopyEvents {
