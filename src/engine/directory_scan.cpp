@@ -152,7 +152,7 @@ bool CopieMod::mayBeOwn(const FileEntry& entry, const Place& place) {
         return false;
     };
     // That copy holds one file of each name, and nobody can say whose.
-    if (trees_->isMixed()) {
+    if (trees_->isMixed() || trees_->mayBeOfAnother(place.source, entry.name)) {
         return keep("la copie est aussi celle d'une autre sauvegarde, d'où vient peut-être " +
                         place.source + entry.name,
                     error_number::invalidData);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -64,6 +65,9 @@ class LineTrees {
     bool copyIsHalfRestored() const;
     /// The copy is this pair's and another one's.
     bool isMixed() const { return certificate() != nullptr && copyMarks_.certificates.size() > 1; }
+    /// The file `name` of a directory of the copy may be that of another pair, whose copy lies
+    /// around this one or in it.
+    bool mayBeOfAnother(const std::string& directory, const std::string& name);
     bool originalOnOtherVolume() const;
     /// Mount points of the original that the certificate knows and that show nothing now.
     const std::vector<std::string>& missingMounts() const { return missingMounts_; }
@@ -85,6 +89,17 @@ class LineTrees {
     Status accept();
 
   private:
+    // Of a pair that has its files in a directory of this copy, too: its root, and the directory
+    // there. Both are empty where nobody can tell.
+    struct OtherOriginal {
+        std::string root;
+        std::string directory;
+    };
+    using OtherOriginals = std::vector<OtherOriginal>;
+
+    const OtherOriginals& othersIn(const std::string& directory);
+    OtherOriginals othersAround() const;
+    OtherOriginals othersThere(const std::string& directory) const;
     bool hold(const std::string& root, TreeUse use, std::unique_ptr<HeldTree>& tree);
     bool claim(HeldTree& tree, TreeUse use, const std::string& root);
     void readCopy();
@@ -117,7 +132,8 @@ class LineTrees {
     bool isSingleFile_ = false;  // a directory of its name in the destination is not its tree
     bool foundComplete_ = false;
     bool timesKnown_ = false;
-    bool changing_ = false;  // beforeChange() has done its work
+    bool changing_ = false;                         // beforeChange() has done its work
+    std::map<std::string, OtherOriginals> others_;  // by the directory of the copy
 };
 
 }  // namespace coffrelune
