@@ -100,6 +100,7 @@ class CopieMod {
     bool keepsSome() const;
     bool findExisting(const FileEntry& entry, const Pair& pair, FileEntry& existing, bool& found);
     bool sharesCopy(const FileEntry& entry, const FileEntry& existing, const Pair& pair);
+    bool isCopyOfAnother(const FileEntry& entry, const FileEntry& existing, const Pair& pair);
     void noteSharers(const Pair& pair);
     std::set<std::string> sharers(const Pair& pair);
     bool isMixedWithSibling(const Place& place, const Directory& target);
@@ -138,6 +139,7 @@ class CopieMod {
     std::map<std::pair<std::string, std::string>, std::set<std::string>> sharers_;
     SeenEntries copies_;                // of the files of one directory
     FileLooks looks_;                   // of the same
+    NewFiles newFiles_;                 // of one directory, in the copy pass
     std::set<std::string> mixed_;       // copies of directories that are another's: the same
     std::unique_ptr<WalkAhead> ahead_;  // where the pass changes nothing
     LeftOut leftOut_;

@@ -25,6 +25,7 @@ void CopieMod::scanDirectory(const Pair& pair) {
     FoldedNames handled(usual);
     copies_ = SeenEntries();
     looks_.clear();
+    newFiles_.clear();
     const std::string& source = pair.place.source;
     FileEntry existing;  // kept from file to file, with the room for its name
     for (FileEntry entry; pair.source.next(entry);) {
@@ -189,8 +190,10 @@ void CopieMod::analyseFile(const FileEntry& entry, const Decision& decision, con
 void CopieMod::copyFile(const FileEntry& entry, const FileEntry* existing, const Decision& decision,
                         const Pair& pair) {
     const Place& place = pair.place;
-    progress_.startFile(entry.name, place.source, place.destination);
     const bool replaces = existing != nullptr && !decision.isNew;
+    if (replaces && isCopyOfAnother(entry, *existing, pair)) return;
+    if (!replaces) newFiles_.note(entry);
+    progress_.startFile(entry.name, place.source, place.destination);
     if (replaces && run_.control.askBeforeReplacing &&
         !mayReplace(describeReplacement(run_.system, place.destination, *existing, entry))) {
         if (!run_.stopped()) skip(place.source + entry.name, entry, keptReason);

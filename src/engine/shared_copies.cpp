@@ -16,6 +16,14 @@ std::uint64_t hashOf(const std::string& name) {
     return std::hash<std::string>()(name);
 }
 
+constexpr std::uint64_t roundedBy = 20'000'000;  // two seconds
+
+// Dates that a volume may have rounded into each other have one span in common, or neighbours.
+std::uint64_t lookInSpan(std::uint64_t size, std::uint64_t date) {
+    std::uint64_t hash = (date / (2 * roundedBy) ^ size << 32 ^ size >> 32) * 0x9E3779B97F4A7C15;
+    return hash ^ hash >> 32;
+}
+
 }  // namespace
 
 std::uint64_t lookOf(const FileEntry& entry) {
@@ -75,6 +83,16 @@ void FileLooks::clear() {
     replaces_ = false;
 }
 
+void NewFiles::note(const FileEntry& original) {
+    (void)looks_.add(lookInSpan(original.size, original.times.lastWrite));
+}
+
+bool NewFiles::mayHaveMade(const FileEntry& copy) const {
+    const std::uint64_t date = copy.times.lastWrite;
+    return looks_.contains(lookInSpan(copy.size, date - roundedBy)) ||
+           looks_.contains(lookInSpan(copy.size, date + roundedBy));
+}
+
 bool mayBeFolded(const std::vector<std::string>& names) {
     const auto isOdd = [](const std::string& name) {
         const auto isOddCharacter = [](char c) { return c < ' ' || c > '}'; };
@@ -113,6 +131,18 @@ bool CopieMod::sharesCopy(const FileEntry& entry, const FileEntry& existing, con
     if (known == sharers_.end() || !known->second.contains(entry.name)) return false;
     errors_.unread(error_number::alreadyExists, pair.place.source + entry.name);
     return true;
+}
+
+// Copies may get their names while the rest of the directory is read: what is found then may be the
+// copy of another name that came with this one, which the analysis could not see.
+bool CopieMod::isCopyOfAnother(const FileEntry& entry, const FileEntry& existing,
+                               const Pair& pair) {
+    if (!newFiles_.mayHaveMade(existing)) return false;
+    queue_.settle();  // all those up to here are looked at now
+    newFiles_.clear();
+    if (run_.stopped()) return true;
+    sharers_[{pair.place.source, pair.place.destination}].merge(sharers(pair));
+    return sharesCopy(entry, existing, pair);
 }
 
 // Some volumes number an entry anew for each name that it is asked by. There, two names of one

@@ -58,6 +58,19 @@ class FileLooks {
     bool replaces_ = false;
 };
 
+/// The originals that a directory of the copy did not have when they were looked for, by size and
+/// date, which are those of their copies.
+class NewFiles {
+  public:
+    void note(const FileEntry& original);
+    /// `copy` may be that of one of them. Volumes round a date by two seconds at most.
+    bool mayHaveMade(const FileEntry& copy) const;
+    void clear() { looks_ = HashSet(); }
+
+  private:
+    HashSet looks_;
+};
+
 /// The directories beside one, by their originals' names, and what was seen of their copies.
 struct Siblings {
     const std::vector<std::string>& names;

@@ -134,6 +134,33 @@ TEST_P(OtherAlphabet, DoubtsNoneThatOnlyLookAlike) {
     EXPECT_EQ(copy(), "again");
 }
 
+// The first is in the copy by the time that the second is looked for.
+TEST_P(MadeUpNumbers, KeepTheCopyOfTheFirstOfTwoThatCameTogether) {
+    disk().volume("F:\\").foldsCase = true;
+    EXPECT_TRUE(backUp());
+    disk().file("C:\\Docs\\Երևան.txt", "first", fileTimeAt(2024, 1, 1));
+    disk().file("C:\\Docs\\between", "x");
+    disk().file("C:\\Docs\\between too", "x");
+    disk().file("C:\\Docs\\երևան.txt", "the second", fileTimeAt(2024, 2, 1));
+    for (int times = 0; times < 2; ++times) {
+        EXPECT_FALSE(backUp());
+        EXPECT_EQ(disk().content("F:\\Docs\\Երևան.txt"), "first") << times;
+        EXPECT_THAT(window.journal, ElementsAre("Erreur: 183 - Fichier: C:\\Docs\\երևան.txt"));
+    }
+}
+
+TEST_P(MadeUpNumbers, TakeTheNewNameOfAnOriginalForNoOther) {
+    EXPECT_TRUE(backUp());
+    disk().remove("C:\\Docs\\a");
+    disk().file("C:\\Docs\\moved", "a");
+    disk().file("C:\\Docs\\between", "x");
+    disk().file("C:\\Docs\\a", "written anew", fileTimeAt(2024, 2, 1));
+    EXPECT_TRUE(backUp());
+    EXPECT_THAT(window.journal, IsEmpty());
+    EXPECT_EQ(disk().content("F:\\Docs\\moved"), "a");
+    EXPECT_EQ(disk().content("F:\\Docs\\a"), "written anew");
+}
+
 // Found by look-ups of names that it does not list, whatever their numbers.
 TEST_P(MadeUpNumbers, KeepWhatIsListedUnderANameOfItsOwn) {
     disk().volume("F:\\").foldsCase = true;

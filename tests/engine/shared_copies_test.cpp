@@ -94,5 +94,26 @@ TEST(Names, MayBeFoldedWhereOneIsNotPlain) {
     }
 }
 
+TEST(NewFiles, MayHaveMadeWhatHasTheirSizeAndADateThatAVolumeRounds) {
+    constexpr std::uint64_t second = 10'000'000;
+    NewFiles files;
+    FileEntry original = entry("a", 1, 1001 * second);
+    original.size = 5;
+    FileEntry copy = original;
+    EXPECT_FALSE(files.mayHaveMade(copy));
+    files.note(original);
+    for (const std::uint64_t date : {999U, 1000U, 1001U, 1002U, 1003U}) {
+        copy.times.lastWrite = date * second;
+        EXPECT_TRUE(files.mayHaveMade(copy)) << date;
+    }
+    copy.times.lastWrite = 1020 * second;
+    EXPECT_FALSE(files.mayHaveMade(copy));
+    copy.times.lastWrite = original.times.lastWrite;
+    copy.size = 6;
+    EXPECT_FALSE(files.mayHaveMade(copy));
+    files.clear();
+    EXPECT_FALSE(files.mayHaveMade(original));
+}
+
 }  // namespace
 }  // namespace coffrelune
