@@ -98,6 +98,7 @@ class LineTrees {
     using OtherOriginals = std::vector<OtherOriginal>;
 
     const OtherOriginals& othersIn(const std::string& directory);
+    std::vector<Certificate> knownOriginals() const;
     OtherOriginals othersAround() const;
     OtherOriginals othersThere(const std::string& directory) const;
     bool hold(const std::string& root, TreeUse use, std::unique_ptr<HeldTree>& tree);

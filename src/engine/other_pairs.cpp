@@ -6,6 +6,16 @@
 #include "system/paths.h"
 
 namespace coffrelune {
+namespace {
+
+// What lies in the original of `whole` at the place `rest` is the original of `part`.
+bool isPartOf(const Certificate& part, const Certificate& whole, const std::string& rest) {
+    return part.original == joinPath(whole.original, rest) ||
+           (!part.volume.empty() && part.volume == whole.volume &&
+            part.pathOnVolume == joinPath(whole.pathOnVolume, rest));
+}
+
+}  // namespace
 
 // Unless the other original is there and has, for certain, no file of that name.
 bool LineTrees::mayBeOfAnother(const std::string& directory, const std::string& name) {
@@ -35,20 +45,31 @@ const LineTrees::OtherOriginals& LineTrees::othersIn(const std::string& director
     return others_[directory] = std::move(others);
 }
 
-// Another certificate of the same original is no other pair's.
+// What the copy is a copy of: this line's original, and what it was a copy of elsewhere.
+std::vector<Certificate> LineTrees::knownOriginals() const {
+    std::vector<Certificate> known;
+    for (const DirectoryMarks::Named& one : copyMarks_.certificates) {
+        known.push_back(one.certificate);
+    }
+    if (originalTree() != nullptr && copyTree() != nullptr) known.push_back(current());
+    return known;
+}
+
 LineTrees::OtherOriginals LineTrees::othersAround() const {
     OtherOriginals others;
     const std::string copy = files_.resolve(roots().copy());
+    const std::vector<Certificate> known = knownOriginals();
     for (const std::string& place : ancestorsOf(copy)) {
         DirectoryMarks marks;
         // A directory above that may not be listed belongs to somebody else.
         if (!readMarks(files_, place, marks).ok()) continue;
         const std::string rest = copy.substr(withoutTrailingBackslash(place).size());
-        for (const DirectoryMarks::Named& one : marks.certificates) {
-            Certificate part = one.certificate;
-            part.original = joinPath(part.original, rest);
-            part.pathOnVolume = joinPath(part.pathOnVolume, rest);
-            if (!isOwn(part)) others.push_back({one.certificate.original, part.original});
+        for (const auto& [name, whole] : marks.certificates) {
+            const auto isPart = [&, &whole = whole](const Certificate& part) {
+                return isPartOf(part, whole, rest);
+            };
+            if (std::any_of(known.begin(), known.end(), isPart)) continue;
+            others.push_back({whole.original, joinPath(whole.original, rest)});
         }
         if (!marks.unreadable.empty()) others.emplace_back();
     }
@@ -57,19 +78,19 @@ LineTrees::OtherOriginals LineTrees::othersAround() const {
 
 // Below the root of the copy.
 LineTrees::OtherOriginals LineTrees::othersThere(const std::string& directory) const {
+    OtherOriginals others;
     DirectoryMarks marks;
     const Status read = readMarks(files_, directory, marks);
-    OtherOriginals others;
     if (!read.ok() || !marks.unreadable.empty()) others.emplace_back();
+    if (marks.certificates.empty()) return others;
     const std::string rest = directory.substr(withoutTrailingBackslash(roots().copy()).size());
-    const HeldTree* original = originalTree();
-    for (const DirectoryMarks::Named& one : marks.certificates) {
-        const Certificate& certificate = one.certificate;
-        const bool isPart = certificate.original == joinPath(originalPath_, rest) ||
-                            (original != nullptr && !certificate.volume.empty() &&
-                             certificate.volume == original->place().volume &&
-                             certificate.pathOnVolume == joinPath(original->place().path, rest));
-        if (!isPart) others.push_back({certificate.original, certificate.original});
+    const std::vector<Certificate> known = knownOriginals();
+    for (const auto& [name, part] : marks.certificates) {
+        const auto isWhole = [&, &part = part](const Certificate& whole) {
+            return isPartOf(part, whole, rest);
+        };
+        if (std::any_of(known.begin(), known.end(), isWhole)) continue;
+        others.push_back({part.original, part.original});
     }
     return others;
 }

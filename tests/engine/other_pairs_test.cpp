@@ -83,5 +83,18 @@ TEST_F(OtherPairs, AreNoneOfOneOriginalThatTwoLinesSave) {
     EXPECT_THAT(window.journal, IsEmpty());
 }
 
+// On another computer, say.
+TEST_F(OtherPairs, AreNoneWhereTwoLinesHaveSavedAnOriginalThatHasGone) {
+    EXPECT_TRUE(backUp(around, "F:\\"));
+    EXPECT_TRUE(backUp(around + "\\Sub", "F:\\Docs"));
+    disk().remove(around);
+    disk().file("C:\\New\\Docs\\Sub\\f", "older", fileTimeAt(2023, 3, 1));
+    bringBack("C:\\New\\Docs", "F:\\");
+    EXPECT_EQ(disk().content("C:\\New\\Docs\\Sub\\f"), "of Docs");
+    disk().file("C:\\New\\Docs\\Sub\\f", "older", fileTimeAt(2023, 3, 1));
+    bringBack("C:\\New\\Docs\\Sub", "F:\\Docs");
+    EXPECT_EQ(disk().content("C:\\New\\Docs\\Sub\\f"), "of Docs");
+}
+
 }  // namespace
 }  // namespace coffrelune
