@@ -102,7 +102,7 @@ class CopieMod {
     bool sharesCopy(const FileEntry& entry, const FileEntry& existing, const Pair& pair);
     bool isCopyOfAnother(const FileEntry& entry, const FileEntry& existing, const Pair& pair);
     void noteSharers(const Pair& pair);
-    std::set<std::string> sharers(const Pair& pair);
+    Sharers sharers(const Pair& pair);
     bool isMixedWithSibling(const Place& place, const Directory& target);
     void compareSiblings(const Place& place);
     void scanFile(const FileEntry& entry, const Pair& pair, FileEntry& existing);
@@ -136,7 +136,7 @@ class CopieMod {
     Pass pass_ = Pass::analysis;
     // Names of originals whose copy is another's, by directory and its target: the analysis finds
     // them.
-    std::map<std::pair<std::string, std::string>, std::set<std::string>> sharers_;
+    std::map<std::pair<std::string, std::string>, Sharers> sharers_;
     SeenEntries copies_;                // of the files of one directory
     FileLooks looks_;                   // of the same
     NewFiles newFiles_;                 // of one directory, in the copy pass

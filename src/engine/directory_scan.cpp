@@ -90,7 +90,7 @@ void CopieMod::scanFile(const FileEntry& entry, const Pair& pair, FileEntry& exi
     }
     const Decision decision = decide(entry, found ? &existing : nullptr, decision_);
     if (pass_ == Pass::copy) pair.source.expectCopy(decision.copy);  // like its neighbour
-    if (found && analysing && !run_.comparing()) looks_.note(existing, decision.copy);
+    if (found && analysing && !run_.comparing()) looks_.note(entry.name, existing, decision.copy);
     if (!decision.copy) {
         if (analysing && run_.keepsRecord()) {
             skip(place.source + entry.name, entry, unchangedReason(entry, existing));

@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <memory>
+#include <tuple>
+#include <utility>
 
 #include "engine/copie_mod.h"
 #include "system/paths.h"
@@ -12,8 +15,8 @@
 namespace coffrelune {
 namespace {
 
-std::uint64_t hashOf(const std::string& name) {
-    return std::hash<std::string>()(name);
+std::uint64_t hashOf(std::string_view name) {
+    return std::hash<std::string_view>()(name);
 }
 
 constexpr std::uint64_t roundedBy = 20'000'000;  // two seconds
@@ -35,52 +38,89 @@ std::uint64_t lookOf(const FileEntry& entry) {
     return hash;
 }
 
+bool Sharers::contains(std::string_view name) const {
+    return !failure.ok() || names.contains(hashOf(name));
+}
+
 Status ListedEntries::add(Directory& listing) {
     for (FileEntry entry; listing.next(entry);) {
         ++numbers_[entry.id.file];
-        ++looks_[lookOf(entry)].listed;
+        ++looks_[lookOf(entry)];
         (void)names_.add(hashOf(entry.name));
     }
     return listing.status();
 }
 
-void ListedEntries::lead(const std::string& name, const FileEntry& copy) {
-    const auto number = numbers_.find(copy.id.file);
-    const bool isNumbered = copy.id.known() && number != numbers_.end();
-    if (isNumbered && --number->second < 0) sharers_.insert(name);
-    const auto found = looks_.find(lookOf(copy));
-    if (found == looks_.end()) return;
-    Look& look = found->second;
-    const bool isListed = names_.contains(hashOf(name));
-    const bool isHidden = !isNumbered && !isListed;
-    if (look.listed > 1) {
-        look.led += isListed ? 1 : 0;
-        if (isHidden) hidden_.emplace_back(name, found->first);
-    } else if (look.led++ == 0) {
-        look.firstIsHidden = isHidden;
-    } else if (isHidden || look.firstIsHidden) {
-        sharers_.insert(name);
+void ListedEntries::lead(std::string_view name, const FileEntry& copy, bool isCurrent) {
+    const std::uint64_t hash = hashOf(name);
+    const bool isNumbered = copy.id.known() && numbers_.contains(copy.id.file);
+    claims_.push_back({hash, copy.id.file, lookOf(copy), characterCount(name), isNumbered,
+                       names_.contains(hash), isCurrent});
+}
+
+HashSet ListedEntries::sharers() const {
+    HashSet losers;
+    std::vector<Claim> claims;
+    const auto isNumbered = [](const Claim& claim) { return claim.isNumbered; };
+    std::copy_if(claims_.begin(), claims_.end(), std::back_inserter(claims), isNumbered);
+    settle(std::move(claims), &Claim::number, numbers_, losers);
+    claims.clear();
+    for (const Claim& claim : claims_) {
+        // What has changed since it was listed is still its own.
+        const bool hasChanged =
+            !looks_.contains(claim.look) && (claim.isNumbered || claim.isListed);
+        if (!hasChanged && !losers.contains(claim.name)) claims.push_back(claim);
+    }
+    settle(std::move(claims), &Claim::look, looks_, losers);
+    return losers;
+}
+
+void ListedEntries::settle(std::vector<Claim> claims, std::uint64_t Claim::*key,
+                           const Counts& entries, HashSet& losers) {
+    std::stable_sort(claims.begin(), claims.end(),
+                     [&](const Claim& a, const Claim& b) { return a.*key < b.*key; });
+    for (auto first = claims.begin(); first != claims.end();) {
+        const auto isOther = [&](const Claim& claim) { return claim.*key != (*first).*key; };
+        const auto last = std::find_if(first, claims.end(), isOther);
+        const auto found = entries.find((*first).*key);
+        settleOne({first, last}, found == entries.end() ? 0 : found->second, losers);
+        first = last;
     }
 }
 
-std::set<std::string> ListedEntries::sharers() {
-    for (const auto& [name, look] : hidden_) {
-        if (++looks_[look].led > looks_[look].listed) sharers_.insert(name);
-    }
-    hidden_.clear();
-    return std::move(sharers_);
+// Claims of one entry, or of several that cannot be told apart, in the order in which they came. A
+// volume that shows names otherwise than they were given changes their length: dots at the end,
+// accents composed in two ways. On others, an entry bears the name of its owner.
+void ListedEntries::settleOne(std::span<Claim> claims, std::size_t entries, HashSet& losers) {
+    if (claims.size() <= entries) return;
+    const auto isOther = [&](const Claim& claim) { return claim.length != claims[0].length; };
+    const bool namesTell = entries > 1 || std::none_of(claims.begin(), claims.end(), isOther);
+    std::stable_sort(claims.begin(), claims.end(), [&](const Claim& a, const Claim& b) {
+        const auto rank = [&](const Claim& claim) {
+            const bool bearsItsName = namesTell && claim.isListed;
+            return entries > 1 ? std::pair(bearsItsName, claim.isCurrent)
+                               : std::pair(claim.isCurrent, bearsItsName);
+        };
+        return rank(a) > rank(b);
+    });
+    for (const Claim& claim : claims.subspan(entries)) (void)losers.add(claim.name);
 }
 
 // Only where something is replaced is the rest worth its time.
+void FileLooks::note(std::string_view name, const FileEntry& copy, bool isReplaced) {
+    seen_.push_back(lookOf(copy));
+    replaces_ = replaces_ || isReplaced;
+    replacesFolded_ = replacesFolded_ || (isReplaced && mayBeFolded(name));
+}
+
 bool FileLooks::areDoubtful() {
-    if (!replaces_) return false;
+    if (!replaces_ || replacesFolded_) return replaces_;
     std::sort(seen_.begin(), seen_.end());
     return std::adjacent_find(seen_.begin(), seen_.end()) != seen_.end();
 }
 
 void FileLooks::clear() {
-    seen_.clear();
-    replaces_ = false;
+    *this = FileLooks();
 }
 
 void NewFiles::note(const FileEntry& original) {
@@ -93,13 +133,17 @@ bool NewFiles::mayHaveMade(const FileEntry& copy) const {
            looks_.contains(lookInSpan(copy.size, date + roundedBy));
 }
 
-bool mayBeFolded(const std::vector<std::string>& names) {
-    const auto isOdd = [](const std::string& name) {
-        const auto isOddCharacter = [](char c) { return c < ' ' || c > '}'; };
-        return name.ends_with('.') || name.ends_with(' ') ||
-               std::any_of(name.begin(), name.end(), isOddCharacter);
+bool mayBeFolded(std::string_view name) {
+    const auto isOdd = [](char c) {
+        constexpr std::string_view replaced = "\"*:<>?|";  // where Windows is spoken
+        return c < ' ' || c > '}' || replaced.find(c) != std::string_view::npos;
     };
-    return std::any_of(names.begin(), names.end(), isOdd);
+    return name.ends_with('.') || name.ends_with(' ') ||
+           std::any_of(name.begin(), name.end(), isOdd);
+}
+
+bool Siblings::mayBeFolded() const {
+    return std::any_of(names.begin(), names.end(), coffrelune::mayBeFolded);
 }
 
 // Two names that differ in their case alone are one name to many volumes: the copy of the second
@@ -129,19 +173,24 @@ bool CopieMod::sharesCopy(const FileEntry& entry, const FileEntry& existing, con
     if (repeated && !sharers_.contains(place)) sharers_.emplace(place, sharers(pair));
     const auto known = sharers_.find(place);
     if (known == sharers_.end() || !known->second.contains(entry.name)) return false;
-    errors_.unread(error_number::alreadyExists, pair.place.source + entry.name);
+    const Status& failure = known->second.failure;
+    errors_.unread(failure.ok() ? error_number::alreadyExists : failure.code(),
+                   pair.place.source + entry.name);
     return true;
 }
 
 // Copies may get their names while the rest of the directory is read: what is found then may be the
-// copy of another name that came with this one, which the analysis could not see.
+// copy of another name that came with this one, which the analysis could not see. Nor could it tell
+// whose copy that is which it has not found.
 bool CopieMod::isCopyOfAnother(const FileEntry& entry, const FileEntry& existing,
                                const Pair& pair) {
-    if (!newFiles_.mayHaveMade(existing)) return false;
+    const std::pair<std::string, std::string> place(pair.place.source, pair.place.destination);
+    const bool isNew = newFiles_.mayHaveMade(existing);
+    if (!isNew && (!mayBeFolded(entry.name) || sharers_.contains(place))) return false;
     queue_.settle();  // all those up to here are looked at now
     newFiles_.clear();
     if (run_.stopped()) return true;
-    sharers_[{pair.place.source, pair.place.destination}].merge(sharers(pair));
+    sharers_.insert_or_assign(place, sharers(pair));
     return sharesCopy(entry, existing, pair);
 }
 
@@ -149,25 +198,36 @@ bool CopieMod::isCopyOfAnother(const FileEntry& entry, const FileEntry& existing
 // entry look alike, and one of their originals would be copied over the other's copy.
 void CopieMod::noteSharers(const Pair& pair) {
     const std::pair<std::string, std::string> place(pair.place.source, pair.place.destination);
-    if (!looks_.areDoubtful() || sharers_.contains(place)) return;
-    std::set<std::string> found = sharers(pair);
-    if (!found.empty()) sharers_.emplace(place, std::move(found));
+    if (!sharers_.contains(place) && looks_.areDoubtful()) sharers_.emplace(place, sharers(pair));
 }
 
-std::set<std::string> CopieMod::sharers(const Pair& pair) {
+Sharers CopieMod::sharers(const Pair& pair) {
     const Place& place = pair.place;
     ListedEntries listed;
     std::unique_ptr<Directory> listing;
     const auto open = [&](const std::string& path, LinkRule links) {
-        return files_.openDirectory(path, links, Wanted::files, listing).ok();
+        return files_.openDirectory(path, links, Wanted::files, listing);
     };
-    if (!open(place.destination, targetLinks(place)) || !listed.add(*listing).ok()) return {};
-    if (!open(place.source, place.links)) return {};
+    Status failure = open(place.destination, targetLinks(place));
+    if (failure.ok()) failure = listed.add(*listing);
+    if (failure.ok()) failure = open(place.source, place.links);
+    if (!failure.ok()) return {.failure = failure};
+    FileEntry copy;
     for (FileEntry original; listing->next(original);) {
-        FileEntry copy;
-        if (pair.target->lookUp(original.name, copy)) listed.lead(original.name, copy);
+        Status looked;
+        if (!pair.target->lookUp(original.name, copy)) {
+            // Once a look-up has failed, an absence is asked for by its path.
+            if (pair.target->status().ok()) continue;
+            looked = files_.lookUp(place.destination + original.name, LinkRule::refuse, copy);
+        }
+        if (looked.ok() && !copy.isDirectory()) {
+            const bool isCurrent =
+                original.size == copy.size && haveSameTime(original, copy, decision_);
+            listed.lead(original.name, copy, isCurrent);
+        }
+        if (!looked.ok() && !looked.saysAbsent()) return {.failure = looked};
     }
-    return listed.sharers();
+    return {listed.sharers(), listing->status()};
 }
 
 // Two directories whose copies are one, though their names differ in more than their case: files of
@@ -186,19 +246,24 @@ bool CopieMod::isMixedWithSibling(const Place& place, const Directory& target) {
 // As sharers() does with files.
 void CopieMod::compareSiblings(const Place& place) {
     Siblings& siblings = *place.siblings;
-    if (std::exchange(siblings.compared, true) || !mayBeFolded(siblings.names)) return;
+    if (std::exchange(siblings.compared, true) || !siblings.mayBeFolded()) return;
     const std::string copies =
         withTrailingBackslash(splitPath(withoutTrailingBackslash(place.destination)).parent);
     ListedEntries listed;
     std::unique_ptr<Directory> listing;
     const auto wanted = Wanted::directories;
-    const Status opened = files_.openDirectory(copies, LinkRule::follow, wanted, listing);
-    if (!opened.ok() || !listed.add(*listing).ok()) return;
+    Status failure = files_.openDirectory(copies, LinkRule::follow, wanted, listing);
+    if (failure.ok()) failure = listed.add(*listing);
+    if (failure.saysAbsent()) return;
     for (const std::string& name : siblings.names) {
         FileEntry copy;
-        if (files_.lookUp(copies + name, LinkRule::refuse, copy).ok()) listed.lead(name, copy);
+        const Status looked = files_.lookUp(copies + name, LinkRule::refuse, copy);
+        if (looked.ok() && copy.isDirectory()) listed.lead(name, copy, false);
     }
-    for (const std::string& name : listed.sharers()) mixed_.insert(copies + name + "\\");
+    const Sharers found{listed.sharers(), failure};
+    for (const std::string& name : siblings.names) {
+        if (found.contains(name)) mixed_.insert(copies + name + "\\");
+    }
 }
 
 }  // namespace coffrelune

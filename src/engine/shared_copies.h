@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <map>
-#include <set>
+#include <span>
 #include <string>
-#include <utility>
+#include <string_view>
 #include <vector>
 
 #include "engine/folded_names.h"
@@ -15,47 +15,61 @@ namespace coffrelune {
 /// The same for two names of one entry, whatever numbers its volume makes up for each.
 std::uint64_t lookOf(const FileEntry& entry);
 
+/// Names of originals, by their hashes, that must not be copied: what they lead to is another's
+/// copy.
+struct Sharers {
+    HashSet names{};
+    Status failure{};  // why nobody can tell; then any of them may be one
+
+    bool contains(std::string_view name) const;
+};
+
 /// What a directory of a copy lists, and the originals that lead there by their names: more of them
 /// than there are entries share one.
 class ListedEntries {
   public:
     Status add(Directory& listing);
-    /// An original of this name leads to `copy`.
-    void lead(const std::string& name, const FileEntry& copy);
-    /// All but the first of those that share an entry. As many names as the copy lists may lead to
-    /// one: these are hard links. Where numbers are made up, and several entries look alike, each
-    /// is the original's whose name it bears.
-    std::set<std::string> sharers();
+    /// An original of this name leads to `copy`. `isCurrent`: which is up to date with it.
+    void lead(std::string_view name, const FileEntry& copy, bool isCurrent);
+    /// All that share an entry but its owner: the original that is up to date with it, or else the
+    /// one whose name it bears, or the first one. As many names as the copy lists may lead to one:
+    /// these are hard links. Where numbers are made up, entries are told by their looks, and where
+    /// several look alike, each is the original's whose name it bears.
+    HashSet sharers() const;
 
   private:
-    struct Look {
-        int listed = 0;  // entries that look so
-        int led = 0;     // originals to them
-        bool firstIsHidden = false;
+    struct Claim {
+        std::uint64_t name, number, look;
+        std::size_t length;  // of the name, in characters
+        bool isNumbered;     // by a number that is listed
+        bool isListed;       // by this very name
+        bool isCurrent;
     };
+    using Counts = std::map<std::uint64_t, std::size_t>;
 
-    std::map<std::uint64_t, int> numbers_;  // how many entries bear each
-    std::map<std::uint64_t, Look> looks_;
+    static void settle(std::vector<Claim> claims, std::uint64_t Claim::*key, const Counts& entries,
+                       HashSet& losers);
+    static void settleOne(std::span<Claim> claims, std::size_t entries, HashSet& losers);
+
+    Counts numbers_;  // how many entries bear each
+    Counts looks_;    // how many look so
     HashSet names_;
-    std::vector<std::pair<std::string, std::uint64_t>>
-        hidden_;  // originals by other names than it lists
-    std::set<std::string> sharers_;
+    std::vector<Claim> claims_;
 };
 
 /// The copies of the files of one directory, to notice that two of them may be one.
 class FileLooks {
   public:
-    void note(const FileEntry& copy, bool isReplaced) {
-        seen_.push_back(lookOf(copy));
-        replaces_ = replaces_ || isReplaced;
-    }
-    /// Some are to be replaced and some look alike, which is rare.
+    void note(std::string_view name, const FileEntry& copy, bool isReplaced);
+    /// One is to be replaced that its volume may show by another name, or some are and some look
+    /// alike, which is rare.
     bool areDoubtful();
     void clear();
 
   private:
     std::vector<std::uint64_t> seen_;
     bool replaces_ = false;
+    bool replacesFolded_ = false;
 };
 
 /// The originals that a directory of the copy did not have when they were looked for, by size and
@@ -71,16 +85,18 @@ class NewFiles {
     HashSet looks_;
 };
 
+/// True when some volumes may take the name for another that does not only differ by its case, or
+/// show it otherwise.
+bool mayBeFolded(std::string_view name);
+
 /// The directories beside one, by their originals' names, and what was seen of their copies.
 struct Siblings {
     const std::vector<std::string>& names;
     SeenEntries entries{};
     HashSet looks{};
     bool compared = false;  // those that look alike, with what the copy lists
-};
 
-/// True when some volumes may take one of the names for another that does not only differ by its
-/// case, or show it otherwise.
-bool mayBeFolded(const std::vector<std::string>& names);
+    bool mayBeFolded() const;
+};
 
 }  // namespace coffrelune

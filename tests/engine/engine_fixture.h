@@ -226,6 +226,8 @@ inline void EngineBench::startAgain() {
     statistics.tallies.resize(20);
     std::destroy_at(&errors);
     std::construct_at(&errors, state);
+    std::destroy_at(&engine);
+    std::construct_at(&engine, state, errors);
 }
 
 inline bool EngineBench::run(const LineRoots& roots, int line) {

@@ -113,6 +113,32 @@ TEST_P(OtherAlphabet, LetsTheTwoNotReplaceEachOther) {
     EXPECT_EQ(copy(), "first, changed");
 }
 
+// The copy pass finds what the analysis could not tell of.
+TEST_P(OtherAlphabet, LetsTheTwoNotReplaceEachOtherAfterALookUpThatFailed) {
+    expectTheSecondIsTold();
+    for (const std::uint32_t code : {error_number::ioDevice, error_number::fileNotFound}) {
+        startAgain();
+        faulty.fail("find", "F:\\Docs\\երևան.txt", code, 1);
+        EXPECT_FALSE(run("C:\\Docs", "F:\\"));
+        EXPECT_EQ(faulty.failureCount(), 1) << code;
+        EXPECT_EQ(copy(), "first") << code;
+        EXPECT_EQ(statistics.errorCount, 1) << code;
+    }
+}
+
+// Nobody can tell whose copy that is.
+TEST_P(OtherAlphabet, LetsNoneBeReplacedWhereTheCopyCannotBeListed) {
+    expectTheSecondIsTold();
+    first("first, changed", 4);
+    for (const char* call : {"openDirectory", "next"}) {
+        startAgain();
+        faulty.fail(call, "F:\\Docs\\", error_number::ioDevice);
+        EXPECT_FALSE(run("C:\\Docs", "F:\\"));
+        EXPECT_EQ(copy(), "first") << call;
+        EXPECT_GT(statistics.errorCount, 0) << call;
+    }
+}
+
 TEST_P(OtherAlphabet, LetsTheOtherOneIntoItsPlaceOnceTheFirstHasGone) {
     expectTheSecondIsTold();
     disk().remove("C:\\Docs\\Երևան.txt");

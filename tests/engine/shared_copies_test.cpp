@@ -35,13 +35,19 @@ class Listing final : public Directory {
 };
 
 /// Those that share an entry, of originals in the order in which they are read, each with what its
-/// name leads to.
-std::set<std::string> sharers(std::vector<FileEntry> listed, const std::vector<FileEntry>& found) {
+/// name leads to. `current`: the one that is up to date with it.
+std::vector<std::string> sharers(std::vector<FileEntry> listed, const std::vector<FileEntry>& found,
+                                 const std::string& current = {}) {
     ListedEntries entries;
     Listing listing(std::move(listed));
     EXPECT_TRUE(entries.add(listing).ok());
-    for (const FileEntry& copy : found) entries.lead(copy.name, copy);
-    return entries.sharers();
+    for (const FileEntry& copy : found) entries.lead(copy.name, copy, copy.name == current);
+    const Sharers sharers{entries.sharers()};
+    std::vector<std::string> names;
+    for (const FileEntry& copy : found) {
+        if (sharers.contains(copy.name)) names.push_back(copy.name);
+    }
+    return names;
 }
 
 TEST(ListedEntries, AreSharedByAllButTheFirstThatLeadToTheirNumber) {
@@ -59,7 +65,7 @@ TEST(ListedEntries, AreNotSharedByHardLinksOrFilesThatOnlyLookAlike) {
 TEST(ListedEntries, AreSharedByTheFirstThatLooksSoWhereNumbersAreMadeUp) {
     EXPECT_THAT(sharers({entry("E", 7, 1)}, {entry("E", 7, 1), entry("e", 8, 1)}),
                 ElementsAre("e"));
-    EXPECT_THAT(sharers({entry("E", 7, 1)}, {entry("e", 8, 1), entry("E", 7, 1)}),
+    EXPECT_THAT(sharers({entry("E", 7, 1)}, {entry("e.", 8, 1), entry("E", 7, 1)}),
                 ElementsAre("E"));
     EXPECT_THAT(sharers({entry("E~1", 7, 1)}, {entry("e", 8, 1), entry("E", 9, 1)}),
                 ElementsAre("E"));
@@ -71,26 +77,70 @@ TEST(ListedEntries, BelongToTheirNamesWhereSeveralLookAlike) {
                 ElementsAre("a"));
 }
 
+TEST(ListedEntries, BelongToTheOriginalThatIsUpToDateWithThem) {
+    EXPECT_THAT(sharers({entry("E", 7, 1)}, {entry("e", 8, 1), entry("E", 7, 1)}, "E"),
+                ElementsAre("e"));
+    EXPECT_THAT(sharers({entry("E", 7, 1)}, {entry("e.", 7, 1), entry("E", 7, 1)}, "E"),
+                ElementsAre("e."));
+    EXPECT_THAT(sharers({entry("E", 7, 1)}, {entry("E", 7, 1), entry("e", 8, 1)}, "e"),
+                ElementsAre("E"));
+}
+
+TEST(ListedEntries, BearTheNameOfTheirOwnerWhereNamesAreShownAsTheyWereGiven) {
+    EXPECT_THAT(sharers({entry("É", 7, 1)}, {entry("é", 8, 1), entry("É", 7, 1)}),
+                ElementsAre("é"));
+    EXPECT_THAT(sharers({entry("É", 7, 1)}, {entry("e\u0301", 8, 1), entry("É", 7, 1)}),
+                ElementsAre("É"));
+}
+
 TEST(ListedEntries, LeaveOneThatIsShownUnderAnotherNameItsCopy) {
     EXPECT_THAT(sharers({entry("E", 7, 1), entry("B", 8, 2)}, {entry("e", 9, 1), entry("B", 8, 2)}),
                 IsEmpty());
-    EXPECT_THAT(sharers({entry("B", 8, 2)}, {entry("of another kind", 9, 1)}), IsEmpty());
+}
+
+TEST(ListedEntries, AreNobodysWhoLeadsToWhatIsNotListed) {
+    EXPECT_THAT(sharers({entry("E", 7, 1)}, {entry("E", 7, 1), entry("e", 8, 3)}),
+                ElementsAre("e"));
+}
+
+TEST(ListedEntries, AreTheirNamesThoughTheyChangeMeanwhile) {
+    EXPECT_THAT(sharers({entry("A", 7, 1), entry("B", 8, 1)}, {entry("A", 7, 2), entry("B", 9, 3)}),
+                IsEmpty());
+}
+
+TEST(Sharers, MayBeAllWhereNobodyCanTell) {
+    Sharers sharers;
+    EXPECT_FALSE(sharers.contains("a"));
+    sharers.failure = Status::failure(error_number::ioDevice, "C:\\copie");
+    EXPECT_TRUE(sharers.contains("a"));
 }
 
 TEST(FileLooks, AreDoubtfulWhereSomeAreAlikeAndSomeReplaced) {
     FileLooks looks;
-    looks.note(entry("a", 1, 1), true);
+    looks.note("a", entry("a", 1, 1), true);
     EXPECT_FALSE(looks.areDoubtful());
-    looks.note(entry("b", 2, 2), false);
+    looks.note("b", entry("b", 2, 2), false);
     EXPECT_FALSE(looks.areDoubtful());
-    looks.note(entry("c", 3, 2), false);
+    looks.note("c", entry("c", 3, 2), false);
     EXPECT_TRUE(looks.areDoubtful());
 }
 
-TEST(Names, MayBeFoldedWhereOneIsNotPlain) {
-    EXPECT_FALSE(mayBeFolded({"plan", "Plan B", "a.txt"}));
-    for (const char* name : {"été", "R.E.M.", "fin ", "PROGRA~1"}) {
-        EXPECT_TRUE(mayBeFolded({"plan", name})) << name;
+TEST(FileLooks, AreDoubtfulWhereOneThatMayBeShownByAnotherNameIsReplaced) {
+    FileLooks looks;
+    looks.note("été", entry("été", 1, 1), false);
+    EXPECT_FALSE(looks.areDoubtful());
+    looks.note("plan", entry("plan", 2, 2), true);
+    EXPECT_FALSE(looks.areDoubtful());
+    looks.note("été", entry("été", 3, 3), true);
+    EXPECT_TRUE(looks.areDoubtful());
+    looks.clear();
+    EXPECT_FALSE(looks.areDoubtful());
+}
+
+TEST(Names, MayBeFoldedWhereTheyAreNotPlain) {
+    for (const char* name : {"plan", "Plan B", "a.txt"}) EXPECT_FALSE(mayBeFolded(name)) << name;
+    for (const char* name : {"été", "R.E.M.", "fin ", "PROGRA~1", "a:b"}) {
+        EXPECT_TRUE(mayBeFolded(name)) << name;
     }
 }
 
