@@ -62,7 +62,7 @@ std::string SystemMod::PackExclusions(int line) {
 void SystemMod::StoreExclusions(const std::string& packed, int line) {
     ClearExclusions(line);
     const std::vector<std::string> elements = splitText(packed, separator);
-    keep(configurationName, prefix(line) + "Mode", elements[0]);
+    keep(configurationName, prefix(line) + "Mode", protectQuotes(elements[0]));
     for (std::size_t number = 1; number < elements.size(); ++number) {
         if (elements[number].empty()) return;
         writeExcludedDirectory(line, number, unescapeCharacters(elements[number], separators));

@@ -77,6 +77,13 @@ TEST_F(ExclusionsTest, LeavesNoKeyWhenALineWithoutKeysIsStored) {
     EXPECT_EQ(onDisk(), "[General]\n");
 }
 
+TEST_F(ExclusionsTest, KeepsTheTextOfAModeThatIsNone) {
+    mod.StoreExclusions("\"\"2\"\"", 0);
+    EXPECT_EQ(mod.PackExclusions(0), "\"\"2\"\"");
+    mod.StoreExclusions(mod.PackExclusions(0), 1);
+    EXPECT_EQ(mod.PackExclusions(1), "\"\"2\"\"");
+}
+
 TEST_F(ExclusionsTest, ClearsTheListAndKeepsAModeOfZero) {
     put("RepExclu0_Mode=2\nRepExclu0_Rep1=\\x\nRepExclu0_Rep2=\\y\nRepExclu1_Mode=1\n");
     mod.ClearExclusions(0);
