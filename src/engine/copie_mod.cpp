@@ -184,7 +184,7 @@ void CopieMod::look(const Place& place) {
     if (run_.stopped()) return;
     const std::vector<std::string> names = subdirectories(place, *pair.source);
     pair = {};  // a deep tree must not hold a descriptor for every level
-    walkSubdirectories(place, names);
+    walkSubdirectories(place, names, false);
 }
 
 DirectoryPair CopieMod::pairOf(const Place& place) const {
@@ -235,7 +235,7 @@ void CopieMod::walkTree(const Place& place) {
     const std::vector<std::string> names = subdirectories(place, *listing);
     listing.reset();  // a deep tree must not hold a descriptor for every level
     target.reset();
-    walkSubdirectories(place, names);
+    walkSubdirectories(place, names, isNew);
     // What is written into a directory may have needed rights that its original does not give.
     const bool hasRights = hadRights && queue_.added() == addedBefore &&
                            statistics_.directoriesCreated == createdBefore;
@@ -290,6 +290,11 @@ bool CopieMod::openTarget(const Place& place, std::unique_ptr<Directory>& target
     const auto open = [&] {
         return files_.openDirectory(place.destination, targetLinks(place), Wanted::nothing, target);
     };
+    // Nothing need be looked for in what was made just now. What fails here is told below.
+    if (place.siblings != nullptr && place.siblings->inNewCopy) {
+        if (!mayChange()) return false;
+        if (makeTarget(place).ok()) return open().ok();
+    }
     const Status opened = open();
     if (!opened.ok()) {
         if (errors_.hasFailedInLine(place.source)) return false;
@@ -338,9 +343,10 @@ CopieMod::Entered::~Entered() {
     }
 }
 
-void CopieMod::walkSubdirectories(const Place& place, const std::vector<std::string>& names) {
+void CopieMod::walkSubdirectories(const Place& place, const std::vector<std::string>& names,
+                                  bool isNew) {
     FoldedNames handled;
-    Siblings siblings{names};
+    Siblings siblings{names, isNew};
     for (std::size_t i = 0; i < names.size(); ++i) {
         announce(names, i);
         if (run_.stopped()) return;

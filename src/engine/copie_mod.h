@@ -89,9 +89,10 @@ class CopieMod {
     bool mayBeOwn(const FileEntry& entry, const Place& place);
     RestoredNames::Owner otherOwner(const FileEntry& entry, const Place& place);
     bool createMissingTarget(const Place& place, const Status& opened);
+    Status makeTarget(const Place& place);
     bool isBlocked(const Place& place);
     void showTreeCounts();
-    void walkSubdirectories(const Place& place, const std::vector<std::string>& names);
+    void walkSubdirectories(const Place& place, const std::vector<std::string>& names, bool isNew);
     std::vector<std::string> subdirectories(const Place& place, Directory& listing);
     bool isWanted(const Place& place, const FileEntry& directory);
 
@@ -134,8 +135,7 @@ class CopieMod {
     LineTrees* trees_ = nullptr;
     WalkPaths paths_;
     Pass pass_ = Pass::analysis;
-    // Names of originals whose copy is another's, by directory and its target: the analysis finds
-    // them.
+    // Originals whose copy is another's, by directory and its target.
     std::map<std::pair<std::string, std::string>, Sharers> sharers_;
     SeenEntries copies_;                // of the files of one directory
     FileLooks looks_;                   // of the same

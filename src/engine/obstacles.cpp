@@ -10,18 +10,22 @@ bool CopieMod::createMissingTarget(const Place& place, const Status& opened) {
     if (isBlocked(place)) return false;
     if (place.links == LinkRule::follow) return createRoot();
     if (!mayChange()) return false;
+    const Status made = makeTarget(place);
+    if (made.ok()) return true;
     const std::string path = withoutTrailingBackslash(place.destination);
-    const Status made = files_.createDirectory(path, DirectoryAccess::ownerOnly);
-    if (made.ok()) {
-        ++statistics_.directoriesCreated;
-        return true;
-    }
     const std::string lock =
         made.code() == error_number::accessDenied ? lockOn(files_, path) : std::string();
     if (!lock.empty() && !errors_.hasFailedInLine(place.source)) display_.AjouteECTxt(lock);
     const bool taken = made.code() == error_number::alreadyExists;
     errors_.failedInLine(taken ? opened.code() : made.code(), place.source);
     return false;
+}
+
+Status CopieMod::makeTarget(const Place& place) {
+    const std::string path = withoutTrailingBackslash(place.destination);
+    Status made = files_.createDirectory(path, DirectoryAccess::ownerOnly);
+    if (made.ok()) ++statistics_.directoriesCreated;
+    return made;
 }
 
 // A file where a directory must be: the deletion of excess files takes it away, and the directory

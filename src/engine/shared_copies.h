@@ -92,6 +92,7 @@ bool mayBeFolded(std::string_view name);
 /// The directories beside one, by their originals' names, and what was seen of their copies.
 struct Siblings {
     const std::vector<std::string>& names;
+    bool inNewCopy = false;  // the copy of their parent was made just now
     SeenEntries entries{};
     HashSet looks{};
     bool compared = false;  // those that look alike, with what the copy lists

@@ -1,4 +1,6 @@
 // The order and the counts of the walk, and the roots of a line.
+#include <algorithm>
+
 #include "engine/engine_fixture.h"
 
 namespace coffrelune {
@@ -39,6 +41,29 @@ TEST_F(Engine, CreatesNothingInASecondTreePass) {
     statistics.directoriesRead = statistics.directoriesCreated = 0;
     makeTree("C:\\Docs", "F:\\");
     EXPECT_EQ(window.counts.back(), "2 répertoire(s) lu(s), 0 répertoire(s) créé(s)");
+}
+
+TEST_F(Engine, LooksForNothingInADirectoryThatItHasJustMade) {
+    disk().file("C:\\Docs\\A\\B\\b", "x");
+    makeTree("C:\\Docs", "F:\\");
+    const std::vector<std::string>& calls = faulty.calls();
+    for (const char* path : {"F:\\Docs\\A\\", "F:\\Docs\\A\\B\\"}) {
+        EXPECT_EQ(std::count(calls.begin(), calls.end(), std::string("openDirectory ") + path), 1);
+    }
+    EXPECT_EQ(statistics.directoriesCreated, 3);
+}
+
+TEST_F(Engine, EntersADirectoryThatSomebodyMadeMeanwhile) {
+    disk().file("C:\\Docs\\A\\a", "x");
+    window.onEvents = [&] {
+        if (disk().exists("F:\\Docs")) disk().file("F:\\Docs\\A\\mine", "y");
+    };
+    makeTree("C:\\Docs", "F:\\");
+    EXPECT_EQ(statistics.directoriesCreated, 1);
+    act("C:\\Docs", "F:\\");
+    EXPECT_EQ(disk().content("F:\\Docs\\A\\a"), "x");
+    EXPECT_EQ(disk().content("F:\\Docs\\A\\mine"), "y");
+    EXPECT_EQ(statistics.errorCount, 0);
 }
 
 TEST_F(Engine, CreatesMissingDirectoriesWhenItCopies) {
