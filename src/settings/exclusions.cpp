@@ -29,11 +29,11 @@ bool isDirectoryKey(const std::string& key, int line) {
 }
 
 // Quoted only where reading would take something off its ends.
-std::string storable(const std::string& directory) {
+std::string storable(const std::string& value) {
     constexpr std::string_view blanks = " \t\v\f";
-    const bool blankEnd = blanks.find(directory.front()) != std::string_view::npos ||
-                          blanks.find(directory.back()) != std::string_view::npos;
-    return blankEnd ? QuoteValue(directory) : protectQuotes(directory);
+    const bool blankEnd = !value.empty() && (blanks.find(value.front()) != std::string_view::npos ||
+                                             blanks.find(value.back()) != std::string_view::npos);
+    return blankEnd ? QuoteValue(value) : protectQuotes(value);
 }
 
 }  // namespace
@@ -62,7 +62,7 @@ std::string SystemMod::PackExclusions(int line) {
 void SystemMod::StoreExclusions(const std::string& packed, int line) {
     ClearExclusions(line);
     const std::vector<std::string> elements = splitText(packed, separator);
-    keep(configurationName, prefix(line) + "Mode", protectQuotes(elements[0]));
+    keep(configurationName, prefix(line) + "Mode", storable(elements[0]));
     for (std::size_t number = 1; number < elements.size(); ++number) {
         if (elements[number].empty()) return;
         writeExcludedDirectory(line, number, unescapeCharacters(elements[number], separators));

@@ -78,10 +78,12 @@ TEST_F(ExclusionsTest, LeavesNoKeyWhenALineWithoutKeysIsStored) {
 }
 
 TEST_F(ExclusionsTest, KeepsTheTextOfAModeThatIsNone) {
-    mod.StoreExclusions("\"\"2\"\"", 0);
-    EXPECT_EQ(mod.PackExclusions(0), "\"\"2\"\"");
-    mod.StoreExclusions(mod.PackExclusions(0), 1);
-    EXPECT_EQ(mod.PackExclusions(1), "\"\"2\"\"");
+    for (const char* text : {"\"\"2\"\"", "\f'2'\f", " 2 "}) {
+        mod.StoreExclusions(text, 0);
+        EXPECT_EQ(mod.PackExclusions(0), text);
+        mod.StoreExclusions(mod.PackExclusions(0), 1);
+        EXPECT_EQ(mod.PackExclusions(1), text);
+    }
 }
 
 TEST_F(ExclusionsTest, ClearsTheListAndKeepsAModeOfZero) {
