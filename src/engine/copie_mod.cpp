@@ -290,15 +290,20 @@ bool CopieMod::openTarget(const Place& place, std::unique_ptr<Directory>& target
     const auto open = [&] {
         return files_.openDirectory(place.destination, targetLinks(place), Wanted::nothing, target);
     };
-    // Nothing need be looked for in what was made just now. What fails here is told below.
+    const auto openNew = [&] {
+        const Status opened = open();
+        if (!opened.ok()) errors_.failedInLine(opened.code(), place.source);
+        return opened.ok();
+    };
+    // Nothing need be looked for in what was made just now. What stands in the way is told below.
     if (place.siblings != nullptr && place.siblings->inNewCopy) {
         if (!mayChange()) return false;
-        if (makeTarget(place).ok()) return open().ok();
+        if (makeTarget(place).ok()) return openNew();
     }
     const Status opened = open();
     if (!opened.ok()) {
         if (errors_.hasFailedInLine(place.source)) return false;
-        return createMissingTarget(place, opened) && open().ok();
+        return createMissingTarget(place, opened) && openNew();
     }
     if (place.links == LinkRule::enter && leadsBack(place, *target)) return false;
     // Once per run and directory is enough: the tree pass meets every one of them. What cannot be

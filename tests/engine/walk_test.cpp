@@ -66,6 +66,15 @@ TEST_F(Engine, EntersADirectoryThatSomebodyMadeMeanwhile) {
     EXPECT_EQ(statistics.errorCount, 0);
 }
 
+TEST_F(Engine, TellsOfADirectoryThatItHasMadeAndCannotEnter) {
+    disk().file("C:\\Docs\\A\\a", "x");
+    faulty.fail("openDirectory", "F:\\Docs\\A\\", error_number::ioDevice, 1);
+    act("C:\\Docs", "F:\\");
+    EXPECT_TRUE(disk().exists("F:\\Docs\\A"));
+    EXPECT_FALSE(disk().exists("F:\\Docs\\A\\a"));
+    EXPECT_EQ(window.journal, std::vector<std::string>{"Erreur: 1117 - Fichier: C:\\Docs\\A"});
+}
+
 TEST_F(Engine, CreatesMissingDirectoriesWhenItCopies) {
     disk().file("C:\\Docs\\A\\a", "x");
     act("C:\\Docs", "F:\\Save");
