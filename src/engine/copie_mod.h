@@ -137,11 +137,11 @@ class CopieMod {
     Pass pass_ = Pass::analysis;
     // Originals whose copy is another's, by directory and its target.
     std::map<std::pair<std::string, std::string>, Sharers> sharers_;
-    SeenEntries copies_;                // of the files of one directory
-    FileLooks looks_;                   // of the same
-    NewFiles newFiles_;                 // of one directory, in the copy pass
-    std::set<std::string> mixed_;       // copies of directories that are another's: the same
-    std::unique_ptr<WalkAhead> ahead_;  // where the pass changes nothing
+    SeenEntries copies_;                          // of the files of one directory
+    FileLooks looks_;                             // of the same
+    NewFiles newFiles_;                           // of one directory, in the copy pass
+    std::map<std::string, std::uint32_t> mixed_;  // copies of directories that are another's: why
+    std::unique_ptr<WalkAhead> ahead_;            // where the pass changes nothing
     LeftOut leftOut_;
     DecisionOptions decision_;
 };

@@ -17,13 +17,12 @@ std::pair<std::uint64_t, std::uint64_t> numberOf(const FileEntry& entry) {
     return {entry.id.volume, entry.id.file};
 }
 
-// A name that the volume cannot hold has no copy there.
+}  // namespace
+
 bool cannotBeThere(const Status& looked) {
     return looked.saysAbsent() || looked.code() == error_number::invalidName ||
            looked.code() == error_number::nameTooLong;
 }
-
-}  // namespace
 
 RestoredNames::Owner RestoredNames::otherOwner(const std::string& copy,
                                                const std::string& originals,

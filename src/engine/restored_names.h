@@ -10,6 +10,10 @@
 
 namespace coffrelune {
 
+/// True when a look-up in a copy tells that there is none of this name: a name that the volume
+/// cannot hold has no copy there.
+bool cannotBeThere(const Status& looked);
+
 /// Whose copy an entry of a copy is. A volume that takes two names for one has kept one of the two
 /// originals, and may list it under the name of the other: brought back by that name, it would take
 /// the place of a file that is nowhere else. Directories end with a backslash.

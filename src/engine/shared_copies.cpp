@@ -44,18 +44,30 @@ bool Sharers::contains(std::string_view name) const {
 
 Status ListedEntries::add(Directory& listing) {
     for (FileEntry entry; listing.next(entry);) {
+        (void)names_.add(hashOf(entry.name));
+        if (entry.isUnreadable()) {
+            (void)unreadable_.add(hashOf(entry.name));
+            continue;
+        }
         ++numbers_[entry.id.file];
         ++looks_[lookOf(entry)];
-        (void)names_.add(hashOf(entry.name));
     }
     return listing.status();
+}
+
+bool ListedEntries::leavesOpen(std::string_view name, const Status& looked) const {
+    return !looked.ok() && !cannotBeThere(looked) && !unreadable_.contains(hashOf(name));
 }
 
 void ListedEntries::lead(std::string_view name, const FileEntry& copy, bool isCurrent) {
     const std::uint64_t hash = hashOf(name);
     const bool isNumbered = copy.id.known() && numbers_.contains(copy.id.file);
-    claims_.push_back({hash, copy.id.file, lookOf(copy), characterCount(name), isNumbered,
-                       names_.contains(hash), isCurrent});
+    const bool isListed = names_.contains(hash);
+    // Of two that are listed each has an entry of its own.
+    const bool areTwo = isListed && !ledAndListed_.add(name);
+    const bool isRepeated = !led_.add(name) && !areTwo;
+    claims_.push_back({hash, copy.id.file, lookOf(copy), characterCount(name), isNumbered, isListed,
+                       isCurrent, isRepeated});
 }
 
 HashSet ListedEntries::sharers() const {
@@ -98,8 +110,8 @@ void ListedEntries::settleOne(std::span<Claim> claims, std::size_t entries, Hash
     std::stable_sort(claims.begin(), claims.end(), [&](const Claim& a, const Claim& b) {
         const auto rank = [&](const Claim& claim) {
             const bool bearsItsName = namesTell && claim.isListed;
-            return entries > 1 ? std::pair(bearsItsName, claim.isCurrent)
-                               : std::pair(claim.isCurrent, bearsItsName);
+            return entries > 1 ? std::tuple(!claim.isRepeated, bearsItsName, claim.isCurrent)
+                               : std::tuple(!claim.isRepeated, claim.isCurrent, bearsItsName);
         };
         return rank(a) > rank(b);
     });
@@ -225,7 +237,7 @@ Sharers CopieMod::sharers(const Pair& pair) {
                 original.size == copy.size && haveSameTime(original, copy, decision_);
             listed.lead(original.name, copy, isCurrent);
         }
-        if (!looked.ok() && !looked.saysAbsent()) return {.failure = looked};
+        if (listed.leavesOpen(original.name, looked)) return {.failure = looked};
     }
     return {listed.sharers(), listing->status()};
 }
@@ -238,8 +250,10 @@ bool CopieMod::isMixedWithSibling(const Place& place, const Directory& target) {
     // What is written changes how a directory looks: the analysis tells, before it.
     if (!mayCreate() && !place.siblings->looks.add(lookOf(*self))) compareSiblings(place);
     const bool isOther = place.siblings->entries.add(self->id);
-    if (isOther && (mixed_.empty() || !mixed_.contains(place.destination))) return false;
-    errors_.unread(error_number::alreadyExists, withoutTrailingBackslash(place.source));
+    const auto mixed = mixed_.empty() ? mixed_.end() : mixed_.find(place.destination);
+    if (isOther && mixed == mixed_.end()) return false;
+    errors_.unread(mixed == mixed_.end() ? error_number::alreadyExists : mixed->second,
+                   withoutTrailingBackslash(place.source));
     return true;
 }
 
@@ -255,14 +269,18 @@ void CopieMod::compareSiblings(const Place& place) {
     Status failure = files_.openDirectory(copies, LinkRule::follow, wanted, listing);
     if (failure.ok()) failure = listed.add(*listing);
     if (failure.saysAbsent()) return;
+    SeenEntries entered;
     for (const std::string& name : siblings.names) {
         FileEntry copy;
         const Status looked = files_.lookUp(copies + name, LinkRule::refuse, copy);
-        if (looked.ok() && copy.isDirectory()) listed.lead(name, copy, false);
+        // Where the numbers tell, the walk keeps to the first one.
+        if (looked.ok() && copy.isDirectory()) listed.lead(name, copy, entered.add(copy.id));
+        if (listed.leavesOpen(name, looked)) failure = looked;
     }
     const Sharers found{listed.sharers(), failure};
+    const std::uint32_t number = failure.ok() ? error_number::alreadyExists : failure.code();
     for (const std::string& name : siblings.names) {
-        if (found.contains(name)) mixed_.insert(copies + name + "\\");
+        if (found.contains(name)) mixed_.emplace(copies + name + "\\", number);
     }
 }
 

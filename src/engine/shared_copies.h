@@ -29,12 +29,17 @@ struct Sharers {
 class ListedEntries {
   public:
     Status add(Directory& listing);
-    /// An original of this name leads to `copy`. `isCurrent`: which is up to date with it.
+    /// True when a look-up of `name`, which the copy lists or not, leaves open what it leads to.
+    /// What is listed by its name alone can be looked at by none, so it is not counted for any.
+    bool leavesOpen(std::string_view name, const Status& looked) const;
+    /// An original of this name leads to `copy`. `isCurrent`: which is up to date with it. In the
+    /// order in which the originals are copied.
     void lead(std::string_view name, const FileEntry& copy, bool isCurrent);
     /// All that share an entry but its owner: the original that is up to date with it, or else the
     /// one whose name it bears, or the first one. As many names as the copy lists may lead to one:
     /// these are hard links. Where numbers are made up, entries are told by their looks, and where
-    /// several look alike, each is the original's whose name it bears.
+    /// several look alike, each is the original's whose name it bears. Of names that differ in
+    /// their case alone the first one leads, since the walk copies no other.
     HashSet sharers() const;
 
   private:
@@ -44,6 +49,7 @@ class ListedEntries {
         bool isNumbered;     // by a number that is listed
         bool isListed;       // by this very name
         bool isCurrent;
+        bool isRepeated;  // a name that came before it is the same but for its case
     };
     using Counts = std::map<std::uint64_t, std::size_t>;
 
@@ -54,6 +60,9 @@ class ListedEntries {
     Counts numbers_;  // how many entries bear each
     Counts looks_;    // how many look so
     HashSet names_;
+    HashSet unreadable_;  // names
+    FoldedNames led_;
+    FoldedNames ledAndListed_;
     std::vector<Claim> claims_;
 };
 

@@ -63,32 +63,32 @@ TEST(ListedEntries, AreNotSharedByHardLinksOrFilesThatOnlyLookAlike) {
 }
 
 TEST(ListedEntries, AreSharedByTheFirstThatLooksSoWhereNumbersAreMadeUp) {
-    EXPECT_THAT(sharers({entry("E", 7, 1)}, {entry("E", 7, 1), entry("e", 8, 1)}),
-                ElementsAre("e"));
+    EXPECT_THAT(sharers({entry("Ե", 7, 1)}, {entry("Ե", 7, 1), entry("ե", 8, 1)}),
+                ElementsAre("ե"));
     EXPECT_THAT(sharers({entry("E", 7, 1)}, {entry("e.", 8, 1), entry("E", 7, 1)}),
                 ElementsAre("E"));
-    EXPECT_THAT(sharers({entry("E~1", 7, 1)}, {entry("e", 8, 1), entry("E", 9, 1)}),
-                ElementsAre("E"));
+    EXPECT_THAT(sharers({entry("E~1", 7, 1)}, {entry("ե", 8, 1), entry("Ե", 9, 1)}),
+                ElementsAre("Ե"));
 }
 
 TEST(ListedEntries, BelongToTheirNamesWhereSeveralLookAlike) {
-    EXPECT_THAT(sharers({entry("A", 7, 1), entry("B", 8, 1)},
-                        {entry("a", 9, 1), entry("A", 7, 1), entry("B", 8, 1)}),
-                ElementsAre("a"));
+    EXPECT_THAT(sharers({entry("Ա", 7, 1), entry("B", 8, 1)},
+                        {entry("ա", 9, 1), entry("Ա", 7, 1), entry("B", 8, 1)}),
+                ElementsAre("ա"));
 }
 
 TEST(ListedEntries, BelongToTheOriginalThatIsUpToDateWithThem) {
-    EXPECT_THAT(sharers({entry("E", 7, 1)}, {entry("e", 8, 1), entry("E", 7, 1)}, "E"),
-                ElementsAre("e"));
+    EXPECT_THAT(sharers({entry("Ե", 7, 1)}, {entry("ե", 8, 1), entry("Ե", 7, 1)}, "Ե"),
+                ElementsAre("ե"));
     EXPECT_THAT(sharers({entry("E", 7, 1)}, {entry("e.", 7, 1), entry("E", 7, 1)}, "E"),
                 ElementsAre("e."));
-    EXPECT_THAT(sharers({entry("E", 7, 1)}, {entry("E", 7, 1), entry("e", 8, 1)}, "e"),
-                ElementsAre("E"));
+    EXPECT_THAT(sharers({entry("Ե", 7, 1)}, {entry("Ե", 7, 1), entry("ե", 8, 1)}, "ե"),
+                ElementsAre("Ե"));
 }
 
 TEST(ListedEntries, BearTheNameOfTheirOwnerWhereNamesAreShownAsTheyWereGiven) {
-    EXPECT_THAT(sharers({entry("É", 7, 1)}, {entry("é", 8, 1), entry("É", 7, 1)}),
-                ElementsAre("é"));
+    EXPECT_THAT(sharers({entry("Ե", 7, 1)}, {entry("ե", 8, 1), entry("Ե", 7, 1)}),
+                ElementsAre("ե"));
     EXPECT_THAT(sharers({entry("É", 7, 1)}, {entry("e\u0301", 8, 1), entry("É", 7, 1)}),
                 ElementsAre("É"));
 }
@@ -106,6 +106,40 @@ TEST(ListedEntries, AreNobodysWhoLeadsToWhatIsNotListed) {
 TEST(ListedEntries, AreTheirNamesThoughTheyChangeMeanwhile) {
     EXPECT_THAT(sharers({entry("A", 7, 1), entry("B", 8, 1)}, {entry("A", 7, 2), entry("B", 9, 3)}),
                 IsEmpty());
+}
+
+// The walk copies no other of them.
+TEST(ListedEntries, BelongToTheFirstOfThoseThatDifferInTheirCaseAlone) {
+    for (const char* current : {"", "é"}) {
+        EXPECT_THAT(sharers({entry("é", 7, 1)}, {entry("É", 7, 1), entry("é", 7, 1)}, current),
+                    ElementsAre("é"));
+        EXPECT_THAT(sharers({entry("é", 7, 1), entry("b", 8, 1)},
+                            {entry("É", 9, 1), entry("é", 7, 1), entry("b", 8, 1)}, current),
+                    ElementsAre("é"));
+    }
+}
+
+TEST(ListedEntries, AreTwoWhereBothCasesAreListed) {
+    EXPECT_THAT(sharers({entry("É", 7, 1), entry("é", 8, 1)},
+                        {entry("É", 7, 1), entry("é", 8, 1), entry("é.", 9, 1)}),
+                ElementsAre("é."));
+}
+
+TEST(ListedEntries, AreOpenToNobodyElseWhereTheyAreListedByTheirNamesAlone) {
+    FileEntry damaged = entry("damaged", 0, 0);
+    damaged.id = {};
+    damaged.failure = error_number::ioDevice;
+    ListedEntries entries;
+    Listing listing({damaged, entry("a", 7, 1)});
+    EXPECT_TRUE(entries.add(listing).ok());
+    const Status failure = Status::failure(error_number::ioDevice, "C:\\copie\\x");
+    EXPECT_FALSE(entries.leavesOpen("damaged", failure));
+    EXPECT_TRUE(entries.leavesOpen("a", failure));
+    for (const auto absent : {error_number::fileNotFound, error_number::invalidName}) {
+        EXPECT_FALSE(entries.leavesOpen("a", Status::failure(absent, "C:\\copie\\a")));
+    }
+    entries.lead("DAMAGED", entry("DAMAGED", 9, 3), true);
+    EXPECT_TRUE(Sharers{entries.sharers()}.contains("DAMAGED"));
 }
 
 TEST(Sharers, MayBeAllWhereNobodyCanTell) {
