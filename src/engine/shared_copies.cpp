@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <iterator>
 #include <memory>
 #include <tuple>
 #include <utility>
@@ -25,6 +24,11 @@ constexpr std::uint64_t roundedBy = 20'000'000;  // two seconds
 std::uint64_t lookInSpan(std::uint64_t size, std::uint64_t date) {
     std::uint64_t hash = (date / (2 * roundedBy) ^ size << 32 ^ size >> 32) * 0x9E3779B97F4A7C15;
     return hash ^ hash >> 32;
+}
+
+std::size_t countOf(std::uint64_t key, const std::vector<std::uint64_t>& sorted) {
+    const auto [first, last] = std::equal_range(sorted.begin(), sorted.end(), key);
+    return static_cast<std::size_t>(last - first);
 }
 
 }  // namespace
@@ -49,9 +53,10 @@ Status ListedEntries::add(Directory& listing) {
             (void)unreadable_.add(hashOf(entry.name));
             continue;
         }
-        ++numbers_[entry.id.file];
-        ++looks_[lookOf(entry)];
+        numbers_.push_back(entry.id.file);
+        looks_.push_back(lookOf(entry));
     }
+    for (Keys* keys : {&numbers_, &looks_}) std::sort(keys->begin(), keys->end());
     return listing.status();
 }
 
@@ -61,7 +66,7 @@ bool ListedEntries::leavesOpen(std::string_view name, const Status& looked) cons
 
 void ListedEntries::lead(std::string_view name, const FileEntry& copy, bool isCurrent) {
     const std::uint64_t hash = hashOf(name);
-    const bool isNumbered = copy.id.known() && numbers_.contains(copy.id.file);
+    const bool isNumbered = copy.id.known() && countOf(copy.id.file, numbers_) > 0;
     const bool isListed = names_.contains(hash);
     // Of two that are listed each has an entry of its own.
     const bool areTwo = isListed && !ledAndListed_.add(name);
@@ -72,30 +77,31 @@ void ListedEntries::lead(std::string_view name, const FileEntry& copy, bool isCu
 
 HashSet ListedEntries::sharers() const {
     HashSet losers;
-    std::vector<Claim> claims;
-    const auto isNumbered = [](const Claim& claim) { return claim.isNumbered; };
-    std::copy_if(claims_.begin(), claims_.end(), std::back_inserter(claims), isNumbered);
+    Claims claims;
+    for (const Claim& claim : claims_) {
+        if (claim.isNumbered) claims.push_back(&claim);
+    }
     settle(std::move(claims), &Claim::number, numbers_, losers);
     claims.clear();
     for (const Claim& claim : claims_) {
         // What has changed since it was listed is still its own.
         const bool hasChanged =
-            !looks_.contains(claim.look) && (claim.isNumbered || claim.isListed);
-        if (!hasChanged && !losers.contains(claim.name)) claims.push_back(claim);
+            (claim.isNumbered || claim.isListed) && countOf(claim.look, looks_) == 0;
+        if (!hasChanged && !losers.contains(claim.name)) claims.push_back(&claim);
     }
     settle(std::move(claims), &Claim::look, looks_, losers);
     return losers;
 }
 
-void ListedEntries::settle(std::vector<Claim> claims, std::uint64_t Claim::*key,
-                           const Counts& entries, HashSet& losers) {
+void ListedEntries::settle(Claims claims, std::uint64_t Claim::*key, const Keys& entries,
+                           HashSet& losers) {
     std::stable_sort(claims.begin(), claims.end(),
-                     [&](const Claim& a, const Claim& b) { return a.*key < b.*key; });
+                     [&](const Claim* a, const Claim* b) { return a->*key < b->*key; });
     for (auto first = claims.begin(); first != claims.end();) {
-        const auto isOther = [&](const Claim& claim) { return claim.*key != (*first).*key; };
+        const std::uint64_t value = (*first)->*key;
+        const auto isOther = [&](const Claim* claim) { return claim->*key != value; };
         const auto last = std::find_if(first, claims.end(), isOther);
-        const auto found = entries.find((*first).*key);
-        settleOne({first, last}, found == entries.end() ? 0 : found->second, losers);
+        settleOne({first, last}, countOf(value, entries), losers);
         first = last;
     }
 }
@@ -103,19 +109,20 @@ void ListedEntries::settle(std::vector<Claim> claims, std::uint64_t Claim::*key,
 // Claims of one entry, or of several that cannot be told apart, in the order in which they came. A
 // volume that shows names otherwise than they were given changes their length: dots at the end,
 // accents composed in two ways. On others, an entry bears the name of its owner.
-void ListedEntries::settleOne(std::span<Claim> claims, std::size_t entries, HashSet& losers) {
+void ListedEntries::settleOne(std::span<const Claim*> claims, std::size_t entries,
+                              HashSet& losers) {
     if (claims.size() <= entries) return;
-    const auto isOther = [&](const Claim& claim) { return claim.length != claims[0].length; };
+    const auto isOther = [&](const Claim* claim) { return claim->length != claims[0]->length; };
     const bool namesTell = entries > 1 || std::none_of(claims.begin(), claims.end(), isOther);
-    std::stable_sort(claims.begin(), claims.end(), [&](const Claim& a, const Claim& b) {
+    std::stable_sort(claims.begin(), claims.end(), [&](const Claim* a, const Claim* b) {
         const auto rank = [&](const Claim& claim) {
             const bool bearsItsName = namesTell && claim.isListed;
             return entries > 1 ? std::tuple(!claim.isRepeated, bearsItsName, claim.isCurrent)
                                : std::tuple(!claim.isRepeated, claim.isCurrent, bearsItsName);
         };
-        return rank(a) > rank(b);
+        return rank(*a) > rank(*b);
     });
-    for (const Claim& claim : claims.subspan(entries)) (void)losers.add(claim.name);
+    for (const Claim* claim : claims.subspan(entries)) (void)losers.add(claim->name);
 }
 
 // Only where something is replaced is the rest worth its time.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <span>
 #include <string>
 #include <string_view>
@@ -51,14 +50,15 @@ class ListedEntries {
         bool isCurrent;
         bool isRepeated;  // a name that came before it is the same but for its case
     };
-    using Counts = std::map<std::uint64_t, std::size_t>;
+    using Claims = std::vector<const Claim*>;
+    using Keys = std::vector<std::uint64_t>;  // of the entries, sorted
 
-    static void settle(std::vector<Claim> claims, std::uint64_t Claim::*key, const Counts& entries,
+    static void settle(Claims claims, std::uint64_t Claim::*key, const Keys& entries,
                        HashSet& losers);
-    static void settleOne(std::span<Claim> claims, std::size_t entries, HashSet& losers);
+    static void settleOne(std::span<const Claim*> claims, std::size_t entries, HashSet& losers);
 
-    Counts numbers_;  // how many entries bear each
-    Counts looks_;    // how many look so
+    Keys numbers_;
+    Keys looks_;
     HashSet names_;
     HashSet unreadable_;  // names
     FoldedNames led_;
