@@ -102,26 +102,26 @@ change "une autre règle" "src/win32/number.cpp src/words.cpp tests/words_test.c
 # Three sources that can be judged at once, each with a line of its own.
 together() {
     local number=0 line checks=readability-container-size-empty,misc-unused-using-decls,clang-analyzer-core.\*
-    mkdir -p src/group
+    mkdir -p tests/group
     printf '#pragma once\nnamespace house {\nstruct Thing {};\n}\n' >src/names.h
     for line; do
         number=$((number + 1))
         printf '#include "text.h"\nbool text%s() {\n    return bare("a");\n}\n%b\n' "$number" "$line" \
-            >src/group/"$number".cpp
+            >tests/group/"$number".cpp
     done
     sed -i "s/^Checks: .*/Checks: '-*,$checks'/" .clang-tidy
-    database linux-asan "" src/words.cpp tests/words_test.cpp src/group/{1,2,3}.cpp
+    database linux-asan "" src/words.cpp tests/words_test.cpp tests/group/{1,2,3}.cpp
 }
 own='namespace {\nbool own(const std::string& text) {\n    return text.empty();\n}\n}  // namespace\nbool'
 change "des sources jugées ensemble" "" together "" "" ""
-change "une faute parmi des sources jugées ensemble" "src/group/2.cpp " \
+change "une faute parmi des sources jugées ensemble" "tests/group/2.cpp " \
     together "" "bool empty2(const std::string& text) { $bad_line }" ""
 change "deux sources qui ont un nom en commun" "" \
     together "$own a() { return own(\"a\"); }" "$own b() { return own(\"b\"); }" ""
-change "un nom pris pour rien, dont une autre source se sert" "src/group/1.cpp " \
+change "un nom pris pour rien, dont une autre source se sert" "tests/group/1.cpp " \
     together '#include "names.h"\nusing house::Thing;' \
     '#include "names.h"\nusing house::Thing;\nint b(const Thing&) {\n    return 1;\n}' ""
-change "une faute dans ce qu'une autre source appelle" "src/group/1.cpp " \
+change "une faute dans ce qu'une autre source appelle" "tests/group/1.cpp " \
     together "int first(const int* a) {\n    if (a) return 1;\n    return *a;\n}" \
     "int first(const int* a);\nint second() {\n    const int a = 1;\n    return first(&a);\n}" ""
 

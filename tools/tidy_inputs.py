@@ -6,6 +6,7 @@ Usage: tidy_inputs.py database OUTPUT DATABASE [--except=OTHER_OUTPUT] [ARGUMENT
        tidy_inputs.py sources DATABASE
        tidy_inputs.py groups OUTPUT SIZE
        tidy_inputs.py batch OUTPUT BATCH FILE...
+       tidy_inputs.py blamed BATCH
 
 "database" writes a compile database without what only the compiler that built it understands, nor
 what has no say in a verdict: the sanitizers, the launcher, the assembler, outputs. Sources that were
@@ -21,9 +22,12 @@ whatever directory the clone lies in. A source whose files cannot be told gets n
 "groups" reads paths of sources, a line each, and prints them in groups that can be judged at once, a
 line each, separated by tabs. "batch" makes such a group one source: BATCH gets its compile database
 and an overlay in which it lies, under the name that is printed, where no header lies beside it.
+"blamed" reads what was said of that source, and prints the paths of those in which it finds errors.
 """
 
+import bisect
 import hashlib
+import itertools
 import json
 import os
 import re
@@ -188,21 +192,34 @@ def make_batch(output, batch, *paths):
     name = os.path.join(rules_of(paths[0]), "batch", "batch.cpp")
     text = os.path.join(os.path.abspath(batch), "batch.txt")
     with open(text, "w", encoding="utf-8") as file:
-        file.write(includes_of(paths))
+        parts = [("", includes_of(paths))]
         for path in paths:
             with open(path, encoding="utf-8") as source:
-                file.write(source.read() + "\n")
+                parts.append((path, source.read() + "\n"))
+        file.writelines(part for _, part in parts)
+    with open(os.path.join(batch, "parts"), "w", encoding="utf-8") as file:
+        json.dump([(path, part.count("\n")) for path, part in parts], file)
     with open(os.path.join(batch, "overlay.yaml"), "w", encoding="utf-8") as file:
         json.dump({"version": 0, "roots": [{"name": name, "type": "file",
                                             "external-contents": text}]}, file)
     # A function that is called from another source is examined by itself as well, as it is alone.
-    more = ["-Xclang", "-analyzer-inlining-mode=all"]
+    more = ["-Xclang", "-analyzer-inlining-mode=all", "-ferror-limit=0"]
     save(batch, [{"directory": directory, "file": name,
                   "arguments": [word or name for word in words] + more}
                  for directory, words in commands_by_source(output)[os.path.join(ROOT, paths[0])]])
     print(name)
 
 
+def print_blamed(batch):
+    """The sources of a batch in which what a compiler has said of it finds an error."""
+    with open(os.path.join(batch, "parts"), encoding="utf-8") as file:
+        parts = json.load(file)
+    ends = list(itertools.accumulate(count for _, count in parts))
+    lines = [int(number) for number in re.findall(r"batch\.txt:(\d+):\d+: error: ", sys.stdin.read())]
+    blamed = {parts[bisect.bisect_left(ends, line)][0] for line in lines if line <= ends[-1]}
+    print("\n".join(sorted(blamed - {""})))
+
+
 if __name__ == "__main__":
     {"database": write_database, "keys": print_keys, "sources": print_sources,
-     "groups": print_groups, "batch": make_batch}[sys.argv[1]](*sys.argv[2:])
+     "groups": print_groups, "batch": make_batch, "blamed": print_blamed}[sys.argv[1]](*sys.argv[2:])
