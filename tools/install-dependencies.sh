@@ -8,7 +8,8 @@ set -euo pipefail
 build_packages=(g++ cmake ninja-build pkg-config python3 libcli11-dev nlohmann-json3-dev libxxhash-dev libwxgtk3.2-dev libgtk-3-dev)
 test_packages=(ccache libgtest-dev libgmock-dev clang-14 libclang-rt-14-dev libclang-14-dev llvm-14-dev
                clang-format-14 clang-tidy-14 python3 xvfb icewm at-spi2-core dbus-daemon python3-gi
-               gir1.2-atspi-2.0 xdotool x11-utils imagemagick libfaketime rsync strace xfsprogs bindfs appstream desktop-file-utils man-db)
+               gir1.2-atspi-2.0 xdotool x11-utils imagemagick libfaketime rsync strace xfsprogs bindfs
+               appstream desktop-file-utils man-db)
 windows_packages=(cmake ninja-build libcli11-dev nlohmann-json3-dev libxxhash-dev googletest make xz-utils
                   g++-mingw-w64-x86-64-posix clang-14 lld-14 wine wine64 locales xvfb xdotool python3)
 

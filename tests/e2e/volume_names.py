@@ -74,7 +74,8 @@ class Folded:
         self.told("tout est changé", outcome)
         self.report.equal("rien n'est effacé", told.get("deleted"), 0)
         self.restore_over()
-        self.one_goes()
+        gone = self.one_goes()
+        self.one_comes_again(gone)
         self.come_back()
 
     def restore_over(self):
@@ -96,10 +97,10 @@ class Folded:
     def one_goes(self):
         """The other one takes the place of the one that has gone."""
         command("rm", "-r", self.place.source)
-        for pair in self.pairs:
-            gone = sorted(pair)[0]
-            self.files = {name: text for name, text in self.files.items()
-                          if name.split("/")[0] != gone}
+        gone = {sorted(pair)[0] for pair in self.pairs}
+        left_out = {name: text for name, text in self.files.items()
+                    if name.split("/")[0] in gone}
+        self.files = {name: text for name, text in self.files.items() if name not in left_out}
         self.write(", enfin", 300)
         outcome, _ = self.run()
         self.report.equal("l'un de chaque paire est parti : aucune erreur", numbers(outcome), [])
@@ -109,6 +110,20 @@ class Folded:
         self.report.equal("tout ce qui reste est dans la copie", missing, [])
         outcome, told = self.run()
         self.report.equal("puis rien", (told.get("outcome"), told.get("deleted")), ("nothing", 0))
+        return left_out
+
+    def one_comes_again(self, gone):
+        """Beside one that has its copy, whichever is read first."""
+        for name, text in gone.items():
+            harness.write(f"{self.place.source}/{name}", text + ", revenu")
+        for what in ("il revient", "il revient, la suite"):
+            outcome, _ = self.run()
+            self.told(what, outcome)
+        for name in {path.split("/")[0] for path in gone}:
+            command("rm", "-r", f"{self.place.source}/{name}")
+        self.write(", enfin encore", 400)
+        outcome, _ = self.run()
+        self.report.equal("il repart : aucune erreur", numbers(outcome), [])
 
     def come_back(self):
         """Onto an emptied source."""
