@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "engine/restored_names.h"
 #include "system/paths.h"
 #include "system/text.h"
 
@@ -61,13 +62,15 @@ bool ExcessWalk::cleanLine(LineTrees& trees, const ExclusionList& loadedLast) {
 // everything has been deleted.
 bool ExcessWalk::referenceReadable() {
     std::unique_ptr<Directory> directory;
-    // No tree, or the copy of a single file: nothing to clean.
-    if (!files_.openDirectory(roots().target, LinkRule::follow, Wanted::directories, directory)
-             .ok()) {
+    Status status =
+        files_.openDirectory(roots().target, LinkRule::follow, Wanted::directories, directory);
+    if (!status.ok()) {
+        // No tree, or the copy of a single file: nothing to clean.
+        const bool isTree = !cannotBeThere(status) && status.code() != error_number::notADirectory;
+        if (isTree) errors_.unread(status.code(), roots().target);
         return false;
     }
-    Status status =
-        files_.openDirectory(roots().source, LinkRule::follow, Wanted::directories, directory);
+    status = files_.openDirectory(roots().source, LinkRule::follow, Wanted::directories, directory);
     if (status.ok()) status = files_.identify(roots().source, referenceId_);
     // What the trees say is only known of those that are held.
     if (status.ok() && (trees_->originalTree() == nullptr || trees_->copyTree() == nullptr)) {

@@ -436,6 +436,17 @@ TEST_F(ExcessFiles, AListingOfTheCopyThatBreaksOffIsAnError) {
     EXPECT_EQ(statistics.errorCount, 1);
 }
 
+TEST_F(ExcessFiles, ATreeThatCannotBeOpenedKeepsItsFilesAndIsAnError) {
+    disk().file("C:\\Docs\\a.txt", "a");
+    disk().file("F:\\Save\\Docs\\a.txt", "a");
+    disk().file("F:\\Save\\Docs\\gone", "x");
+    faulty.fail("openDirectory", "F:\\Save\\Docs", error_number::ioDevice);
+    clean("C:\\Docs", "F:\\Save");
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\gone"));
+    EXPECT_GT(faulty.failureCount(), 0U);
+    EXPECT_EQ(statistics.errorCount, 1);
+}
+
 TEST_F(ExcessFiles, AReferenceThatCannotBeListedKeepsItsFilesAndIsAnError) {
     system.options.ContinueOnError = -1;
     pair("same.txt");
