@@ -35,7 +35,7 @@ done
         "--except=$work/linux" "${common[@]}" "${for_windows[@]}" || exit 1
 
 # Checks look at whole sources with every header that these read, and throw away what they find in
-# those of the system. This keeps them from looking there at all: a third of the time is left.
+# those of the system. This keeps them from looking there at all, where a test takes most of its time.
 plugin=$(
     source=$tools/own_code_only.cpp
     config=$(command -v llvm-config-14) && [[ -f $("$config" --includedir)/clang/AST/AST.h ]] || exit
@@ -52,7 +52,7 @@ lint=(clang-tidy-14 --quiet)
 if [[ -n $plugin ]]; then
     lint+=("--load=$plugin")
 else
-    echo "Sans libclang-14-dev, clang-tidy prend trois fois plus de temps."
+    echo "Sans libclang-14-dev, clang-tidy prend plus de temps."
 fi
 export lint_command="${lint[*]@Q}"
 
