@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that building (`build`), testing (`test`), building and testing for
-# Windows (`windows`), or making packages (`paquets`) needs, and only those that are missing: when
-# everything is there it costs one query and no network.
+# Windows (`windows`), making packages (`paquets`), or trying volumes of every kind in full (`volumes`)
+# needs, and only those that are missing: when everything is there it costs one query and no network.
 # Everything it prints goes to stderr, so that a caller's stdout stays its own.
 set -euo pipefail
 
@@ -13,6 +13,8 @@ test_packages=(ccache libgtest-dev libgmock-dev clang-14 libclang-rt-14-dev libc
 windows_packages=(cmake ninja-build libcli11-dev nlohmann-json3-dev libxxhash-dev googletest make xz-utils
                   g++-mingw-w64-x86-64-posix clang-14 lld-14 wine wine64 locales xvfb xdotool python3)
 
+volume_packages=(python3 strace rsync e2fsprogs xfsprogs btrfs-progs dosfstools fusefat exfatprogs exfat-fuse
+                 ntfs-3g fuse3 bindfs openssh-server openssh-client sshfs samba smbnetfs rclone)
 package_packages=(python3 librsvg2-bin dpkg-dev nsis lintian appstream desktop-file-utils man-db)
 
 case "${1-}" in
@@ -29,8 +31,13 @@ case "${1-}" in
         packages=("${build_packages[@]}" "${package_packages[@]}")
         commands=(g++ cmake ninja python3 rsvg-convert makensis lintian)
         ;;
+    volumes)
+        packages=("${volume_packages[@]}")
+        commands=(python3 strace rsync mkfs.ext4 mkfs.xfs mkfs.btrfs mkfs.fat mkfs.exfat mount.exfat-fuse
+                  ntfs-3g fusefat bindfs sshd sshfs smbd smbnetfs rclone)
+        ;;
     *)
-        echo "Usage : ${0##*/} build|test|windows|paquets" >&2
+        echo "Usage : ${0##*/} build|test|windows|paquets|volumes" >&2
         exit 2
         ;;
 esac
