@@ -2,6 +2,7 @@
 taken off, and mounted again with what was on it."""
 
 import contextlib
+import json
 import os
 import shutil
 import signal
@@ -56,7 +57,6 @@ class Volume:
     name = ""
     what = ""  # for people
     quick = False
-    late = False  # it may show names of before while it sends
     plain = False  # it takes names of ASCII alone
     deadly = ()  # names after which its driver answers no more
     renamed = ()  # names that its driver takes for others
@@ -99,9 +99,17 @@ class Volume:
             time.sleep(0.1)
         subprocess.run(["umount", "-l", self.point], capture_output=True, check=False)
 
-    def again(self):
+    def sends(self):
+        """Waits until nothing that was written is still on its way."""
+
+    def kept(self, path):
+        """Where that lies in the end: a mount may show what its server has not."""
+        return path
+
+    def again(self, meanwhile=lambda: None):
         """What a volume says may be in the system's memory alone: taken off and mounted again."""
         self.unmount()
+        meanwhile()
         self.mount()
 
     def close(self):
@@ -217,7 +225,7 @@ class Tmpfs(Volume):
     def mount(self):
         command("mount", "-t", "tmpfs", "-o", "size=400m", "essai", self.point)
 
-    def again(self):
+    def again(self, meanwhile=None):
         """It would lose everything."""
 
 
@@ -326,25 +334,34 @@ class Rclone(Volume):
         return self.directory("serveur")
 
     def mount(self):
-        command("rclone", "mount", "--daemon", "--config", "/dev/null", *self.cache, self.remote(),
-                self.point, env={**os.environ, "XDG_CACHE_HOME": self.directory("cache")})
+        self.control = free_port()
+        self.serve("rclone", "mount", "--config", "/dev/null", "--rc", "--rc-no-auth", "--rc-addr",
+                   f"127.0.0.1:{self.control}", *self.cache, self.remote(), self.point,
+                   port=self.control,
+                   env={**os.environ, "XDG_CACHE_HOME": self.directory("cache")})
         self.is_mounted()
 
     def unmount(self):
+        """When all is sent: taken off before, it keeps the rest for the next time."""
+        self.sends()
         super().unmount()
-        # The one that served it writes back what it holds before it ends.
-        until(lambda: not self.still_served(), "rclone ne rend pas la main")
 
-    def still_served(self):
-        return subprocess.run(["pgrep", "-f", f"rclone mount .*{self.point}$"],
-                              capture_output=True, check=False).returncode == 0
+    def sends(self):
+        if os.path.ismount(self.point):
+            until(lambda: not self.waiting(), "rclone n'a pas fini d'envoyer")
+
+    def waiting(self):
+        """How many files it has still to send; what it could not send, it will try again."""
+        told = json.loads(command("rclone", "rc", "--rc-addr", f"127.0.0.1:{self.control}",
+                                  "vfs/stats")).get("diskCache", {})
+        return told.get("uploadsInProgress", 0) + told.get("uploadsQueued", 0)
 
 
 class Webdav(Rclone):
     """A server of objects: whole files are sent, and none bears a time of the sender's."""
 
-    name, what, late = "rclone, WebDAV", "serveur d'objets sans dates", True
-    cache = ("--vfs-cache-mode", "writes", "--vfs-write-back", "0s", "--dir-cache-time", "1s")
+    name, what = "rclone, WebDAV", "serveur d'objets sans dates"
+    cache = ("--vfs-cache-mode", "writes")
 
     def make(self):
         self.port = free_port()
@@ -353,6 +370,9 @@ class Webdav(Rclone):
 
     def remote(self):
         return f":webdav,url='http://127.0.0.1:{self.port}',vendor=other:"
+
+    def kept(self, path):
+        return os.path.join(self.directory("serveur"), os.path.relpath(path, self.root))
 
 
 class Sftp(Webdav):
@@ -363,8 +383,7 @@ class Sftp(Webdav):
     def make(self):
         self.port = free_port()
         self.serve("rclone", "serve", "sftp", "--config", "/dev/null", "--user", "essai", "--pass",
-                   "essai", "--addr", f"127.0.0.1:{self.port}", self.directory("serveur"),
-                   port=self.port)
+                   "essai", "--addr", f"127.0.0.1:{self.port}", self.directory("serveur"), port=self.port)
 
     def remote(self):
         hidden = command("rclone", "obscure", "essai")
