@@ -16,8 +16,7 @@ options=(
     # Sections of their own let the linker leave out what the program never calls.
     'CFLAGS=-O2 -ffunction-sections -fdata-sections'
     'CXXFLAGS=-O2 -ffunction-sections -fdata-sections'
-    --with-msw --enable-unicode --disable-shared --disable-debug --disable-debug_info
-    --disable-precomp-headers
+    --with-msw --enable-unicode --disable-shared --disable-debug --disable-debug_info --enable-pch
     # What the windows are made of.
     --enable-accessibility --enable-dataviewctrl --enable-listctrl --enable-notebook
     --enable-hyperlink --enable-tbarnative --enable-dnd --enable-filedlg --enable-dirdlg
@@ -31,6 +30,22 @@ options=(
     --disable-help --disable-debugreport --disable-joystick --disable-printarch
     --disable-postscript --disable-mdi --disable-docview --disable-wizarddlg --disable-gif
     --disable-pcx --disable-pnm --disable-tga --disable-iff --disable-svg
+    --disable-config --disable-arcstream --disable-tarstream --disable-zipstream
+    --disable-fs_archive --disable-fs_zip --disable-fs_inet --disable-dialupman --disable-ipc
+    --disable-filehistory --disable-fsvolume --disable-fswatcher --disable-secretstore
+    --disable-sound --disable-spellcheck --disable-graphics_ctx --disable-graphics-d2d
+    --disable-actindicator --disable-addremovectrl --disable-animatectrl --disable-bannerwindow
+    --disable-bmpcombobox --disable-calendar --disable-checklst --disable-choicebook
+    --disable-collpane --disable-colourpicker --disable-commandlinkbutton --disable-datepick
+    --disable-richmsgdlg --disable-editablebox --disable-filepicker --disable-dirpicker --disable-fontpicker
+    --disable-grid --disable-infobar --disable-listbook --disable-notifmsg --disable-odcombobox
+    --disable-prefseditor --disable-rearrangectrl --disable-richtooltip --disable-sash
+    --disable-searchctrl --disable-timepick --disable-tipwindow --disable-toolbook
+    --disable-treebook --disable-treelist --disable-aboutdlg --disable-choicedlg --disable-coldlg
+    --disable-creddlg --disable-finddlg --disable-fontdlg --disable-numberdlg --disable-splash
+    --disable-tipdlg --disable-progressdlg --disable-miniframe --disable-busyinfo --disable-hotkey
+    --disable-metafile --disable-uiactionsim --disable-mdidoc --disable-logwin --disable-url
+    --disable-xpm --disable-arttango
 )
 
 # Configuring leaves out without a word what it cannot have: these are looked for in its result.
@@ -154,7 +169,7 @@ write_source_lists
 step "téléchargement des sources (30 Mo)" download
 step "extraction" unpack
 step "configuration" configure
-step "compilation (de 10 à 30 minutes, une seule fois)" compile
+step "compilation (de 3 à 15 minutes, une seule fois)" compile
 step "rangement dans $place" install
 
 rm -rf "$place"
