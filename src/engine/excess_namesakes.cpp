@@ -46,8 +46,10 @@ bool ExcessWalk::enterNamesake(Place& place, const std::string& name, Place& bel
     }
     const std::string path = place.reference + namesake;
     FileEntry counterpart;
-    const bool isThere =
-        !namesake.empty() && files_.lookUp(path, LinkRule::refuse, counterpart).ok();
+    Status found;
+    if (!namesake.empty()) found = files_.lookUp(path, LinkRule::refuse, counterpart);
+    tellUnread(found, path);
+    const bool isThere = !namesake.empty() && found.ok();
     if (!isThere || counterpart.isLink() || counterpart.mountPoint) {
         tellKept(below.cleaned, !isThere               ? "nul ne peut dire ce que l'original en a."
                                 : counterpart.isLink() ? path + " est un lien."
@@ -86,11 +88,22 @@ bool ExcessWalk::findNamesake(const Place& place, const std::string& name,
     const std::string path = withoutTrailingBackslash(cleaned);
     for (FileEntry other; listing->next(other);) {
         if (other.name == name || !equalIgnoringCase(other.name, name)) continue;
-        if (areTwoEntries(files_, place.cleaned + other.name, path)) continue;
-        if (isOneEntry(files_, place.cleaned + other.name, path)) namesake = other.name;
+        const std::optional<bool> one = areOne(place, other.name, path);
+        if (one == false) continue;
+        if (one) namesake = other.name;
         return true;
     }
     return !isListed(*listing, place);
+}
+
+// Whether `name` leads to the entry at `path` of the cleaned tree as well. Nothing when nobody can
+// tell.
+std::optional<bool> ExcessWalk::areOne(const Place& place, const std::string& name,
+                                       const std::string& path) {
+    Status failed;
+    const std::optional<bool> one = areOneEntry(files_, place.cleaned + name, path, failed);
+    tellUnread(failed, path);
+    return one;
 }
 
 // Two directories of the reference that are one here, on any of the levels above: what one of them
@@ -120,32 +133,47 @@ bool ExcessWalk::isShared(Place& place) {
 bool ExcessWalk::hides(Place& place, Wanted kind) {
     std::optional<bool>& known = kind == Wanted::files ? place.hidesFiles : place.hidesDirectories;
     if (known) return *known;
-    known = hidesNames(place, kind);
-    if (*known) {
+    const std::optional<bool> hidden = hidesNames(place, kind);
+    if (hidden == true) {
         tellKept(place.cleaned, "ce volume y montre certains noms autrement que l'original.");
     }
+    known = hidden != false;
     return *known;
 }
 
-// True when the cleaned directory finds a name of the reference that it does not list, or when
-// nobody can tell.
-bool ExcessWalk::hidesNames(const Place& place, Wanted kind) {
+// True when the cleaned directory finds a name of the reference that it does not list. Nothing when
+// nobody can tell: that is an error, since files are kept for it.
+std::optional<bool> ExcessWalk::hidesNames(const Place& place, Wanted kind) {
     FoldedNames listed;
     std::unique_ptr<Directory> listing;
-    // All of them: a directory may stand where the reference has a file of that very name.
-    const Status opened =
-        files_.openDirectory(place.cleaned, LinkRule::follow, Wanted::everything, listing);
-    if (!opened.ok()) return true;
-    for (FileEntry entry; listing->next(entry);) (void)listed.add(entry.name);
-    if (!listing->status().ok() || !listReference(place, kind, listing)) return true;
+    if (!listCleaned(place, listed) || !listReference(place, kind, listing)) return {};
     for (FileEntry other; listing->next(other);) {
-        FileEntry found;
         if (listed.contains(other.name)) continue;
-        if (!files_.lookUp(place.cleaned + other.name, LinkRule::refuse, found).saysAbsent()) {
-            return true;
-        }
+        FileEntry found;
+        const std::string path = place.cleaned + other.name;
+        const Status status = files_.lookUp(path, LinkRule::refuse, found);
+        if (status.saysAbsent()) continue;
+        tellUnread(status, path);
+        // One that has come meanwhile is listed now.
+        FoldedNames now;
+        if (!status.ok() || !listCleaned(place, now)) return {};
+        if (!now.contains(other.name)) return true;
     }
-    return !isListed(*listing, place);
+    if (!isListed(*listing, place)) return {};
+    return false;
+}
+
+// All of them: a directory may stand where the reference has a file of that very name.
+bool ExcessWalk::listCleaned(const Place& place, FoldedNames& names) {
+    std::unique_ptr<Directory> listing;
+    Status status =
+        files_.openDirectory(place.cleaned, LinkRule::follow, Wanted::everything, listing);
+    if (status.ok()) {
+        for (FileEntry entry; listing->next(entry);) (void)names.add(entry.name);
+        status = listing->status();
+    }
+    tellUnread(status, place.cleaned);
+    return status.ok();
 }
 
 }  // namespace coffrelune

@@ -77,8 +77,7 @@ bool ExcessWalk::isSpelledOtherwise(const FileEntry& entry, Place& place) {
     if (!listReference(place, Wanted::files, listing)) return true;
     for (FileEntry other; listing->next(other);) {
         if (other.name == entry.name || !equalIgnoringCase(other.name, entry.name)) continue;
-        const std::string path = place.cleaned + other.name;
-        if (!areTwoEntries(files_, path, place.cleaned + entry.name)) return true;
+        if (areOne(place, other.name, place.cleaned + entry.name) != false) return true;
     }
     return !isListed(*listing, place);
 }

@@ -90,9 +90,12 @@ class ExcessWalk {
     bool gatherNames(Place& place);
     bool findNamesake(const Place& place, const std::string& name, const std::string& cleaned,
                       std::string& namesake);
+    std::optional<bool> areOne(const Place& place, const std::string& name,
+                               const std::string& path);
     bool isShared(Place& place);
     bool hides(Place& place, Wanted kind);
-    bool hidesNames(const Place& place, Wanted kind);
+    std::optional<bool> hidesNames(const Place& place, Wanted kind);
+    bool listCleaned(const Place& place, FoldedNames& names);
     bool isLeftOutNow(const Place& place, const FileEntry& entry) const;
     bool isKnownMount(const std::string& path) const;
     std::vector<std::string> subdirectories(const Place& place, LinkRule links);

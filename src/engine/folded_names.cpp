@@ -2,7 +2,6 @@
 
 #include <bit>
 #include <memory>
-#include <optional>
 
 #include "platform/characters.h"
 #include "system/paths.h"
@@ -24,36 +23,20 @@ std::uint64_t hashOf(std::string_view name) {
 
 // False when the directory of both lists both names; true when it lists one of them, which is then
 // what either leads to.
-std::optional<bool> areListed(FileService& files, const std::string& a, const std::string& b) {
+std::optional<bool> areListed(FileService& files, const std::string& a, const std::string& b,
+                              Status& failed) {
     const SplitPath first = splitPath(a);
     const std::string second = splitPath(b).last;
     std::unique_ptr<Directory> listing;
-    const Status opened =
-        files.openDirectory(first.parent, LinkRule::follow, Wanted::everything, listing);
-    if (!opened.ok()) return {};
+    failed = files.openDirectory(first.parent, LinkRule::follow, Wanted::everything, listing);
+    if (!failed.ok()) return {};
     int listed = 0;
     for (FileEntry entry; listing->next(entry);) {
         listed += entry.name == first.last || entry.name == second ? 1 : 0;
     }
-    if (!listing->status().ok()) return {};
+    failed = listing->status();
+    if (!failed.ok()) return {};
     return listed < 2;
-}
-
-// Nothing when nobody can tell. The identity that a look-up gives is that of a link itself.
-std::optional<bool> areOne(FileService& files, const std::string& a, const std::string& b) {
-    FileEntry first;
-    FileEntry second;
-    const Status foundFirst = files.lookUp(a, LinkRule::refuse, first);
-    const Status foundSecond = files.lookUp(b, LinkRule::refuse, second);
-    if (foundFirst.saysAbsent() || foundSecond.saysAbsent()) return false;
-    if (!foundFirst.ok() || !foundSecond.ok()) return {};
-    if (!first.id.known() || !second.id.known()) {
-        const bool told = files.identify(a, first.id).ok() && files.identify(b, second.id).ok();
-        if (!told || !first.id.known() || !second.id.known()) return {};
-    }
-    if (first.id == second.id) return true;
-    // Programs that serve a volume may number one entry twice, once for each name it is asked by.
-    return areListed(files, a, b);
 }
 
 }  // namespace
@@ -107,12 +90,28 @@ bool SeenEntries::add(const FileId& id) {
     return ids_.add(mixed ^ mixed >> 32);
 }
 
-bool isOneEntry(FileService& files, const std::string& a, const std::string& b) {
-    return areOne(files, a, b) == true;
+std::optional<bool> areOneEntry(FileService& files, const std::string& a, const std::string& b,
+                                Status& failed) {
+    FileEntry first;
+    FileEntry second;
+    const Status foundFirst = files.lookUp(a, LinkRule::refuse, first);
+    const Status foundSecond = files.lookUp(b, LinkRule::refuse, second);
+    if (foundFirst.saysAbsent() || foundSecond.saysAbsent()) return false;
+    failed = foundFirst.ok() ? foundSecond : foundFirst;
+    // The identity that a look-up gives is that of a link itself.
+    if (failed.ok() && !(first.id.known() && second.id.known())) {
+        failed = files.identify(a, first.id);
+        if (failed.ok()) failed = files.identify(b, second.id);
+    }
+    if (!failed.ok() || !first.id.known() || !second.id.known()) return {};
+    if (first.id == second.id) return true;
+    // Programs that serve a volume may number one entry twice, once for each name it is asked by.
+    return areListed(files, a, b, failed);
 }
 
-bool areTwoEntries(FileService& files, const std::string& a, const std::string& b) {
-    return areOne(files, a, b) == false;
+bool isOneEntry(FileService& files, const std::string& a, const std::string& b) {
+    Status failed;
+    return areOneEntry(files, a, b, failed) == true;
 }
 
 }  // namespace coffrelune

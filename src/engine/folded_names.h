@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -56,10 +57,11 @@ class FoldedNames {
     HashSet names_;
 };
 
-/// True when two paths, which differ in their case, are for certain one entry of the disk, no link
-/// followed.
+/// Whether two paths, which differ in their case, are one entry of the disk, no link followed.
+/// Nothing when nobody can tell; `failed` is then the call that did not answer, if it is one.
+std::optional<bool> areOneEntry(FileService& files, const std::string& a, const std::string& b,
+                                Status& failed);
+/// True when they are, for certain.
 bool isOneEntry(FileService& files, const std::string& a, const std::string& b);
-/// True when they are not, for certain: two entries, or nothing bears one of the names.
-bool areTwoEntries(FileService& files, const std::string& a, const std::string& b);
 
 }  // namespace coffrelune

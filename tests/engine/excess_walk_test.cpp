@@ -486,5 +486,57 @@ TEST_F(ExcessFiles, SubdirectoriesThatCannotBeListedAreAnError) {
     EXPECT_THAT(window.journal, testing::Contains("Erreur: 1117 - Fichier: F:\\Save\\Docs\\Sub"));
 }
 
+/// Where names have to be told apart: files and directories listed in another case, and some that
+/// went.
+class NamesInAnyCase : public ExcessFiles, public testing::WithParamInterface<bool> {
+  protected:
+    NamesInAnyCase() {
+        system.options.ContinueOnError = -1;
+        disk().volume("F:\\").foldsCase = GetParam();
+    }
+    /// With the call of that number failing, from 1; 0 fails none.
+    void cleanWhatHasGone(std::size_t failing) {
+        for (const char* name : {"same.txt", "Plan.txt", "Sub\\same.txt"}) {
+            disk().file(std::string("C:\\Docs\\") + name, "same");
+        }
+        for (const char* name : {"same.txt", "PLAN.TXT", "SUB\\same.txt"}) {
+            disk().file(std::string("F:\\Save\\Docs\\") + name, "same");
+        }
+        for (const std::string& path : gone()) disk().file(path, "x");
+        startAgain();
+        window.journal.clear();
+        faulty.restart();
+        if (failing != 0) faulty.failCall(failing, error_number::ioDevice);
+        clean();
+    }
+    static std::vector<std::string> gone() {
+        const std::string copy = "F:\\Save\\Docs\\";
+        return {copy + "gone.txt", copy + "SUB\\gone.txt", copy + "Old\\gone.txt"};
+    }
+    bool hasTold() const {
+        return std::any_of(window.journal.begin(), window.journal.end(), [](const auto& line) {
+            return line.starts_with("Erreur:") || line.starts_with("Non effacé");
+        });
+    }
+};
+
+TEST_P(NamesInAnyCase, AnyCallThatFailsIsToldWhereAFileIsKeptForIt) {
+    // The first run opens the certificate; those after it make the same calls as each other.
+    for (int run = 0; run < 2; ++run) {
+        cleanWhatHasGone(0);
+    }
+    for (const std::string& path : gone()) ASSERT_FALSE(kept(path)) << path;
+    const std::vector<std::string> calls = faulty.calls();
+    for (std::size_t number = 1; number <= calls.size(); ++number) {
+        cleanWhatHasGone(number);
+        const std::vector<std::string> paths = gone();
+        if (std::none_of(paths.begin(), paths.end(), [&](const auto& one) { return kept(one); }))
+            continue;
+        EXPECT_TRUE(hasTold()) << number << " " << calls[number - 1];
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, NamesInAnyCase, testing::Bool());
+
 }  // namespace
 }  // namespace coffrelune
