@@ -40,6 +40,9 @@ bool startToolkit() {
 class WxProgram::Running {
   public:
     explicit Running(const WxServices& services) : windows(services) {
+        // Left to itself the toolkit shows what it complains of in a window, for which nobody may
+        // be there: in a run that nobody attends, or at the very end of the program.
+        delete wxLog::SetActiveTarget(&log_);
         wxTheApp->SetAppName("Coffrelune");
         adaptDesktopLook();
         wxTheApp->Bind(wxEVT_IDLE, [this](wxIdleEvent& event) {
@@ -50,7 +53,11 @@ class WxProgram::Running {
     }
     Running(const Running&) = delete;
     Running& operator=(const Running&) = delete;
-    ~Running() { wxEntryCleanup(); }
+    ~Running() {
+        wxLog::DontCreateOnDemand();
+        wxLog::SetActiveTarget(nullptr);
+        wxEntryCleanup();
+    }
 
     WxWindows windows;
 
@@ -62,6 +69,8 @@ class WxProgram::Running {
         });
         wxTheApp->Bind(wxEVT_END_SESSION, [this](wxCloseEvent&) { windows.endSession(); });
     }
+
+    wxLogStderr log_;
 };
 
 WxProgram::WxProgram(WxServices services) : services_(std::move(services)) {}
