@@ -124,7 +124,8 @@ class World:
         self.version = 0
         self.synchro, self.excluded = True, frozenset()
         # Of each copy: its files when the last backup had ended clean, and what that left out.
-        self.proof = {disk: None for disk in DISKS}
+        # What its certificate may say of a copy: its files then, and what was left out.
+        self.proofs = {disk: [] for disk in DISKS}
         self.unfinished = set()  # copies whose restore was stopped with something still to do
 
     def count(self, what):
@@ -272,13 +273,14 @@ class World:
 
     def after_backup(self, disk, outcome, source, before, after):
         if outcome.status != 0:
-            # A stop may come when all has been done: then the copy is one to restore from.
+            # A stop may come when all has been done: then the copy is one to restore from. Or it
+            # came before anything was: then it is what it was.
             whole = self.present(disk) and all(
                 self.left_out(name) or after.get(name) == source[name] for name in source)
+            if after != before:
+                self.proofs[disk] = []
             if whole:
-                self.proof[disk] = (after, self.excluded)
-            elif after != before:
-                self.proof[disk] = None
+                self.proofs[disk].append((after, self.excluded))
             return
         self.count("sauvegardes sans erreur")
         for name in source:
@@ -289,7 +291,7 @@ class World:
                    "Fichiers excédentaires conservés" in outcome.all or "Non effacé" in outcome.all,
                    f"« sans erreur », et {name} est encore dans la copie", outcome)
         expect(self.excluded or not temporaries(self.copy(disk)), "un reste", outcome)
-        self.proof[disk] = (after, self.excluded)
+        self.proofs[disk] = [(after, self.excluded)]
 
     def restore(self, disk, number=0, how="none"):
         before, source = files_of(self.original), files_of(self.copy(disk))
@@ -301,13 +303,13 @@ class World:
                "une restauration a changé la copie", outcome)
         expect(self.present(disk) or after == before, "une restauration d'une copie absente",
                difference(before, after), outcome)
-        proof = self.proof[disk]
         for name in before:
             if name in after and after[name] in (before[name], source.get(name)):
                 continue
             expect(name not in after, f"{name} n'est ni l'ancien ni le nouveau", outcome)
-            expect(self.synchro and name not in source and proof is not None
-                   and proof[0] == source and not self.left_out(name, proof[1]),
+            expect(self.synchro and name not in source
+                   and any(files == source and not self.left_out(name, excluded)
+                           for files, excluded in self.proofs[disk]),
                    f"{name} a disparu de l'original", outcome)
             self.count("effacés de l'original")
         for name in after:
