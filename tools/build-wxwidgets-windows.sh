@@ -50,7 +50,7 @@ options=(
 
 # Configuring leaves out without a word what it cannot have: these are looked for in its result.
 needed=(ACCESSIBILITY DATAVIEWCTRL LISTCTRL NOTEBOOK HYPERLINKCTRL TOOLBAR_NATIVE DRAG_AND_DROP
-    FILEDLG DIRDLG TIMER NANOSVG)
+    FILEDLG DIRDLG TIMER NANOSVG TOOLTIPS CLIPBOARD DATAOBJ OLE OWNER_DRAWN)
 
 say() { echo "$@" >&2; }
 fail() {

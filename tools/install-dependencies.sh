@@ -12,7 +12,6 @@ test_packages=(ccache libgtest-dev libgmock-dev clang-14 libclang-rt-14-dev libc
                appstream desktop-file-utils man-db)
 windows_packages=(cmake ninja-build libcli11-dev nlohmann-json3-dev libxxhash-dev googletest make xz-utils
                   g++-mingw-w64-x86-64-posix clang-14 lld-14 wine wine64 locales xvfb xdotool python3)
-
 volume_packages=(python3 strace rsync e2fsprogs xfsprogs btrfs-progs dosfstools fusefat exfatprogs exfat-fuse
                  ntfs-3g fuse3 bindfs openssh-server openssh-client sshfs samba smbnetfs rclone)
 package_packages=(python3 librsvg2-bin dpkg-dev nsis lintian appstream desktop-file-utils man-db)
@@ -34,7 +33,8 @@ case "${1-}" in
     volumes)
         packages=("${volume_packages[@]}")
         commands=(python3 strace rsync mkfs.ext4 mkfs.xfs mkfs.btrfs mkfs.fat mkfs.exfat mount.exfat-fuse
-                  ntfs-3g fusefat bindfs sshd sshfs smbd smbnetfs rclone)
+                  mkfs.ntfs ntfs-3g fusefat fusermount3 bindfs sshd ssh-keygen sshfs smbd smbnetfs rclone)
+        PATH=$PATH:/usr/sbin:/sbin
         ;;
     *)
         echo "Usage : ${0##*/} build|test|windows|paquets|volumes" >&2
@@ -59,7 +59,7 @@ fi
 
 refuse() {
     {
-        echo "Il manque de quoi construire Coffrelune, et ce script ne peut pas l'installer : $1."
+        echo "Il manque de quoi construire ou essayer Coffrelune, et ce script ne peut pas l'installer : $1."
         echo "Installez ces paquets, puis relancez la commande :"
         echo "    ${missing[*]}"
     } >&2

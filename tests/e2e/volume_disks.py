@@ -11,6 +11,7 @@ import subprocess
 import sys
 import tempfile
 import time
+import urllib.request
 
 import passing_volume
 
@@ -333,28 +334,44 @@ class Rclone(Volume):
     def remote(self):
         return self.directory("serveur")
 
+    process = None
+
     def mount(self):
         self.control = free_port()
-        self.serve("rclone", "mount", "--config", "/dev/null", "--rc", "--rc-no-auth", "--rc-addr",
+        self.serve("rclone", "mount", "--config", "/dev/null", "--rc", "--rc-addr",
                    f"127.0.0.1:{self.control}", *self.cache, self.remote(), self.point,
                    port=self.control,
                    env={**os.environ, "XDG_CACHE_HOME": self.directory("cache")})
+        self.process = self.servers[-1]
         self.is_mounted()
 
     def unmount(self):
         """When all is sent: taken off before, it keeps the rest for the next time."""
-        self.sends()
-        super().unmount()
+        try:
+            self.sends()
+        finally:
+            super().unmount()
+            if self.process is not None:
+                self.process.wait(PATIENCE)  # the next one must not meet it at the same cache
+            self.process = None
 
     def sends(self):
-        if os.path.ismount(self.point):
-            until(lambda: not self.waiting(), "rclone n'a pas fini d'envoyer")
+        deadline = time.monotonic() + PATIENCE
+        while self.process is not None and self.cache and self.waiting():
+            if time.monotonic() > deadline:
+                raise TimeoutError("rclone n'a pas fini d'envoyer")
+            time.sleep(0.1)
 
     def waiting(self):
-        """How many files it has still to send; what it could not send, it will try again."""
-        told = json.loads(command("rclone", "rc", "--rc-addr", f"127.0.0.1:{self.control}",
-                                  "vfs/stats")).get("diskCache", {})
-        return told.get("uploadsInProgress", 0) + told.get("uploadsQueued", 0)
+        """How many files it has still to send."""
+        if self.process.poll() is not None:
+            raise ConnectionError("rclone s'est arrêté")
+        ask = urllib.request.Request(f"http://127.0.0.1:{self.control}/vfs/stats", method="POST")
+        with urllib.request.urlopen(ask, timeout=PATIENCE) as answer:
+            told = json.load(answer)["diskCache"]
+        if told["erroredFiles"] or told["outOfSpace"]:
+            raise OSError(f"rclone n'a pas pu envoyer : {told}")
+        return told["uploadsInProgress"] + told["uploadsQueued"]
 
 
 class Webdav(Rclone):
@@ -383,7 +400,8 @@ class Sftp(Webdav):
     def make(self):
         self.port = free_port()
         self.serve("rclone", "serve", "sftp", "--config", "/dev/null", "--user", "essai", "--pass",
-                   "essai", "--addr", f"127.0.0.1:{self.port}", self.directory("serveur"), port=self.port)
+                   "essai", "--addr", f"127.0.0.1:{self.port}", self.directory("serveur"),
+                   port=self.port)
 
     def remote(self):
         hidden = command("rclone", "obscure", "essai")

@@ -115,6 +115,7 @@ class Trial:
         """Every byte of the original is in the copy, and nothing else."""
         self.equal(f"{what} : la copie est égale", self.place.copy)
         self.report.equal(f"{what} : aucun reste", leftovers(self.place.copy), [])
+        self.arrived(self.volume.kept(self.place.copy))
 
     def equal(self, what, copy):
         wanted, found = contents(self.place.source), contents(copy)
@@ -267,6 +268,7 @@ class Trial:
         harness.wait_until(lambda: self.begun(), process)
         process.kill()
         process.communicate()
+        self.volume.sends()
         whole = {name: data for name, data in contents(self.place.copy).items()
                  if name.startswith("lot/") and not name.endswith(".tmp")}
         wrong = [name for name, data in whole.items()
@@ -325,8 +327,7 @@ class Trial:
         copy = os.fsencode(os.path.join(self.place.copy, "noms"))
         held = {}
         for name in os.listdir(copy) if os.path.isdir(copy) else ():
-            with contextlib.suppress(FileNotFoundError):  # its server has renamed it meanwhile
-                held[name] = harness.read(os.path.join(copy, name))
+            held[name] = harness.read(os.path.join(copy, name))
         right = sum(held.get(name) == name for name in names)
         other = sum(name not in held and name in held.values() for name in names)
         return right, other
