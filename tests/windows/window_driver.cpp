@@ -10,6 +10,7 @@
 //   window_driver tab TITLE INDEX        shows a tab
 //   window_driver pick TITLE INDEX       selects an entry of the window's first list
 //   window_driver close TITLE            the close box
+//   window_driver close-others TITLE     asks every other window of its thread to close
 //   window_driver session TITLE          asks whether the session may end, and prints the answer
 //   window_driver ends TITLE             tells that it ends now
 //   window_driver goes-on TITLE          tells that it does not end
@@ -202,9 +203,24 @@ bool tellSession(HWND window, bool ends) {
                                nullptr) != 0;
 }
 
+// Those windows of its thread that nobody sees: the system's own tools ask all of them to close, in
+// any order, when they end a program.
+bool closeOthers(HWND window) {
+    const DWORD thread = GetWindowThreadProcessId(window, nullptr);
+    std::vector<HWND> others;
+    HWND other = nullptr;
+    while ((other = FindWindowExW(nullptr, other, nullptr, nullptr)) != nullptr) {
+        if (other != window && GetWindowThreadProcessId(other, nullptr) == thread)
+            others.push_back(other);
+    }
+    for (HWND one : others) PostMessageW(one, WM_CLOSE, 0, 0);
+    return !others.empty();
+}
+
 bool act(HWND window, const std::wstring& command, const std::vector<std::wstring>& rest) {
     if (command == L"texts") return print(window);
     if (command == L"close") return PostMessageW(window, WM_CLOSE, 0, 0) != 0;
+    if (command == L"close-others") return closeOthers(window);
     if (command == L"session") return askSession(window);
     if (command == L"ends" || command == L"goes-on") return tellSession(window, command == L"ends");
     if (command == L"press" && rest.size() == 1) return press(window, rest[0]);

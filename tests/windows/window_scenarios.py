@@ -322,6 +322,23 @@ def window_session_dialog(place, report):
                  section(place.read_settings(), "Position").get("Config"), "General")
 
 
+def window_closed_from_outside(place, report):
+    """Ses fenêtres fermées par un autre programme, celles qu'on ne voit pas d'abord"""
+    place.write_settings(place.line())
+    program = WindowProgram(place, report)
+    program.sees("la fenêtre principale", "Lancer la Sauvegarde")
+    program.step("les autres se ferment", "close-others", program.title)
+    # Of a place that changes the program takes note a little later.
+    move = ["xdotool", "search", "--onlyvisible", "--name", program.title, "windowmove", "60", "70"]
+    report.check("elle est déplacée", wait_until(  # a window met on the way may go meanwhile
+        lambda: subprocess.run(move, capture_output=True, check=False).returncode == 0))
+    program.step("l'onglet", "tab", program.title, "1")
+    program.sees("il est montré", "Lancer la Restauration")
+    report.equal("état 0", program.close(), 0)
+    report.check("la place de la fenêtre est retenue",
+                 "Left" in section(place.read_settings(), "Position"), place.read_settings())
+
+
 def window_no_display(place, report):
     """Sans affichage : une ligne le dit, état 2"""
     environment = {**place.environment(), "DISPLAY": ""}
@@ -334,4 +351,4 @@ def window_no_display(place, report):
 SCENARIOS = (window_backup, window_edit_line, window_restore, window_compare, window_dialogs,
              window_auto, window_second, window_second_auto, window_command_line, window_about,
              window_session_idle, window_session_run, window_session_copy, window_session_dialog,
-             window_no_display)
+             window_closed_from_outside, window_no_display)
