@@ -60,12 +60,15 @@ function(coffrelune_tests name)
   list(FILTER ARG_EXTRA_SOURCES INCLUDE REGEX "^${PROJECT_SOURCE_DIR}/src/")
   set_source_files_properties(${ARG_EXTRA_SOURCES} PROPERTIES COMPILE_OPTIONS "${COFFRELUNE_UNDEFINED}")
   if(CMAKE_CROSSCOMPILING)
-    # One process a program: the emulator takes longer to start than most cases to run. Optimizing
-    # what runs once would take longer still.
+    # Optimizing what runs once would take longer than to run it.
     target_compile_options(${name}_tests PRIVATE -O0 -Wa,-mbig-obj)
+  endif()
+  if(CMAKE_CROSSCOMPILING OR COFFRELUNE_SANITIZE)
+    # One process a program: the emulator, or the sanitizer, takes longer to start than most cases
+    # to run.
     add_test(NAME ${name} COMMAND ${name}_tests --gtest_output=xml:reports/${name}.xml
              WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
-    set_tests_properties(${name} PROPERTIES TIMEOUT 600)
+    set_tests_properties(${name} PROPERTIES TIMEOUT 900)
     return()
   endif()
   gtest_discover_tests(${name}_tests TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60)
