@@ -1,6 +1,7 @@
 // Which directory of the reference one of the cleaned tree stands for, where the volume of one of
 // them takes names of any case for one.
 #include "engine/excess_walk.h"
+#include "engine/restored_names.h"
 #include "system/paths.h"
 #include "system/text.h"
 
@@ -134,8 +135,10 @@ bool ExcessWalk::hides(Place& place, Wanted kind) {
     std::optional<bool>& known = kind == Wanted::files ? place.hidesFiles : place.hidesDirectories;
     if (known) return *known;
     const std::optional<bool> hidden = hidesNames(place, kind);
-    if (hidden == true) {
-        tellKept(place.cleaned, "ce volume y montre certains noms autrement que l'original.");
+    if (hidden != false) {
+        tellKept(place.cleaned, hidden
+                                    ? "ce volume y montre certains noms autrement que l'original."
+                                    : "nul ne peut dire ce que l'original en a.");
     }
     known = hidden != false;
     return *known;
@@ -153,11 +156,14 @@ std::optional<bool> ExcessWalk::hidesNames(const Place& place, Wanted kind) {
         const std::string path = place.cleaned + other.name;
         const Status status = files_.lookUp(path, LinkRule::refuse, found);
         if (status.saysAbsent()) continue;
+        if (cannotBeThere(status)) return true;
         tellUnread(status, path);
-        // One that has come meanwhile is listed now.
         FoldedNames now;
         if (!status.ok() || !listCleaned(place, now)) return {};
         if (!now.contains(other.name)) return true;
+        // It came, or came back, while this directory was being listed: what else has?
+        errors_.unread(error_number::sharingViolation, path);
+        return {};
     }
     if (!isListed(*listing, place)) return {};
     return false;

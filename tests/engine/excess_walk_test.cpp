@@ -529,6 +529,11 @@ TEST_P(NamesInAnyCase, AnyCallThatFailsIsToldWhereAFileIsKeptForIt) {
     const std::vector<std::string> calls = faulty.calls();
     for (std::size_t number = 1; number <= calls.size(); ++number) {
         cleanWhatHasGone(number);
+        EXPECT_TRUE(kept("F:\\Save\\Docs\\same.txt")) << calls[number - 1];
+        for (const char* name : {"PLAN.TXT", "SUB\\same.txt"}) {  // excess where case is told
+            const std::string path = std::string("F:\\Save\\Docs\\") + name;
+            EXPECT_TRUE(!GetParam() || kept(path)) << calls[number - 1];
+        }
         const std::vector<std::string> paths = gone();
         if (std::none_of(paths.begin(), paths.end(), [&](const auto& one) { return kept(one); }))
             continue;
@@ -537,6 +542,17 @@ TEST_P(NamesInAnyCase, AnyCallThatFailsIsToldWhereAFileIsKeptForIt) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, NamesInAnyCase, testing::Bool());
+
+TEST_F(ExcessFiles, ANameThatTheCopyCannotBearKeepsItsFilesAndIsNoError) {
+    pair("same.txt");
+    disk().file("C:\\Docs\\long.txt", "x");
+    disk().file("F:\\Save\\Docs\\gone.txt", "x");
+    faulty.fail("lookUp", "F:\\Save\\Docs\\long.txt", error_number::nameTooLong);
+    clean();
+    EXPECT_TRUE(kept("F:\\Save\\Docs\\gone.txt"));
+    EXPECT_EQ(statistics.errorCount, 0);
+    EXPECT_THAT(window.journal, testing::Contains(testing::HasSubstr("certains noms autrement")));
+}
 
 }  // namespace
 }  // namespace coffrelune
