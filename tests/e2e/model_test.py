@@ -123,7 +123,6 @@ class World:
         self.where = {name: 0 for name in self.volumes}  # as the settings say
         self.version = 0
         self.synchro, self.excluded = True, frozenset()
-        # Of each copy: its files when the last backup had ended clean, and what that left out.
         # What its certificate may say of a copy: its files then, and what was left out.
         self.proofs = {disk: [] for disk in DISKS}
         self.unfinished = set()  # copies whose restore was stopped with something still to do
@@ -277,7 +276,7 @@ class World:
             # came before anything was: then it is what it was.
             whole = self.present(disk) and all(
                 self.left_out(name) or after.get(name) == source[name] for name in source)
-            if after != before:
+            if after != before or (whole and outcome.status not in (3, *KILLED)):
                 self.proofs[disk] = []
             if whole:
                 self.proofs[disk].append((after, self.excluded))
