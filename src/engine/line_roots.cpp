@@ -86,6 +86,8 @@ void LineGuard::watch(const LineRoots& roots) {
     target_ = FileId{};
     // A target that does not exist yet has no identity; its resolved path speaks for it.
     if (!files_.identify(roots.target, target_).ok()) target_ = FileId{};
+    if (!files_.identify(roots.source, source_).ok()) source_ = FileId{};
+    metLink_ = false;
     const std::string original = files_.resolve(roots.original());
     FileId copy;
     copyHoldsOriginal_ =
@@ -121,9 +123,16 @@ bool LineGuard::anyAncestorIs(std::string path, const FileId& id) {
     }
 }
 
-bool LineGuard::isTarget(const std::string& path, const FileEntry& entry) const {
+bool LineGuard::isTarget(const std::string& path, const FileEntry& entry) {
+    metLink_ = metLink_ || entry.isLink() || entry.mountPoint;
     // A volume may give it another identity each time it is asked.
-    return path == targetPath_ || (entry.id.known() && entry.id == target_);
+    if (path == targetPath_) return true;
+    if (!target_.known()) return false;
+    FileId id = entry.id;
+    // To ask for it costs a call each. Without a link on the way, it is on the source's volume.
+    const bool mayBeTarget = metLink_ || !source_.known() || source_.volume == target_.volume;
+    if (!id.known() && mayBeTarget) (void)files_.identify(path, id);
+    return id.known() && id == target_;
 }
 
 }  // namespace coffrelune

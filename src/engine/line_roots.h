@@ -82,17 +82,20 @@ class LineGuard {
     /// itself or beside it are the files of others.
     std::string refusal(const LineRoots& roots) const;
 
-    /// True when the directory `path`, listed as `entry`, is the line's own target.
-    bool isTarget(const std::string& path, const FileEntry& entry) const;
+    /// True when the directory `path`, listed as `entry`, is the line's own target. Called for each
+    /// directory of the line that a walk meets, those above a directory before it.
+    bool isTarget(const std::string& path, const FileEntry& entry);
 
   private:
     static bool copyHasNoPlace(const LineRoots& roots);
     bool anyAncestorIs(std::string path, const FileId& id);
 
     FileService& files_;
+    FileId source_;
     FileId target_;
     std::string targetPath_;          // resolved
     bool copyHoldsOriginal_ = false;  // or is it
+    bool metLink_ = false;            // what is met may lie on any volume
 };
 
 }  // namespace coffrelune

@@ -39,7 +39,7 @@ class Directory {
     /// told, so that it has to be looked up.
     virtual const FileEntry* self() const { return nullptr; }
 
-    /// True when it had, for certain, the owner, the rights and the date of `original` when both
+    /// True when FileService::matchDirectory would have changed nothing, for certain, when both
     /// were opened.
     virtual bool hasRightsOf(const Directory& /*original*/) const { return false; }
 

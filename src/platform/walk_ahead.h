@@ -31,7 +31,9 @@ struct OpenedPair {
 };
 
 /// A walk over pairs of directories that only looks. What it will look at soon may be read before
-/// it is asked for: never to be used where something is written or deleted on the strength of it.
+/// it is asked for, and a directory that was listed is not looked at again before it is entered:
+/// never to be used where something is written or deleted on the strength of it. The directories
+/// that were met may be without identity.
 class WalkAhead {
   public:
     virtual ~WalkAhead() = default;

@@ -137,6 +137,33 @@ TEST_F(Engine, NeverEntersItsTargetInTheSamePassThatMadeIt) {
                 ElementsAre("C:\\Docs", "C:\\Docs\\a", "C:\\Docs\\Docs", "C:\\Docs\\Docs\\a"));
 }
 
+// A listing need not give identities, and to ask for one costs a call.
+TEST_F(Engine, AsksWhichDirectoryItMeetsOnlyWhereItCanBeTheTarget) {
+    for (const char* path : {"C:\\Docs\\Save\\Docs", "C:\\Docs\\Photos", "F:\\Save\\Docs"}) {
+        disk().directory(path);
+    }
+    disk().link("C:\\Docs\\Lien", "C:\\Docs\\Save");
+    FileEntry met;
+    met.attributes = attribute::directory;
+    LineGuard guard(faulty);
+    const auto asked = [&](const std::string& path, const FileEntry& entry) {
+        faulty.restart();
+        EXPECT_FALSE(guard.isTarget(path, entry));
+        return faulty.callCount();
+    };
+    guard.watch(lineRoots("C:\\Docs", "C:\\Docs\\Save", Layout::normal));
+    EXPECT_EQ(asked("C:\\Docs\\Photos", met), 1U);
+    EXPECT_TRUE(guard.isTarget("C:\\Docs\\Save\\Docs", met));
+    EXPECT_TRUE(guard.isTarget("C:\\Docs\\Lien\\Docs", met));
+
+    guard.watch(lineRoots("C:\\Docs", "F:\\Save", Layout::normal));
+    EXPECT_EQ(asked("C:\\Docs\\Photos", met), 0U);
+    FileEntry link = met;
+    link.attributes |= attribute::link;
+    EXPECT_EQ(asked("C:\\Docs\\Lien", link), 1U);
+    EXPECT_EQ(asked("C:\\Docs\\Lien\\Docs", met), 1U);
+}
+
 TEST_F(Engine, KnowsItsTargetUnderAnotherPath) {
     disk().file("C:\\Docs\\a", "x");
     disk().directory("C:\\Docs\\Save");

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+
 #include "platform/win32/entry_query.h"
 #include "platform/win32/wide_text.h"
 
@@ -90,6 +92,14 @@ std::uint32_t HeldRoot::walkTo(const NativePath& directory) {
         error = step(reached);
     }
     return error;
+}
+
+bool HeldRoot::opensPlain(const NativePath& directory) {
+    const bool isRoot = directory.text.size() == path_.text.size();
+    const bool isOpen =
+        isRoot || std::any_of(levels_.begin(), levels_.end(),
+                              [&](const Level& one) { return one.path.text == directory.text; });
+    return !isOpen && walkTo(directory) == 0 && !levels_.back().target.valid();
 }
 
 std::uint32_t HeldRoot::step(const NativePath& directory) {

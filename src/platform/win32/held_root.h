@@ -30,6 +30,9 @@ class HeldRoot {
     /// Success when a directory, the root or one below it, is reached without a link, but for those
     /// that were entered; 1921 for a link, 3 for anything else that is no directory.
     std::uint32_t walkTo(const NativePath& directory);
+    /// Walks to a directory that is not open yet. True when it was reached and is no link: nothing
+    /// need be asked about it by its path.
+    bool opensPlain(const NativePath& directory);
     /// The end of the last way again: an empty directory can become a junction while it is open.
     /// The others cannot: each holds the next one.
     std::uint32_t checkEnd() const;

@@ -37,7 +37,8 @@ bool mayBeShortName(std::wstring_view name) {
 bool KnownEntries::findFurther(const NativePath& directory, const std::string& name,
                                FileEntry& entry) {
     if (forgottenAll_ || lists(name) || ++unknown_ <= fewLookUps) return false;
-    readOn(directory);
+    (void)start(directory);  // the look-ups that follow meet what is wrong, and tell
+    readOn();
     return find(name, entry);
 }
 
@@ -65,13 +66,26 @@ bool KnownEntries::isForgotten(const std::string& name) const {
     return !forgotten_.empty() && forgotten_.contains(hashInCapitals(wide(name)));
 }
 
+std::uint32_t KnownEntries::readNow(const NativePath& directory,
+                                    std::shared_ptr<MetDirectories> met) {
+    met_ = std::move(met);
+    unknown_ = fewLookUps;
+    const std::uint32_t error = start(directory);
+    readOn();
+    return error;
+}
+
+std::uint32_t KnownEntries::start(const NativePath& directory) {
+    if (open_) return 0;
+    open_ = true;
+    const std::uint32_t error = listing_.open(directory, L"*");
+    closed_ = error != 0;
+    return error;
+}
+
 // An error ends the listing: the look-ups that follow meet it, and tell.
-void KnownEntries::readOn(const NativePath& directory) {
+void KnownEntries::readOn() {
     if (closed_) return;
-    if (!open_) {
-        open_ = true;
-        closed_ = listing_.open(directory, L"*") != 0;
-    }
     FileEntry entry;
     for (int read = 0; read < entriesAtOnce && !closed_; ++read) {
         closed_ = names_.size() > mostNameBytes || !listing_.next(entry);
@@ -81,6 +95,7 @@ void KnownEntries::readOn(const NativePath& directory) {
 }
 
 void KnownEntries::add(const FileEntry& entry) {
+    if (met_ != nullptr && entry.isDirectory() && !entry.isLink()) met_->insert(entry.name);
     if (slots_.size() < 2 * (items_.size() + 1)) grow();
     std::uint32_t& slot = slotOf(entry.name);
     if (slot != 0) return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -9,6 +10,9 @@
 #include "platform/win32/entry_query.h"
 
 namespace coffrelune {
+
+/// Names of directories, and of no links, that a listing has met.
+using MetDirectories = std::unordered_set<std::string>;
 
 /// What a listing of a directory has told, for its look-ups: one call of the system for hundreds of
 /// entries, where a look-up asks it once each, over the net as well, and has it open the file.
@@ -23,6 +27,11 @@ class KnownEntries {
     /// The same for a name that was not found, after reading on in the listing of `directory`, by a
     /// bounded number of entries, when that seems to pay.
     bool findFurther(const NativePath& directory, const std::string& name, FileEntry& entry);
+
+    /// Reads the listing of `directory` at once, up to the same bound, and on from there without a
+    /// look-up by name; `met` is told of its directories. 0 or the error that kept it from being
+    /// opened.
+    std::uint32_t readNow(const NativePath& directory, std::shared_ptr<MetDirectories> met);
 
     /// The program is about to write something of that name, somewhere: from now on it is left to
     /// the system, also under a name that differs by its case.
@@ -39,7 +48,8 @@ class KnownEntries {
     };
 
     bool lists(const std::string& name);
-    void readOn(const NativePath& directory);
+    std::uint32_t start(const NativePath& directory);
+    void readOn();
     void add(const FileEntry& entry);
     void grow();
     std::uint32_t& slotOf(std::string_view name);
@@ -47,6 +57,7 @@ class KnownEntries {
     bool isForgotten(const std::string& name) const;
 
     Listing listing_;
+    std::shared_ptr<MetDirectories> met_;
     int unknown_ = 0;      // look-ups that found nothing here
     bool open_ = false;    // the listing has been started
     bool closed_ = false;  // there is no more to read in it

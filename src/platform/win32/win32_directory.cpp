@@ -30,6 +30,11 @@ std::uint32_t Win32Directory::open() {
     return wanted_ == Wanted::nothing ? 0 : listing_.open(path_, L"*");
 }
 
+std::uint32_t Win32Directory::onlyLook(std::shared_ptr<MetDirectories> met) {
+    met_ = std::move(met);
+    return wanted_ == Wanted::nothing ? known_->readNow(path_, met_) : 0;
+}
+
 bool Win32Directory::next(FileEntry& entry) {
     while (listing_.next(entry)) {
         if (isWanted(entry)) {
@@ -39,6 +44,7 @@ bool Win32Directory::next(FileEntry& entry) {
             if (isKept) return true;
         } else if (wanted_ == Wanted::files && entry.isDirectory() && !isDots(entry.name)) {
             directories_.push_back(entry);
+            if (met_ != nullptr && !entry.isLink()) met_->insert(entry.name);
         }
     }
     if (listing_.error() != 0) status_ = Status::failure(listing_.error(), core_);
@@ -51,10 +57,11 @@ std::vector<FileEntry> Win32Directory::takeDirectories() {
 }
 
 /// False for a directory that is not to be listed. A walk of directories must know the place that
-/// it copies to when it meets it, whatever the path or the link that leads there.
+/// it copies to when it meets it, whatever the path or the link that leads there; one that only
+/// looks can ask for what it needs.
 bool Win32Directory::complete(FileEntry& entry) const {
     if (mayBeOldName(entry) && isShut(entry.name)) return false;
-    (void)queryIdentity(path_.child(wide(entry.name)), entry.id);
+    if (met_ == nullptr) (void)queryIdentity(path_.child(wide(entry.name)), entry.id);
     return true;
 }
 

@@ -30,8 +30,15 @@ class Win32Directory final : public Directory {
     /// Opens the listing unless look-ups alone are wanted. 0 or a system error.
     std::uint32_t open();
 
+    /// From here on it is only looked at: look-ups are answered from a listing that is made now, no
+    /// directory is opened for its identity, and `met` is told of those that are met. 0 or a system
+    /// error.
+    std::uint32_t onlyLook(std::shared_ptr<MetDirectories> met);
+
     bool next(FileEntry& entry) override;
     const Status& status() const override { return status_; }
+    /// Always: rights come from where a directory lies, and no others are brought.
+    bool hasRightsOf(const Directory&) const override { return true; }
     std::vector<FileEntry> takeDirectories() override;
     bool lookUp(const std::string& name, FileEntry& entry) override;
 
@@ -47,6 +54,7 @@ class Win32Directory final : public Directory {
     Listing listing_;
     std::vector<FileEntry> directories_;  // met while files were listed
     std::shared_ptr<KnownEntries> known_;
+    std::shared_ptr<MetDirectories> met_;  // null: more than a look is meant
     std::weak_ptr<HeldRoot> hold_;
     Status status_;
 };

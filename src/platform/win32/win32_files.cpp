@@ -6,6 +6,7 @@
 #include "platform/win32/file_changes.h"
 #include "platform/win32/win32_batch.h"
 #include "platform/win32/win32_directory.h"
+#include "platform/win32/win32_walk.h"
 
 namespace coffrelune {
 namespace {
@@ -62,7 +63,9 @@ Status Win32Files::openDirectory(const std::string& path, LinkRule links, Wanted
                                  std::unique_ptr<Directory>& directory) {
     return at(path, [&](const Win32Place& place) {
         FileEntry entry;
-        std::uint32_t error = checkEnterable(place, links, entry);
+        const bool isPlain = place.hold != nullptr && links != LinkRule::follow &&
+                             place.hold->root.opensPlain(place.path);
+        std::uint32_t error = isPlain ? 0 : checkEnterable(place, links, entry);
         if (error == 0 && place.hold != nullptr && entry.isLink()) {
             error = queryIdentity(place.path, entry.id);
             if (error == 0) place.hold->root.enter(place.path, entry.id);
@@ -139,6 +142,10 @@ Status Win32Files::copyFile(const std::string& source, const std::string& destin
 std::unique_ptr<CopyBatch> Win32Files::startBatch(const std::string& root,
                                                   AfterFailure afterFailure, CopyEvents& events) {
     return std::make_unique<Win32Batch>(places_, copier_, root, afterFailure, events);
+}
+
+std::unique_ptr<WalkAhead> Win32Files::startWalk() {
+    return std::make_unique<Win32Walk>(*this, places_);
 }
 
 Status Win32Files::setAttributes(const std::string& path, std::uint32_t attributes) {

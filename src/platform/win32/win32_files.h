@@ -31,7 +31,7 @@ class Win32Files final : public FileService {
                     CopyObserver* observer) override;
     std::unique_ptr<CopyBatch> startBatch(const std::string& root, AfterFailure afterFailure,
                                           CopyEvents& events) override;
-    std::unique_ptr<WalkAhead> startWalk() override { return std::make_unique<PlainWalk>(*this); }
+    std::unique_ptr<WalkAhead> startWalk() override;
     void abandonCopies() override { copier_.abandon(); }
     Status setAttributes(const std::string& path, std::uint32_t attributes) override;
     Status setTimes(const std::string& path, const FileTimes& times) override;
