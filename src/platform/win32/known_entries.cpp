@@ -4,6 +4,7 @@
 
 #include <limits>
 
+#include "platform/names.h"
 #include "platform/win32/wide_text.h"
 
 namespace coffrelune {
@@ -57,6 +58,11 @@ bool KnownEntries::find(const std::string& name, FileEntry& entry) {
     return true;
 }
 
+// What was written under a long name may have got any short one.
+bool KnownEntries::lacks(const std::string& name) const {
+    return empty_ && !forgottenAll_ && !mayBeShortName(wide(name)) && !isForgotten(name);
+}
+
 void KnownEntries::forget(std::wstring_view name) {
     forgotten_.insert(hashInCapitals(name));
     forgottenAll_ = forgottenAll_ || mayBeShortName(name);
@@ -91,10 +97,13 @@ void KnownEntries::readOn() {
         closed_ = names_.size() > mostNameBytes || !listing_.next(entry);
         if (!closed_ && entry.name != "." && entry.name != "..") add(entry);
     }
-    if (closed_) listing_.close();
+    if (!closed_) return;
+    empty_ = items_.empty() && listing_.error() == 0 && !listing_.leftSomethingOut();
+    listing_.close();
 }
 
 void KnownEntries::add(const FileEntry& entry) {
+    if (isOwnEntry(entry.name, entry.isDirectory())) return;
     if (met_ != nullptr && entry.isDirectory() && !entry.isLink()) met_->insert(entry.name);
     if (slots_.size() < 2 * (items_.size() + 1)) grow();
     std::uint32_t& slot = slotOf(entry.name);

@@ -18,7 +18,8 @@ using MetDirectories = std::unordered_set<std::string>;
 /// entries, where a look-up asks it once each, over the net as well, and has it open the file.
 ///
 /// Only a name in the very spelling of the listing is answered from here. Whatever else the disk
-/// takes for the same (another case, a short name), and what is not there, is left to the system.
+/// takes for the same (another case, a short name) is left to the system, and so is what is not
+/// there, unless nothing at all is: a first copy fills empty directories.
 class KnownEntries {
   public:
     /// The entry of that name and true, when it is known and nobody has forgotten it.
@@ -27,6 +28,10 @@ class KnownEntries {
     /// The same for a name that was not found, after reading on in the listing of `directory`, by a
     /// bounded number of entries, when that seems to pay.
     bool findFurther(const NativePath& directory, const std::string& name, FileEntry& entry);
+
+    /// True when nothing bears the name, for certain: the listing has come to its end and has shown
+    /// none but the program's own files, and the program has written nothing like it since.
+    bool lacks(const std::string& name) const;
 
     /// Reads the listing of `directory` at once, up to the same bound, and on from there without a
     /// look-up by name; `met` is told of its directories. 0 or the error that kept it from being
@@ -61,6 +66,7 @@ class KnownEntries {
     int unknown_ = 0;      // look-ups that found nothing here
     bool open_ = false;    // the listing has been started
     bool closed_ = false;  // there is no more to read in it
+    bool empty_ = false;   // there was nothing in it
     std::vector<Item> items_;
     std::string names_;
     // Positions in items_ and one more, found by the hash of the name; 0 in a free slot. At most

@@ -90,6 +90,7 @@ std::uint32_t Win32Directory::ask(const std::string& name, FileEntry& entry) {
         if (error != 0) return error;
     }
     if (known_->findFurther(path_, name, entry)) return 0;
+    if (known_->lacks(name)) return ERROR_FILE_NOT_FOUND;
     const NativePath path = path_.child(wide(name));
     if (path.name().size() > 255) return ERROR_INVALID_NAME;
     const std::uint32_t error = queryEntry(path, entry);

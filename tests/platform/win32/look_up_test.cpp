@@ -3,6 +3,8 @@
 
 #include <optional>
 
+#include "platform/names.h"
+#include "platform/win32/call_count.h"
 #include "platform/win32/test_disk.h"
 #include "platform/win32/win32_files.h"
 
@@ -73,6 +75,45 @@ TEST_F(Win32LookUp, AsksTheSystemForWhatIsNotListed) {
     disk::makeFile(base_.at("nouveau.txt"), "x", oldTime);
     EXPECT_EQ(sizeOf("nouveau.txt"), 1U);
     EXPECT_TRUE(opened_->status().ok());
+}
+
+TEST_F(Win32LookUp, AsksForNothingInADirectoryThatIsEmptyButForItsOwnFiles) {
+    disk::makeFile(base_.at(ownFileName(OwnFile::temporary, 1)), "half");
+    disk::makeDirectory(base_.at("plein"));
+    disk::makeFile(base_.at("plein\\a.txt"), "a");
+    const auto calls = [&](const std::string& directory) {
+        EXPECT_TRUE(
+            files_.openDirectory(directory, LinkRule::refuse, Wanted::nothing, opened_).ok());
+        const CallCount count;
+        for (int i = 0; i < 50; ++i) EXPECT_EQ(sizeOf(name(i)), std::nullopt);
+        EXPECT_TRUE(opened_->status().ok());
+        return count.calls();
+    };
+    EXPECT_EQ(calls(base_.at("plein")), 51);
+    disk::empty(base_.at("plein"));
+    EXPECT_EQ(calls(base_.at("plein")), 5);
+    EXPECT_EQ(calls(base_.at()), 51);  // with a directory in it
+}
+
+TEST_F(Win32LookUp, SeesWhatTheProgramWritesIntoAnEmptyDirectory) {
+    const std::string source = base_.at("source");
+    disk::makeFile(source, "longer", newTime);
+    disk::makeDirectory(base_.at("vide"));
+    ASSERT_TRUE(
+        files_.openDirectory(base_.at("vide"), LinkRule::refuse, Wanted::nothing, opened_).ok());
+    for (int i = 0; i < 20; ++i) EXPECT_EQ(sizeOf(name(i)), std::nullopt);
+    const std::string copy = base_.at("vide\\" + name(7));
+    ASSERT_TRUE(files_.copyFile(source, copy, LinkRule::refuse, nullptr).ok());
+    EXPECT_EQ(sizeOf(name(7)), 6U);
+    EXPECT_EQ(sizeOf("FICHIER 7.TXT"), 6U);
+    EXPECT_EQ(sizeOf(name(8)), std::nullopt);
+    // Such a name may be the short one of what was written.
+    disk::makeFile(base_.at("vide\\FICHIE~1.TXT"), "abc");
+    EXPECT_EQ(sizeOf("FICHIE~1.TXT"), 3U);
+    ASSERT_TRUE(files_.createDirectory(base_.at("vide\\sous"), DirectoryAccess::usual).ok());
+    FileEntry made;
+    EXPECT_TRUE(opened_->lookUp("sous", made));
+    EXPECT_TRUE(opened_->lookUp("Sous", made));
 }
 
 TEST_F(Win32LookUp, SeesEveryWriteOfTheProgram) {
