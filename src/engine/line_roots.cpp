@@ -88,6 +88,7 @@ void LineGuard::watch(const LineRoots& roots) {
     if (!files_.identify(roots.target, target_).ok()) target_ = FileId{};
     if (!files_.identify(roots.source, source_).ok()) source_ = FileId{};
     metLink_ = false;
+    onShare_ = files_.resolve(roots.source).starts_with(R"(\\)");
     const std::string original = files_.resolve(roots.original());
     FileId copy;
     copyHoldsOriginal_ =
@@ -129,8 +130,10 @@ bool LineGuard::isTarget(const std::string& path, const FileEntry& entry) {
     if (path == targetPath_) return true;
     if (!target_.known()) return false;
     FileId id = entry.id;
-    // To ask for it costs a call each. Without a link on the way, it is on the source's volume.
-    const bool mayBeTarget = metLink_ || !source_.known() || source_.volume == target_.volume;
+    // To ask for it costs a call each. On a disk of this computer what is reached without a link is
+    // on the source's volume.
+    const bool mayBeTarget =
+        metLink_ || onShare_ || !source_.known() || source_.volume == target_.volume;
     if (!id.known() && mayBeTarget) (void)files_.identify(path, id);
     return id.known() && id == target_;
 }

@@ -96,6 +96,7 @@ class LineGuard {
     std::string targetPath_;          // resolved
     bool copyHoldsOriginal_ = false;  // or is it
     bool metLink_ = false;            // what is met may lie on any volume
+    bool onShare_ = false;            // the same: a server may show other servers' directories
 };
 
 }  // namespace coffrelune

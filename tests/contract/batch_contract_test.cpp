@@ -18,6 +18,23 @@ INSTANTIATE_TEST_SUITE_P(On, BatchContract, testing::ValuesIn(contractSystems())
 INSTANTIATE_TEST_SUITE_P(On, LinkBatchContract,
                          testing::ValuesIn(contractSystems(Capability::links)), contractName);
 
+// As a first copy does: each name is looked up, found absent, and added.
+TEST_P(BatchContract, EmptyDirectoryShowsWhatTheBatchHasNamedInIt) {
+    constexpr int many = 30;
+    const auto name = [](int i) { return "fichier " + std::to_string(i) + ".txt"; };
+    for (int i = 0; i < many; ++i) original(name(i));
+    start();
+    FileEntry found;
+    for (int i = 0; i < many; ++i) {
+        EXPECT_FALSE(target().lookUp(name(i), found));
+        EXPECT_EQ(add(name(i)), 0U);
+    }
+    finish();
+    for (int i = 0; i < many; ++i) EXPECT_TRUE(target().lookUp(name(i), found)) << i;
+    EXPECT_FALSE(target().lookUp(name(many), found));
+    EXPECT_TRUE(target().status().ok());
+}
+
 TEST_P(BatchContract, TakesContentTimeAndAttributes) {
     const std::string holes = patternOf(5000) + std::string(std::size_t{1} << 20, '\0') + "end" +
                               std::string(70'000, '\0');

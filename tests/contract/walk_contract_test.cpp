@@ -138,7 +138,20 @@ TEST_P(LinkWalkContract, PassesNoLinkInTheCopy) {
     OpenedPair pair = open("b\\nom\\");
     EXPECT_TRUE(pair.sourceStatus.ok());
     EXPECT_EQ(pair.targetStatus.code(), error_number::notADirectory);
-    EXPECT_FALSE(open("b\\nom\\plus bas\\").targetStatus.ok());
+}
+
+TEST_P(LinkWalkContract, PassesNoLinkOnTheWayBelowAHold) {
+    makeBoth("b");
+    for (const char* name :
+         {"Docs\\b\\nom", "Docs\\b\\nom\\bas", "Copie\\b\\autre", "Copie\\b\\autre\\bas"}) {
+        system().makeDirectory(at(name));
+    }
+    system().makeLink(at("Copie\\b\\nom"), "autre");
+    std::unique_ptr<HeldTree> held;
+    ASSERT_TRUE(files().hold(at("Copie"), held).ok());
+    lookAtRoot({"b\\"});
+    for (const char* name : {"b\\", "b\\nom\\"}) (void)open(name);
+    EXPECT_EQ(open("b\\nom\\bas\\").targetStatus.code(), error_number::cannotResolveName);
 }
 
 }  // namespace

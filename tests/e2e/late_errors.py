@@ -96,7 +96,8 @@ class LateTrial(Trial):
                             f"{what} : une erreur sans nom", outcome)
         # A run that finds its destination gone before it copies says so, and counts nothing.
         counted = f"nombre d'erreur(s): {len(named)}\n" in outcome.out
-        stopped = outcome.status == 3 and "Le disque destination n'existe pas." in outcome.out
+        stopped = (outcome.status == 3 and "nombre d'erreur(s)" not in outcome.out
+                   and "Le disque destination n'existe pas." in outcome.out)
         self.verdict.expect(not named or counted or stopped,
                             f"{what} : {len(named)} erreurs, un autre compte", outcome)
 

@@ -162,6 +162,11 @@ TEST_F(Engine, AsksWhichDirectoryItMeetsOnlyWhereItCanBeTheTarget) {
     link.attributes |= attribute::link;
     EXPECT_EQ(asked("C:\\Docs\\Lien", link), 1U);
     EXPECT_EQ(asked("C:\\Docs\\Lien\\Docs", met), 1U);
+
+    // A server may show there what another one holds.
+    for (const char* path : {"\\\\nas\\docs\\Photos", "F:\\Save\\docs"}) disk().directory(path);
+    guard.watch(lineRoots("\\\\nas\\docs", "F:\\Save", Layout::normal));
+    EXPECT_EQ(asked("\\\\nas\\docs\\Photos", met), 1U);
 }
 
 TEST_F(Engine, KnowsItsTargetUnderAnotherPath) {

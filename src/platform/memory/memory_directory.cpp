@@ -62,7 +62,7 @@ std::vector<FileEntry> MemoryDirectory::takeDirectories() {
     std::vector<FileEntry> directories;
     if (!status_.ok()) return directories;
     for (const MemoryNode::Pointer& node : listing_) {
-        if (!node->isDirectory() || !isThere(*node)) continue;
+        if (!node->isDirectory() || isOwnEntry(node->name(), true) || !isThere(*node)) continue;
         directories.push_back(volume_.shown(*node, node->name()));
     }
     return directories;

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <limits>
 
 #include "platform/names.h"
@@ -24,6 +25,13 @@ std::size_t hashInCapitals(std::wstring_view name) {
     const int written = LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, name.data(), length,
                                       upper.data(), length, nullptr, nullptr, 0);
     return std::hash<std::wstring_view>()(written == length ? upper : name);
+}
+
+/// One that can only be taken for another that differs by its case.
+bool isPlain(std::string_view name) {
+    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    return std::all_of(name.begin(), name.end(), isAscii) && !name.ends_with('.') &&
+           !name.ends_with(' ');
 }
 
 /// "LETTRE~1.TXT": perhaps the short name of a file that is listed under its long one.
@@ -58,9 +66,11 @@ bool KnownEntries::find(const std::string& name, FileEntry& entry) {
     return true;
 }
 
-// What was written under a long name may have got any short one.
+// What was written may have got any short name, and a volume may take other names for the same than
+// those that differ by their case: letters of other alphabets, a dot at the end.
 bool KnownEntries::lacks(const std::string& name) const {
-    return empty_ && !forgottenAll_ && !mayBeShortName(wide(name)) && !isForgotten(name);
+    if (!empty_ || name.find('~') != std::string::npos) return false;
+    return forgotten_.empty() || (isPlain(name) && !isForgotten(name));
 }
 
 void KnownEntries::forget(std::wstring_view name) {

@@ -29,8 +29,9 @@ class KnownEntries {
     /// bounded number of entries, when that seems to pay.
     bool findFurther(const NativePath& directory, const std::string& name, FileEntry& entry);
 
-    /// True when nothing bears the name, for certain: the listing has come to its end and has shown
-    /// none but the program's own files, and the program has written nothing like it since.
+    /// True when nothing bears the name, as far as a listing tells: it has come to its end and has
+    /// shown none but the program's own files, and nothing that the program has written since can
+    /// bear it. False where that is not known.
     bool lacks(const std::string& name) const;
 
     /// Reads the listing of `directory` at once, up to the same bound, and on from there without a

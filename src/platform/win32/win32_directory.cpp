@@ -42,7 +42,8 @@ bool Win32Directory::next(FileEntry& entry) {
                                     ? complete(entry)
                                     : !mayBeOldName(entry) || !isShut(entry.name);
             if (isKept) return true;
-        } else if (wanted_ == Wanted::files && entry.isDirectory() && !isDots(entry.name)) {
+        } else if (wanted_ == Wanted::files && entry.isDirectory() && !isDots(entry.name) &&
+                   !isOwnEntry(entry.name, true)) {
             directories_.push_back(entry);
             if (met_ != nullptr && !entry.isLink()) met_->insert(entry.name);
         }

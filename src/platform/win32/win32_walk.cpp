@@ -43,27 +43,24 @@ OpenedPair Win32Walk::open(const DirectoryPair& pair) {
     return opened;
 }
 
-Status Win32Walk::open(Side& side, bool listed, LinkRule links, Wanted wanted,
+Status Win32Walk::open(const Side& side, bool listed, LinkRule links, Wanted wanted,
                        std::unique_ptr<Directory>& directory) {
-    Win32Place place;
-    Status status = places_.holds().locate(side.path, place);
-    if (!status.ok()) return status;
-    std::unique_ptr<Directory> opened;
-    std::uint32_t error = 0;
-    if (listed) {
-        auto made = std::make_unique<Win32Directory>(place.path, side.path, wanted, places_.watch(),
-                                                     std::weak_ptr<HeldRoot>());
-        error = made->open();
-        opened = std::move(made);
-    } else {
-        status = files_.openDirectory(side.path, links, wanted, opened);
-        if (!status.ok()) return status;
-    }
-    // What this service opens is of this kind.
-    if (error == 0) error = static_cast<Win32Directory&>(*opened).onlyLook(side.met);
-    if (error != 0) return failureAt(error, place.path, side.path);
-    directory = std::move(opened);
+    if (listed && openListed(side, wanted, directory)) return {};
+    Status status = files_.openDirectory(side.path, links, wanted, directory);
+    // What this service opens is of this kind. Where it cannot be listed, look-ups may work.
+    if (status.ok()) (void)static_cast<Win32Directory&>(*directory).onlyLook(side.met);
     return status;
+}
+
+/// False when it cannot be listed, whatever that means.
+bool Win32Walk::openListed(const Side& side, Wanted wanted, std::unique_ptr<Directory>& directory) {
+    Win32Place place;
+    if (!places_.holds().locate(side.path, place).ok()) return false;
+    auto opened = std::make_unique<Win32Directory>(place.path, side.path, wanted, places_.watch(),
+                                                   std::weak_ptr<HeldRoot>());
+    if (opened->open() != 0 || opened->onlyLook(side.met) != 0) return false;
+    directory = std::move(opened);
+    return true;
 }
 
 }  // namespace coffrelune

@@ -11,7 +11,8 @@ namespace coffrelune {
 
 /// Lists each directory of a pair once and asks the system nothing else: over a net every question
 /// is a way there and back. What the listing above has shown to be a directory and no link is not
-/// opened to make sure; all others are opened as FileService::openDirectory does.
+/// opened to make sure; all others, and what cannot be listed, are opened as
+/// FileService::openDirectory does.
 class Win32Walk final : public WalkAhead {
   public:
     /// Both outlive this.
@@ -32,8 +33,9 @@ class Win32Walk final : public WalkAhead {
     };
 
     static bool isListed(const std::string& path, const Side& above);
-    Status open(Side& side, bool listed, LinkRule links, Wanted wanted,
+    Status open(const Side& side, bool listed, LinkRule links, Wanted wanted,
                 std::unique_ptr<Directory>& directory);
+    bool openListed(const Side& side, Wanted wanted, std::unique_ptr<Directory>& directory);
 
     Win32Files& files_;
     Win32Places& places_;

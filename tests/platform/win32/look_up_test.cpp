@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "platform/names.h"
-#include "platform/win32/call_count.h"
+#include "platform/win32/intercepted_calls.h"
 #include "platform/win32/test_disk.h"
 #include "platform/win32/win32_files.h"
 
@@ -93,6 +93,33 @@ TEST_F(Win32LookUp, AsksForNothingInADirectoryThatIsEmptyButForItsOwnFiles) {
     disk::empty(base_.at("plein"));
     EXPECT_EQ(calls(base_.at("plein")), 5);
     EXPECT_EQ(calls(base_.at()), 51);  // with a directory in it
+    disk::empty(base_.at());
+    const BrokenListings broken(error_number::ioDevice);
+    EXPECT_EQ(calls(base_.at()), 51);
+}
+
+TEST_F(Win32LookUp, AsksInAnEmptyDirectoryForWhatMayBearAnotherName) {
+    const std::string own = ownFileName(OwnFile::certificate, 7);
+    disk::makeFile(base_.at(own), "own");
+    disk::makeFile(base_.at("source"), "longer", newTime);
+    disk::makeDirectory(base_.at("vide"));
+    ASSERT_TRUE(
+        files_.openDirectory(base_.at("vide"), LinkRule::refuse, Wanted::nothing, opened_).ok());
+    for (int i = 0; i < 20; ++i) EXPECT_EQ(sizeOf(name(i)), std::nullopt);
+    const auto asks = [&](const std::string& name) {
+        const CallCount count;
+        EXPECT_EQ(sizeOf(name), std::nullopt) << name;
+        return count.calls() == 1;
+    };
+    EXPECT_TRUE(asks(own));
+    EXPECT_TRUE(asks("~$LETT~1.DOC"));
+    EXPECT_FALSE(asks("été.txt"));
+    const std::string copy = base_.at("vide\\a.txt");
+    ASSERT_TRUE(files_.copyFile(base_.at("source"), copy, LinkRule::refuse, nullptr).ok());
+    EXPECT_TRUE(asks("été.txt"));
+    EXPECT_TRUE(asks("b."));
+    EXPECT_FALSE(asks("b.txt"));
+    EXPECT_EQ(sizeOf("A.TXT"), 6U);
 }
 
 TEST_F(Win32LookUp, SeesWhatTheProgramWritesIntoAnEmptyDirectory) {

@@ -1,7 +1,7 @@
 // Pairs of directories that are only looked at: what the system is asked, and what is never passed.
 #include <gtest/gtest.h>
 
-#include "platform/win32/call_count.h"
+#include "platform/win32/intercepted_calls.h"
 #include "platform/win32/test_disk.h"
 #include "platform/win32/win32_files.h"
 
@@ -107,13 +107,17 @@ TEST_F(Win32LookWalk, PassesNoLinkThatTheListingHasShown) {
     makeBoth("d", 1);
     disk::makeDirectory(base_.at("ailleurs"));
     disk::makeDirectory(source_ + "lien");
+    disk::makeDirectory(base_.at("ailleurs\\plus bas"));
+    disk::makeDirectory(source_ + "lien\\plus bas");
     if (!disk::makeDirectoryLink(target_ + "lien", "..\\ailleurs")) {
         GTEST_SKIP() << "this user can make no links";
     }
+    std::unique_ptr<HeldTree> held;
+    ASSERT_TRUE(files_.hold(target_, held).ok());
     lookAtRoot();
     EXPECT_EQ(open("lien\\").targetStatus.code(), error_number::notADirectory);
     // What lies below a refused link is not known from its listing either.
-    EXPECT_FALSE(open("lien\\plus bas\\").targetStatus.ok());
+    EXPECT_EQ(open("lien\\plus bas\\").targetStatus.code(), error_number::cannotResolveName);
     EXPECT_TRUE(open("d\\").targetStatus.ok());
 }
 
@@ -134,6 +138,40 @@ TEST_F(Win32LookWalk, KnowsWhichDirectoryAnEntryWasListedIn) {
         (void)lookAt(pair);
     }
     EXPECT_EQ(open("b\\nom\\").targetStatus.code(), error_number::notADirectory);
+}
+
+TEST_F(Win32LookWalk, LooksUpByNameWhereNothingCanBeListed) {
+    makeBoth("d", 6);
+    lookAtRoot();
+    const RefusedListings refused(L"\\Copie\\d\\*", error_number::accessDenied);
+    OpenedPair pair = open("d\\");
+    ASSERT_TRUE(pair.targetStatus.ok());
+    EXPECT_EQ(lookAt(pair), 6);
+}
+
+TEST_F(Win32LookWalk, TellsAnOriginalThatCannotBeListed) {
+    makeBoth("d", 6);
+    lookAtRoot();
+    const RefusedListings refused(L"\\Docs\\d\\*", error_number::accessDenied);
+    OpenedPair pair = open("d\\");
+    EXPECT_EQ(pair.sourceStatus.code(), error_number::accessDenied);
+    EXPECT_TRUE(pair.targetStatus.ok());
+}
+
+TEST_F(Win32LookWalk, LooksUpByNameWhatABrokenListingHasNotShown) {
+    makeBoth("d", 6);
+    lookAtRoot();
+    OpenedPair source = open("d\\");
+    OpenedPair pair;
+    {
+        const BrokenListings broken(ERROR_IO_DEVICE);
+        pair = open("d\\");
+    }
+    FileEntry copy;
+    for (FileEntry entry; source.source->next(entry);) {
+        EXPECT_TRUE(pair.target->lookUp(entry.name, copy)) << entry.name;
+    }
+    EXPECT_TRUE(pair.target->status().ok());
 }
 
 TEST_F(Win32LookWalk, FindsTheFileOfADirectoryLargerThanOneReading) {

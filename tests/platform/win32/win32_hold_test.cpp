@@ -120,6 +120,23 @@ TEST_F(Win32HoldTest, LinkThatWasEnteredIsAllowedForAsLongAsItLeadsToTheSamePlac
     EXPECT_EQ(disk::content(at("Ailleurs\\a.txt")), "other");
 }
 
+TEST_F(Win32HoldTest, LinkThatWasEnteredIsStillRefusedWhereLinksAre) {
+    disk::makeDirectory(at("Arbre"));
+    disk::makeDirectory(at("Arbre\\Autre"));
+    disk::makeDirectory(at("Ailleurs"));
+    if (!disk::makeDirectoryLink(at("Arbre\\lien"), "..\\Ailleurs")) {
+        GTEST_SKIP() << "this user may not make links";
+    }
+    const auto held = hold("Arbre");
+    const auto code = [&](const std::string& name, LinkRule links) {
+        std::unique_ptr<Directory> opened;
+        return files_.openDirectory(at("Arbre\\" + name), links, Wanted::nothing, opened).code();
+    };
+    EXPECT_EQ(code("lien", LinkRule::enter), 0U);
+    EXPECT_EQ(code("Autre", LinkRule::refuse), 0U);  // the way to the link is left
+    EXPECT_EQ(code("lien", LinkRule::refuse), error_number::notADirectory);
+}
+
 TEST_F(Win32HoldTest, PlaceNamesTheVolumeAndThePathThere) {
     disk::makeDirectory(at("Arbre"));
     const auto held = hold("Arbre");
