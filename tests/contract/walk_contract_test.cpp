@@ -45,6 +45,7 @@ class WalkContract : public Contract {
         ASSERT_TRUE(root.sourceStatus.ok() && root.targetStatus.ok());
         (void)lookAt(root);
         std::vector<DirectoryPair> pairs;
+        pairs.reserve(next.size());
         for (const std::string& name : next) {
             pairs.push_back(
                 {at("Docs\\") + name, LinkRule::refuse, at("Copie\\") + name, LinkRule::refuse});
