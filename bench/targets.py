@@ -43,7 +43,10 @@ class Results:
         return Spread(found) if found else None
 
     def peak(self, trial):
-        these = self.measures.of(essai=trial, programme=OURS)
+        """Without a list of all that differs: what that may take grows with its text."""
+        these = Measures([record for record in
+                          self.measures.of(essai=trial, programme=OURS).records
+                          if record["opération"] != p.DIFFERING])
         return Spread([these.peak()]) if these else None
 
     def more_seconds(self, trial, over, under):
@@ -86,7 +89,8 @@ TARGETS = (
      lambda r: r.between("repos", p.COMPARE, p.NOTHING), MOST, 1.1),
     ("Un million de fichiers qui diffèrent : secondes de plus que d'égaux",
      lambda r: r.more_seconds("croissance", p.DIFFERING, p.COMPARE), MOST, 2),
-    ("Un million de fichiers : Mio de mémoire", lambda r: r.peak("croissance"), MOST, 16),
+    ("Un million de fichiers, sans liste de différences : Mio de mémoire",
+     lambda r: r.peak("croissance"), MOST, 16),
     ("Première copie, temps par fichier, un million / cent mille",
      lambda r: r.per_file("croissance", p.FIRST, "1 000 000", "100 000"), MOST, 1.1),
     ("Rien de changé, temps par fichier, un million / cent mille",
