@@ -80,12 +80,24 @@ class LateTrial(Trial):
         self.count(f"état {outcome.status}")
         self.count("refus vus" if refused else "refus restés à venir")
         self.told(outcome, what)
+        if os.listdir(self.disk.point):
+            self.never_there(outcome, what)
+            return
         if not self.mounted(what):
             return
         try:
             self.safe(outcome, what)
         finally:
             self.disk.take_off()
+
+    def never_there(self, outcome, what):
+        """Taken off before the program looked: what it wrote lies beneath, all of it."""
+        self.count("démontés avant")
+        tree = Tree(self.files, self.written)
+        self.verdict.expect(outcome.status != 0 or self.is_all(tree, NEW),
+                            f"{what} : sans erreur, et pourtant", f"{tree}\n{outcome}")
+        for name in os.listdir(self.disk.point):
+            shutil.rmtree(os.path.join(self.disk.point, name))
 
     def told(self, outcome, what):
         named = error_lines(outcome.all)
