@@ -123,7 +123,11 @@ void OperationLauncher::reportNothing(RunMode mode) {
                        : system_.operationKind == OperationKind::restore ? "Rien à restaurer !"
                                                                          : "Rien à sauvegarder !";
     if (!cause.empty()) text += "\n\n" + cause;
-    if (mode == RunMode::startedByUser || !cause.empty()) say(mode, text, treeOnly);
+    // A copy whose every directory is refused never begins: without the count, it would look done.
+    const bool errors = statistics_.errorCount > 0;
+    if (errors) text += "\n\nNombre d'erreur(s): " + std::to_string(statistics_.errorCount);
+    const bool trouble = errors || !cause.empty();
+    if (mode == RunMode::startedByUser || trouble) say(mode, text, treeOnly);
 }
 
 std::string OperationLauncher::treeMessage() const {

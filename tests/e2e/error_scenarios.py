@@ -216,6 +216,9 @@ def file_in_the_way(place, report):
     outcome = place.backup("--ecraser")
     report.check("un état d'échec", outcome.status in (1, 3), outcome)
     report.equal("le fichier est resté", read(f"{place.copy}/sous"), b"un fichier")
+    report.check("rien n'est à copier sans lui, et son erreur est comptée",
+                 "Rien à sauvegarder !" in outcome.out and
+                 "\nNombre d'erreur(s): 1" in outcome.out, outcome)
 
 
 def directory_in_the_way(place, report):

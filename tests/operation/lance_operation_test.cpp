@@ -108,6 +108,31 @@ TEST_F(LanceOperation, TellsWhyNothingWasSavedWhenTheDestinationIsAbsent) {
     EXPECT_THAT(filesBelow(R"(G:\Save)"), IsEmpty());
 }
 
+TEST_F(LanceOperation, TellsTheErrorsOfACopyThatCouldNotEvenBegin) {
+    system.options.ContinueOnError = -1;
+    faults.fail("createDirectory", "", 5);
+    closeAtFermer();
+    EXPECT_EQ(launchAndRead(), RunEnd::nothing);
+    EXPECT_THAT(message(), IsMessage("Rien à sauvegarder !\n\nNombre d'erreur(s): 2", title,
+                                     MessageIcon::exclamation));
+    EXPECT_EQ(system.errorCount, 2);
+    EXPECT_EQ(setting("Travail", "LastSave"), "");
+    EXPECT_EQ(setting("Travail", "LastSaveOk"), "");
+}
+
+TEST_F(LanceOperation, TellsTheErrorsOfATreeOfDirectories) {
+    system.options.ContinueOnError = -1;
+    system.options.ArbreMode = -1;
+    faults.fail("createDirectory", R"(F:\Save\Docs\Sub)", 5);
+    user().answer(Answer::ok);
+    closeAtFermer();
+    EXPECT_EQ(launchAndRead(), RunEnd::finished);
+    EXPECT_THAT(message(), IsMessage("Copie de l'arborescence terminée !\n\n"
+                                     "3 répertoire(s) lu(s), 2 répertoire(s) créé(s)."
+                                     "\n\nNombre d'erreur(s): 1",
+                                     title, MessageIcon::information));
+}
+
 TEST_F(LanceOperation, TellsThatTheUserInterruptedTheCopy) {
     interruptAtLabel(0, "31% copiés (5 octets de 16 octets)");
     EXPECT_EQ(launchAndRead(), RunEnd::interrupted);

@@ -56,6 +56,15 @@ TEST_F(UnattendedRun, GivesANoticeOfAnAbsentDestination) {
     EXPECT_THAT(user().messages(), IsEmpty());
 }
 
+TEST_F(UnattendedRun, GivesANoticeOfACopyThatCouldNotEvenBegin) {
+    system.AutoMode = true;
+    system.options.ContinueOnError = -1;
+    faults.fail("createDirectory", "", 5);
+    EXPECT_EQ(launchUnattended(), RunEnd::nothing);
+    EXPECT_THAT(user().notices(), ElementsAre("Rien à sauvegarder !\n\nNombre d'erreur(s): 2"));
+    EXPECT_THAT(user().messages(), IsEmpty());
+}
+
 TEST_F(UnattendedRun, GivesANoticeOfAMissingSourceAndStops) {
     system.lines[1].source = R"(D:\Absent)";
     system.AutoMode = true;
