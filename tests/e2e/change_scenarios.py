@@ -225,7 +225,7 @@ def a_locked_original(place, report):
 NETWORK = (("ESTALE", 55), ("EIO", 1117), ("ETIMEDOUT", 121), ("ENOTCONN", 55))
 BIG = {"gros.bin": "v" * 300_000}
 # Which call fails; of what path; whether the file that it concerns can be named.
-READS = (("openat", "gros.bin"), ("sendfile", None), ("getdents64", None))
+READS = (("openat", "gros.bin"), ("read", "Données/gros.bin"), ("getdents64", None))
 WRITES = (("renameat,renameat2", None), ("syncfs", None))
 
 
@@ -238,6 +238,8 @@ def a_network_that_fails(place, report):
     for error, number in NETWORK:
         for call, path in READS + WRITES:
             what = f"{call} {error}"
+            if path and "/" in path:
+                path = os.path.join(place.root, path)
             outcome = faulty(place, [f"{call}:error={error}"], *BACKUP, path=path)
             check(Silent(report), what, outcome, (1, 2, 3), f"Erreur: {number} ")
             quiet = Silent(report)
@@ -252,7 +254,7 @@ def a_network_that_fails(place, report):
 @needs(why_no_trace)
 def calls_that_are_interrupted(place, report):
     """Des appels interrompus une fois (EINTR) : recommencés, ou dits"""
-    for call in ("openat", "sendfile", "getdents64", "statx", "openat2", "syncfs",
+    for call in ("openat", "read", "write", "getdents64", "statx", "openat2", "syncfs",
                  "renameat,renameat2", "utimensat", "fsync"):
         shutil.rmtree(place.copy, ignore_errors=True)
         settle(place)
@@ -260,7 +262,10 @@ def calls_that_are_interrupted(place, report):
         backed_up(place, Silent(report), BIG)
         write(f"{place.source}/gros.bin", "n" * 400_000)
         path = place.copy if call in ("syncfs", "fsync") else None
-        outcome = faulty(place, [f"{call}:error=EINTR:when=3+7"], *BACKUP, path=path)
+        when = "3+7"
+        if call == "read":
+            path, when = f"{place.source}/gros.bin", "1+2"
+        outcome = faulty(place, [f"{call}:error=EINTR:when={when}"], *BACKUP, path=path)
         copied = read(f"{place.copy}/gros.bin") == b"n" * 400_000
         report.check(f"{call} : copié, ou dit ({outcome.status})",
                      outcome.status == 0 and copied or outcome.status in (1, 2, 3), outcome)

@@ -317,8 +317,7 @@ def sweep(shop, scene, report, step, offset):
     for number, (_, call, path) in enumerate(calls, 1):
         if (number + offset) % step:
             continue
-        for how in ("kill", "tear") if call in ("write", "sendfile", "copy_file_range") else (
-                "kill",):
+        for how in ("kill", "tear") if call == "write" else ("kill",):
             scene.prepare(place)
             state = state_of(scene, place)
             outcome = shop.trapped(place, scene.arguments, at=number, do=how, below=place.root)

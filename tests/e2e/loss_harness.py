@@ -199,6 +199,15 @@ def faulty(place, faults, *arguments, path=None):
     return wait(traced(place, faults, *arguments, path=path))
 
 
+def write_of_data(place, *arguments):
+    """Which of the writes of a run that ends well is the first of a file of some size."""
+    wait(traced(place, ["write:error=EIO:when=65535"], *arguments))
+    writes = re.findall(rb"^(\d+) +write\(\d+, .*, (\d+)(?:\)| <unf)", read(f"{place.root}/trace"), re.M)
+    thread, _ = next(found for found in writes if int(found[1]) > 100_000)
+    own = [int(size) for number, size in writes if number == thread]  # strace counts by thread
+    return next(number for number, size in enumerate(own, 1) if size > 100_000)
+
+
 BACKUP = ("sauvegarder", "--journal")
 RESTORE = ("restaurer", "--confirmer", "--journal")
 
@@ -212,8 +221,9 @@ def killed(place, call, number, arguments):
 class Halted:
     """A run that stands still before its n-th call of a name, and goes on when told to."""
 
-    def __init__(self, place, report, call, number, *arguments):
-        self.process = traced(place, [f"{call}:signal=SIGSTOP:when={number}"], *arguments)
+    def __init__(self, place, report, call, number, *arguments, path=None):
+        self.process = traced(place, [f"{call}:signal=SIGSTOP:when={number}"], *arguments,
+                              path=path)
         self.stands = wait_until(lambda: b"stopped by SIGSTOP" in self.log(place), self.process)
         report.check("le programme est arrêté en son milieu", self.stands,
                      self.log(place).decode(errors="replace")[-800:])

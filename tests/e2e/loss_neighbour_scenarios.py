@@ -192,9 +192,10 @@ def file_that_shrinks(place, report):
     settle(place)
     backed_up(place, report, {"gros.bin": "v" * 1000})
     old, shorter = b"v" * 1000, b"n" * (5 << 20)
-    write(f"{place.source}/gros.bin", b"n" * (9 << 20))
-    with Halted(place, report, "sendfile", 2, *BACKUP) as running:
-        os.truncate(f"{place.source}/gros.bin", len(shorter))
+    big = f"{place.source}/gros.bin"
+    write(big, b"n" * (9 << 20))
+    with Halted(place, report, "read", 17, *BACKUP, path=big) as running:
+        os.truncate(big, len(shorter))
         outcome = running.finish()
     # Read again at once, it has its new length; else it is an error.
     found = read(f"{place.copy}/gros.bin")

@@ -6,7 +6,8 @@ import shutil
 from harness import read, write
 from loss_harness import (BACKUP, KEPT, OLDER, RESTORE, Halted, back_up, backed_up, certificate,
                           check, disk, elsewhere, faulty, holds, killed, marks, mounted, needs,
-                          plant, restore, settle, silent, tree, why_no_mount, why_no_trace)
+                          plant, restore, settle, silent, tree, why_no_mount, why_no_trace,
+                          write_of_data)
 
 OLD = {"a.txt": "ancien a", "sous/b.txt": "ancien b", "sous/parti.txt": "parti"}
 NEW = {"a.txt": "nouveau a", "sous/b.txt": "nouveau b"}
@@ -46,14 +47,22 @@ def read_errors_leave_the_old_copy(place, report):
 @needs(why_no_trace)
 def write_errors_leave_the_old_copy(place, report):
     """Une copie qui ne s'écrit pas : l'ancienne reste entière"""
-    for call, error in (("sendfile", "EIO"), ("sendfile", "ENOSPC"),
-                        ("utimensat", "EIO"), ("renameat", "EIO")):
+    big = {"gros.bin": "v" * 300_000}
+
+    def changed_since():
         shutil.rmtree(place.copy, ignore_errors=True)
         settle(place)
-        big = {"gros.bin": "v" * 300_000}
         backed_up(place, report, big)
         write(f"{place.source}/gros.bin", "n" * 400_000)
-        outcome = faulty(place, [f"{call}:error={error}"], *BACKUP)
+    changed_since()
+    data = write_of_data(place, *BACKUP)
+    # Each file is tried twice: its first write fails both times, or its second.
+    first, second = f"{data}..{data + 1}", f"{data + 1}..{data + 3}+2"
+    for call, error, when in (("write", "EIO", first), ("write", "ENOSPC", first),
+                              ("write", "EIO", second), ("write", "ENOSPC", second),
+                              ("utimensat", "EIO", "1+"), ("renameat", "EIO", "1+")):
+        changed_since()
+        outcome = faulty(place, [f"{call}:error={error}:when={when}"], *BACKUP)
         check(report, f"{call} {error}", outcome, (1, 3), "gros.bin" if call != "renameat" else "")
         holds(report, f"{call} {error} : l'ancienne copie est entière, rien ne traîne", place.copy,
               big)

@@ -24,7 +24,6 @@
 #include <stdlib.h>
 #include <string.h>
 #include <sys/file.h>
-#include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
 #include <sys/syscall.h>
@@ -203,34 +202,6 @@ ssize_t write(int fd, const void *bytes, size_t size) {
         return -1;
     }
     return real(fd, bytes, size);
-}
-
-ssize_t sendfile(int out, int in, off_t *offset, size_t size) {
-    REAL(ssize_t, sendfile, int, int, off_t *, size_t);
-    int outcome = trap(CHANGES, "sendfile", out, NULL);
-    if (outcome == TEAR) {
-        real(out, in, offset, 4096);
-        die();
-    }
-    if (outcome != GO_ON) {
-        errno = outcome;
-        return -1;
-    }
-    return real(out, in, offset, size);
-}
-
-ssize_t copy_file_range(int in, off_t *from, int out, off_t *to, size_t size, unsigned flags) {
-    REAL(ssize_t, copy_file_range, int, off_t *, int, off_t *, size_t, unsigned);
-    int outcome = trap(CHANGES, "copy_file_range", out, NULL);
-    if (outcome == TEAR) {
-        real(in, from, out, to, 4096, flags);
-        die();
-    }
-    if (outcome != GO_ON) {
-        errno = outcome;
-        return -1;
-    }
-    return real(in, from, out, to, size, flags);
 }
 
 ssize_t pwrite(int fd, const void *bytes, size_t size, off_t offset) {

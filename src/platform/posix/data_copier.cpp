@@ -1,6 +1,5 @@
 #include "platform/posix/data_copier.h"
 
-#include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,8 +13,9 @@
 namespace coffrelune {
 namespace {
 
-constexpr std::uint64_t smallFile = 128U << 10;
-constexpr std::uint64_t bufferSize = 1U << 20;
+// Fewer calls than with a smaller one, and still in the processor's cache when it is written. The
+// kernel's own copy (sendfile) goes through a pipe, by 64 KiB: on ext4 it costs 15 % more.
+constexpr std::size_t bufferSize = 256U << 10;
 // Small enough that a slow disk is heard of, and a copy abandoned, within a second or so.
 constexpr std::uint64_t chunkSize = 4U << 20;
 
@@ -32,9 +32,7 @@ int DataCopier::copy(int source, const struct stat& information, int destination
     observer_ = observer;
     position_ = 0;
     size_ = static_cast<std::uint64_t>(information.st_size);
-    canSend_ = size_ > smallFile;
-    const std::size_t needed = size_ > smallFile ? bufferSize : smallFile;
-    if (buffer_.size() < needed && !canSend_) buffer_.resize(needed);
+    buffer_.resize(bufferSize);
 
     const bool sparse = static_cast<std::uint64_t>(information.st_blocks) * 512 < size_;
     int error = sparse ? copyHoles() : copyUpTo(size_);
@@ -97,28 +95,6 @@ int DataCopier::copyUpTo(std::uint64_t end) {
 }
 
 int DataCopier::copyChunk(std::uint64_t size, std::uint64_t& copied) {
-    if (canSend_) {
-        const int error = sendChunk(size, copied);
-        const bool unsupported = error == EINVAL || error == ENOSYS || error == EOPNOTSUPP;
-        if (!unsupported || copied > 0) return error;
-        canSend_ = false;
-        if (buffer_.size() < bufferSize) buffer_.resize(bufferSize);
-    }
-    return readChunk(size, copied);
-}
-
-int DataCopier::sendChunk(std::uint64_t size, std::uint64_t& copied) {
-    while (copied < size) {
-        const ssize_t count =
-            uninterrupted([&] { return sendfile(destination_, source_, nullptr, size - copied); });
-        if (count < 0) return errno;
-        if (count == 0) break;
-        copied += static_cast<std::uint64_t>(count);
-    }
-    return 0;
-}
-
-int DataCopier::readChunk(std::uint64_t size, std::uint64_t& copied) {
     while (copied < size) {
         const auto wanted = std::min<std::uint64_t>(size - copied, buffer_.size());
         const ssize_t count = uninterrupted([&] { return read(source_, buffer_.data(), wanted); });

@@ -28,8 +28,6 @@ class DataCopier {
     int copySparse();
     int copyUpTo(std::uint64_t end);
     int copyChunk(std::uint64_t size, std::uint64_t& copied);
-    int sendChunk(std::uint64_t size, std::uint64_t& copied);
-    int readChunk(std::uint64_t size, std::uint64_t& copied);
     int report();
 
     const std::atomic<bool>& abandoned_;
@@ -40,7 +38,6 @@ class DataCopier {
     CopyObserver* observer_ = nullptr;
     std::uint64_t position_ = 0;
     std::uint64_t size_ = 0;
-    bool canSend_ = false;
 };
 
 }  // namespace coffrelune
