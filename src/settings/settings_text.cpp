@@ -94,9 +94,11 @@ bool SettingsText::parse(std::string bytes) {
 
 std::string SettingsText::value(std::string_view section, std::string_view key) const {
     const Section* found = find(section);
-    Line line{};
-    if (found == nullptr || !findKey(*found, key, line)) return {};
-    const std::string text = textOf(line);
+    if (found == nullptr) return {};
+    const auto& lines = keysOf(*found);
+    const auto line = lines.find(lowerCase(key));
+    if (line == lines.end()) return {};
+    const std::string text = textOf(lineAt(line->second));
     const std::string_view stored = trim(std::string_view(text).substr(understand(text).value));
     return unescapeCharacters(withoutQuotes(stored), lineBreakers);
 }
@@ -266,6 +268,20 @@ bool SettingsText::findKey(const Section& section, std::string_view key, Line& l
         if (content.kind == Kind::key && equalIgnoringCase(content.name, key)) return true;
     }
     return false;
+}
+
+const SettingsText::KeyLines& SettingsText::keysOf(const Section& section) const {
+    if (section.keys) return *section.keys;
+    section.keys.emplace();
+    Line line = lineAt(section.header);
+    while (line.next < section.end) {
+        line = lineAt(line.next);
+        const std::string text = textOf(line);
+        const Content content = understand(text);
+        if (content.kind != Kind::key) continue;
+        section.keys->emplace(lowerCase(content.name), static_cast<std::uint32_t>(line.begin));
+    }
+    return *section.keys;
 }
 
 SettingsText::Extent SettingsText::extentOf(const Section& section) const {

@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/services.h"
@@ -77,10 +79,14 @@ class SettingsText {
         std::size_t end;
         std::size_t next;
     };
+    using KeyLines = std::unordered_map<std::string, std::uint32_t>;
     struct Section {
         std::string name;
         std::uint32_t header;  // offset of its header line
         std::uint32_t end;     // offset of the next header, or of the end
+        /// Offset of the first line of each key, by its name in lower case; made at the first
+        /// question. A configuration is read key by key, and may have thousands.
+        mutable std::optional<KeyLines> keys = std::nullopt;
     };
     /// What belongs to a section: everything but the comments right above the next header.
     struct Extent {
@@ -93,6 +99,7 @@ class SettingsText {
     bool mayBeHeader(const Line& line) const;
     const Section* find(std::string_view section) const;
     bool findKey(const Section& section, std::string_view key, Line& line) const;
+    const KeyLines& keysOf(const Section& section) const;
     Extent extentOf(const Section& section) const;
 
     std::string decode(const std::string& bytes) const;
