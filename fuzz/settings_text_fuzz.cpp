@@ -7,6 +7,7 @@
 #include "plain_settings.h"
 #include "platform/characters.h"
 #include "settings/settings_text.h"
+#include "system/text.h"
 
 namespace coffrelune::fuzz {
 namespace {
@@ -39,6 +40,29 @@ void expectOtherLinesKept(const std::string& before, const std::string& after) {
     expect(wide || gone.find('\n') == std::string::npos, "other lines stay as they are");
 }
 
+// A section gets another name, or its keys go into a new one: every value stays, under its new
+// name.
+void nameOrCopy(SettingsText& text, PlainSettings& model, bool names, const std::string& from,
+                const std::string& to) {
+    const PlainSettings before = model;
+    const SettingsText::Edit done =
+        names ? text.renameSection(from, to)
+              : text.copySection(from, to, [](const std::string&) { return false; });
+    model = PlainSettings::read(text.serialise());
+    if (done != SettingsText::Edit::made) {
+        expect(model == before, "what is refused changes nothing");
+        return;
+    }
+    for (const PlainSettings::Section& section : before.sections()) {
+        const bool concerned = equalIgnoringCase(section.name, from);
+        for (const auto& [key, value] : section.values) {
+            const std::string expected = before.value(section.name, key);
+            expect(text.value(concerned ? to : section.name, key) == expected, "no value changes");
+            if (!names) expect(text.value(section.name, key) == expected, "the first one stays");
+        }
+    }
+}
+
 void edit(SettingsText& text, PlainSettings& model, Feed& feed) {
     const std::string action = feed.text();
     const std::string section = feed.text();
@@ -53,6 +77,8 @@ void edit(SettingsText& text, PlainSettings& model, Feed& feed) {
     } else if (action.starts_with("s")) {
         model.deleteSection(section);
         expect(text.deleteSection(section) != SettingsText::Edit::refused, "a section goes");
+    } else if (action.starts_with("r") || action.starts_with("c")) {
+        nameOrCopy(text, model, action.front() == 'r', section, key);
     } else {
         const bool possible = model.setValue(section, key, value);
         const SettingsText::Edit done = text.setValue(section, key, value);

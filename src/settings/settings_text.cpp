@@ -201,16 +201,16 @@ SettingsText::Edit SettingsText::renameSection(const std::string& from, const st
         bytes_.replace(line.begin, line.end - line.begin, encode(header));
         index();
     }
-    return Edit::made;
+    return finishEdit();
 }
 
 SettingsText::Edit SettingsText::copySection(
     const std::string& from, const std::string& to,
     const std::function<bool(const std::string& key)>& leavesOut) {
-    if (find(from) == nullptr) return Edit::none;
+    if (!hasSection(from)) return Edit::none;
     const std::string header = '[' + escapeCharacters(to, lineBreakers) + ']';
     if (hasSection(to) || !makeRoomFor(header)) return Edit::refused;
-    const Section source = *find(from);
+    const Section& source = *find(from);
     std::string copied = header;
     Line line = lineAt(source.header);
     while (line.next < source.end) {
@@ -221,7 +221,7 @@ SettingsText::Edit SettingsText::copySection(
         copied.append(lineEnd_).append(text);
     }
     insertLine(bytes_.size(), copied);
-    return Edit::made;
+    return finishEdit();
 }
 
 SettingsText::Line SettingsText::lineAt(std::size_t begin) const {
@@ -272,16 +272,16 @@ bool SettingsText::findKey(const Section& section, std::string_view key, Line& l
 
 const SettingsText::KeyLines& SettingsText::keysOf(const Section& section) const {
     if (section.keys) return *section.keys;
-    section.keys.emplace();
+    KeyLines keys;
     Line line = lineAt(section.header);
     while (line.next < section.end) {
         line = lineAt(line.next);
         const std::string text = textOf(line);
         const Content content = understand(text);
         if (content.kind != Kind::key) continue;
-        section.keys->emplace(lowerCase(content.name), static_cast<std::uint32_t>(line.begin));
+        keys.emplace(lowerCase(content.name), static_cast<std::uint32_t>(line.begin));
     }
-    return *section.keys;
+    return section.keys.emplace(std::move(keys));
 }
 
 SettingsText::Extent SettingsText::extentOf(const Section& section) const {

@@ -270,5 +270,33 @@ TEST_F(SettingsEncodingTest, ANameThatIsNoUtf8KeepsTheRestOfAUtf8File) {
     EXPECT_EQ(readBack("A", "y"), "caf\xE9");
 }
 
+TEST_F(SettingsEncodingTest, ASectionNameThatIsNoUtf8KeepsTheRestOfAUtf8File) {
+    load("[A]\nx=été\n");
+    EXPECT_EQ(text.renameSection("A", "caf\xE9"), Edit::made);
+    EXPECT_EQ(readBack("caf\xE9", "x"), "été");
+    load("[A]\nx=été\n");
+    EXPECT_EQ(text.copySection("A", "caf\xE9", [](const std::string&) { return false; }),
+              Edit::made);
+    EXPECT_EQ(readBack("A", "x"), "été");
+    EXPECT_EQ(readBack("caf\xE9", "x"), "été");
+}
+
+TEST_F(SettingsEncodingTest, ASectionNameThatTheNextStartWouldReadAsUtf8IsKeptAsUtf16) {
+    load("[A]\nx=1\n");
+    EXPECT_EQ(text.renameSection("A", "Ã©"), Edit::made);
+    EXPECT_EQ(readBack("Ã©", "x"), "1");
+    EXPECT_EQ(readBack("é", "x"), "");
+}
+
+TEST_F(SettingsEncodingTest, FindsAKeyInAnyCaseInEachEncoding) {
+    for (const std::string& bytes : {std::string("[A]\n\xC9t\xE9=1\n"), std::string("[A]\nÉté=1\n"),
+                                     utf16Mark + utf16le::encode("[A]\nÉté=1\n")}) {
+        load(bytes);
+        EXPECT_EQ(text.value("a", "éTÉ"), "1");
+        EXPECT_EQ(text.setValue("A", "été", "2"), Edit::made);
+        EXPECT_EQ(text.value("A", "ÉTÉ"), "2") << "asked again after an edit";
+    }
+}
+
 }  // namespace
 }  // namespace coffrelune
