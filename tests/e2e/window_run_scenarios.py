@@ -408,8 +408,9 @@ def stop(place, report):
     program.launch("Sauvegarde")
     window = program.window("Sauvegarde ...")
     button = window.find("button", "Annuler")
-    report.check("elle copie", comes(lambda: os.path.exists(f"{place.copy}/d0") and
-                                     any(name.endswith(".txt") for name in os.listdir(f"{place.copy}/d0")), 120))
+    # The copies get their names when a busy disk has taken them, and the end may be near by then.
+    report.check("elle copie", comes(lambda: any(re.match(r"\d+% copiés", text)
+                                                 for text in window.labels()), 120))
     start = time.monotonic()
     button.press()
     question = program.message()
