@@ -170,8 +170,12 @@ class Program:
         field = window.find("field")
         field.set(path)
         self.wait(lambda: field.text == path, "le chemin est écrit")
+        title = window.name
         window.keys("Return")
-        self.gone(window.name)
+        # The list that completes a name may come up late, and take the key for itself.
+        if not comes(lambda: not any(other.name == title for other in self.windows), 10):
+            window.keys("Return")
+        self.gone(title)
 
     def launch(self, kind):
         self.main.find("button", f"Lancer la {kind}").press()
