@@ -166,25 +166,27 @@ void CommitThread::commitGroup(Group& group) {
 void CommitThread::nameCopies(std::span<WaitingCopy> copies, int flushed) {
     bool any = false;
     for (WaitingCopy& copy : copies) {
-        copy.error = failed_ ? ECANCELED : flushed;
+        if (copy.error == 0) copy.error = failed_ ? ECANCELED : flushed;
         if (copy.error == 0) copy.error = flushErrorSince(copy.begun);
         if (copy.error != 0) giveUp(copy);
         any = any || copy.error == 0;
     }
     const bool inPlace = any && copies.front().target->takePlace();
+    bool stopped = false;  // what came before a failure keeps its name
     for (WaitingCopy& copy : copies) {
         if (copy.error != 0) continue;
         const bool isNamed = inPlace && copy.bearsName();
-        copy.error = failed_ ? ECANCELED : 0;
+        copy.error = stopped ? ECANCELED : 0;
         if (copy.error == 0 && !isNamed) copy.error = giveName(copy);
         if (isNameRefused(copy)) copy.error = EILSEQ;
         if (copy.error == 0) checkTime(copy);
         if (copy.error != 0) giveUp(copy);
+        stopped = stopped || (copy.error != 0 && afterFailure_ == AfterFailure::stop);
     }
 }
 
 void CommitThread::giveUp(const WaitingCopy& copy) {
-    copy.target->discard(copy.temporary);
+    if (!copy.temporary.empty()) copy.target->discard(copy.temporary);
     failed_ = failed_ || afterFailure_ == AfterFailure::stop;
 }
 

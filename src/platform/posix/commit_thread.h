@@ -46,7 +46,7 @@ struct WaitingCopy {
     std::optional<OldFile> old;  // what it replaces; nothing when it is new
     std::optional<Stamp> stamp;  // that it must bear under its name
     std::uint64_t begun = 0;     // failedFlushes() before its first write
-    int error = 0;               // an errno value, once it is through
+    int error = 0;               // an errno value: of its copy, and once it is through of its name
 
     bool bearsName() const { return temporary == name; }
 };

@@ -6,8 +6,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 
-#include "platform/names.h"
 #include "platform/posix/errors.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/rights.h"
@@ -28,11 +28,11 @@ constexpr std::size_t manyWaiting = 8 * groupFiles;
 // A directory that is made beside its place takes a dozen calls, and saves one for each file.
 constexpr std::size_t worthStaging = 16;
 
-mode_t processMask() {
-    const mode_t mask = umask(0);
-    umask(mask);
-    return mask;
-}
+// The next directory is the worker's as well when it will soon be through.
+constexpr std::size_t fewLent = 32;
+
+// A larger file is a second's work by itself on a slow disk, which its progress tells of.
+constexpr off_t worthLending = 256 << 10;
 
 /// Each of them keeps up to four descriptors, of which the program may have few.
 std::size_t mostTargets() {
@@ -48,10 +48,12 @@ bool givesRoom(int error) {
     return error == ENOSPC || error == EDQUOT || error == EMFILE || error == ENFILE;
 }
 
-/// What another name may mend.
-bool isNameProblem(int error) {
-    return error == EEXIST || error == EINVAL || error == ENOENT || error == EILSEQ ||
-           error == ENAMETOOLONG;
+/// Each of its files is open while it waits.
+std::size_t mostLent() {
+    constexpr std::size_t most = 128;
+    rlimit files{};
+    return getrlimit(RLIMIT_NOFILE, &files) == 0 ? std::min<std::size_t>(files.rlim_cur / 8, most)
+                                                 : 0;
 }
 
 /// To flush takes a directory that is open for reading. One that may be written to need not let
@@ -75,17 +77,22 @@ PosixBatch::PosixBatch(AfterFailure afterFailure, CopyEvents& events, TreeLocks&
       made_(made),
       abandoned_(abandoned),
       changes_(changes),
-      writer_(abandoned),
-      mask_(processMask()),
       token_(randomNumber()),
+      maker_(abandoned, token_),
       mostTargets_(mostTargets()),
       stops_(afterFailure == AfterFailure::stop),
-      thread_(afterFailure) {}
+      thread_(afterFailure),
+      worker_(CopyMaker(abandoned, token_), mostLent()) {}
 
 PosixBatch::~PosixBatch() {
     for (const WaitingCopy& copy : group_) {
-        copy.target->discard(copy.temporary);
+        if (!copy.temporary.empty()) copy.target->discard(copy.temporary);
     }
+}
+
+KeptTimes PosixBatch::keptTimes() const {
+    if (thread_.losesTimes()) return KeptTimes::lost;
+    return std::max(maker_.keptTimes(), worker_.keptTimes());
 }
 
 Status PosixBatch::add(const CopyRequest& request, std::uint64_t& ticket) {
@@ -96,11 +103,13 @@ Status PosixBatch::add(const CopyRequest& request, std::uint64_t& ticket) {
     }
     WaitingCopy waiting;
     int error = tryCopy(request, waiting);
-    if (givesRoom(error) && ticket_ > 0) {
+    // What failed before it is told before it.
+    const bool failedBefore = error != 0 && takeBack(true);
+    if (ticket_ > 0 && (failedBefore || givesRoom(error))) {
         Status finished = finish();
         if (!finished.ok()) return finished;
         if (failed_ && stops_) return systemFailure(ECANCELED, request.sourcePath);
-        error = tryCopy(request, waiting);
+        if (givesRoom(error)) error = tryCopy(request, waiting);
     }
     if (error != 0) return systemFailure(error, request.sourcePath);
     ticket = waiting.ticket = ++ticket_;
@@ -108,6 +117,7 @@ Status PosixBatch::add(const CopyRequest& request, std::uint64_t& ticket) {
     if (group_.empty()) groupStart_ = now;
     group_.push_back(std::move(waiting));
     groupBytes_ += request.entry.size;
+    if (lent_) lend(request);
     const bool full = group_.size() >= groupFiles || groupBytes_ >= groupBytes;
     if (full || now - groupStart_ >= groupAge) handOver(false);
     return {};
@@ -123,7 +133,9 @@ int PosixBatch::targetOf(const CopyRequest& request) {
     targets_.add(target);
     makeRoom();
     const bool many = static_cast<PosixDirectory&>(request.source).hasMore(worthStaging);
-    if (many && request.isNew && directory.isStillEmpty()) target->stage(made_, token_++);
+    const bool isNew = many && request.isNew && directory.isStillEmpty();
+    if (isNew) target->stage(made_, token_++);
+    lends_ = isNew && worker_.waiting() < fewLent && worker_.start();
     target->bar(locks_);
     if (!thread_.knows(target->device())) {
         FlushPoint point;
@@ -151,18 +163,25 @@ void PosixBatch::makeRoom() {
     }
 }
 
+void PosixBatch::waitForDisk() {
+    while (!thread_.wait()) {
+        tellDone();
+        events_.waiting();
+    }
+    tellDone();
+}
+
 /// Leaves nothing behind when it fails.
 int PosixBatch::tryCopy(const CopyRequest& request, WaitingCopy& waiting) {
     int error = targetOf(request);
     if (error != 0) return error;
     waiting = {};
+    lent_.reset();
     waiting.begun = thread_.failedFlushes();
     waiting.target = target_;
     waiting.name = toNativeName(request.entry.name);
     error = copy(request, waiting);
-    if (error != 0 && !waiting.temporary.empty()) {
-        target_->discard(waiting.temporary);
-    }
+    if (error != 0 && !waiting.temporary.empty()) target_->discard(waiting.temporary);
     return error;
 }
 
@@ -196,71 +215,47 @@ int PosixBatch::copy(const CopyRequest& request, WaitingCopy& waiting) {
 // later time than its copy and is copied again by the next run.
 int PosixBatch::copyFile(PosixDirectory& directory, int source, const CopyRequest& request,
                          WaitingCopy& waiting) {
-    UniqueFd input;
-    struct stat before {};
-    if (!directory.takeOpened(waiting.name, input, before)) {
-        const int error = openOriginal(source, waiting.name.c_str(), input, before);
+    OpenOriginal original;
+    if (!directory.takeOpened(waiting.name, original.fd, original.before)) {
+        const int error = openOriginal(source, waiting.name.c_str(), original);
         if (error != 0) return error;
     }
-    if (!S_ISREG(before.st_mode)) return EOPNOTSUPP;
-    return write(input.get(), before, request, waiting);
+    if (!S_ISREG(original.before.st_mode)) return EOPNOTSUPP;
+    if (request.writable) original.before.st_mode |= S_IWUSR;
+    if (lends_ && request.isNew && original.before.st_size <= worthLending) {
+        lent_ = std::move(original);
+        return 0;
+    }
+    keepToItself();
+    return maker_.copy(original, waiting, request.observer);
 }
 
-int PosixBatch::openOriginal(int source, const char* name, UniqueFd& input, struct stat& before) {
+/// One thread at a time makes files in a directory.
+void PosixBatch::keepToItself() {
+    if (lends_) worker_.wait();
+    lends_ = false;
+}
+
+int PosixBatch::openOriginal(int source, const char* name, OpenOriginal& original) {
     constexpr int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW;
-    int error = openEntry(source, name, flags | quiet_, input);
+    int error = openEntry(source, name, flags | quiet_, original.fd);
     if (error == EPERM && quiet_ != 0) {
         quiet_ = 0;  // only the owner may read without leaving a trace
-        error = openEntry(source, name, flags, input);
+        error = openEntry(source, name, flags, original.fd);
     }
     if (error != 0) return error;
-    return fstat(input.get(), &before) == 0 ? 0 : errno;
-}
-
-/// Makes a file or a link: under its own name where that shows it to nobody yet. A name that is
-/// taken there by another original, or refused, is told when the copy would get it.
-template <typename Make>
-int PosixBatch::make(WaitingCopy& waiting, Make make) {
-    int error = EEXIST;
-    std::string name = waiting.name;
-    if (target_->givesNames()) error = make(name.c_str());
-    // Twice: by the rarest of chances, one of these is taken as well.
-    const auto isAnswered = [&] { return !waiting.temporary.empty() || !isNameProblem(error); };
-    for (int attempt = 0; attempt < 2 && !isAnswered(); ++attempt) {
-        name = ownFileName(OwnFile::temporary, token_++);
-        error = make(name.c_str());
-    }
-    if (error == 0) waiting.temporary = std::move(name);
-    return error;
-}
-
-int PosixBatch::write(int input, struct stat before, const CopyRequest& request,
-                      WaitingCopy& waiting) {
-    if (request.writable) before.st_mode |= S_IWUSR;
-    UniqueFd output;
-    NewFile made;
-    int error = make(waiting, [&](const char* name) {
-        const int failure = target_->create(name, before, mask_, output, made);
-        if (output.valid()) waiting.temporary = name;
-        return failure;
-    });
-    if (error == 0) error = writer_.write(input, before, output.get(), made, request.observer);
-    if (error == 0) waiting.stamp = writer_.stamp();
-    // A late write error may show at the closing.
-    if (output.valid() && close(output.release()) != 0 && error == 0 && errno != EINTR) {
-        error = errno;
-    }
-    return error;
+    return fstat(original.fd.get(), &original.before) == 0 ? 0 : errno;
 }
 
 int PosixBatch::copyLink(int source, const CopyRequest& request, WaitingCopy& waiting) {
+    keepToItself();
     struct stat link {};
     std::string text;
     if (fstatat(source, waiting.name.c_str(), &link, AT_SYMLINK_NOFOLLOW) != 0) return errno;
     int error = readLink(source, waiting.name.c_str(), text);
     if (error != 0) return error;
     const int directory = target_->directory();
-    error = make(waiting, [&](const char* name) {
+    error = maker_.make(waiting, [&](const char* name) {
         return changeIn(target_->maker(),
                         [&] { return symlinkat(text.c_str(), directory, name) == 0 ? 0 : errno; });
     });
@@ -288,24 +283,88 @@ bool PosixBatch::changesLinks(const CopyTarget& target) {
 /// the link, which decides the next run.
 int PosixBatch::copyLinkTarget(int source, const CopyRequest& request, const struct stat& link,
                                WaitingCopy& waiting) {
-    struct stat before {};
+    OpenOriginal original;
+    struct stat& before = original.before;
     const char* name = waiting.name.c_str();
     // Looked at before it is opened: to open a device may already do something to it.
     if (fstatat(source, name, &before, 0) != 0 || !S_ISREG(before.st_mode)) return EOPNOTSUPP;
-    UniqueFd input;
-    const int error = openEntry(source, name, O_RDONLY | O_NONBLOCK | O_NOCTTY, input);
+    const int error = openEntry(source, name, O_RDONLY | O_NONBLOCK | O_NOCTTY, original.fd);
     if (error != 0) return error;
-    if (fstat(input.get(), &before) != 0) return errno;
+    if (fstat(original.fd.get(), &before) != 0) return errno;
     if (!S_ISREG(before.st_mode)) return EOPNOTSUPP;
+    if (request.writable) before.st_mode |= S_IWUSR;
     before.st_mtim = link.st_mtim;
-    return write(input.get(), before, request, waiting);
+    return maker_.copy(original, waiting, request.observer);
+}
+
+/// The file that was added last goes to the worker, which tells nobody how far it is.
+void PosixBatch::lend(const CopyRequest& request) {
+    places_.push_back(group_.size() - 1);
+    WaitingCopy& place = group_.back();
+    CopyWorker::Job job{*std::exchange(lent_, {}), std::exchange(place, {})};
+    place.target = job.copy.target;
+    worker_.add(std::move(job));
+    if (request.observer != nullptr) request.observer->chunkFinished(request.entry.size);
+}
+
+/// What the worker has copied takes its place among the others; `all`: when nothing is left there.
+/// True when something could not be copied, which is told when its turn comes.
+bool PosixBatch::takeBack(bool all) {
+    if (all) worker_.wait();
+    std::vector<CopyWorker::Job> jobs = worker_.takeDone();
+    const auto isFailed = [](const CopyWorker::Job& job) { return job.copy.error != 0; };
+    if (!all && std::any_of(jobs.begin(), jobs.end(), isFailed)) {
+        worker_.wait();
+        std::ranges::move(worker_.takeDone(), std::back_inserter(jobs));
+    }
+    bool failed = false;
+    for (CopyWorker::Job& job : jobs) {
+        group_[places_.front()] = std::move(job.copy);
+        if (group_[places_.front()].error != 0) copyAgain(job.original);
+        failed = failed || group_[places_.front()].error != 0;
+        places_.pop_front();
+    }
+    return failed;
+}
+
+/// The first of `places_`, which the worker could not copy; nothing is left there to be copied.
+void PosixBatch::copyAgain(const OpenOriginal& original) {
+    const int error = group_[places_.front()].error;
+    if (givesRoom(error)) {
+        give(beginOfDirectory(places_.front()), false);
+        waitForDisk();
+    }
+    WaitingCopy& copy = group_[places_.front()];
+    if (lseek(original.fd.get(), 0, SEEK_SET) == 0) {
+        copy.error = maker_.copy(original, copy, nullptr);
+    }
+}
+
+/// Where the files of the same directory begin in the group.
+std::size_t PosixBatch::beginOfDirectory(std::size_t place) const {
+    const auto& target = group_[place].target;
+    while (place > 0 && group_[place - 1].target == target) --place;
+    return place;
+}
+
+/// Gives the first ones of the group away, whole directories: the first of them that is flushed
+/// shows all that was made in a directory beside its place.
+void PosixBatch::give(std::size_t count, bool last) {
+    if (count == 0 && !last) return;
+    const auto end = group_.begin() + static_cast<std::ptrdiff_t>(count);
+    std::vector<WaitingCopy> given(std::make_move_iterator(group_.begin()),
+                                   std::make_move_iterator(end));
+    group_.erase(group_.begin(), end);
+    for (std::size_t& place : places_) place -= count;
+    groupBytes_ = 0;
+    groupStart_ = std::chrono::steady_clock::now();
+    for (const WaitingCopy& copy : given) copy.target->seal();
+    thread_.commit(std::move(given), last);
 }
 
 void PosixBatch::handOver(bool last) {
-    if (group_.empty() && !last) return;
-    for (const WaitingCopy& copy : group_) copy.target->seal();
-    thread_.commit(std::exchange(group_, {}), last);
-    groupBytes_ = 0;
+    (void)takeBack(last || group_.size() >= 2 * groupFiles);
+    give(places_.empty() ? group_.size() : beginOfDirectory(places_.front()), last);
 }
 
 void PosixBatch::tellDone() {
@@ -321,11 +380,7 @@ void PosixBatch::tellDone() {
 Status PosixBatch::finish() {
     target_.reset();
     handOver(true);
-    while (!thread_.wait()) {
-        tellDone();
-        events_.waiting();
-    }
-    tellDone();
+    waitForDisk();
     ++changes_;
     const int error = thread_.takeFlushError();
     return error == 0 ? Status() : systemFailure(error, {});
