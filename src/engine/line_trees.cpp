@@ -187,8 +187,10 @@ Status LineTrees::beforeChange() {
         // What was known of the original stays: it is what a later run compares it with.
         Certificate open = own == nullptr ? current() : *own;
         open.complete = false;
-        marked = store(open, Durability::now);
-        // Without any certificate nothing is ever deleted by it.
+        // Where nothing claims anything yet, the flush before the first copy gets its name is soon
+        // enough: without any certificate nothing is ever deleted by it.
+        const bool isFirst = copyMarks_.certificates.empty() && copyMarks_.unreadable.empty();
+        marked = store(open, isFirst ? Durability::nextFlush : Durability::now);
         if (!marked.ok() && ownFile() == nullptr) marked = {};
     }
     changing_ = marked.ok();

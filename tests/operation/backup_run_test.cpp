@@ -75,6 +75,15 @@ class BackupRunTest : public OperationTest {
         }
         return chosen;
     }
+    /// When the certificates of the first line's copy were to be safe.
+    Events certificatesWritten() {
+        Events found;
+        for (const std::string& call : memory.files().calls("writeWhole")) {
+            if (call.find(R"(F:\Save\Docs\)") == std::string::npos) continue;
+            found.emplace_back(call.ends_with(" nextFlush") ? "nextFlush" : "now");
+        }
+        return found;
+    }
     Events shown;
     RecordedDisplay display{system, shown};
 };
@@ -173,6 +182,21 @@ TEST_F(BackupRunTest, FlushesNothingWhenThereIsNothingToSay) {
     runBackup();
     EXPECT_THAT(callsNamed("flush"), IsEmpty());
     EXPECT_THAT(callsNamed("writeWhole"), IsEmpty());
+}
+
+// Only a copy that somebody may trust has to lose that on the disk before it is changed.
+TEST_F(BackupRunTest, OnlyATrustedCopyIsMarkedOnTheDiskBeforeItChanges) {
+    runBackup();
+    EXPECT_THAT(certificatesWritten(), ElementsAre("nextFlush", "nextFlush"));
+    disk().file(R"(C:\Docs\later.txt)", "later");
+    runBackup();
+    EXPECT_THAT(certificatesWritten(), ElementsAre("nextFlush", "nextFlush", "now", "nextFlush"));
+}
+
+TEST_F(BackupRunTest, WhatNobodyCanReadThereMayBeAClaim) {
+    disk().file(R"(F:\Save\Docs\)" + ownFileName(OwnFile::certificate, 7), "?");
+    runBackup();
+    EXPECT_THAT(certificatesWritten(), ElementsAre("now", "nextFlush"));
 }
 
 // ---- one run on a tree --------------------------------------------------------------------------

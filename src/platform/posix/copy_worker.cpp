@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/posix/signals_blocked.h"
+#include "platform/posix/usable_cores.h"
 
 namespace coffrelune {
 
@@ -24,7 +25,7 @@ CopyWorker::~CopyWorker() {
 }
 
 bool CopyWorker::start() {
-    if (!std::exchange(started_, true) && most_ > 0 && std::thread::hardware_concurrency() > 1) {
+    if (!std::exchange(started_, true) && most_ > 0 && usableCores() > 1) {
         const SignalsBlocked blocked;
         try {
             thread_ = std::thread([this] { run(); });

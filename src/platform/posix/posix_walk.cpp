@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "platform/posix/signals_blocked.h"
+#include "platform/posix/usable_cores.h"
 
 namespace coffrelune {
 namespace {
@@ -22,15 +23,10 @@ bool mayBeShort(const Status& status) {
 }  // namespace
 
 PosixWalk::PosixWalk(Locate locate, Read read, std::unique_ptr<WalkAhead> plain)
-    : locate_(std::move(locate)), read_(std::move(read)), plain_(std::move(plain)) {
-    if (std::thread::hardware_concurrency() < 2) return;
-    const SignalsBlocked blocked;
-    try {
-        thread_ = std::thread([this] { run(); });
-    } catch (const std::system_error&) {
-        // No thread to be had: everything is read when it is asked for.
-    }
-}
+    : locate_(std::move(locate)),
+      read_(std::move(read)),
+      plain_(std::move(plain)),
+      readsAhead_(usableCores() > 1) {}
 
 PosixWalk::~PosixWalk() {
     {
@@ -41,14 +37,25 @@ PosixWalk::~PosixWalk() {
     if (thread_.joinable()) thread_.join();
 }
 
+/// One pair alone is read by whoever asks for it.
+void PosixWalk::startThread() {
+    const SignalsBlocked blocked;
+    try {
+        thread_ = std::thread([this] { run(); });
+    } catch (const std::system_error&) {
+        readsAhead_ = false;  // no thread to be had: everything is read when it is asked for
+    }
+}
+
 void PosixWalk::announce(std::vector<DirectoryPair> pairs) {
-    if (!thread_.joinable()) return;
+    if (!readsAhead_) return;
     Lock lock(mutex_);
     std::for_each(pairs.rbegin(), pairs.rend(), [&](const DirectoryPair& pair) {
         auto job = std::make_shared<Job>();
         if (locate_(pair, job->placed)) jobs_.push_back(std::move(job));
     });
     constexpr std::size_t oneForEach = 2;
+    if (!thread_.joinable() && jobs_.size() >= oneForEach) startThread();
     wakeReader(lock, oneForEach);
 }
 

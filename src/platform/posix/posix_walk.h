@@ -49,6 +49,7 @@ class PosixWalk final : public WalkAhead {
     };
     using Lock = std::unique_lock<std::mutex>;
 
+    void startThread();
     void run();
     std::shared_ptr<Job> take(const DirectoryPair& pair);
     std::shared_ptr<Job> nextWaiting() const;
@@ -59,6 +60,7 @@ class PosixWalk final : public WalkAhead {
     Locate locate_;
     Read read_;
     std::unique_ptr<WalkAhead> plain_;
+    bool readsAhead_;
     std::mutex mutex_;
     std::condition_variable more_;            // the thread waits for it
     std::condition_variable ready_;           // the walk does

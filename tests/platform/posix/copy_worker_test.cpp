@@ -12,6 +12,7 @@
 #include "platform/names.h"
 #include "platform/posix/posix_platform.h"
 #include "platform/posix/temporary_directory.h"
+#include "platform/posix/usable_cores.h"
 
 namespace coffrelune {
 namespace {
@@ -46,7 +47,7 @@ class ShortFiles {
 class LentDirectory : public testing::Test, private CopyEvents {
   protected:
     void SetUp() override {
-        if (std::thread::hardware_concurrency() < 2) GTEST_SKIP() << "a second thread needs a core";
+        if (usableCores() < 2) GTEST_SKIP() << "a second thread needs a core";
         disk_.makeDirectory("de");
         disk_.makeDirectory("vers");
     }
