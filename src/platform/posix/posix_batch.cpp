@@ -31,8 +31,8 @@ constexpr std::size_t worthStaging = 16;
 // The next directory is the worker's as well when it will soon be through.
 constexpr std::size_t fewLent = 32;
 
-// A larger file is a second's work by itself on a slow disk, which its progress tells of.
-constexpr off_t worthLending = 256 << 10;
+// What pays is to make two files at once, not to write two at once, which may scatter both.
+constexpr off_t worthLending = 64 << 10;
 
 /// Each of them keeps up to four descriptors, of which the program may have few.
 std::size_t mostTargets() {

@@ -163,12 +163,12 @@ bool PosixDirectory::describe(int directory, const char* name, unsigned char kin
 /// A file that is to be copied is opened anyway: to look at it then costs a call less.
 int PosixDirectory::lookAt(int directory, const char* name, unsigned char kind,
                            struct statx& information) {
-    opened_ = {};
+    opened_.fd.reset();
     if (expectsCopy_ && kind == DT_REG && openNext(directory, name) == 0) {
         information = opened_.information;
         return 0;
     }
-    opened_ = {};
+    opened_.fd.reset();
     return statEntry(directory, name, false, information);
 }
 

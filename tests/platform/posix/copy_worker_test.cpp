@@ -17,7 +17,6 @@
 namespace coffrelune {
 namespace {
 
-using testing::Each;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -96,12 +95,12 @@ class LentDirectory : public testing::Test, private CopyEvents {
         const std::vector<std::string> names = disk_.names("de/" + directory);
         EXPECT_EQ(disk_.names("vers/" + directory), names);
         for (const std::string& name : names) {
-            const std::string path = directory + "/" + name;
-            const bool same = disk_.read("vers/" + path) == disk_.read("de/" + path);
-            EXPECT_TRUE(same) << path;
-            EXPECT_EQ(disk_.stat("vers/" + path).st_mtim.tv_nsec,
-                      disk_.stat("de/" + path).st_mtim.tv_nsec)
-                << path;
+            const std::string original = "de/" + directory + "/" + name;
+            const std::string copy = "vers/" + directory + "/" + name;
+            const bool same = disk_.read(copy) == disk_.read(original);
+            EXPECT_TRUE(same) << copy;
+            EXPECT_EQ(disk_.stat(copy).st_mtim.tv_nsec, disk_.stat(original).st_mtim.tv_nsec)
+                << copy;
         }
     }
 
