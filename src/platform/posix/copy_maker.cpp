@@ -20,7 +20,9 @@ bool CopyMaker::isNameProblem(int error) {
 }
 
 int CopyMaker::copy(const OpenOriginal& original, WaitingCopy& waiting, CopyObserver* observer) {
-    const struct stat& before = original.before;
+    if (abandoned_.load(std::memory_order_relaxed)) return ECANCELED;
+    struct stat before = original.before;
+    if (original.writable) before.st_mode |= S_IWUSR;
     CopyTarget& target = *waiting.target;
     UniqueFd output;
     NewFile made;

@@ -17,6 +17,7 @@ namespace coffrelune {
 struct OpenOriginal {
     UniqueFd fd;            // at its start
     struct stat before {};  // with the times, owner and mode that the copy gets
+    bool writable = false;  // the copy is, whatever the mode says
 };
 
 /// Makes copies that wait for their names. Each thread that copies has its own.
@@ -25,7 +26,7 @@ class CopyMaker {
     /// Both outlive this. `abandoned` ends copies. `token`: of the run, the same for all; temporary
     /// names count it up.
     CopyMaker(const std::atomic<bool>& abandoned, std::atomic<std::uint64_t>& token)
-        : writer_(abandoned), token_(token) {}
+        : abandoned_(abandoned), writer_(abandoned), token_(token) {}
 
     /// Copies a file into `waiting.target`, for `waiting.name`. 0 or an errno value; nothing is
     /// left behind then.
@@ -40,6 +41,7 @@ class CopyMaker {
     KeptTimes keptTimes() const { return writer_.keptTimes(); }
 
   private:
+    const std::atomic<bool>& abandoned_;
     CopyWriter writer_;
     std::atomic<std::uint64_t>& token_;
     const mode_t mask_ = processMask();

@@ -41,18 +41,19 @@ const Holder& CopyTarget::namer() const {
     return staged_ != nullptr && staged_->inPlace() ? stage_ : holder_;
 }
 
-void CopyTarget::bar(TreeLocks& locks) {
+int CopyTarget::bar(TreeLocks& locks) {
     if (staged_ != nullptr) {  // open for reading, and without access lists
         (void)claim_.take(locks, staged_->fd(), TreeUse::write);
-        return;
+        return 0;
     }
     UniqueFd readable;
     const int error = changeIn(
         maker(), [&] { return openEntry(directory(), ".", O_RDONLY | O_DIRECTORY, readable); });
     // Where it cannot be barred, leftovers might be taken away too early: an error, and no loss.
-    if (error != 0) return;
+    if (error != 0) return error == EMFILE || error == ENFILE ? error : 0;
     (void)claim_.take(locks, readable.get(), TreeUse::write);
     handsDown_ = handsDownAccessList(readable.get());
+    return 0;
 }
 
 int CopyTarget::create(const char* name, const struct stat& original, mode_t mask, UniqueFd& fd,

@@ -47,8 +47,9 @@ class CopyTarget {
     /// The same thread: where files get their names.
     const Holder& namer() const;
 
-    /// On the thread that uses `locks`, like the destruction of this object.
-    void bar(TreeLocks& locks);
+    /// On the thread that uses `locks`, like the destruction of this object. 0, or an errno value
+    /// when there are too many open files to do it.
+    int bar(TreeLocks& locks);
 
     /// Creates the file that becomes the copy of `original`, with the mode of its original from the
     /// start where that shows it to nobody else. `mask`: of the process (umask). 0 or an errno

@@ -82,9 +82,10 @@ PosixBatch::PosixBatch(AfterFailure afterFailure, CopyEvents& events, TreeLocks&
       mostTargets_(mostTargets()),
       stops_(afterFailure == AfterFailure::stop),
       thread_(afterFailure),
-      worker_(CopyMaker(abandoned, token_), mostLent()) {}
+      worker_(maker_, mostLent(), [this] { events_.waiting(); }) {}
 
 PosixBatch::~PosixBatch() {
+    worker_.stop();
     for (const WaitingCopy& copy : group_) {
         if (!copy.temporary.empty()) copy.target->discard(copy.temporary);
     }
@@ -102,9 +103,10 @@ Status PosixBatch::add(const CopyRequest& request, std::uint64_t& ticket) {
         return systemFailure(ECANCELED, request.sourcePath);
     }
     WaitingCopy waiting;
-    int error = tryCopy(request, waiting);
     // What failed before it is told before it.
-    const bool failedBefore = error != 0 && takeBack(true);
+    bool failedBefore = stops_ && worker_.hasFailed() && takeBack(true);
+    int error = failedBefore ? ECANCELED : tryCopy(request, waiting);
+    failedBefore = failedBefore || (error != 0 && takeBack(true));
     if (ticket_ > 0 && (failedBefore || givesRoom(error))) {
         Status finished = finish();
         if (!finished.ok()) return finished;
@@ -135,8 +137,8 @@ int PosixBatch::targetOf(const CopyRequest& request) {
     const bool many = static_cast<PosixDirectory&>(request.source).hasMore(worthStaging);
     const bool isNew = many && request.isNew && directory.isStillEmpty();
     if (isNew) target->stage(made_, token_++);
-    lends_ = isNew && worker_.waiting() < fewLent && worker_.start();
-    target->bar(locks_);
+    const int barred = target->bar(locks_);
+    if (barred != 0) return barred;
     if (!thread_.knows(target->device())) {
         FlushPoint point;
         point.device = target->device();
@@ -145,6 +147,7 @@ int PosixBatch::targetOf(const CopyRequest& request) {
         thread_.addVolume(std::move(point));
     }
     target_ = std::move(target);
+    lends_ = isNew && worker_.waiting() < fewLent && worker_.start();
     return 0;
 }
 
@@ -158,8 +161,11 @@ void PosixBatch::makeRoom() {
     while (tooMany()) {
         const bool idle = thread_.wait();
         tellDone();
-        if (idle) break;
+        if (idle && places_.empty()) break;
         events_.waiting();
+        if (!idle) continue;
+        (void)takeBack(true);  // the worker is behind
+        handOver(false);
     }
 }
 
@@ -221,7 +227,7 @@ int PosixBatch::copyFile(PosixDirectory& directory, int source, const CopyReques
         if (error != 0) return error;
     }
     if (!S_ISREG(original.before.st_mode)) return EOPNOTSUPP;
-    if (request.writable) original.before.st_mode |= S_IWUSR;
+    original.writable = request.writable;
     if (lends_ && request.isNew && original.before.st_size <= worthLending) {
         lent_ = std::move(original);
         return 0;
@@ -292,18 +298,18 @@ int PosixBatch::copyLinkTarget(int source, const CopyRequest& request, const str
     if (error != 0) return error;
     if (fstat(original.fd.get(), &before) != 0) return errno;
     if (!S_ISREG(before.st_mode)) return EOPNOTSUPP;
-    if (request.writable) before.st_mode |= S_IWUSR;
+    original.writable = request.writable;
     before.st_mtim = link.st_mtim;
     return maker_.copy(original, waiting, request.observer);
 }
 
 /// The file that was added last goes to the worker, which tells nobody how far it is.
 void PosixBatch::lend(const CopyRequest& request) {
-    places_.push_back(group_.size() - 1);
     WaitingCopy& place = group_.back();
     CopyWorker::Job job{*std::exchange(lent_, {}), std::exchange(place, {})};
     place.target = job.copy.target;
     worker_.add(std::move(job));
+    places_.push_back(group_.size() - 1);
     if (request.observer != nullptr) request.observer->chunkFinished(request.entry.size);
 }
 
@@ -320,7 +326,8 @@ bool PosixBatch::takeBack(bool all) {
     bool failed = false;
     for (CopyWorker::Job& job : jobs) {
         group_[places_.front()] = std::move(job.copy);
-        if (group_[places_.front()].error != 0) copyAgain(job.original);
+        const int error = group_[places_.front()].error;
+        if (error != 0 && error != ECANCELED) copyAgain(job.original);
         failed = failed || group_[places_.front()].error != 0;
         places_.pop_front();
     }
@@ -328,14 +335,16 @@ bool PosixBatch::takeBack(bool all) {
 }
 
 /// The first of `places_`, which the worker could not copy; nothing is left there to be copied.
-void PosixBatch::copyAgain(const OpenOriginal& original) {
+void PosixBatch::copyAgain(OpenOriginal& original) {
     const int error = group_[places_.front()].error;
     if (givesRoom(error)) {
         give(beginOfDirectory(places_.front()), false);
         waitForDisk();
     }
     WaitingCopy& copy = group_[places_.front()];
-    if (lseek(original.fd.get(), 0, SEEK_SET) == 0) {
+    const int fd = original.fd.get();
+    // It may have changed while it waited.
+    if (fstat(fd, &original.before) == 0 && lseek(fd, 0, SEEK_SET) == 0) {
         copy.error = maker_.copy(original, copy, nullptr);
     }
 }

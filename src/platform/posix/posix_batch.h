@@ -55,7 +55,7 @@ class PosixBatch final : public CopyBatch {
     void keepToItself();
     void lend(const CopyRequest& request);
     bool takeBack(bool all);
-    void copyAgain(const OpenOriginal& original);
+    void copyAgain(OpenOriginal& original);
     std::size_t beginOfDirectory(std::size_t place) const;
     void give(std::size_t count, bool last);
     void handOver(bool last);
