@@ -67,9 +67,11 @@ class CopyBatch {
 
     /// Copies one file, as FileService::copyFile says, but for its name, which it gets before the
     /// end of finish(). A failure of reading, of writing or for want of space is returned; nothing
-    /// of that file is left then and it has no ticket. Tickets ascend. A link is copied as a link.
-    /// What has taken the name of a new file meanwhile stays, and so does what has changed under
-    /// the name of another (183 and 32, in committed()). 1235 after abandonCopies().
+    /// of that file is left then and it has no ticket. It may also come later, in committed().
+    /// Tickets ascend. The files of one `target` come one after the other, those of no other
+    /// between them. A link is copied as a link. What has taken the name of a new file meanwhile
+    /// stays, and so does what has changed under the name of another (183 and 32, in committed()).
+    /// 1235 after abandonCopies().
     virtual Status add(const CopyRequest& request, std::uint64_t& ticket) = 0;
 
     /// Waits until everything that was added is committed, the names included; committed() has been

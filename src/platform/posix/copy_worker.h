@@ -13,8 +13,8 @@
 
 namespace coffrelune {
 
-/// Copies files on a thread of its own. Two threads that make files in two directories take half
-/// the time of one; in one directory they would wait for each other.
+/// Copies files on a thread of its own. Two threads that make files in two directories take little
+/// more than half the time of one; in one directory they would wait for each other.
 class CopyWorker {
   public:
     struct Job {
