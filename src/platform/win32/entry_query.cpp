@@ -1,6 +1,10 @@
 #include "platform/win32/entry_query.h"
 
 #include <windows.h>
+#include <winioctl.h>
+
+#include <array>
+#include <cstring>
 
 #include "platform/win32/unique_handle.h"
 #include "platform/win32/wide_text.h"
@@ -28,6 +32,20 @@ std::uint32_t tagOf(const WIN32_FIND_DATAW& found) {
     return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 ? found.dwReserved0 : 0;
 }
 
+/// Where a directory shows the top of a volume. The record of its reparse point is in the driver's
+/// headers alone: the tag, two lengths, then offset and length of the text that the system follows.
+bool showsVolume(const NativePath& path, DWORD tag) {
+    if (tag != IO_REPARSE_TAG_MOUNT_POINT) return false;
+    const UniqueHandle point = openShared(
+        path.text, FILE_READ_ATTRIBUTES, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT);
+    std::array<std::byte, MAXIMUM_REPARSE_DATA_BUFFER_SIZE> record{};
+    DWORD length = 0;
+    return point.valid() &&
+           DeviceIoControl(point.get(), FSCTL_GET_REPARSE_POINT, nullptr, 0, record.data(),
+                           static_cast<DWORD>(record.size()), &length, nullptr) != 0 &&
+           leadsToVolume({record.data(), length});
+}
+
 // The records of the system that tell of a file name these members alike.
 template <typename Record>
 void fill(const Record& record, DWORD tag, FileEntry& entry) {
@@ -37,13 +55,17 @@ void fill(const Record& record, DWORD tag, FileEntry& entry) {
                    unitsOf(record.ftLastWriteTime)};
     entry.id = {};
     entry.failure = 0;
+    entry.mountPoint = false;
 }
 
 /// False for what no listing gives.
-bool take(const WIN32_FIND_DATAW& found, FileEntry& entry) {
+bool take(const NativePath& directory, const WIN32_FIND_DATAW& found, FileEntry& entry) {
     if (isSpecial(found.dwFileAttributes, tagOf(found))) return false;
     fill(found, tagOf(found), entry);
     entry.name = narrow(found.cFileName);
+    if (entry.isLink()) {
+        entry.mountPoint = showsVolume(directory.child(found.cFileName), tagOf(found));
+    }
     return true;
 }
 
@@ -63,6 +85,7 @@ std::uint32_t queryByListing(const NativePath& path, FileEntry& entry) {
     if (find == INVALID_HANDLE_VALUE) return GetLastError();
     FindClose(find);
     fill(found, tagOf(found), entry);
+    entry.mountPoint = showsVolume(path, tagOf(found));
     return 0;
 }
 
@@ -118,7 +141,8 @@ std::uint32_t Listing::open(const NativePath& directory, const wchar_t* pattern)
         return error == ERROR_FILE_NOT_FOUND || error == ERROR_NO_MORE_FILES ? 0 : error;
     }
     find_ = find;
-    hasFirst_ = take(found, first_);
+    directory_ = directory;
+    hasFirst_ = take(directory_, found, first_);
     leftSomethingOut_ = !hasFirst_;
     return 0;
 }
@@ -132,7 +156,7 @@ bool Listing::next(FileEntry& entry) {
     }
     WIN32_FIND_DATAW found;
     while (FindNextFileW(find_, &found) != 0) {
-        if (take(found, entry)) return true;
+        if (take(directory_, found, entry)) return true;
         leftSomethingOut_ = true;
     }
     const DWORD error = GetLastError();
@@ -225,6 +249,28 @@ bool isSpecial(std::uint32_t attributes, std::uint32_t tag) {
         default:
             return false;
     }
+}
+
+bool leadsToVolume(std::span<const std::byte> record) {
+    struct Head {
+        std::uint32_t tag;
+        std::uint16_t dataLength;
+        std::uint16_t reserved;
+        std::uint16_t targetOffset;  // in bytes, from the end of this
+        std::uint16_t targetLength;
+        std::uint16_t shownOffset;
+        std::uint16_t shownLength;
+    } head{};
+    if (record.size() < sizeof head) return false;
+    std::memcpy(&head, record.data(), sizeof head);
+    const auto texts = record.subspan(sizeof head);
+    if (head.tag != IO_REPARSE_TAG_MOUNT_POINT ||
+        texts.size() < std::size_t{head.targetOffset} + head.targetLength) {
+        return false;
+    }
+    std::wstring target(head.targetLength / sizeof(wchar_t), L'\0');
+    std::memcpy(target.data(), texts.data() + head.targetOffset, target.size() * sizeof(wchar_t));
+    return target.starts_with(LR"(\??\Volume{)");
 }
 
 Status failureAt(std::uint32_t error, const NativePath& path, const std::string& core) {

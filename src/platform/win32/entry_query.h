@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 
 #include "platform/file_entry.h"
@@ -35,6 +37,7 @@ class Listing {
 
   private:
     void* find_ = nullptr;
+    NativePath directory_;
     FileEntry first_;
     bool hasFirst_ = false;
     bool leftSomethingOut_ = false;
@@ -68,6 +71,11 @@ std::uint32_t checkLeadsAway(const NativePath& link);
 /// sockets, the FIFOs and devices of the Linux that lives beside Windows, and the stand-ins under
 /// which programs of the store are started. To open one fails, or waits for ever.
 bool isSpecial(std::uint32_t attributes, std::uint32_t tag);
+
+/// True for the record of a mounted folder, a directory that shows the top of a volume; a junction
+/// to another directory is none. The record is REPARSE_DATA_BUFFER:
+/// https://learn.microsoft.com/windows-hardware/drivers/ddi/ntifs/ns-ntifs-_reparse_data_buffer
+bool leadsToVolume(std::span<const std::byte> record);
 
 /// A failed Status with a system error about `path`. What the system calls 2 is 3 when the
 /// directory that should hold it is missing as well.
