@@ -3,6 +3,9 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <new>
 
 #include "platform/win32/native_path.h"
 #include "platform/win32/unique_handle.h"
@@ -10,29 +13,61 @@
 namespace coffrelune {
 namespace {
 
+constexpr std::size_t blockBytes = std::size_t{1} << 20;
+// No disk has larger sectors.
+constexpr std::size_t sectorBytes = 4096;
+
+struct FreeAligned {
+    void operator()(char* bytes) const { ::operator delete (bytes, std::align_val_t{sectorBytes}); }
+};
+
+/// Reads block by block past what the system remembers of the file, which may not be what the disk
+/// has kept. Such reads begin and end with a sector, whatever the caller asks for:
+/// https://learn.microsoft.com/windows/win32/fileio/file-buffering
 class FileContent final : public Content {
   public:
     FileContent(std::string path, UniqueHandle handle)
         : path_(std::move(path)), handle_(std::move(handle)) {}
 
     Status read(std::span<char> buffer, std::size_t& length) override {
-        constexpr std::size_t most = std::size_t{1} << 20;
         length = 0;
         while (length < buffer.size()) {
-            const auto wanted = static_cast<DWORD>(std::min(buffer.size() - length, most));
-            DWORD count = 0;
-            if (ReadFile(handle_.get(), &buffer[length], wanted, &count, nullptr) == 0) {
-                return Status::failure(GetLastError(), path_);
+            if (begin_ == end_) {
+                const std::uint32_t error = readOn();
+                if (error != 0) return Status::failure(error, path_);
+                if (begin_ == end_) return {};
             }
-            if (count == 0) return {};
+            const std::size_t count = std::min(buffer.size() - length, end_ - begin_);
+            std::copy_n(block_.get() + begin_, count, &buffer[length]);
+            begin_ += count;
             length += count;
         }
         return {};
     }
 
   private:
+    /// 0 or a system error.
+    std::uint32_t readOn() {
+        if (atEnd_) return 0;
+        DWORD count = 0;
+        if (ReadFile(handle_.get(), block_.get(), blockBytes, &count, nullptr) == 0) {
+            const DWORD error = GetLastError();
+            if (error != ERROR_HANDLE_EOF) return error;
+        }
+        // Only the end cuts a sector short; a read from there would be refused.
+        atEnd_ = count % sectorBytes != 0;
+        begin_ = 0;
+        end_ = count;
+        return 0;
+    }
+
     std::string path_;
     UniqueHandle handle_;
+    std::unique_ptr<char, FreeAligned> block_{
+        static_cast<char*>(::operator new (blockBytes, std::align_val_t{sectorBytes}))};
+    std::size_t begin_ = 0;  // of what the block holds and nobody has taken
+    std::size_t end_ = 0;
+    bool atEnd_ = false;
 };
 
 }  // namespace
@@ -42,7 +77,11 @@ Status Win32Contents::open(const std::string& path, LinkRule /*links*/,
     NativePath native;
     Status turned = toNative(path, native);
     if (!turned.ok()) return turned;
-    UniqueHandle handle = openShared(native.text, GENERIC_READ, FILE_FLAG_SEQUENTIAL_SCAN);
+    UniqueHandle handle = openShared(native.text, GENERIC_READ, FILE_FLAG_NO_BUFFERING);
+    // Where that is refused, what the system remembers is read.
+    if (!handle.valid() && GetLastError() == ERROR_INVALID_PARAMETER) {
+        handle = openShared(native.text, GENERIC_READ, FILE_FLAG_SEQUENTIAL_SCAN);
+    }
     if (!handle.valid()) return Status::failure(GetLastError(), path);
     content = std::make_unique<FileContent>(path, std::move(handle));
     return {};
