@@ -75,6 +75,8 @@ void LineTrees::readCopy() {
     for (const std::string& mount : own->mounts) {
         FileEntry entry;
         const Status found = files_.lookUp(original + mount, LinkRule::refuse, entry);
+        // Behind a link, which the walk alone goes through: the deletion does not go there.
+        if (found.code() == error_number::cannotResolveName) continue;
         if (!found.ok() || !entry.mountPoint) missingMounts_.push_back(mount);
     }
 }

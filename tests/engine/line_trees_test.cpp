@@ -285,6 +285,20 @@ TEST_F(Trees, KeepTheMountPointsThatWereSavedWhileOneIsMissing) {
     EXPECT_TRUE(own().complete);
 }
 
+// Windows walks through links, and what is mounted behind one is no more looked for from the root.
+TEST_F(Trees, MissNoMountPointBehindALink) {
+    disk().file("C:\\Docs\\Sub\\Mnt\\p", "photo");
+    disk().setMountPoint("C:\\Docs\\Sub\\Mnt");
+    EXPECT_TRUE(backUp());
+    disk().remove("C:\\Docs\\Sub");
+    disk().link("C:\\Docs\\Sub", "C:\\Ailleurs");
+    disk().file("C:\\Ailleurs\\Mnt\\p", "photo");
+    disk().file("F:\\Docs\\gone", "x");
+    (void)backUp();  // the link finds a directory where it would be copied
+    EXPECT_FALSE(disk().exists("F:\\Docs\\gone"));
+    EXPECT_TRUE(disk().exists("F:\\Docs\\Sub\\Mnt\\p"));
+}
+
 TEST_F(Trees, TakeTheOriginalForTheRightOneWhenTheUserSaysSo) {
     disk().directory("C:\\Docs\\Mnt");
     disk().setMountPoint("C:\\Docs\\Mnt");

@@ -270,7 +270,9 @@ bool leadsToVolume(std::span<const std::byte> record) {
     }
     std::wstring target(head.targetLength / sizeof(wchar_t), L'\0');
     std::memcpy(target.data(), texts.data() + head.targetOffset, target.size() * sizeof(wchar_t));
-    return target.starts_with(LR"(\??\Volume{)");
+    const std::size_t end = target.find(L'}');
+    return target.starts_with(LR"(\??\Volume{)") && end != std::wstring::npos &&
+           target.find_first_not_of(L'\\', end + 1) == std::wstring::npos;
 }
 
 Status failureAt(std::uint32_t error, const NativePath& path, const std::string& core) {

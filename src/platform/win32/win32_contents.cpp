@@ -50,14 +50,40 @@ class FileContent final : public Content {
     std::uint32_t readOn() {
         if (atEnd_) return 0;
         DWORD count = 0;
-        if (ReadFile(handle_.get(), block_.get(), blockBytes, &count, nullptr) == 0) {
-            const DWORD error = GetLastError();
-            if (error != ERROR_HANDLE_EOF) return error;
+        std::uint32_t error = readBlock(count);
+        if (error == ERROR_INVALID_PARAMETER && isAligned_) {
+            error = alignNoMore();
+            if (error == 0) error = readBlock(count);
         }
-        // Only the end cuts a sector short; a read from there would be refused.
-        atEnd_ = count % sectorBytes != 0;
+        if (error != 0) return error;
+        position_ += count;
         begin_ = 0;
         end_ = count;
+        atEnd_ = count == 0;
+        // The end cuts a sector short; a read from there would be refused.
+        if (count % sectorBytes == 0 || !isAligned_) return 0;
+        LARGE_INTEGER size{};
+        atEnd_ = GetFileSizeEx(handle_.get(), &size) != 0 && size.QuadPart <= position_;
+        return atEnd_ ? 0 : alignNoMore();
+    }
+
+    std::uint32_t readBlock(DWORD& count) {
+        if (ReadFile(handle_.get(), block_.get(), blockBytes, &count, nullptr) != 0) return 0;
+        const DWORD error = GetLastError();
+        return error == ERROR_HANDLE_EOF ? 0 : error;
+    }
+
+    /// Goes on with what the system remembers, where the disk cannot be read by whole sectors.
+    std::uint32_t alignNoMore() {
+        constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+        UniqueHandle again(
+            ReOpenFile(handle_.get(), GENERIC_READ, shareAll, FILE_FLAG_SEQUENTIAL_SCAN));
+        if (!again.valid()) return GetLastError();
+        LARGE_INTEGER place{};
+        place.QuadPart = position_;
+        if (SetFilePointerEx(again.get(), place, nullptr, FILE_BEGIN) == 0) return GetLastError();
+        handle_ = std::move(again);
+        isAligned_ = false;
         return 0;
     }
 
@@ -67,6 +93,8 @@ class FileContent final : public Content {
         static_cast<char*>(::operator new (blockBytes, std::align_val_t{sectorBytes}))};
     std::size_t begin_ = 0;  // of what the block holds and nobody has taken
     std::size_t end_ = 0;
+    LONGLONG position_ = 0;  // in the file, behind the block
+    bool isAligned_ = true;
     bool atEnd_ = false;
 };
 

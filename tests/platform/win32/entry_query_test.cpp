@@ -63,6 +63,7 @@ TEST(MountedFolder, IsADirectoryThatLeadsToAVolume) {
 
 TEST(MountedFolder, IsNoLinkToAnotherDirectory) {
     EXPECT_FALSE(leadsToVolume(reparseRecord(mountPointTag, LR"(\??\D:\Photos)", LR"(D:\Photos)")));
+    EXPECT_FALSE(leadsToVolume(reparseRecord(mountPointTag, volume + L"Photos", L"")));
     EXPECT_FALSE(leadsToVolume(reparseRecord(symbolicLinkTag, volume, L"")));
 }
 
